@@ -1,0 +1,8 @@
+# Debian 12 packages that each job needs; sourced by ./demo and ./check.
+build_packages=(cmake ninja-build gcc g++ pkg-config)
+tool_packages=(libcli11-dev nlohmann-json3-dev libfmt-dev libgraphicsmagick1-dev libcairo2-dev)
+test_packages=(libgtest-dev binutils)
+clang_packages=(clang libclang-rt-14-dev)
+format_packages=(clang-format)
+i386_packages=(gcc-multilib g++-multilib)
+bench_packages=(libbenchmark-dev)
