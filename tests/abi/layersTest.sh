@@ -1,0 +1,58 @@
+#!/usr/bin/env bash
+# What the compiler cannot see of the layering: a layer includes no public header of a higher one, heap memory comes
+# from the frame alone, and the library neither prints, throws nor jumps.
+set -u
+cd "$1" || exit 1
+failed=0
+
+refuse() { # what, pattern, files...
+  local what=$1 pattern=$2
+  shift 2
+  local file hits
+  for file in "$@"; do
+    hits=$(sed 's://.*$::' "$file" | grep -nE "$pattern")
+    if [ -n "$hits" ]; then
+      printf '%s in %s:\n%s\n' "$what" "$file" "$hits"
+      failed=1
+    fi
+  done
+}
+
+# layer folder, public headers it may include besides base.h
+check_layer() {
+  local folder=$1 allowed=$2 files
+  files=$(find "$folder" -name '*.cpp' -o -name '*.h')
+  [ -n "$files" ] || { echo "no sources in $folder"; failed=1; return; }
+  local hits
+  # shellcheck disable=SC2086
+  hits=$(grep -nE '#include "zelm(Lib|/)' $files /dev/null | grep -vE "\"zelm/(base|$allowed)\.h\"")
+  if [ -n "$hits" ]; then
+    printf '%s includes a public header of a higher layer:\n%s\n' "$folder" "$hits"
+    failed=1
+  fi
+}
+
+check_layer src/frame 'image'
+check_layer src/mat 'mat'
+check_layer src/math 'math'
+check_layer src/fit 'fit|mat|math'
+check_layer src/bin 'bin'
+check_layer src/edge 'edge1d'
+check_layer src/calib 'calib|mat|math'
+check_layer 3DLib/zelmLib/zelm2View 'twoView|calib|fit|bin|edge1d|mat|math|image'
+
+sources=$(find src 3DLib -name '*.cpp' -o -name '*.h')
+outside_frame=$(echo "$sources" | grep -vE '^src/frame/(alloc|assertion)\.cpp$')
+# shellcheck disable=SC2086
+{
+  refuse "heap memory past the allocation seam" '\b(malloc|calloc|realloc|free) *\(|\bnew +[A-Za-z]|\bdelete +[A-Za-z[]|std::(vector|string|map|unique_ptr)' $outside_frame
+  refuse "printing, exits or jumps in the library" '\b(printf|fprintf|puts|exit|abort) *\(|std::c(out|err)|\bgoto\b|\bthrow\b|\bcatch\b' $outside_frame
+  refuse "switched-off code" '^ *# *if +0' $sources
+}
+
+duplicates=$(git ls-files 'src/*' '3DLib/*' 'tests/*' 'tools/*' 'bench/*' | grep -E '\.(cpp|h)$' | xargs -n1 basename | sort | uniq -d)
+if [ -n "$duplicates" ]; then
+  echo "file names that are not unique in the tree: $duplicates"
+  failed=1
+fi
+exit $failed
