@@ -10,8 +10,8 @@ add_library(zelmLib SHARED ${zelm_objects} $<TARGET_OBJECTS:zelm_alloc>)
 add_library(zelmLibStatic STATIC ${zelm_objects} $<TARGET_OBJECTS:zelm_alloc>)
 set_target_properties(zelmLib PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION 1 OUTPUT_NAME zelmLib LINKER_LANGUAGE C)
 set_target_properties(zelmLibStatic PROPERTIES OUTPUT_NAME zelmLib LINKER_LANGUAGE C)
-target_link_libraries(zelmLib PRIVATE zelm_options m)
-target_link_libraries(zelmLibStatic PRIVATE zelm_options PUBLIC m)
+target_link_libraries(zelmLib PRIVATE $<BUILD_INTERFACE:zelm_options> m)
+target_link_libraries(zelmLibStatic PRIVATE $<BUILD_INTERFACE:zelm_options> PUBLIC m)
 target_link_options(zelmLib PRIVATE
   -Wl,--version-script=${PROJECT_SOURCE_DIR}/cmake/exports.map
   $<$<NOT:$<BOOL:${ZELM_SANITIZE}>>:-Wl,--no-undefined>)

@@ -1,0 +1,29 @@
+#!/usr/bin/env bash
+# An installed library is found by find_package(zelmLib) and by pkg-config, and a user's program links and runs.
+set -eu
+build=$1
+source=$2
+work=$(mktemp -d)
+trap 'rm -rf "$work"' EXIT
+cmake --install "$build" --prefix "$work/prefix" >/dev/null
+mkdir "$work/user"
+cp "$source/tests/abi/cClient.c" "$work/user/"
+cat >"$work/user/CMakeLists.txt" <<'TXT'
+cmake_minimum_required(VERSION 3.22)
+project(user C)
+find_package(zelmLib 1 REQUIRED)
+add_executable(user cClient.c)
+target_link_libraries(user PRIVATE zelm::zelmLib)
+add_executable(userStatic cClient.c)
+target_link_libraries(userStatic PRIVATE zelm::zelmLibStatic)
+TXT
+cmake -S "$work/user" -B "$work/user/build" -DCMAKE_PREFIX_PATH="$work/prefix" -DCMAKE_C_FLAGS="${3:-}" >/dev/null
+cmake --build "$work/user/build" >/dev/null
+"$work/user/build/user"
+"$work/user/build/userStatic"
+if command -v pkg-config >/dev/null; then
+  flags=$(PKG_CONFIG_PATH=$(dirname "$(find "$work/prefix" -name zelmLib.pc)") pkg-config --define-variable=prefix="$work/prefix" --cflags --libs zelmLib)
+  # shellcheck disable=SC2086
+  cc ${3:-} "$source/tests/abi/cClient.c" $flags -o "$work/userPc"
+  LD_LIBRARY_PATH=$(dirname "$(find "$work/prefix" -name libzelmLib.so)") "$work/userPc"
+fi
