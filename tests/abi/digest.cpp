@@ -1,0 +1,250 @@
+// Prints a digest of the bits of many results, so that builds by different compilers and at different optimisation
+// levels can be compared. With --families: one digest a family, to see where builds part.
+#include <cstdio>
+#include <cstring>
+#include <string>
+#include <vector>
+
+#include "random.h"
+#include "zelmLib.h"
+
+namespace {
+
+using zelmtest::Random;
+
+// FNV-1a over bytes.
+class Digest {
+public:
+    void add(const void* data, std::size_t bytes) {
+        const auto* const p = static_cast<const unsigned char*>(data);
+        for (std::size_t i = 0; i < bytes; ++i) {
+            hash = (hash ^ p[i]) * 0x100000001B3ULL;
+        }
+    }
+    void add(double value) { add(&value, sizeof value); }
+    void add(std::int32_t value) { add(&value, sizeof value); }
+    void add(const std::vector<double>& values) { add(values.data(), values.size() * sizeof(double)); }
+    [[nodiscard]] std::uint64_t value() const { return hash; }
+
+private:
+    std::uint64_t hash = 0xCBF29CE484222325ULL;
+};
+
+std::vector<double> randomValues(Random& random, int count, double low, double high) {
+    std::vector<double> values(static_cast<std::size_t>(count));
+    for (double& value : values) {
+        value = random.uniform(low, high);
+    }
+    return values;
+}
+
+void digestMat(Digest& digest) {
+    Random random(1);
+    for (int round = 0; round < 400; ++round) {
+        const int n = random.integer(1, 9);
+        const int m = n + random.integer(0, 20);
+        const auto count = [](int rows, int cols) { return static_cast<std::size_t>(rows * cols); };
+        const auto a = randomValues(random, m * n, -10.0, 10.0);
+        std::vector<double> normal(count(n, n));
+        zelmMatMulTransposed(1, m, n, a.data(), normal.data());
+        digest.add(normal);
+        std::vector<double> out(count(n, n));
+        digest.add(zelmMatInvert(n, normal.data(), out.data()));
+        digest.add(out);
+        digest.add(zelmMatCholeskyDecomp(n, normal.data(), out.data()));
+        digest.add(out);
+        std::vector<double> values(count(n, 1));
+        digest.add(zelmMatJacobiEigen(n, normal.data(), values.data(), out.data()));
+        digest.add(values);
+        digest.add(out);
+        std::vector<double> u(count(m, n));
+        digest.add(zelmMatSVD(m, n, a.data(), u.data(), values.data(), out.data()));
+        digest.add(u);
+        digest.add(values);
+        digest.add(out);
+        const auto b = randomValues(random, m, -1.0, 1.0);
+        digest.add(zelmMatSolveSVD(m, n, a.data(), b.data(), values.data()));
+        digest.add(values);
+    }
+}
+
+void digestMath(Digest& digest) {
+    Random random(2);
+    for (int round = 0; round < 2000; ++round) {
+        const auto v = randomValues(random, 9, -5.0, 5.0);
+        std::vector<double> out(9);
+        zelmMathInvMatrixOfSyn3X3(v.data(), out.data());
+        digest.add(out);
+        digest.add(zelmMathCalcAngle(3, v.data(), v.data() + 3, out.data()));
+        zelmMathComposeCoord(v[0], v[1], v[2], v[3], v[4], v[5], &out[0], &out[1], &out[2]);
+        digest.add(zelmMathCrossPoint(v[0], v[1], v[2], v[3], v[4], v[5], &out[3], &out[4]));
+        zelmMathTransAbcToRq(v[0], v[1], v[2], &out[5], &out[6]);
+        digest.add(zelmMathAddAngle(1, 0, v[7] * 3.0, v[8] * 3.0));
+        digest.add(out);
+    }
+}
+
+void digestFit(Digest& digest) {
+    Random random(3);
+    for (int round = 0; round < 300; ++round) {
+        const int n = random.integer(8, 60);
+        std::vector<Point2d> points(static_cast<std::size_t>(n));
+        std::vector<Point3d> spatial(points.size());
+        for (std::size_t i = 0; i < points.size(); ++i) {
+            const double angle = random.uniform(0.0, 6.28);
+            points[i] = {100.0 + 12.0 * std::cos(angle) + 0.1 * random.normal(),
+                         80.0 + 9.0 * std::sin(angle) + 0.1 * random.normal()};
+            spatial[i] = {points[i].x, points[i].y, 0.3 * points[i].x - points[i].y + 0.2 * random.normal()};
+        }
+        const int robust = round % 2;
+        Ellipse2d ellipse{};
+        digest.add(zelmFitEllipse(n, points.data(), robust, 3.0, &ellipse));
+        digest.add(&ellipse, sizeof ellipse);
+        Circle2d circle{};
+        digest.add(zelmFitCircle(n, points.data(), robust, 3.0, &circle));
+        digest.add(&circle, sizeof circle);
+        Line2d line{};
+        digest.add(zelmFitLine(n, points.data(), robust, 3.0, &line));
+        digest.add(&line, sizeof line);
+        std::vector<double> out(6);
+        digest.add(zelmFitPlane(n, spatial.data(), robust, 3.0, out.data()));
+        digest.add(zelmFitConics(n, points.data(), robust, 3.0, out.data()));
+        digest.add(out);
+    }
+}
+
+void digestImages(Digest& digest) {
+    Random random(4);
+    constexpr std::int32_t kSize = 96;
+    std::vector<std::uint8_t> pixels(kSize * kSize);
+    for (int round = 0; round < 40; ++round) {
+        const double cx = random.uniform(40.0, 56.0);
+        const double cy = random.uniform(40.0, 56.0);
+        for (std::int32_t y = 0; y < kSize; ++y) {
+            for (std::int32_t x = 0; x < kSize; ++x) {
+                const double d = 20.0 - std::sqrt((x - cx) * (x - cx) + (y - cy) * (y - cy));
+                const double gray = 60.0 + 120.0 / (1.0 + std::exp(-2.0 * d)) + 1.5 * random.normal();
+                pixels[static_cast<std::size_t>(y * kSize + x)] = static_cast<std::uint8_t>(gray);
+            }
+        }
+        const ZelmImage image{pixels.data(), kSize, kSize};
+        const ZelmRect region{0, 0, kSize, kSize};
+        const std::int32_t threshold = zelmBinOtsuThresholdImage(&image, &region);
+        digest.add(threshold);
+        ZelmBlob* blobs = nullptr;
+        std::int32_t count = 0;
+        digest.add(zelmBinBlob(&image, &region, threshold, 1, 1, 1, &blobs, &count));
+        for (std::int32_t i = 0; i < count; ++i) {
+            digest.add(blobs[i].area);
+            digest.add(blobs[i].cx);
+            digest.add(blobs[i].angle);
+        }
+        zelmBinFree(&blobs);
+        for (int ray = 0; ray < 20; ++ray) {
+            const double angle = 0.314 * ray;
+            const Point2d from{cx, cy};
+            const Point2d to{cx + 38.0 * std::cos(angle), cy + 38.0 * std::sin(angle)};
+            Point2d edge{};
+            double strength = 0.0;
+            digest.add(zelmEdge1dGenDiffMax(&image, &from, &to, 0, &edge, &strength));
+            digest.add(edge.x);
+            digest.add(edge.y);
+            digest.add(strength);
+        }
+    }
+}
+
+struct SyntheticView {
+    std::vector<Point2d> plane;
+    std::vector<Point2d> image;
+};
+
+SyntheticView makeView(Random& random, const ZelmCameraIntrinsics& camera, std::int32_t model, double tilt) {
+    ZelmCameraExtrinsics pose{};
+    pose.r[0] = tilt * random.uniform(-1.0, 1.0);
+    pose.r[1] = tilt * random.uniform(-1.0, 1.0);
+    pose.r[2] = random.uniform(-0.3, 0.3);
+    zelmCalibRodrigues(0, pose.r, pose.R);
+    pose.t[0] = random.uniform(-5.0, 5.0);
+    pose.t[1] = random.uniform(-5.0, 5.0);
+    pose.t[2] = 450.0;
+    SyntheticView view;
+    for (int y = -5; y <= 5; ++y) {
+        for (int x = -6; x <= 6; ++x) {
+            const Point3d dot{10.0 * x, 10.0 * y, 0.0};
+            Point2d pixel{};
+            zelmCalibChange3Dto2D(&dot, &camera, &pose, &pixel, model);
+            view.plane.push_back({dot.x, dot.y});
+            view.image.push_back({pixel.x + 0.05 * random.normal(), pixel.y + 0.05 * random.normal()});
+        }
+    }
+    return view;
+}
+
+void digestCalib(Digest& digest) {
+    Random random(5);
+    ZelmCameraIntrinsics camera{{1690.0, 0.0, 640.0, 0.0, 1688.0, 480.0, 0.0, 0.0, 1.0},
+                                1690.0,
+                                1688.0,
+                                0.0,
+                                640.0,
+                                480.0,
+                                0.0,
+                                -0.12,
+                                0.05,
+                                {}};
+    for (int round = 0; round < 6; ++round) {
+        std::vector<SyntheticView> views;
+        std::vector<Zelm2ViewPtnEntry> entries;
+        for (int i = 0; i < 6; ++i) {
+            views.push_back(makeView(random, camera, 0, 0.5));
+        }
+        for (SyntheticView& view : views) {
+            entries.push_back({static_cast<std::int32_t>(view.plane.size()), view.plane.data(), view.image.data()});
+        }
+        ZelmCameraIntrinsics found{};
+        std::vector<ZelmCameraExtrinsics> poses(views.size());
+        double error = 0.0;
+        digest.add(
+            zelmCalibCameraParam(6, entries.data(), round % 2 == 0 ? 3.5 : -1.0, &found, poses.data(), &error, 0));
+        digest.add(&found, sizeof found);
+        digest.add(poses.data(), poses.size() * sizeof(ZelmCameraExtrinsics));
+        digest.add(error);
+        for (int i = 0; i < 200; ++i) {
+            double x = 0.0;
+            double y = 0.0;
+            digest.add(
+                zelmCalibUnDistortPoint(&found, random.uniform(0.0, 1280.0), random.uniform(0.0, 960.0), &x, &y));
+            digest.add(x);
+            digest.add(y);
+        }
+    }
+}
+
+struct Family {
+    const char* name;
+    void (*run)(Digest&);
+};
+
+constexpr Family kFamilies[] = {
+    {"mat", digestMat}, {"math", digestMath}, {"fit", digestFit}, {"images", digestImages}, {"calib", digestCalib}};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    const bool byFamily = argc > 1 && std::string(argv[1]) == "--families";
+    Digest all;
+    for (const Family& family : kFamilies) {
+        Digest digest;
+        family.run(digest);
+        const std::uint64_t value = digest.value();
+        all.add(&value, sizeof value);
+        if (byFamily) {
+            std::printf("%-8s %016llx\n", family.name, static_cast<unsigned long long>(value));
+        }
+    }
+    if (!byFamily) {
+        std::printf("%016llx\n", static_cast<unsigned long long>(all.value()));
+    }
+    return 0;
+}
