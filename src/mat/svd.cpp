@@ -1,0 +1,399 @@
+// Singular value decomposition after Golub and Reinsch: Householder reduction to bidiagonal form, then implicitly
+// shifted QR steps on it.
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <utility>
+
+#include "heapSort.h"
+#include "workBuffer.h"
+#include "zelm/mat.h"
+
+namespace zelm {
+namespace {
+
+using Index = std::ptrdiff_t;
+
+constexpr int kMostPasses = 30;  // QR passes for one singular value
+
+double hypotenuse(double a, double b) {
+    const double x = std::fabs(a);
+    const double y = std::fabs(b);
+    if (x > y) {
+        return x * std::sqrt(1.0 + (y / x) * (y / x));
+    }
+    return y == 0.0 ? 0.0 : y * std::sqrt(1.0 + (x / y) * (x / y));
+}
+
+// The rotation that turns (f, h) into (length, 0); keeps the present one when both are zero.
+struct Rotation {
+    double c = 1.0;
+    double s = 1.0;
+
+    double turn(double f, double h) {
+        const double length = hypotenuse(f, h);
+        if (length != 0.0) {
+            c = f / length;
+            s = h / length;
+        }
+        return length;
+    }
+    void apply(double& x, double& y) const {
+        const double turned = x * c + y * s;
+        y = y * c - x * s;
+        x = turned;
+    }
+};
+
+// A = U diag(w) V, in the making. e is the superdiagonal, e[0] = 0. V holds right singular vectors as rows.
+struct Svd {
+    Index m;
+    Index n;
+    double* u;
+    double* w;
+    double* v;      // n x n or null
+    double* e;      // n
+    double* dots;   // n, scratch
+    bool wantLeft;  // whether u is to become the left singular vectors
+    double anorm = 0.0;
+
+    double& U(Index i, Index j) const { return u[i * n + j]; }
+    double& V(Index i, Index j) const { return v[i * n + j]; }
+
+    // dots[j] = sum over rows k in [from, m) of U(k, i) * U(k, j), for j > i.
+    void columnDots(Index i, Index from) const {
+        std::fill(dots + i + 1, dots + n, 0.0);
+        for (Index k = from; k < m; ++k) {
+            for (Index j = i + 1; j < n; ++j) {
+                dots[j] += U(k, i) * U(k, j);
+            }
+        }
+    }
+    // U(k, j) += dots[j] * U(k, i) for rows k in [i, m) and columns j > i.
+    void addColumn(Index i) const {
+        for (Index k = i; k < m; ++k) {
+            for (Index j = i + 1; j < n; ++j) {
+                U(k, j) += dots[j] * U(k, i);
+            }
+        }
+    }
+
+    // Clears column i below the diagonal; returns the diagonal entry that takes its place.
+    [[nodiscard]] double reflectColumn(Index i) const {
+        double scale = 0.0;
+        for (Index k = i; k < m; ++k) {
+            scale += std::fabs(U(k, i));
+        }
+        if (scale == 0.0) {
+            return 0.0;
+        }
+        double s = 0.0;
+        for (Index k = i; k < m; ++k) {
+            U(k, i) /= scale;
+            s += U(k, i) * U(k, i);
+        }
+        const double f = U(i, i);
+        const double g = -std::copysign(std::sqrt(s), f);
+        const double h = f * g - s;
+        U(i, i) = f - g;
+        columnDots(i, i);
+        for (Index j = i + 1; j < n; ++j) {
+            dots[j] /= h;
+        }
+        addColumn(i);
+        for (Index k = i; k < m; ++k) {
+            U(k, i) *= scale;
+        }
+        return scale * g;
+    }
+
+    // Clears row i right of the superdiagonal; returns the superdiagonal entry that takes its place.
+    [[nodiscard]] double reflectRow(Index i) const {
+        double scale = 0.0;
+        for (Index k = i + 1; k < n; ++k) {
+            scale += std::fabs(U(i, k));
+        }
+        if (scale == 0.0) {
+            return 0.0;
+        }
+        double s = 0.0;
+        for (Index k = i + 1; k < n; ++k) {
+            U(i, k) /= scale;
+            s += U(i, k) * U(i, k);
+        }
+        const double f = U(i, i + 1);
+        const double g = -std::copysign(std::sqrt(s), f);
+        const double h = f * g - s;
+        U(i, i + 1) = f - g;
+        for (Index j = i + 1; j < m; ++j) {
+            double dot = 0.0;
+            for (Index k = i + 1; k < n; ++k) {
+                dot += U(j, k) * U(i, k);
+            }
+            for (Index k = i + 1; k < n; ++k) {
+                U(j, k) += dot * (U(i, k) / h);
+            }
+        }
+        for (Index k = i + 1; k < n; ++k) {
+            U(i, k) *= scale;
+        }
+        return scale * g;
+    }
+
+    // False when the matrix is not finite, or so large that its norm is not.
+    [[nodiscard]] bool bidiagonalise() {
+        bool finite = true;
+        e[0] = 0.0;
+        for (Index i = 0; i < n; ++i) {
+            w[i] = reflectColumn(i);
+            const double norm = std::fabs(w[i]) + std::fabs(e[i]);
+            finite = finite && std::isfinite(norm);
+            anorm = std::max(anorm, norm);
+            if (i + 1 < n) {
+                e[i + 1] = reflectRow(i);
+            }
+        }
+        return finite;
+    }
+
+    void accumulateRight() const {
+        for (Index i = n - 1; i >= 0; --i) {
+            std::fill_n(&V(i, 0), n, 0.0);
+            V(i, i) = 1.0;
+            if (i + 1 == n) {
+                continue;
+            }
+            double* const reflector = &V(i, 0);  // row i serves as scratch until it is set below
+            for (Index k = i + 1; k < n; ++k) {
+                V(k, i) = 0.0;
+            }
+            const double g = e[i + 1];
+            if (g == 0.0) {
+                continue;
+            }
+            for (Index k = i + 1; k < n; ++k) {
+                reflector[k] = (U(i, k) / U(i, i + 1)) / g;  // two divisions keep clear of underflow
+            }
+            for (Index j = i + 1; j < n; ++j) {
+                double dot = 0.0;
+                for (Index k = i + 1; k < n; ++k) {
+                    dot += U(i, k) * V(j, k);
+                }
+                for (Index k = i + 1; k < n; ++k) {
+                    V(j, k) += dot * reflector[k];
+                }
+            }
+            std::fill(reflector + i + 1, reflector + n, 0.0);
+        }
+    }
+
+    void accumulateLeft() const {
+        for (Index i = n - 1; i >= 0; --i) {
+            const double g = w[i];
+            std::fill(&U(i, 0) + i + 1, &U(i, 0) + n, 0.0);
+            if (g != 0.0) {
+                columnDots(i, i + 1);
+                for (Index j = i + 1; j < n; ++j) {
+                    dots[j] = (dots[j] / U(i, i)) / g;
+                }
+                addColumn(i);
+                for (Index k = i; k < m; ++k) {
+                    U(k, i) /= g;
+                }
+            } else {
+                for (Index k = i; k < m; ++k) {
+                    U(k, i) = 0.0;
+                }
+            }
+            U(i, i) += 1.0;
+        }
+    }
+
+    [[nodiscard]] bool negligible(double x) const { return std::fabs(x) + anorm == anorm; }
+
+    void rotateLeft(const Rotation& rotation, Index i, Index j) const {
+        if (wantLeft) {
+            for (Index k = 0; k < m; ++k) {
+                rotation.apply(U(k, i), U(k, j));
+            }
+        }
+    }
+    void rotateRight(const Rotation& rotation, Index i, Index j) const {
+        if (v != nullptr) {
+            for (Index k = 0; k < n; ++k) {
+                rotation.apply(V(i, k), V(j, k));
+            }
+        }
+    }
+
+    // First index of the unreduced block that ends at k.
+    [[nodiscard]] Index blockStart(Index k) const {
+        for (Index l = k; l > 0; --l) {
+            if (negligible(e[l])) {
+                return l;
+            }
+            if (negligible(w[l - 1])) {
+                cancelSuperdiagonal(l, k);
+                return l;
+            }
+        }
+        return 0;
+    }
+
+    // Rotates e[l] away, whose diagonal neighbour w[l - 1] is negligible.
+    void cancelSuperdiagonal(Index l, Index k) const {
+        double c = 0.0;
+        double s = 1.0;
+        for (Index i = l; i <= k; ++i) {
+            const double f = s * e[i];
+            e[i] = c * e[i];
+            if (negligible(f)) {
+                break;
+            }
+            const double h = hypotenuse(f, w[i]);
+            c = w[i] / h;
+            s = -f / h;
+            w[i] = h;
+            rotateLeft({c, s}, l - 1, i);
+        }
+    }
+
+    // One implicitly shifted QR step on the block [l, k], l < k.
+    void qrStep(Index l, Index k) const {
+        const double z = w[k];
+        const double y = w[k - 1];
+        const double g0 = e[k - 1];
+        const double h0 = e[k];
+        // The shift of the bottom 2 x 2 minor, written so that no square can overflow.
+        double f = 0.5 * (((g0 + z) / h0) * ((g0 - z) / y) + y / h0 - h0 / y);
+        double x = w[l];
+        f = x - (z / x) * z + (h0 / x) * (y / (f + std::copysign(hypotenuse(f, 1.0), f)) - h0);
+        Rotation rotation;
+        for (Index j = l; j < k; ++j) {
+            double g = rotation.c * e[j + 1];
+            double h = rotation.s * e[j + 1];
+            double below = w[j + 1];
+            e[j] = rotation.turn(f, h);
+            f = x;
+            rotation.apply(f, g);
+            h = below * rotation.s;
+            below *= rotation.c;
+            rotateRight(rotation, j, j + 1);
+            w[j] = rotation.turn(f, h);
+            f = g;
+            x = below;
+            rotation.apply(f, x);
+            rotateLeft(rotation, j, j + 1);
+        }
+        e[l] = 0.0;
+        e[k] = f;
+        w[k] = x;
+    }
+
+    // False when a singular value needs more than kMostPasses passes.
+    [[nodiscard]] bool diagonalise() const {
+        for (Index k = n - 1; k >= 0; --k) {
+            for (int pass = 1;; ++pass) {
+                const Index l = blockStart(k);
+                if (l == k) {
+                    break;
+                }
+                if (pass == kMostPasses) {
+                    return false;
+                }
+                qrStep(l, k);
+            }
+            makeNonNegative(k);
+        }
+        return true;
+    }
+
+    void makeNonNegative(Index k) const {
+        if (w[k] < 0.0) {
+            w[k] = -w[k];
+            if (v != nullptr) {
+                for (Index j = 0; j < n; ++j) {
+                    V(k, j) = -V(k, j);
+                }
+            }
+        }
+    }
+};
+
+// Entry j of a strided vector becomes the old entry index[j]; scratch holds as many entries.
+void permute(const WorkBuffer<std::int32_t>& index, double* entries, std::size_t stride, WorkBuffer<double>& scratch) {
+    for (std::size_t j = 0; j < index.size(); ++j) {
+        scratch[j] = entries[static_cast<std::size_t>(index[j]) * stride];
+    }
+    for (std::size_t j = 0; j < index.size(); ++j) {
+        entries[j * stride] = scratch[j];
+    }
+}
+
+// Sorts w descending, columns of u and rows of v (either may be null) with it.
+std::int32_t sortDescending(std::size_t m, std::size_t n, double* u, double* w, double* v) {
+    if (u == nullptr && v == nullptr) {
+        innerHeapSortDescending(static_cast<std::int32_t>(n), w, nullptr);
+        return ZELM_OK;
+    }
+    WorkBuffer<std::int32_t> index(n);
+    WorkBuffer<double> scratch(n);
+    if (!index.ok() || !scratch.ok()) {
+        return ZELM_ERR_MEMORY;
+    }
+    for (std::size_t j = 0; j < n; ++j) {
+        index[j] = static_cast<std::int32_t>(j);
+    }
+    innerHeapSortDescending(static_cast<std::int32_t>(n), w, index.data());
+    for (std::size_t i = 0; u != nullptr && i < m; ++i) {
+        permute(index, u + i * n, 1, scratch);
+    }
+    for (std::size_t i = 0; v != nullptr && i < n; ++i) {
+        permute(index, v + i, n, scratch);
+    }
+    return ZELM_OK;
+}
+
+}  // namespace
+}  // namespace zelm
+
+int32_t zelmMatSVD(int32_t iM, int32_t iN, const double* daA, double* daU, double* daW, double* daV) {
+    using zelm::WorkBuffer;
+    if (daU == nullptr && daW == nullptr && daV == nullptr) {
+        return ZELM_OK;
+    }
+    if (iM < iN) {
+        return ZELM_ERR_SVD_FAILED;
+    }
+    if (iN < 1) {
+        return ZELM_OK;
+    }
+    const auto m = static_cast<std::size_t>(iM);
+    const auto n = static_cast<std::size_t>(iN);
+    WorkBuffer<double> vectors(daW == nullptr ? 3 : 2, n);  // superdiagonal, scratch and singular values
+    WorkBuffer<double> ownU;
+    if (daU == nullptr) {
+        ownU = WorkBuffer<double>(m, n);
+    }
+    double* const u = daU != nullptr ? daU : ownU.data();
+    if (!vectors.ok() || u == nullptr) {
+        return ZELM_ERR_MEMORY;
+    }
+    double* const e = vectors.data();
+    double* const w = daW != nullptr ? daW : e + 2 * n;
+    std::copy_n(daA, m * n, u);
+    zelm::Svd svd{iM, iN, u, w, daV, e, e + n, daU != nullptr};
+    if (!svd.bidiagonalise()) {
+        return ZELM_ERR_SVD_FAILED;
+    }
+    if (daV != nullptr) {
+        svd.accumulateRight();
+    }
+    if (daU != nullptr) {
+        svd.accumulateLeft();
+    }
+    if (!svd.diagonalise()) {
+        return ZELM_ERR_SVD_FAILED;
+    }
+    return zelm::sortDescending(m, n, daU, w, daV);
+}
