@@ -1,0 +1,23 @@
+// Sub-pixel position of one edge in a profile.
+#ifndef ZELM_EDGE_SUBPIXEL_H
+#define ZELM_EDGE_SUBPIXEL_H
+
+#include <cstdint>
+
+#include "edgeProfile.h"
+#include "edgeSelect.h"
+
+namespace zelm {
+
+struct EdgePosition {
+    double sample;    // sample index along the segment
+    double strength;  // largest derivative, gray levels a sample
+};
+
+// 1 with the position, 0 when the derivative has no clear maximum, ZELM_ERR_MEMORY when the filter leaves the profile.
+// Overwrites the profile around the edge.
+int32_t locateEdge(EdgeProfile& profile, const EdgeCandidate& edge, int32_t iFilterSize, EdgePosition& position);
+
+}  // namespace zelm
+
+#endif
