@@ -7,11 +7,13 @@ namespace zelm {
 namespace {
 
 // Whether the minRun steps from sample i on are flat: each within the tolerance, or all their samples within the band.
-bool isFlatRun(std::span<const int32_t> q, const EdgeFlatness& flatness, int64_t i) {
+// sum: of those samples.
+bool isFlat(std::span<const int32_t> q, const EdgeFlatness& flatness, int64_t i, int64_t& sum) {
     const int32_t* const s = q.data() + i;
     int32_t low = s[0];
     int32_t high = s[0];
     bool small = true;
+    sum = s[0];
     for (int32_t k = 1; k <= flatness.minRun; ++k) {
         low = std::min(low, s[k]);
         high = std::max(high, s[k]);
@@ -19,28 +21,51 @@ bool isFlatRun(std::span<const int32_t> q, const EdgeFlatness& flatness, int64_t
         if (!small && high - low > flatness.band) {
             return false;
         }
+        sum += s[k];
     }
     return true;
+}
+
+enum class Run { none, found, hidesEdge };
+
+Run findRun(std::span<const int32_t> q, const EdgeFlatness& flatness, int64_t from, EdgePlateau& plateau) {
+    const int64_t lastStart = static_cast<int64_t>(q.size()) - 1 - flatness.minRun;
+    const int64_t span = int64_t{flatness.span} * (flatness.minRun + 1);
+    int64_t sum = 0;
+    int64_t i = from;
+    while (i <= lastStart && !isFlat(q, flatness, i, sum)) {
+        ++i;
+    }
+    if (i > lastStart) {
+        return Run::none;
+    }
+    int64_t low = sum;
+    int64_t high = sum;
+    plateau = {i, i + flatness.minRun};
+    for (++i; i <= std::min(lastStart, plateau.end); ++i) {
+        if (!isFlat(q, flatness, i, sum)) {
+            continue;
+        }
+        plateau.end = i + flatness.minRun;
+        low = std::min(low, sum);
+        high = std::max(high, sum);
+        if (high - low >= span && flatness.band > flatness.tolerance) {
+            return Run::hidesEdge;
+        }
+    }
+    return Run::found;
 }
 
 }  // namespace
 
 bool nextEdgePlateau(std::span<const int32_t> q, const EdgeFlatness& flatness, int64_t from, EdgePlateau& plateau) {
-    const int64_t lastStart = static_cast<int64_t>(q.size()) - 1 - flatness.minRun;
-    int64_t i = from;
-    while (i <= lastStart && !isFlatRun(q, flatness, i)) {
-        ++i;
+    EdgeFlatness narrowed = flatness;
+    Run run = findRun(q, narrowed, from, plateau);
+    while (run == Run::hidesEdge) {
+        narrowed.band = std::max(narrowed.band / 2, narrowed.tolerance);
+        run = findRun(q, narrowed, from, plateau);
     }
-    if (i > lastStart) {
-        return false;
-    }
-    plateau = {i, i + flatness.minRun};
-    for (++i; i <= std::min(lastStart, plateau.end); ++i) {
-        if (isFlatRun(q, flatness, i)) {
-            plateau.end = i + flatness.minRun;
-        }
-    }
-    return true;
+    return run == Run::found;
 }
 
 }  // namespace zelm

@@ -12,15 +12,17 @@ struct EdgePlateau {
     int64_t end;    // last sample
 };
 
-// What counts as flat.
+// What counts as flat. All but minRun in gray levels.
 struct EdgeFlatness {
-    int32_t tolerance;  // two neighbours that differ by at most this are flat, gray levels
-    int32_t band;       // samples that stay together within this are flat too, gray levels; >= tolerance
+    int32_t tolerance;  // two neighbours that differ by at most this are flat
+    int32_t band;       // samples that stay together within this are flat too; >= tolerance
+    int32_t span;       // a plateau whose level, a mean over minRun + 1 samples, moves by this much hides an edge
     int32_t minRun;     // steps that confirm a plateau; >= 1
 };
 
-// Finds the first plateau that begins at or after from: a run of at least minRun flat steps, as long as it gets. False
-// when there is none.
+// Finds the first plateau that begins at or after from: a run of at least minRun flat steps, as long as it gets. Where
+// its level would move by the span, the band is halved until it does not or the bare tolerance is left. False when
+// there is none.
 bool nextEdgePlateau(std::span<const int32_t> q, const EdgeFlatness& flatness, int64_t from, EdgePlateau& plateau);
 
 }  // namespace zelm

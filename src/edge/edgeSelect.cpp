@@ -8,7 +8,10 @@
 namespace zelm {
 namespace {
 
-constexpr int32_t kBandDivisor = 3;  // the widest band of a plateau is this part of the edge threshold
+// The band in which samples count as flat, as a part of the edge threshold: as wide as leaves an edge of a blur of 1.5
+// pixels standing out, so that noise hides as few plateaus as can be.
+constexpr int32_t kBandNumerator = 2;
+constexpr int32_t kBandDenominator = 3;
 
 int32_t signOf(int32_t value) {
     return (value > 0) - (value < 0);
@@ -73,7 +76,7 @@ bool isBetter(const EdgeCandidate& edge, const EdgeCandidate& best, const EdgeRu
 }
 
 bool selectWithBand(std::span<const int32_t> q, const EdgeRule& rule, int32_t band, EdgeCandidate& best) {
-    const EdgeFlatness flatness = {rule.flatTolerance, band, rule.minFlatRun};
+    const EdgeFlatness flatness = {rule.flatTolerance, band, rule.threshold, rule.minFlatRun};
     EdgePlateau before = {};
     if (!nextEdgePlateau(q, flatness, 0, before)) {
         return false;
@@ -96,9 +99,10 @@ bool selectWithBand(std::span<const int32_t> q, const EdgeRule& rule, int32_t ba
 }  // namespace
 
 bool selectEdge(std::span<const int32_t> q, const EdgeRule& rule, EdgeCandidate& edge) {
-    // Noise asks for a wide band; an edge so blurred that it would pass for a plateau in it asks for a narrow one. The
-    // last pass is the bare tolerance, so that nothing that a strict reading finds is missed.
-    for (int32_t band = rule.threshold / kBandDivisor; band > rule.flatTolerance; band /= 2) {
+    // A plateau that noise feigns halfway up a wide transition can hide the edge. The last walk takes the bare
+    // tolerance, so that nothing that a strict reading finds is missed.
+    int32_t band = static_cast<int32_t>(int64_t{rule.threshold} * kBandNumerator / kBandDenominator);
+    for (; band > rule.flatTolerance; band /= 2) {
         if (selectWithBand(q, rule, band, edge)) {
             return true;
         }
