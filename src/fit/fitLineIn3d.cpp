@@ -1,0 +1,60 @@
+// Line in space by total least squares (Pearson 1901).
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+
+#include "principalAxes.h"
+#include "robustDriver.h"
+#include "zelm/fit.h"
+
+namespace zelm {
+namespace {
+
+constexpr int32_t kMinPoints = 2;
+
+// line: a point, then the unit direction
+int32_t fitLineIn3dSolve(int32_t n, const double* weights, const double* points, double* line) {
+    PrincipalAxes<3> p;
+    if (const auto s = principalAxes<3>(n, weights, points, &p); s < 0) {
+        return s;
+    }
+    std::copy_n(p.centroid, 3, line);
+    std::copy_n(p.axes[0], 3, line + 3);
+    return ZELM_OK;
+}
+
+double dot(const double* a, const double* b) {
+    return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
+}
+
+void fitLineIn3dResidual(int32_t n, const double* points, const double* line, double* residuals) {
+    const double length = std::sqrt(dot(line + 3, line + 3));
+    const double u[3] = {line[3] / length, line[4] / length, line[5] / length};
+    for (size_t i = 0; i < static_cast<size_t>(n); ++i) {
+        const double d[3] = {points[3 * i] - line[0], points[3 * i + 1] - line[1], points[3 * i + 2] - line[2]};
+        const double along = dot(u, d);
+        const double square = dot(d, d) - along * along;
+        residuals[i] = square > 0.0 ? std::sqrt(square) : 0.0;
+    }
+}
+
+}  // namespace
+}  // namespace zelm
+
+int32_t zelmFitLineIn3d(int32_t iN, const Point3d* taPoints, int32_t iRobust, double dThreshold, double* daResult) {
+    double line[6];
+    double t[3];
+    double s;
+    if (const auto status = zelm::innerFitRobust(3, zelm::kMinPoints, iN, reinterpret_cast<const double*>(taPoints),
+                                                 iRobust, daResult != nullptr ? line : nullptr, t, &s,
+                                                 zelm::fitLineIn3dSolve, zelm::fitLineIn3dResidual, dThreshold);
+        status < 0) {
+        return status;
+    }
+    for (size_t c = 0; c < 3; ++c) {
+        daResult[c] = line[c] / s + t[c];
+        daResult[c + 3] = line[c + 3];
+    }
+    return ZELM_OK;
+}
