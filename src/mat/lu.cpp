@@ -14,12 +14,15 @@ namespace {
 
 using Index = std::ptrdiff_t;
 
-// Writes 1 / (largest magnitude) of each row; false when a row holds nothing but zeros.
+// Writes 1 / (largest magnitude) of each row; false when a row holds nothing but zeros, or an entry is not finite.
 bool rowScales(Index n, const double* work, double* scale) {
     for (Index i = 0; i < n; ++i) {
         double largest = 0.0;
         for (Index j = 0; j < n; ++j) {
             const double magnitude = std::fabs(work[i * n + j]);
+            if (!std::isfinite(magnitude)) {
+                return false;
+            }
             largest = magnitude > largest ? magnitude : largest;
         }
         if (largest == 0.0) {

@@ -125,13 +125,16 @@ struct Svd {
         const double g = -std::copysign(std::sqrt(s), f);
         const double h = f * g - s;
         U(i, i + 1) = f - g;
+        for (Index k = i + 1; k < n; ++k) {
+            dots[k] = U(i, k) / h;
+        }
         for (Index j = i + 1; j < m; ++j) {
             double dot = 0.0;
             for (Index k = i + 1; k < n; ++k) {
                 dot += U(j, k) * U(i, k);
             }
             for (Index k = i + 1; k < n; ++k) {
-                U(j, k) += dot * (U(i, k) / h);
+                U(j, k) += dot * dots[k];
             }
         }
         for (Index k = i + 1; k < n; ++k) {
@@ -156,34 +159,31 @@ struct Svd {
         return finite;
     }
 
+    // The reflections are applied as I + p p^T / p_first with p = (reflected vector) / g, which stays in range however
+    // small the matrix is.
     void accumulateRight() const {
         for (Index i = n - 1; i >= 0; --i) {
             std::fill_n(&V(i, 0), n, 0.0);
-            V(i, i) = 1.0;
-            if (i + 1 == n) {
-                continue;
-            }
-            double* const reflector = &V(i, 0);  // row i serves as scratch until it is set below
             for (Index k = i + 1; k < n; ++k) {
                 V(k, i) = 0.0;
             }
-            const double g = e[i + 1];
-            if (g == 0.0) {
+            V(i, i) = 1.0;
+            if (i + 1 == n || e[i + 1] == 0.0) {
                 continue;
             }
+            double* const p = dots;
             for (Index k = i + 1; k < n; ++k) {
-                reflector[k] = (U(i, k) / U(i, i + 1)) / g;  // two divisions keep clear of underflow
+                p[k] = U(i, k) / e[i + 1];
             }
             for (Index j = i + 1; j < n; ++j) {
                 double dot = 0.0;
                 for (Index k = i + 1; k < n; ++k) {
-                    dot += U(i, k) * V(j, k);
+                    dot += p[k] * V(j, k);
                 }
                 for (Index k = i + 1; k < n; ++k) {
-                    V(j, k) += dot * reflector[k];
+                    V(j, k) += dot / p[i + 1] * p[k];
                 }
             }
-            std::fill(reflector + i + 1, reflector + n, 0.0);
         }
     }
 
@@ -191,19 +191,15 @@ struct Svd {
         for (Index i = n - 1; i >= 0; --i) {
             const double g = w[i];
             std::fill(&U(i, 0) + i + 1, &U(i, 0) + n, 0.0);
+            for (Index k = i; k < m; ++k) {
+                U(k, i) = g == 0.0 ? 0.0 : U(k, i) / g;
+            }
             if (g != 0.0) {
                 columnDots(i, i + 1);
                 for (Index j = i + 1; j < n; ++j) {
-                    dots[j] = (dots[j] / U(i, i)) / g;
+                    dots[j] /= U(i, i);
                 }
                 addColumn(i);
-                for (Index k = i; k < m; ++k) {
-                    U(k, i) /= g;
-                }
-            } else {
-                for (Index k = i; k < m; ++k) {
-                    U(k, i) = 0.0;
-                }
             }
             U(i, i) += 1.0;
         }

@@ -1,11 +1,12 @@
 // Wrapping and comparing angles.
 #include <cmath>
+#include <numbers>
 
 #include "zelm/math.h"
 
 namespace {
 
-constexpr double kPi = 3.14159265358979323846;
+constexpr double kPi = std::numbers::pi;
 
 // Periods that are taken off one at a time. Beyond, whole periods come off first in one exact step, so that the loops
 // end after few steps for every finite angle.

@@ -1,13 +1,14 @@
 // Lines a*x + b*y + c = 0 in coefficient form.
 #include <cmath>
 #include <limits>
+#include <numbers>
 
 #include "mathDegenerate.h"
 #include "zelm/math.h"
 
 namespace {
 
-constexpr double kPi = 3.14159265358979323846;
+constexpr double kPi = std::numbers::pi;
 
 struct Direction {
     double v[2];
