@@ -1,0 +1,62 @@
+#include "console.h"
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+
+namespace zelm::tool {
+namespace {
+
+constexpr std::size_t kBarCells = 30;
+
+}  // namespace
+
+void Console::say(std::string_view line) const {
+    if (!json && !quiet) {
+        fmt::print("{}\n", line);
+    }
+}
+
+void Console::result(std::string_view jsonText) const {
+    if (json) {
+        fmt::print("{}\n", jsonText);
+    }
+}
+
+void Console::warn(std::string_view line) const {
+    std::fflush(stdout);
+    fmt::print(stderr, "zelm: warning: {}\n", line);
+}
+
+Progress::Progress(const Console& console, std::string_view text, std::size_t count)
+    : label(text), total(std::max<std::size_t>(count, 1)), visible(!console.quiet && isatty(STDERR_FILENO) == 1) {
+    draw();
+}
+
+Progress::~Progress() {
+    erase();
+}
+
+void Progress::advance() {
+    done = std::min(done + 1, total);
+    draw();
+}
+
+void Progress::erase() {
+    if (visible) {
+        fmt::print(stderr, "\r\033[K");
+        std::fflush(stderr);
+    }
+}
+
+void Progress::draw() const {
+    if (visible) {
+        const std::size_t filled = kBarCells * done / total;
+        fmt::print(stderr, "\r{} [{:#>{}}{:.>{}}] {}/{}", label, "", filled, "", kBarCells - filled, done, total);
+        std::fflush(stderr);
+    }
+}
+
+}  // namespace zelm::tool

@@ -1,0 +1,47 @@
+// What the tool prints: results on stdout, warnings and progress on stderr.
+#ifndef ZELM_TOOL_CONSOLE_H
+#define ZELM_TOOL_CONSOLE_H
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+namespace zelm::tool {
+
+struct Console {
+    bool json = false;   // results as JSON, and nothing else on stdout
+    bool quiet = false;  // no text and no progress; warnings and errors remain
+
+    // A line of text for people; nothing with --json or --quiet.
+    void say(std::string_view line) const;
+    // The result for machines; written with --json only.
+    void result(std::string_view jsonText) const;
+    // One line on stderr.
+    void warn(std::string_view line) const;
+};
+
+// A progress bar on stderr, drawn only on a terminal, erased at the end.
+class Progress {
+public:
+    Progress(const Console& console, std::string_view label, std::size_t total);
+    ~Progress();
+    Progress(const Progress&) = delete;
+    Progress& operator=(const Progress&) = delete;
+
+    // Counts one piece of work as done.
+    void advance();
+    // Removes the bar, for example before a warning; the next advance draws it again.
+    void erase();
+
+private:
+    void draw() const;
+
+    std::string label;
+    std::size_t total;
+    std::size_t done = 0;
+    bool visible;
+};
+
+}  // namespace zelm::tool
+
+#endif

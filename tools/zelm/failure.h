@@ -1,0 +1,40 @@
+// How a subcommand gives up: one line for the user and an exit code.
+#ifndef ZELM_TOOL_FAILURE_H
+#define ZELM_TOOL_FAILURE_H
+
+#include <fmt/format.h>
+
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+namespace zelm::tool {
+
+enum class ExitCode : int {
+    done = 0,
+    data = 1,   // the data did not allow it
+    usage = 2,  // wrong usage
+};
+
+class Failure : public std::runtime_error {
+public:
+    Failure(ExitCode exitCode, const std::string& line) : std::runtime_error(line), code(exitCode) {}
+
+    ExitCode code;
+};
+
+// The data did not allow it: say which file, why, and what to try.
+template <typename... Args>
+[[noreturn]] void failData(fmt::format_string<Args...> line, Args&&... args) {
+    throw Failure(ExitCode::data, fmt::format(line, std::forward<Args>(args)...));
+}
+
+// The command was given something that cannot be meant: say what, and what is expected.
+template <typename... Args>
+[[noreturn]] void failUsage(fmt::format_string<Args...> line, Args&&... args) {
+    throw Failure(ExitCode::usage, fmt::format(line, std::forward<Args>(args)...));
+}
+
+}  // namespace zelm::tool
+
+#endif

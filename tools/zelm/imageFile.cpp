@@ -1,0 +1,223 @@
+#include "imageFile.h"
+
+#include <magick/api.h>
+#include <zelmLib.h>
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <cstring>
+#include <memory>
+#include <string_view>
+
+#include "failure.h"
+#include "outputFiles.h"
+
+namespace zelm::tool {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr unsigned long kLargestSide = 32768;         // pixels
+constexpr magick_int64_t kMostPixels = 256LL << 20U;  // in one image
+constexpr std::size_t kJpegQuality = 95;              //
+constexpr std::string_view kKnownFormats = "PNG, TIFF, JPEG, BMP and PGM";
+
+void startImageLibrary() {
+    static const bool started = [] {
+        ExceptionInfo exception;
+        GetExceptionInfo(&exception);
+        InitializeMagickEx(nullptr, MAGICK_OPT_NO_SIGNAL_HANDER, &exception);
+        DestroyExceptionInfo(&exception);
+        SetMagickResourceLimit(PixelsResource, kMostPixels);
+        SetMagickResourceLimit(WidthResource, static_cast<magick_int64_t>(kLargestSide));
+        SetMagickResourceLimit(HeightResource, static_cast<magick_int64_t>(kLargestSide));
+        SetMagickResourceLimit(DiskResource, 0);
+        return true;
+    }();
+    static_cast<void>(started);
+}
+
+struct Exception : ExceptionInfo {
+    Exception() { GetExceptionInfo(this); }
+    ~Exception() { DestroyExceptionInfo(this); }
+    Exception(const Exception&) = delete;
+    Exception& operator=(const Exception&) = delete;
+};
+
+using ImagePtr = std::unique_ptr<Image, decltype(&DestroyImageList)>;
+using InfoPtr = std::unique_ptr<ImageInfo, decltype(&DestroyImageInfo)>;
+
+// The format is told by the first bytes, never by the name, and only these formats are decoded: image libraries know
+// many more, some of which run programs or fetch files.
+std::string_view formatOf(std::string_view bytes) {
+    using namespace std::string_view_literals;
+    if (bytes.starts_with("\x89PNG\r\n\x1a\n"sv)) {
+        return "PNG";
+    }
+    if (bytes.starts_with("II*\0"sv) || bytes.starts_with("MM\0*"sv) || bytes.starts_with("II+\0"sv) ||
+        bytes.starts_with("MM\0+"sv)) {
+        return "TIFF";
+    }
+    if (bytes.starts_with("\xff\xd8\xff"sv)) {
+        return "JPEG";
+    }
+    if (bytes.starts_with("BM"sv)) {
+        return "BMP";
+    }
+    const bool netpbm = bytes.size() > 2 && bytes[0] == 'P' && std::strchr("2356", bytes[1]) != nullptr &&
+                        (std::isspace(static_cast<unsigned char>(bytes[2])) != 0 || bytes[2] == '#');
+    return netpbm ? "PNM" : "";
+}
+
+InfoPtr newInfo(std::string_view format) {
+    InfoPtr info(CloneImageInfo(nullptr), DestroyImageInfo);
+    std::copy_n(format.begin(), format.size(), info->magick);
+    info->magick[format.size()] = '\0';
+    // A name with the format in front keeps the library from guessing another one.
+    const std::string name = std::string(format) + ":";
+    std::copy_n(name.c_str(), name.size() + 1, info->filename);
+    info->subimage = 0;  // the first frame alone
+    info->subrange = 1;
+    return info;
+}
+
+// Some decoders give what they could read of a damaged file and only warn; half an image is no image.
+bool isDamage(const ExceptionInfo& exception) {
+    return exception.severity >= ErrorException || exception.severity == CorruptImageWarning ||
+           exception.severity == BlobWarning || exception.severity == StreamWarning;
+}
+
+[[noreturn]] void failDamaged(const fs::path& path, std::string_view format, const ExceptionInfo& exception) {
+    failData("{}: not a complete {} image ({}{}{}): export or copy it again", path.string(), format,
+             exception.reason != nullptr ? GetLocaleExceptionMessage(exception.severity, exception.reason)
+                                         : "nothing could be decoded",
+             exception.description != nullptr ? ": " : "",
+             exception.description != nullptr ? exception.description : "");
+}
+
+void checkSize(const fs::path& path, const Image& image) {
+    if (image.columns == 0 || image.rows == 0 || image.columns > kLargestSide || image.rows > kLargestSide ||
+        static_cast<magick_int64_t>(image.columns) * static_cast<magick_int64_t>(image.rows) > kMostPixels) {
+        failData("{}: claims {} x {} pixels; at most {} a side and {} million in all are read: crop or scale it down",
+                 path.string(), image.columns, image.rows, kLargestSide, kMostPixels >> 20U);
+    }
+}
+
+// What a decoder may ask for in the header, before anything is decoded.
+void checkHeader(const fs::path& path, std::string_view format, const std::string& bytes) {
+    Exception exception;
+    const ImagePtr header(PingBlob(newInfo(format).get(), bytes.data(), bytes.size(), &exception), DestroyImageList);
+    if (header != nullptr) {
+        checkSize(path, *header);
+    } else if (exception.severity == ResourceLimitError) {
+        failData("{}: too large an image: at most {} pixels a side and {} million in all are read", path.string(),
+                 kLargestSide, kMostPixels >> 20U);
+    } else {
+        failDamaged(path, format, exception);
+    }
+}
+
+ImagePtr decode(const fs::path& path, std::string_view format, const std::string& bytes) {
+    checkHeader(path, format, bytes);
+    Exception exception;
+    ImagePtr image(BlobToImage(newInfo(format).get(), bytes.data(), bytes.size(), &exception), DestroyImageList);
+    if (image == nullptr || isDamage(exception)) {
+        failDamaged(path, format, exception);
+    }
+    if (isDamage(image->exception)) {
+        failDamaged(path, format, image->exception);
+    }
+    checkSize(path, *image);
+    return image;
+}
+
+Picture toGray(const fs::path& path, Image& image) {
+    if (image.colorspace != RGBColorspace && IsRGBCompatibleColorspace(image.colorspace) == 0U) {
+        TransformColorspace(&image, RGBColorspace);
+    }
+    Picture picture{static_cast<int>(image.columns), static_cast<int>(image.rows), {}};
+    const std::size_t pixelCount = std::size_t{image.columns} * image.rows;
+    std::vector<std::uint8_t> argb(4 * pixelCount);
+    Exception exception;
+    if (DispatchImage(&image, 0, 0, image.columns, image.rows, "ARGB", CharPixel, argb.data(), &exception) ==
+        MagickFail) {
+        failDamaged(path, image.magick, exception);
+    }
+    picture.pixels.resize(pixelCount);
+    const vImage_Buffer colour{argb.data(), image.rows, image.columns, 4 * std::size_t{image.columns}};
+    const vImage_Buffer gray{picture.pixels.data(), image.rows, image.columns, image.columns};
+    if (zelmConvertColorToGray_vImageARGB8888toPlanar8(&colour, &gray) < 0) {
+        failData("{}: cannot be turned into a gray image", path.string());
+    }
+    return picture;
+}
+
+std::string_view formatForName(const fs::path& path) {
+    std::string ending = path.extension().string();
+    std::transform(ending.begin(), ending.end(), ending.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    struct Ending {
+        std::string_view ending, format;
+    };
+    constexpr std::array<Ending, 7> kEndings{{{".png", "PNG"},
+                                              {".tif", "TIFF"},
+                                              {".tiff", "TIFF"},
+                                              {".jpg", "JPEG"},
+                                              {".jpeg", "JPEG"},
+                                              {".bmp", "BMP"},
+                                              {".pgm", "PGM"}}};
+    const auto* const found =
+        std::find_if(kEndings.begin(), kEndings.end(), [&](const Ending& e) { return e.ending == ending; });
+    if (found == kEndings.end()) {
+        failUsage("{}: pictures are written as {}: give the name such an ending", path.string(), kKnownFormats);
+    }
+    return found->format;
+}
+
+}  // namespace
+
+Picture readPicture(const fs::path& path) {
+    const std::string bytes = readWholeFile(path, "an image");
+    const std::string_view format = formatOf(bytes);
+    if (bytes.empty()) {
+        failData("{}: is empty: export or copy it again", path.string());
+    }
+    if (format.empty()) {
+        failData("{}: not an image that can be read: {} are", path.string(), kKnownFormats);
+    }
+    startImageLibrary();
+    return toGray(path, *decode(path, format, bytes));
+}
+
+void checkPictureName(const fs::path& path) {
+    static_cast<void>(formatForName(path));
+}
+
+std::string encodePicture(const Picture& picture, const fs::path& path) {
+    const std::string_view format = formatForName(path);
+    startImageLibrary();
+    Exception exception;
+    const ImagePtr image(
+        ConstituteImage(static_cast<unsigned long>(picture.width), static_cast<unsigned long>(picture.height), "I",
+                        CharPixel, picture.pixels.data(), &exception),
+        DestroyImageList);
+    std::size_t size = 0;
+    void* bytes = nullptr;
+    if (image != nullptr) {
+        const InfoPtr info = newInfo(format);
+        info->quality = kJpegQuality;
+        image->depth = 8;
+        std::copy_n(info->magick, format.size() + 1, image->magick);
+        SetImageType(image.get(), GrayscaleType);
+        bytes = ImageToBlob(info.get(), image.get(), &size, &exception);
+    }
+    if (bytes == nullptr) {
+        failData("{}: cannot be encoded: {}", path.string(), exception.reason != nullptr ? exception.reason : "?");
+    }
+    std::string encoded(static_cast<const char*>(bytes), size);
+    MagickFree(bytes);
+    return encoded;
+}
+
+}  // namespace zelm::tool

@@ -1,0 +1,45 @@
+// Output files that appear whole or not at all.
+#ifndef ZELM_TOOL_OUTPUT_FILES_H
+#define ZELM_TOOL_OUTPUT_FILES_H
+
+#include <filesystem>
+#include <string_view>
+#include <vector>
+
+namespace zelm::tool {
+
+// A group of files of one command. Each is written under a temporary name in its folder; commit() renames them all.
+// What is not committed is removed again, with any folder made for it.
+class OutputFiles {
+public:
+    OutputFiles() = default;
+    ~OutputFiles();
+    OutputFiles(const OutputFiles&) = delete;
+    OutputFiles& operator=(const OutputFiles&) = delete;
+
+    // Makes the folder where needed and checks that files can be created in it, so that long work does not start in
+    // vain. An empty path is the current folder. Throws Failure.
+    void prepareFolder(const std::filesystem::path& folder);
+
+    // Writes the bytes beside `path`; its folder has been prepared. Throws Failure.
+    void add(const std::filesystem::path& path, std::string_view bytes);
+
+    // Puts every added file in place. Throws Failure.
+    void commit();
+
+private:
+    struct Pending {
+        std::filesystem::path temporary;
+        std::filesystem::path final;
+    };
+
+    std::vector<Pending> pending;
+    std::vector<std::filesystem::path> madeFolders;  // outermost first
+};
+
+// The whole content of a file. Throws Failure naming the file, and `what` it should be, when it cannot be read.
+std::string readWholeFile(const std::filesystem::path& path, std::string_view what);
+
+}  // namespace zelm::tool
+
+#endif
