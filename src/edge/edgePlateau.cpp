@@ -26,9 +26,9 @@ bool isFlat(std::span<const int32_t> q, const EdgeFlatness& flatness, int64_t i,
     return true;
 }
 
-enum class Run { none, found, hidesEdge };
+}  // namespace
 
-Run findRun(std::span<const int32_t> q, const EdgeFlatness& flatness, int64_t from, EdgePlateau& plateau) {
+EdgeRun nextEdgePlateau(std::span<const int32_t> q, const EdgeFlatness& flatness, int64_t from, EdgePlateau& plateau) {
     const int64_t lastStart = static_cast<int64_t>(q.size()) - 1 - flatness.minRun;
     const int64_t span = int64_t{flatness.span} * (flatness.minRun + 1);
     int64_t sum = 0;
@@ -37,7 +37,7 @@ Run findRun(std::span<const int32_t> q, const EdgeFlatness& flatness, int64_t fr
         ++i;
     }
     if (i > lastStart) {
-        return Run::none;
+        return EdgeRun::none;
     }
     int64_t low = sum;
     int64_t high = sum;
@@ -50,22 +50,10 @@ Run findRun(std::span<const int32_t> q, const EdgeFlatness& flatness, int64_t fr
         low = std::min(low, sum);
         high = std::max(high, sum);
         if (high - low >= span && flatness.band > flatness.tolerance) {
-            return Run::hidesEdge;
+            return EdgeRun::hidesEdge;
         }
     }
-    return Run::found;
-}
-
-}  // namespace
-
-bool nextEdgePlateau(std::span<const int32_t> q, const EdgeFlatness& flatness, int64_t from, EdgePlateau& plateau) {
-    EdgeFlatness narrowed = flatness;
-    Run run = findRun(q, narrowed, from, plateau);
-    while (run == Run::hidesEdge) {
-        narrowed.band = std::max(narrowed.band / 2, narrowed.tolerance);
-        run = findRun(q, narrowed, from, plateau);
-    }
-    return run == Run::found;
+    return EdgeRun::found;
 }
 
 }  // namespace zelm

@@ -20,10 +20,11 @@ struct EdgeFlatness {
     int32_t minRun;     // steps that confirm a plateau; >= 1
 };
 
-// Finds the first plateau that begins at or after from: a run of at least minRun flat steps, as long as it gets. Where
-// its level would move by the span, the band is halved until it does not or the bare tolerance is left. False when
-// there is none.
-bool nextEdgePlateau(std::span<const int32_t> q, const EdgeFlatness& flatness, int64_t from, EdgePlateau& plateau);
+enum class EdgeRun { none, found, hidesEdge };
+
+// Finds the first plateau that begins at or after from: a run of at least minRun flat steps, as long as it gets.
+// hidesEdge: the run moves by the span, and a narrower band would divide it.
+EdgeRun nextEdgePlateau(std::span<const int32_t> q, const EdgeFlatness& flatness, int64_t from, EdgePlateau& plateau);
 
 }  // namespace zelm
 

@@ -27,27 +27,30 @@ int32_t meanLevel(std::span<const int32_t> q, int64_t begin, int64_t end) {
     return static_cast<int32_t>((2 * sum + count) / (2 * count));
 }
 
-// The band lets a plateau reach into the foot of the transition. This takes its ends back over the steps that change
-// in the sense of the transition, so that the sub-pixel step sees the whole of it.
-void trimToTransition(std::span<const int32_t> q, const EdgePlateau& before, const EdgePlateau& after,
-                      int32_t flatTolerance, int64_t& a, int64_t& b) {
-    const auto at = [&](int64_t i) { return q[static_cast<std::size_t>(i)]; };
-    const int32_t sense = signOf(at(b) - at(a));
-    if (sense == 0) {
-        return;
+// How far a plateau's end goes back, from sample i towards limit, over the steps that change in the sense of the
+// transition: all that exceed the tolerance, and one more if it still changes.
+int64_t trimmed(std::span<const int32_t> q, int64_t i, int64_t limit, int32_t sense, int32_t flatTolerance) {
+    const int32_t direction = limit < i ? -1 : 1;
+    while (i != limit) {
+        const int32_t next = q[static_cast<std::size_t>(i + direction)];
+        const int32_t change = sense * direction * (next - q[static_cast<std::size_t>(i)]);
+        if (change <= 0) {
+            break;
+        }
+        i += direction;
+        if (change <= flatTolerance) {
+            break;
+        }
     }
-    while (a > before.begin && sense * (at(a) - at(a - 1)) > flatTolerance) {
-        --a;
-    }
-    while (b < after.end && sense * (at(b + 1) - at(b)) > flatTolerance) {
-        ++b;
-    }
+    return i;
 }
 
 EdgeCandidate makeCandidate(std::span<const int32_t> q, const EdgeRule& rule, const EdgePlateau& before,
                             const EdgePlateau& after) {
-    EdgeCandidate edge = {before.end, after.begin, 0};
-    trimToTransition(q, before, after, rule.flatTolerance, edge.a, edge.b);
+    // The band lets a plateau reach into the foot of the transition; the sub-pixel step is to see the whole of it.
+    const int32_t sense = signOf(q[static_cast<std::size_t>(after.begin)] - q[static_cast<std::size_t>(before.end)]);
+    EdgeCandidate edge = {trimmed(q, before.end, before.begin, sense, rule.flatTolerance),
+                          trimmed(q, after.begin, after.end, sense, rule.flatTolerance), 0};
     // Selector 0 takes the levels where the plateaus meet the transition, the others average the samples that confirm
     // the plateau.
     const int64_t reach = rule.selector == 0 ? 0 : rule.minFlatRun;
@@ -75,39 +78,40 @@ bool isBetter(const EdgeCandidate& edge, const EdgeCandidate& best, const EdgeRu
     }
 }
 
-bool selectWithBand(std::span<const int32_t> q, const EdgeRule& rule, int32_t band, EdgeCandidate& best) {
+// One walk over the profile. False when nothing is found or when a plateau hides an edge.
+bool walk(std::span<const int32_t> q, const EdgeRule& rule, int32_t band, EdgeCandidate& best) {
     const EdgeFlatness flatness = {rule.flatTolerance, band, rule.threshold, rule.minFlatRun};
     EdgePlateau before = {};
-    if (!nextEdgePlateau(q, flatness, 0, before)) {
-        return false;
-    }
+    EdgePlateau after = {};
+    EdgeRun run = nextEdgePlateau(q, flatness, 0, before);
     bool found = false;
-    for (EdgePlateau after = {}; nextEdgePlateau(q, flatness, before.end + 1, after); before = after) {
-        const EdgeCandidate edge = makeCandidate(q, rule, before, after);
-        if (!isAdmissible(edge, rule) || (found && !isBetter(edge, best, rule))) {
-            continue;
-        }
-        best = edge;
-        found = true;
-        if (rule.selector == 2) {
+    while (run == EdgeRun::found && !(found && rule.selector == 2)) {
+        run = nextEdgePlateau(q, flatness, before.end + 1, after);
+        if (run != EdgeRun::found) {
             break;
         }
+        const EdgeCandidate edge = makeCandidate(q, rule, before, after);
+        if (isAdmissible(edge, rule) && (!found || isBetter(edge, best, rule))) {
+            best = edge;
+            found = true;
+        }
+        before = after;
     }
-    return found;
+    return found && run != EdgeRun::hidesEdge;
 }
 
 }  // namespace
 
 bool selectEdge(std::span<const int32_t> q, const EdgeRule& rule, EdgeCandidate& edge) {
-    // A plateau that noise feigns halfway up a wide transition can hide the edge. The last walk takes the bare
-    // tolerance, so that nothing that a strict reading finds is missed.
-    int32_t band = static_cast<int32_t>(int64_t{rule.threshold} * kBandNumerator / kBandDenominator);
+    // A band too wide swallows a blurred edge, and noise may feign a plateau halfway up one. The last walk takes the
+    // bare tolerance, so that nothing that a strict reading finds is missed.
+    auto band = static_cast<int32_t>(int64_t{rule.threshold} * kBandNumerator / kBandDenominator);
     for (; band > rule.flatTolerance; band /= 2) {
-        if (selectWithBand(q, rule, band, edge)) {
+        if (walk(q, rule, band, edge)) {
             return true;
         }
     }
-    return selectWithBand(q, rule, rule.flatTolerance, edge);
+    return walk(q, rule, rule.flatTolerance, edge);
 }
 
 }  // namespace zelm

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <span>
 
 namespace zelm {
 namespace {
@@ -17,16 +16,6 @@ constexpr int64_t kMinWindow = 5;            // cells; a shorter edge is widened
 constexpr double kMinCurvature = 1e-10;      // gray levels; below it the three derivatives show no peak
 constexpr double kLogOffset = 1e-10;         // gray levels; keeps the logarithms finite
 constexpr double kMaxOffset = 0.5000000001;  // samples; a peak further off belongs to another sample
-
-std::span<const double> kernelOf(int32_t iFilterSize) {
-    if (iFilterSize == 5) {
-        return kKernel5;
-    }
-    if (iFilterSize == 7) {
-        return kKernel7;
-    }
-    return {};
-}
 
 double convolve(const double* centre, std::span<const double> kernel) {
     const double* const g = centre - kernel.size() / 2;
@@ -66,6 +55,16 @@ int32_t fitPeak(const double* d, int64_t k, double& delta, double& strength) {
 
 }  // namespace
 
+std::span<const double> edgeKernel(int32_t iFilterSize) {
+    if (iFilterSize == 5) {
+        return kKernel5;
+    }
+    if (iFilterSize == 7) {
+        return kKernel7;
+    }
+    return {};
+}
+
 int32_t locateEdge(EdgeProfile& profile, const EdgeCandidate& edge, int32_t iFilterSize, EdgePosition& position) {
     int64_t a = edge.a + kEdgeGuard;
     int64_t b = edge.b + kEdgeGuard;
@@ -80,7 +79,7 @@ int32_t locateEdge(EdgeProfile& profile, const EdgeCandidate& edge, int32_t iFil
         return ZELM_ERR_MEMORY;
     }
     // Deliberate: a size without a kernel has no derivative, hence no edge.
-    const std::span<const double> kernel = kernelOf(iFilterSize);
+    const std::span<const double> kernel = edgeKernel(iFilterSize);
     if (kernel.empty()) {
         return 0;
     }

@@ -3,6 +3,7 @@
 #define ZELM_EDGE_SUBPIXEL_H
 
 #include <cstdint>
+#include <span>
 
 #include "edgeProfile.h"
 #include "edgeSelect.h"
@@ -13,6 +14,9 @@ struct EdgePosition {
     double sample;    // sample index along the segment
     double strength;  // largest derivative, gray levels a sample
 };
+
+// The derivative-of-Gaussian filter of size 5 or 7; empty for any other size.
+std::span<const double> edgeKernel(int32_t iFilterSize);
 
 // 1 with the position, 0 when the derivative has no clear maximum, ZELM_ERR_MEMORY when the filter leaves the profile.
 // Overwrites the profile around the edge.
