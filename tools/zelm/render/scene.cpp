@@ -11,10 +11,11 @@
 namespace zelm::render {
 namespace {
 
-constexpr int kPointsPerSide = 24;      // of the plate's edge, looked at when asking whether the plate is in view
-constexpr int kAttemptsPerView = 2000;  // random draws before giving up
-constexpr int kBisections = 40;         // of the interval that holds the distance at which the plate just fits
-constexpr double kFarthest = 64.0;      // distance up to which the plate is moved away, in multiples of the nearest
+constexpr int kPointsPerSide = 24;     // of the plate's edge, looked at when asking whether the plate is in view
+constexpr int kPlacesPerView = 8;      // in the image, tried for each orientation
+constexpr int kAttemptsPerView = 100;  // orientations drawn before giving up
+constexpr int kBisections = 40;        // of the interval that holds the distance at which the plate just fits
+constexpr double kFarthest = 64.0;     // distance up to which the plate is moved away, in multiples of the nearest
 
 void requireFinite(double value, const char* name) {
     if (!std::isfinite(value)) {
@@ -80,11 +81,10 @@ double fittingScale(const Viewer& viewer, const Aim& aim, double largest) {
     return fits;
 }
 
-Aim drawAim(const Plate& plate, const Camera& camera, const ViewRange& range, RandomSource& random) {
+Aim drawOrientation(const Plate& plate, const ViewRange& range, RandomSource& random) {
     const PlateBounds b = plateBounds(plate);
     Aim aim;
     aim.point = {0.5 * (b.left + b.right), 0.5 * (b.top + b.bottom)};
-    aim.pixel = {camera.width * random.uniform(0.3, 0.7), camera.height * random.uniform(0.35, 0.65)};
     aim.rollDegrees = random.uniform(-range.maxRollDegrees, range.maxRollDegrees);
     aim.tiltDegrees = range.maxTiltDegrees * random.uniform();
     aim.tiltAxisDegrees = random.uniform(0.0, 360.0);
@@ -95,6 +95,23 @@ Aim drawAim(const Plate& plate, const Camera& camera, const ViewRange& range, Ra
 double largestScale(const Plate& plate, const Camera& camera) {
     const PlateBounds b = plateBounds(plate);
     return std::max(camera.width, camera.height) / std::min(b.right - b.left, b.bottom - b.top);
+}
+
+// Draws an orientation, and the best of a few places in the image, since at many of them the plate would have to be far
+// away to be seen by both cameras. The aim's scale is the largest that fits, or 0.
+Aim drawAim(const Viewer& viewer, const ViewRange& range, RandomSource& random) {
+    const Camera& camera = viewer.rig.left;
+    Aim best = drawOrientation(viewer.plate, range, random);
+    best.scale = 0.0;
+    for (int i = 0; i < kPlacesPerView; ++i) {
+        Aim aim = best;
+        aim.pixel = {camera.width * random.uniform(0.25, 0.75), camera.height * random.uniform(0.3, 0.7)};
+        aim.scale = fittingScale(viewer, aim, largestScale(viewer.plate, camera));
+        if (aim.scale > best.scale) {
+            best = aim;
+        }
+    }
+    return best;
 }
 
 }  // namespace
@@ -167,11 +184,10 @@ std::vector<Pose> makeViewPoses(const Plate& plate, const StereoRig& rig, int co
                 "no pose was found in which both cameras see the whole plate; "
                 "check the rig's geometry and the plate's size");
         }
-        const Aim aim = drawAim(plate, rig.left, range, random);
+        const Aim aim = drawAim(viewer, range, random);
         const double fill = random.uniform(range.smallestFill, range.largestFill);
-        const double scale = fittingScale(viewer, aim, largestScale(plate, rig.left));
-        const Pose pose = scale > 0.0 ? withScale(rig.left, aim, fill * scale) : Pose{};
-        if (scale > 0.0 && viewer.sees(pose)) {
+        const Pose pose = aim.scale > 0.0 ? withScale(rig.left, aim, fill * aim.scale) : Pose{};
+        if (aim.scale > 0.0 && viewer.sees(pose)) {
             poses.push_back(pose);
         }
     }
