@@ -14,8 +14,8 @@ namespace {
 
 constexpr double kNodesPerSigma = 1.0 / 0.8;  // the trapezoidal rule's error is then about exp(-30)
 constexpr double kPanelSigmas = 1.0;          // the Gauss-Legendre panels' error is then about 4e-10
-constexpr double kSharpDotEdge = 0.02;    // pixels; the polygon's area is then right to 4e-5 pixel^2 a pixel of edge
-constexpr double kSharpPlateEdge = 0.25;  // pixels; the plate's edges are nearly straight
+constexpr double kSharpDotEdge = 0.02;        // pixels; a dot of radius 10 px then comes out 3e-6 px too small
+constexpr double kSharpPlateEdge = 0.25;      // pixels; the plate's edges are nearly straight
 
 // +1 when the camera looks at the printed side: outlines then run from x towards y.
 double orientation(const Camera& camera, const Pose& pose) {
