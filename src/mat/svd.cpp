@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <limits>
 #include <utility>
 
 #include "heapSort.h"
@@ -15,6 +16,7 @@ namespace {
 using Index = std::ptrdiff_t;
 
 constexpr int kMostPasses = 30;  // QR passes for one singular value
+constexpr double kRounding = std::numeric_limits<double>::epsilon();
 
 double hypotenuse(double a, double b) {
     const double x = std::fabs(a);
@@ -222,6 +224,9 @@ struct Svd {
         }
     }
 
+    // A superdiagonal one rounding above negligible between tied values, which the QR step can no longer change.
+    [[nodiscard]] bool stalled(Index k) const { return std::fabs(e[k]) <= kRounding * anorm; }
+
     // First index of the unreduced block that ends at k.
     [[nodiscard]] Index blockStart(Index k) const {
         for (Index l = k; l > 0; --l) {
@@ -295,6 +300,9 @@ struct Svd {
                     break;
                 }
                 if (pass == kMostPasses) {
+                    if (stalled(k)) {
+                        break;
+                    }
                     return false;
                 }
                 qrStep(l, k);
