@@ -1,0 +1,125 @@
+// Calibration of the pair: each camera on its own, then what the two have in common.
+#include <algorithm>
+#include <cstddef>
+
+#include "calibBlock.h"
+#include "calibObject.h"
+#include "stereoGeometry.h"
+#include "workBuffer.h"
+#include "zelm/calib.h"
+
+namespace zelm {
+namespace {
+
+constexpr double kRobustThreshold = 3.5;  // Tukey cut-off of the estimation, robust deviations
+
+std::int32_t modelOf(const unsigned char* data, Camera camera) {
+    const Zelm2ViewCameraDesc desc = block::cameras(data);
+    return isLeft(camera) ? desc.leftModel : desc.rightModel;
+}
+
+// What a single view of a parallel camera cannot tell, set beforehand.
+void presetParallel(const unsigned char* data, const Zelm2ViewPatternDesc& pattern, Camera camera,
+                    ZelmCameraIntrinsics* intrinsics) {
+    const Zelm2ViewCameraDesc desc = block::cameras(data);
+    intrinsics->alpha = pattern.d6;
+    intrinsics->beta = pattern.d7;
+    intrinsics->cx = ((isLeft(camera) ? desc.leftWidth : desc.rightWidth) - 1) * 0.5;
+    intrinsics->cy = ((isLeft(camera) ? desc.leftHeight : desc.rightHeight) - 1) * 0.5;
+}
+
+// Estimates one camera and writes its intrinsics and poses into the data block; on failure the block stays as it was.
+std::int32_t estimateCamera(const Zelm2ViewCalib& calib, Camera camera, double* error) {
+    Zelm2ViewWork* const work = openedWork(calib);
+    const std::int32_t n = work->views;
+    const std::int32_t model = modelOf(calib.data, camera);
+    WorkBuffer<ZelmCameraExtrinsics> poses(static_cast<std::size_t>(n));
+    if (!poses.ok()) {
+        return ZELM_ERR_MEMORY;
+    }
+    std::fill_n(poses.data(), poses.size(), ZelmCameraExtrinsics{});
+    auto intrinsics = block::read<ZelmCameraIntrinsics>(calib.data, block::intrinsics(camera));
+    std::int32_t views = n;
+    if (model == kParallelModel) {
+        presetParallel(calib.data, work->pattern, camera, &intrinsics);
+        views = 1;  // view 0; the poses of the others stay zero
+    }
+    const auto status =
+        zelmCalibCameraParam(views, entriesOf(work, camera), kRobustThreshold, &intrinsics, poses.data(), error, model);
+    if (status < 0) {
+        return status;
+    }
+    block::write(calib.data, block::intrinsics(camera), intrinsics);
+    for (std::int32_t i = 0; i < n; ++i) {
+        block::write(calib.data, block::pose(n, camera, i), poses[static_cast<std::size_t>(i)]);
+    }
+    return status;
+}
+
+CalibratedCamera calibratedCamera(const unsigned char* data, Camera camera) {
+    return {modelOf(data, camera), block::read<ZelmCameraIntrinsics>(data, block::intrinsics(camera)),
+            block::read<ZelmCameraExtrinsics>(data, block::pose(block::views(data), camera, 0))};
+}
+
+std::int32_t translateFundamental(std::int32_t status) {
+    const bool isGeometry =
+        status == ZELM_ERR_SVD_FAILED || status == ZELM_ERR_SINGULAR || status == ZELM_ERR_DEGENERATE;
+    return isGeometry ? ZELM_ERR_STEREO_GEOMETRY : status;
+}
+
+std::int32_t translateRectifying(std::int32_t status) {
+    const bool isHomography =
+        status == ZELM_ERR_CALIB_NOT_CONVERGED || status == ZELM_ERR_EIGEN_NOT_CONVERGED || status == ZELM_ERR_SINGULAR;
+    return isHomography ? ZELM_ERR_CALIB_HOMOGRAPHY : status;
+}
+
+// Fundamental matrix and rectifying pairs of the two cameras in the block.
+std::int32_t completePair(unsigned char* data) {
+    const CalibratedCamera left = calibratedCamera(data, Camera::left);
+    const CalibratedCamera right = calibratedCamera(data, Camera::right);
+    FundamentalPair fundamental{};
+    if (const auto s = innerFundamentalPair(left, right, &fundamental); s < 0) {
+        return translateFundamental(s);
+    }
+    block::write(data, block::kFundamental, fundamental);
+
+    const bool isPairWithParallel = left.model == kParallelModel || right.model == kParallelModel;
+    for (const Camera camera : {Camera::left, Camera::right}) {
+        RectifyingPair pair{};
+        if (const auto s = innerRectifyingPair(isLeft(camera) ? left : right, isPairWithParallel, &pair); s < 0) {
+            return translateRectifying(s);
+        }
+        block::write(data, block::rectifying(camera), pair);
+    }
+    return ZELM_OK;
+}
+
+}  // namespace
+}  // namespace zelm
+
+using namespace zelm;
+
+std::int32_t zelm2ViewCalibCameraParam(Zelm2ViewCalib* tHandle, Zelm2ViewCalibResult* tResult) {
+    if (tHandle == nullptr || tResult == nullptr) {
+        return ZELM_ERR_PARAM;
+    }
+    tResult->statusL = 0;
+    tResult->statusR = 0;
+    if (openedWork(*tHandle) == nullptr) {
+        return ZELM_ERR_PARAM;
+    }
+    double error = 0.0;
+    const auto left = estimateCamera(*tHandle, Camera::left, &error);
+    if (left < 0) {
+        return left;
+    }
+    tResult->statusL = left;
+    tResult->errorL = error;
+    const auto right = estimateCamera(*tHandle, Camera::right, &error);
+    if (right < 0) {
+        return right;
+    }
+    tResult->statusR = right;
+    tResult->errorR = error;
+    return completePair(tHandle->data);
+}
