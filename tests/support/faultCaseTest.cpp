@@ -14,7 +14,7 @@ namespace {
 
 std::set<std::string> exportedFunctions() {
     std::set<std::string> names;
-    const std::regex declaration(R"(ZELM_API[^;(]*?(\w+)\s*\()");
+    const std::regex declaration(R"(\nZELM_API[^;(]*?(\w+)\s*\()");
     for (const auto& file : std::filesystem::directory_iterator(ZELM_PUBLIC_HEADERS)) {
         std::ifstream in(file.path());
         std::stringstream text;
