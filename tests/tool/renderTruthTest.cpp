@@ -294,13 +294,13 @@ TEST(RenderTruth, BadPlatesAreRefusedByName) {
         return errorOf([&] { checkPlate(plate); });
     };
     EXPECT_EQ(error([](Plate&) {}), "no error");
-    EXPECT_EQ(error([](Plate& p) { p.pitchX = 0.0; }), "plate: pitchX must be a positive number");
-    EXPECT_EQ(error([](Plate& p) { p.dotDiameter = NAN; }), "plate: dotDiameter must be a positive number");
-    EXPECT_EQ(error([](Plate& p) { p.markerX = 7; }), "plate: the x marker is not on the grid");
-    EXPECT_EQ(error([](Plate& p) { p.minY = 1; }), "plate: the corner marker (0, 0) is not on the grid");
-    EXPECT_EQ(error([](Plate& p) { p.markerDiameter = 17.0; }), "plate: dots touch each other; make the pitch larger");
-    EXPECT_EQ(error([](Plate& p) { p.marginY = 2.0; }), "plate: the dots reach the edge; make the margin larger");
-    EXPECT_EQ(error([](Plate& p) { p.maxX = 101; }), "plate: more than 100 dots from the corner marker to the edge");
+    EXPECT_EQ(error([](Plate& p) { p.pitchX = 0.0; }), "the pitch along x must be a positive number");
+    EXPECT_EQ(error([](Plate& p) { p.dotDiameter = NAN; }), "the dot diameter must be a positive number");
+    EXPECT_EQ(error([](Plate& p) { p.markerX = 7; }), "the x marker is not on the grid");
+    EXPECT_EQ(error([](Plate& p) { p.minY = 1; }), "the corner marker (0, 0) is not on the grid");
+    EXPECT_EQ(error([](Plate& p) { p.markerDiameter = 17.0; }), "dots touch each other; make the pitch larger");
+    EXPECT_EQ(error([](Plate& p) { p.marginY = 2.0; }), "the dots reach the edge; make the margin larger");
+    EXPECT_EQ(error([](Plate& p) { p.maxX = 101; }), "more than 100 dots from the corner marker to the edge");
 }
 
 TEST(RenderTruth, BadCamerasAndOpticsAreRefusedByName) {
@@ -311,22 +311,22 @@ TEST(RenderTruth, BadCamerasAndOpticsAreRefusedByName) {
     };
     Camera camera;
     camera.width = 0;
-    EXPECT_EQ(error(camera, {}), "camera: width and height must be between 1 and 32768 pixels");
+    EXPECT_EQ(error(camera, {}), "width and height must be between 1 and 32768 pixels");
     camera = {};
     camera.fy = -1.0;
-    EXPECT_EQ(error(camera, {}), "camera: fx and fy must be positive");
+    EXPECT_EQ(error(camera, {}), "fx and fy must be positive");
     camera = {};
     camera.k1 = INFINITY;
-    EXPECT_EQ(error(camera, {}), "camera: every parameter must be a finite number");
+    EXPECT_EQ(error(camera, {}), "every parameter must be a finite number");
     Optics optics;
     optics.blurSigma = 0.01;
-    EXPECT_EQ(error({}, optics), "optics: blurSigma must be 0 or between 0.02 and 50 pixels");
+    EXPECT_EQ(error({}, optics), "the blur must be 0 or between 0.02 and 50 pixels");
     optics = {};
     optics.noiseSigma = -1.0;
-    EXPECT_EQ(error({}, optics), "optics: noiseSigma must be 0 or a positive number");
+    EXPECT_EQ(error({}, optics), "the noise must be 0 or a positive number");
     optics = {};
     optics.light.falloff = NAN;
-    EXPECT_EQ(error({}, optics), "optics: falloff must be a finite number");
+    EXPECT_EQ(error({}, optics), "the falloff must be a finite number");
 }
 
 TEST(RenderTruth, PointsThatTheCameraCannotSeeAreRefused) {

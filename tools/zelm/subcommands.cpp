@@ -13,6 +13,7 @@ CLI::App* addSubcommand(CLI::App& app, Console& console, const std::string& name
 
 void addSubcommands(CLI::App& app, Console& console) {
     addInfo(app, console);
+    addSimulate(app, console);
 }
 
 }  // namespace zelm::tool

@@ -16,6 +16,7 @@ CLI::App* addSubcommand(CLI::App& app, Console& console, const std::string& name
 
 // Each adds one subcommand. `console` outlives the parse.
 void addInfo(CLI::App& app, Console& console);
+void addSimulate(CLI::App& app, Console& console);
 
 // Adds them all.
 void addSubcommands(CLI::App& app, Console& console);

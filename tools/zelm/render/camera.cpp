@@ -73,15 +73,15 @@ std::array<double, 3> rotate(const std::array<double, 9>& R, const std::array<do
 void checkCamera(const Camera& camera) {
     constexpr int kLargestSide = 32768;  // pixels
     if (camera.width <= 0 || camera.height <= 0 || camera.width > kLargestSide || camera.height > kLargestSide) {
-        throw std::invalid_argument("camera: width and height must be between 1 and 32768 pixels");
+        throw std::invalid_argument("width and height must be between 1 and 32768 pixels");
     }
     if (!(camera.fx > 0.0) || !(camera.fy > 0.0)) {
-        throw std::invalid_argument("camera: fx and fy must be positive");
+        throw std::invalid_argument("fx and fy must be positive");
     }
     for (const double value :
          {camera.fx, camera.fy, camera.skew, camera.cx, camera.cy, std::tan(camera.theta), camera.k1, camera.k2}) {
         if (!std::isfinite(value)) {
-            throw std::invalid_argument("camera: every parameter must be a finite number");
+            throw std::invalid_argument("every parameter must be a finite number");
         }
     }
 }

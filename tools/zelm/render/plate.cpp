@@ -20,13 +20,13 @@ bool isMarker(const Plate& plate, GridIndex index) {
 
 void requirePositive(double value, const char* name) {
     if (!(value > 0.0) || !std::isfinite(value)) {
-        throw std::invalid_argument(std::string("plate: ") + name + " must be a positive number");
+        throw std::invalid_argument(std::string("the ") + name + " must be a positive number");
     }
 }
 
 void require(bool condition, const char* message) {
     if (!condition) {
-        throw std::invalid_argument(std::string("plate: ") + message);
+        throw std::invalid_argument(message);
     }
 }
 
@@ -46,12 +46,12 @@ void checkSpacing(const Plate& plate) {
 }  // namespace
 
 void checkPlate(const Plate& plate) {
-    requirePositive(plate.pitchX, "pitchX");
-    requirePositive(plate.pitchY, "pitchY");
-    requirePositive(plate.dotDiameter, "dotDiameter");
-    requirePositive(plate.markerDiameter, "markerDiameter");
-    requirePositive(plate.marginX, "marginX");
-    requirePositive(plate.marginY, "marginY");
+    requirePositive(plate.pitchX, "pitch along x");
+    requirePositive(plate.pitchY, "pitch along y");
+    requirePositive(plate.dotDiameter, "dot diameter");
+    requirePositive(plate.markerDiameter, "marker diameter");
+    requirePositive(plate.marginX, "margin along x");
+    requirePositive(plate.marginY, "margin along y");
     constexpr int kMostDots = 100;  // a side, either way from the corner marker
     require(plate.minX >= -kMostDots && plate.maxX <= kMostDots && plate.minY >= -kMostDots && plate.maxY <= kMostDots,
             "more than 100 dots from the corner marker to the edge");

@@ -19,7 +19,7 @@ constexpr double kFarthest = 64.0;     // distance up to which the plate is move
 
 void requireFinite(double value, const char* name) {
     if (!std::isfinite(value)) {
-        throw std::invalid_argument(std::string("optics: ") + name + " must be a finite number");
+        throw std::invalid_argument(std::string("the ") + name + " must be a finite number");
     }
 }
 
@@ -131,27 +131,27 @@ double Light::at(const Camera& camera, double x, double y) const {
 }
 
 void checkOptics(const Optics& optics) {
-    requireFinite(optics.levels.dots, "dots");
-    requireFinite(optics.levels.plate, "plate");
-    requireFinite(optics.levels.ground, "ground");
-    requireFinite(optics.light.gradientX, "gradientX");
-    requireFinite(optics.light.gradientY, "gradientY");
+    requireFinite(optics.levels.dots, "level of the dots");
+    requireFinite(optics.levels.plate, "level of the plate");
+    requireFinite(optics.levels.ground, "level of the ground");
+    requireFinite(optics.light.gradientX, "gradient along x");
+    requireFinite(optics.light.gradientY, "gradient along y");
     requireFinite(optics.light.falloff, "falloff");
     constexpr double kLeastBlur = 0.02, kMostBlur = 50.0;  // pixels; the cost grows with sharper and wider blur
     if (optics.blurSigma != 0.0 && !(optics.blurSigma >= kLeastBlur && optics.blurSigma <= kMostBlur)) {
-        throw std::invalid_argument("optics: blurSigma must be 0 or between 0.02 and 50 pixels");
+        throw std::invalid_argument("the blur must be 0 or between 0.02 and 50 pixels");
     }
     if (!(optics.noiseSigma >= 0.0) || !std::isfinite(optics.noiseSigma)) {
-        throw std::invalid_argument("optics: noiseSigma must be 0 or a positive number");
+        throw std::invalid_argument("the noise must be 0 or a positive number");
     }
 }
 
 StereoRig exampleRig() {
-    constexpr double kConvergence = 19.5 * std::numbers::pi / 180.0;  // angle between the two optical axes
+    constexpr double kDegree = std::numbers::pi / 180.0;
     StereoRig rig;
     rig.left = {1280, 960, Projection::perspective, 1690.4, 1688.1, 0.0, 641.7, 477.3, 0.0, -0.118, 0.052};
     rig.right = {1280, 960, Projection::perspective, 1695.2, 1693.6, 0.0, 637.2, 483.8, 0.0, -0.111, 0.045};
-    rig.rightFromLeft.R = rotationFromVector({0.008, kConvergence, -0.012});
+    rig.rightFromLeft.R = rotationFromVector({0.45 * kDegree, 19.5 * kDegree, -0.7 * kDegree});
     rig.rightFromLeft.t = {-118.3, 1.2, 19.4};
     return rig;
 }

@@ -1,0 +1,155 @@
+// zelm simulate: renders stereo views of a dot plate and writes the truth beside them.
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <stdexcept>
+
+#include "failure.h"
+#include "imageFile.h"
+#include "outputFiles.h"
+#include "simulateDescription.h"
+#include "simulateTruth.h"
+#include "subcommands.h"
+
+namespace zelm::tool {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct SimulateOptions {
+    std::string description;  // file name; empty: the example
+    std::string folder;
+    std::string format = "png";
+    std::optional<int> views;
+    std::optional<std::uint64_t> seed;
+    bool example = false;
+};
+
+// The file that an error is about.
+std::string sourceOf(const SimulateOptions& options) {
+    return options.description.empty() ? "the example rig" : options.description;
+}
+
+SimulateDescription describe(const SimulateOptions& options) {
+    SimulateDescription d =
+        options.description.empty() ? defaultDescription() : readSimulateDescription(options.description);
+    if (options.views && !d.poses.empty()) {
+        failUsage("{}: lists its views one by one: leave out --views", options.description);
+    }
+    d.viewCount = options.views.value_or(d.viewCount);
+    d.seed = options.seed.value_or(d.seed);
+    return d;
+}
+
+std::vector<render::Pose> posesOf(const SimulateDescription& d, const std::string& source) {
+    if (!d.poses.empty()) {
+        return d.poses;
+    }
+    try {
+        return render::makeViewPoses(d.plate, d.rig, d.viewCount, d.seed, d.range);
+    } catch (const std::runtime_error& error) {
+        failData("{}: {}", source, error.what());
+    }
+}
+
+void warnOfCutPlates(const SimulateDescription& d, const std::vector<render::Pose>& poses, const Console& console) {
+    for (std::size_t i = 0; i < poses.size(); ++i) {
+        if (!render::seesWholePlate(d.plate, d.rig.left, poses[i], 0.0) ||
+            !render::seesWholePlate(d.plate, d.rig.right, render::compose(d.rig.rightFromLeft, poses[i]), 0.0)) {
+            console.warn(fmt::format("view {}: a camera does not see the whole plate from its printed side", i));
+        }
+    }
+}
+
+// Writes the two images of one view and returns what is true of them.
+ViewTruth renderOne(const SimulateDescription& d, const render::Pose& pose, const std::string& number,
+                    const std::string& format, std::uint64_t seed, const fs::path& folder, OutputFiles& output) {
+    render::RenderedPair pair = render::renderPair(d.plate, d.rig, pose, d.optics, seed);
+    const auto write = [&](const char* side, render::GrayImage& image) {
+        const std::string name = fmt::format("{}_{}.{}", side, number, format);
+        const Picture picture{image.width, image.height, std::move(image.pixels)};
+        output.add(folder / name, encodePicture(picture, name));
+        return name;
+    };
+    ViewTruth truth;
+    truth.leftImage = write("left", pair.left.image);
+    truth.rightImage = write("right", pair.right.image);
+    truth.left = pose;
+    truth.right = render::compose(d.rig.rightFromLeft, pose);
+    truth.leftDots = std::move(pair.left.dots);
+    truth.rightDots = std::move(pair.right.dots);
+    return truth;
+}
+
+std::vector<ViewTruth> renderAll(const SimulateDescription& d, const SimulateOptions& options, const Console& console,
+                                 OutputFiles& output) {
+    const std::vector<render::Pose> poses = posesOf(d, sourceOf(options));
+    warnOfCutPlates(d, poses, console);
+    const std::size_t digits = std::max<std::size_t>(2, std::to_string(poses.size() - 1).size());
+    Progress progress(console, "rendering", poses.size());
+    std::vector<ViewTruth> views;
+    for (std::size_t i = 0; i < poses.size(); ++i) {
+        const std::string number = fmt::format("{:0{}}", i, digits);
+        try {
+            views.push_back(renderOne(d, poses[i], number, options.format, d.seed + i, options.folder, output));
+        } catch (const std::domain_error& error) {
+            failData("{}: view {}: {}: move the plate", sourceOf(options), i, error.what());
+        }
+        progress.advance();
+    }
+    return views;
+}
+
+void simulate(const SimulateOptions& options, const Console& console) {
+    checkPictureName("left." + options.format);
+    const SimulateDescription d = describe(options);
+    OutputFiles output;
+    output.prepareFolder(options.folder);
+    const std::vector<ViewTruth> views = renderAll(d, options, console, output);
+    const fs::path folder = options.folder;
+    output.add(folder / "truth.json", truthJson(d, views).dump(1) + "\n");
+    output.add(folder / "plate.json", plateJson(d.plate).dump(2) + "\n");
+    output.commit();
+    console.say(fmt::format("{}: {} views of {} dots, truth.json and plate.json", options.folder, views.size(),
+                            render::plateDots(d.plate).size()));
+    if (console.json) {
+        const nlohmann::ordered_json result = {{"folder", options.folder},
+                                               {"views", views.size()},
+                                               {"dots", render::plateDots(d.plate).size()},
+                                               {"truth", (folder / "truth.json").string()},
+                                               {"plate", (folder / "plate.json").string()}};
+        console.result(result.dump(2));
+    }
+}
+
+}  // namespace
+
+void addSimulate(CLI::App& app, Console& console) {
+    CLI::App* const sub = addSubcommand(
+        app, console, "simulate", "Render stereo views of a dot plate, with the truth about them",
+        "zelm simulate --example > rig.json   # then edit it\n  zelm simulate rig.json -o views --seed 7");
+    const auto options = std::make_shared<SimulateOptions>();
+    sub->add_option("rig", options->description, "Description of rig, plate, optics and views; default: the example");
+    sub->add_option("-o,--output", options->folder, "Folder for images, truth.json and plate.json");
+    sub->add_option("--views", options->views, "Number of views, instead of the description's")
+        ->check(CLI::Range(1, kMostSimulatedViews));
+    sub->add_option("--seed", options->seed, "Seed of poses and noise, instead of the description's");
+    sub->add_option("--format", options->format, "Format of the images: png, tif, bmp or pgm")
+        ->check(CLI::IsMember({"png", "tif", "bmp", "pgm"}))
+        ->capture_default_str();
+    sub->add_flag("--example", options->example, "Print a complete description with comments, and do nothing else");
+    sub->callback([options, &console] {
+        if (options->example) {
+            fmt::print("{}", exampleDescription());
+        } else if (options->folder.empty()) {
+            failUsage("simulate: say with -o where the images are to go");
+        } else {
+            simulate(*options, console);
+        }
+    });
+}
+
+}  // namespace zelm::tool
