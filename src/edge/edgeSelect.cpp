@@ -78,40 +78,57 @@ bool isBetter(const EdgeCandidate& edge, const EdgeCandidate& best, const EdgeRu
     }
 }
 
-// One walk over the profile. False when nothing is found or when a plateau hides an edge.
-bool walk(std::span<const int32_t> q, const EdgeRule& rule, int32_t band, EdgeCandidate& best) {
+struct Walk {
+    bool found = false;
+    bool hidden = false;  // a plateau hides an edge
+    EdgeCandidate best = {};
+};
+
+// One walk over the profile, up to a plateau that hides an edge.
+Walk walkProfile(std::span<const int32_t> q, const EdgeRule& rule, int32_t band) {
     const EdgeFlatness flatness = {rule.flatTolerance, band, rule.threshold, rule.minFlatRun};
+    Walk walk;
     EdgePlateau before = {};
     EdgePlateau after = {};
     EdgeRun run = nextEdgePlateau(q, flatness, 0, before);
-    bool found = false;
-    while (run == EdgeRun::found && !(found && rule.selector == 2)) {
+    while (run == EdgeRun::found && !(walk.found && rule.selector == 2)) {
         run = nextEdgePlateau(q, flatness, before.end + 1, after);
         if (run != EdgeRun::found) {
             break;
         }
         const EdgeCandidate edge = makeCandidate(q, rule, before, after);
-        if (isAdmissible(edge, rule) && (!found || isBetter(edge, best, rule))) {
-            best = edge;
-            found = true;
+        if (isAdmissible(edge, rule) && (!walk.found || isBetter(edge, walk.best, rule))) {
+            walk.best = edge;
+            walk.found = true;
         }
         before = after;
     }
-    return found && run != EdgeRun::hidesEdge;
+    walk.hidden = run == EdgeRun::hidesEdge;
+    return walk;
 }
 
 }  // namespace
 
 bool selectEdge(std::span<const int32_t> q, const EdgeRule& rule, EdgeCandidate& edge) {
-    // A band too wide swallows a blurred edge, and noise may feign a plateau halfway up one. The last walk takes the
-    // bare tolerance, so that nothing that a strict reading finds is missed.
+    // A band too wide swallows a blurred edge, and noise may feign a plateau halfway up one: then the band is halved.
+    // The last walk takes the bare tolerance, so that nothing that a strict reading finds is missed.
     auto band = static_cast<int32_t>(int64_t{rule.threshold} * kBandNumerator / kBandDenominator);
+    bool found = false;
     for (; band > rule.flatTolerance; band /= 2) {
-        if (walk(q, rule, band, edge)) {
+        const Walk walk = walkProfile(q, rule, band);
+        if (walk.found && (!found || !walk.hidden)) {
+            edge = walk.best;
+            found = true;
+        }
+        if (walk.found && !walk.hidden) {
             return true;
         }
     }
-    return walk(q, rule, rule.flatTolerance, edge);
+    const Walk strict = walkProfile(q, rule, rule.flatTolerance);
+    if (strict.found) {
+        edge = strict.best;
+    }
+    return found || strict.found;
 }
 
 }  // namespace zelm

@@ -6,7 +6,7 @@
 namespace zelm {
 namespace {
 
-// k * phi(k / sigma) / sigma^2, phi the standard normal density, for k = -h..h.
+// k * g(k) / sigma^2, g the normal density of standard deviation sigma, for k = -h..h.
 constexpr double kKernel5[] = {-0.1079819330263761, -0.24197072451914334, 0.0, 0.24197072451914334,
                                0.1079819330263761};  // sigma 1
 constexpr double kKernel7[] = {-0.047991970233944935, -0.09719115536355177, -0.09465126089551176, 0.0,
