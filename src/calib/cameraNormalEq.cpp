@@ -1,0 +1,176 @@
+// Normal equations of the camera refinement.
+#include "cameraNormalEq.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
+
+#include "median.h"
+
+namespace zelm {
+namespace {
+
+constexpr std::size_t kJoint = kIntrinsics + kPose;
+constexpr double kMadToSigma = 1.4826;         // median absolute deviation to standard deviation of a normal variable
+constexpr double kLeastSquaredCutOff = 1e-10;  // normalised units; keeps exact data from rejecting itself
+// Damping of the tilt of a parallel view in units of the roll's information. The information about the tilt itself
+// grows with the squared sine of the tilt, so that tilts below some 0.6 degrees hardly move and greater ones do.
+constexpr double kTiltDamping = 1e-4;
+
+// What one view under parallel projection cannot tell.
+constexpr std::size_t kHeldIntrinsics[] = {kGamma, kCx, kCy};
+constexpr std::size_t kHeldDepth = kTranslation + 2;
+
+// Calls visit(view, dot index, frame of the view) for every dot.
+template <class Visit>
+void forEachDot(const CameraData& data, const CameraUnknowns& unknowns, Visit visit) {
+    for (std::size_t v = 0; v < data.views(); ++v) {
+        const ViewFrame frame(unknowns.poses + v * kPose);
+        for (std::size_t i = data.first[v]; i < data.first[v + 1]; ++i) {
+            visit(v, i, frame);
+        }
+    }
+}
+
+template <class Visit>
+void forEachSquare(const CameraData& data, const CameraUnknowns& unknowns, Visit visit) {
+    const DotProjector projector{unknowns.intrinsics, data.parallel};
+    forEachDot(data, unknowns, [&](std::size_t, std::size_t i, const ViewFrame& frame) {
+        const Point2d p = projector.project(frame, data.plane[i]);
+        const double ru = data.image[i].x - p.x;
+        const double rv = data.image[i].y - p.y;
+        visit(i, ru * ru + rv * rv);
+    });
+}
+
+double biweight(double e2, double cutOff2) {
+    if (!(e2 < cutOff2)) {
+        return 0.0;
+    }
+    const double u = 1.0 - e2 / cutOff2;
+    return u * u;
+}
+
+// One dot's share: d holds the derivatives of u and v, r the residuals. Upper triangles only.
+void accumulate(const double* du, const double* dv, const double* r, double w, CameraNormalEq* eq,
+                CameraNormalEq::View* view) {
+    for (std::size_t i = 0; i < kJoint; ++i) {
+        const double wu = w * du[i];
+        const double wv = w * dv[i];
+        const double gradient = wu * r[0] + wv * r[1];
+        if (i < kIntrinsics) {
+            for (std::size_t j = i; j < kIntrinsics; ++j) {
+                eq->N[i * kIntrinsics + j] += wu * du[j] + wv * dv[j];
+            }
+            for (std::size_t j = 0; j < kPose; ++j) {
+                view->cross[i * kPose + j] += wu * du[kIntrinsics + j] + wv * dv[kIntrinsics + j];
+            }
+            eq->g[i] += gradient;
+        } else {
+            const std::size_t row = i - kIntrinsics;
+            for (std::size_t j = row; j < kPose; ++j) {
+                view->N[row * kPose + j] += wu * du[kIntrinsics + j] + wv * dv[kIntrinsics + j];
+            }
+            view->g[row] += gradient;
+        }
+    }
+}
+
+void mirrorUpperTriangle(std::size_t n, double* N) {
+    for (std::size_t i = 0; i < n; ++i) {
+        for (std::size_t j = 0; j < i; ++j) {
+            N[i * n + j] = N[j * n + i];
+        }
+    }
+}
+
+// Makes what a parallel view cannot tell stay where it is.
+void holdUndetermined(CameraNormalEq* eq) {
+    for (const std::size_t held : kHeldIntrinsics) {
+        eq->N[held * kIntrinsics + held] = 1.0;
+    }
+    CameraNormalEq::View& view = eq->views[0];
+    view.N[kHeldDepth * kPose + kHeldDepth] = 1.0;
+    const double roll = view.N[2 * kPose + 2];
+    view.N[0] += kTiltDamping * roll;
+    view.N[kPose + 1] += kTiltDamping * roll;
+}
+
+void clear(std::size_t views, CameraNormalEq* eq) {
+    std::fill_n(eq->N, kIntrinsics * kIntrinsics, 0.0);
+    std::fill_n(eq->g, kIntrinsics, 0.0);
+    std::fill_n(eq->views, views, CameraNormalEq::View{});
+    eq->cost = 0.0;
+}
+
+}  // namespace
+
+double tukeyCost(const double* squares, std::size_t n, double cutOff2) {
+    double cost = 0.0;
+    for (std::size_t i = 0; i < n; ++i) {
+        const double share = std::min(1.0, squares[i] / cutOff2);
+        // (1 - (1 - u)^3) / 3 without cancellation.
+        cost += cutOff2 * share * (1.0 - share + share * share / 3.0);
+    }
+    return cost;
+}
+
+double meanReprojectionDistance(const CameraData& data, const CameraUnknowns& unknowns) {
+    double sum = 0.0;
+    forEachSquare(data, unknowns, [&](std::size_t, double e2) { sum += std::sqrt(e2); });
+    return sum / static_cast<double>(data.dots());
+}
+
+bool innerCalcCameraNormalEq(const CameraData& data, const CameraUnknowns& unknowns, double robustThreshold,
+                             double* squares, CameraNormalEq* equations) {
+    const bool robust = robustThreshold > 0.0;
+    clear(data.views(), equations);
+    if (robust) {
+        double sum = 0.0;
+        forEachSquare(data, unknowns, [&](std::size_t i, double e2) {
+            squares[i] = e2;
+            sum += e2;
+        });
+        if (!std::isfinite(sum)) {
+            equations->cost = sum;
+            return false;
+        }
+        const double k = kMadToSigma * robustThreshold;
+        const double median = innerMedian(static_cast<std::int32_t>(data.dots()), squares);
+        equations->cutOff2 = std::max(kLeastSquaredCutOff, k * k * median);
+        equations->cost = tukeyCost(squares, data.dots(), equations->cutOff2);
+    }
+    const DotProjector projector{unknowns.intrinsics, data.parallel};
+    double sum = 0.0;
+    forEachDot(data, unknowns, [&](std::size_t v, std::size_t i, const ViewFrame& frame) {
+        double du[kJoint];
+        double dv[kJoint];
+        const Point2d p = projector.project(frame, data.plane[i], du, dv);
+        if (data.parallel) {
+            for (const std::size_t held : kHeldIntrinsics) {
+                du[held] = 0.0;
+                dv[held] = 0.0;
+            }
+        }
+        const double r[2] = {data.image[i].x - p.x, data.image[i].y - p.y};
+        const double e2 = r[0] * r[0] + r[1] * r[1];
+        const double w = robust ? biweight(e2, equations->cutOff2) : 1.0;
+        if (w > 0.0) {
+            accumulate(du, dv, r, w, equations, &equations->views[v]);
+        }
+        sum += e2;
+    });
+    if (!robust) {
+        equations->cost = sum;
+    }
+    mirrorUpperTriangle(kIntrinsics, equations->N);
+    for (std::size_t v = 0; v < data.views(); ++v) {
+        mirrorUpperTriangle(kPose, equations->views[v].N);
+    }
+    if (data.parallel) {
+        holdUndetermined(equations);
+    }
+    return std::isfinite(equations->cost);
+}
+
+}  // namespace zelm
