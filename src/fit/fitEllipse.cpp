@@ -29,8 +29,7 @@ bool isEllipse(const double* p) {
     return ellipseDiscriminant(p) >= 0.0 && (p[0] + p[2]) * sign >= 0.0;
 }
 
-// Takes the first of the vectors, counted from the last down to `first`, that is an ellipse, scaled so that
-// 4AC - B^2 = 1. vectors: rows; isCandidate: which of them to look at.
+// Takes the last of the candidate vectors (rows) that is an ellipse, scaled so that 4AC - B^2 = 1.
 template <class Filter>
 int32_t ellipseAmong(const double* vectors, Filter isCandidate, double* conic) {
     for (size_t i = N; i-- > 0;) {
@@ -99,9 +98,10 @@ int32_t fitEllipseSolve(int32_t n, const double* weights, const double* points, 
     if (const auto s = zelmMatJacobiEigen(static_cast<int32_t>(N), S, values, vectors); s < 0) {
         return s;
     }
-    const auto isNull = [&values](size_t i) { return std::fabs(values[i]) < kNullEigenvalue; };
-    if (isNull(0) || isNull(1) || isNull(2) || isNull(3) || isNull(4) || isNull(5)) {
-        return ellipseAmong(vectors, isNull, conic);
+    const auto isNull = [](double value) { return std::fabs(value) < kNullEigenvalue; };
+    if (std::any_of(values, values + N, isNull)) {
+        return ellipseAmong(
+            vectors, [&](size_t i) { return isNull(values[i]); }, conic);
     }
     double U[N * N];
     if (zelmMatCholeskyDecomp(static_cast<int32_t>(N), S, U) < 0) {

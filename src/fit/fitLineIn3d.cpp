@@ -24,18 +24,17 @@ int32_t fitLineIn3dSolve(int32_t n, const double* weights, const double* points,
     return ZELM_OK;
 }
 
-double dot(const double* a, const double* b) {
-    return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
-}
-
+// |d x u| for the unit direction u: the same distance as sqrt(|d|^2 - (u d)^2), without its cancellation, which would
+// leave 1e-8 of the extent for points on the line and re-weight them by rounding noise.
 void fitLineIn3dResidual(int32_t n, const double* points, const double* line, double* residuals) {
-    const double length = std::sqrt(dot(line + 3, line + 3));
-    const double u[3] = {line[3] / length, line[4] / length, line[5] / length};
+    const double* const u = line + 3;
+    const double length = std::sqrt(u[0] * u[0] + u[1] * u[1] + u[2] * u[2]);
     for (size_t i = 0; i < static_cast<size_t>(n); ++i) {
         const double d[3] = {points[3 * i] - line[0], points[3 * i + 1] - line[1], points[3 * i + 2] - line[2]};
-        const double along = dot(u, d);
-        const double square = dot(d, d) - along * along;
-        residuals[i] = square > 0.0 ? std::sqrt(square) : 0.0;
+        const double x = d[1] * u[2] - d[2] * u[1];
+        const double y = d[2] * u[0] - d[0] * u[2];
+        const double z = d[0] * u[1] - d[1] * u[0];
+        residuals[i] = std::sqrt(x * x + y * y + z * z) / length;
     }
 }
 

@@ -1,0 +1,109 @@
+// Every exported fit with each of its allocations failing, in a robust fit that re-weights.
+#include <algorithm>
+
+#include "faultCase.h"
+#include "fitShapes.h"
+#include "zelm/fit.h"
+
+using zelmtest::FaultProbe;
+using zelmtest::Random;
+
+namespace {
+
+constexpr double kUntouched = -7.0;
+constexpr int32_t kPoints = 20;
+
+std::vector<Point2d> planePoints() {
+    Random random(541);
+    return zelmtest::ellipsePoints({30.0, 20.0, 9.0, 6.0, 0.4}, kPoints, 0.1, random);
+}
+
+std::vector<Point3d> spacePoints() {
+    Random random(542);
+    std::vector<Point3d> points;
+    for (int32_t i = 0; i < kPoints; ++i) {
+        points.push_back({0.1 * i + random.normal(), 0.2 * i + random.normal(), i + 0.3 * random.normal()});
+    }
+    return points;
+}
+
+// call: from a result of six doubles to a status.
+template <class Call>
+void fitCase(FaultProbe& probe, Call call) {
+    double result[6];
+    std::fill(result, result + 6, kUntouched);
+    const int32_t status = probe.call([&] { return call(result); });
+    if (probe.failed()) {
+        EXPECT_EQ(status, ZELM_ERR_MEMORY);
+        EXPECT_TRUE(std::all_of(result, result + 6, [](double v) { return v == kUntouched; }));
+    } else {
+        EXPECT_EQ(status, ZELM_OK);
+        EXPECT_NE(result[0], kUntouched);
+    }
+}
+
+}  // namespace
+
+ZELM_FAULT_CASE(zelmFitMean1dim) {
+    const double values[6] = {1.0, 2.0, 2.5, 3.0, 3.5, 20.0};
+    fitCase(probe, [&](double* r) { return zelmFitMean1dim(6, values, 1, 3.0, r); });
+}
+
+ZELM_FAULT_CASE(zelmFitMean2dim) {
+    const auto points = planePoints();
+    fitCase(probe,
+            [&](double* r) { return zelmFitMean2dim(kPoints, points.data(), 1, 3.0, reinterpret_cast<Point2d*>(r)); });
+}
+
+ZELM_FAULT_CASE(zelmFitMean3dim) {
+    const auto points = spacePoints();
+    fitCase(probe,
+            [&](double* r) { return zelmFitMean3dim(kPoints, points.data(), 1, 3.0, reinterpret_cast<Point3d*>(r)); });
+}
+
+ZELM_FAULT_CASE(zelmFitLine) {
+    const auto points = planePoints();
+    fitCase(probe,
+            [&](double* r) { return zelmFitLine(kPoints, points.data(), 1, 3.0, reinterpret_cast<Line2d*>(r)); });
+}
+
+ZELM_FAULT_CASE(zelmFitLineIn3d) {
+    const auto points = spacePoints();
+    fitCase(probe, [&](double* r) { return zelmFitLineIn3d(kPoints, points.data(), 1, 3.0, r); });
+}
+
+ZELM_FAULT_CASE(zelmFitPlane) {
+    const auto points = spacePoints();
+    fitCase(probe, [&](double* r) { return zelmFitPlane(kPoints, points.data(), 1, 3.0, r); });
+}
+
+ZELM_FAULT_CASE(zelmFitEllipse) {
+    const auto points = planePoints();
+    fitCase(probe,
+            [&](double* r) { return zelmFitEllipse(kPoints, points.data(), 1, 3.0, reinterpret_cast<Ellipse2d*>(r)); });
+}
+
+ZELM_FAULT_CASE(zelmFitEllipseC) {
+    const auto points = planePoints();
+    fitCase(probe, [&](double* r) { return zelmFitEllipseC(kPoints, points.data(), 1, 3.0, r); });
+}
+
+ZELM_FAULT_CASE(zelmFitConics) {
+    const auto points = planePoints();
+    fitCase(probe, [&](double* r) { return zelmFitConics(kPoints, points.data(), 1, 3.0, r); });
+}
+
+// Deliberate: inside its robust loop the circle reports a failed allocation as ZELM_ERR_FIT_DATA. Nine blocks come
+// before: the points, the system and its factors, and the loop's own four.
+ZELM_FAULT_CASE(zelmFitCircle) {
+    const auto points = planePoints();
+    Circle2d circle = {kUntouched, kUntouched, kUntouched};
+    const int32_t status = probe.call([&] { return zelmFitCircle(kPoints, points.data(), 1, 3.0, &circle); });
+    if (probe.failed()) {
+        EXPECT_EQ(status, probe.allocations() <= 9 ? ZELM_ERR_MEMORY : ZELM_ERR_FIT_DATA);
+        EXPECT_EQ(circle.x, kUntouched);
+    } else {
+        EXPECT_EQ(status, ZELM_OK);
+        EXPECT_GT(probe.allocations(), 10);
+    }
+}
