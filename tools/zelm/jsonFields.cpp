@@ -47,6 +47,8 @@ Json parseCommentedJson(const std::string& file, const std::string& text) {
         const auto lineStart = std::find(std::make_reverse_iterator(end), text.rend(), '\n').base();
         failUsage("{}: not valid JSON at line {}, column {}: correct it there", file, std::count(begin, end, '\n') + 1,
                   end - lineStart + 1);
+    } catch (const Json::out_of_range&) {
+        failUsage("{}: a number is out of range: correct it", file);
     }
 }
 

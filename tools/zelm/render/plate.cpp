@@ -30,6 +30,16 @@ void require(bool condition, const char* message) {
     }
 }
 
+void checkLists(const Plate& plate) {
+    const auto onGrid = [&plate](GridIndex i) {
+        return i.x >= plate.minX && i.x <= plate.maxX && i.y >= plate.minY && i.y <= plate.maxY;
+    };
+    for (const auto* list : {&plate.missing, &plate.shrunkMarkers, &plate.extraMarkers}) {
+        require(std::all_of(list->begin(), list->end(), onGrid),
+                "a dot listed as missing or changed is not on the grid");
+    }
+}
+
 void checkSpacing(const Plate& plate) {
     const double largest = 0.5 * std::max(plate.dotDiameter, plate.markerDiameter);
     require(largest < plate.marginX && largest < plate.marginY, "the dots reach the edge; make the margin larger");
@@ -58,6 +68,7 @@ void checkPlate(const Plate& plate) {
     require(plate.minX <= 0 && plate.minY <= 0, "the corner marker (0, 0) is not on the grid");
     require(plate.markerX > 0 && plate.markerX <= plate.maxX, "the x marker is not on the grid");
     require(plate.markerY > 0 && plate.markerY <= plate.maxY, "the y marker is not on the grid");
+    checkLists(plate);
     checkSpacing(plate);
 }
 
