@@ -117,7 +117,8 @@ ZELM_API int32_t zelmCalibDistortPoint(const ZelmCameraIntrinsics* tCam, double 
 /// Removes the lens distortion from a pixel: Newton's method on zelmCalibDistortPoint, started at the given pixel.
 /// It ends after a step of at most 0.0001 pixel in x and in y. The steps converge quadratically, so the result is as a
 /// rule far closer: within 1e-9 pixel of the exact inverse for lenses that move no pixel by more than a tenth of its
-/// radius. Beyond the radius where the lens folds the image (1 + 3 k1 r^2 + 5 k2 r^4 = 0) there is no inverse.
+/// radius. A pixel beyond the radius where the lens folds the image (1 + 3 k1 r^2 + 5 k2 r^4 = 0) has no ideal position
+/// on the near side of the fold: the search fails or ends on its far side.
 /// @param tCam [in] camera
 /// @param dXd, dYd [in] distorted pixel
 /// @param dX, dY [out] ideal pixel; the latest estimate also on ZELM_ERR_UNDISTORT

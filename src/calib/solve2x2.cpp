@@ -1,28 +1,29 @@
 // Two linear equations by elimination with scaled partial pivoting.
 #include "solve2x2.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace zelm {
 namespace {
 
-// The larger of two magnitudes; 0 when neither is a number.
-double largestMagnitude(double a, double b) {
-    const double first = std::fabs(a) > 0.0 ? std::fabs(a) : 0.0;
-    return std::fabs(b) > first ? std::fabs(b) : first;
+// The larger magnitude of a row; 0 when an entry is not finite.
+double largestMagnitude(const double row[2]) {
+    return std::isfinite(row[0]) && std::isfinite(row[1]) ? std::max(std::fabs(row[0]), std::fabs(row[1])) : 0.0;
 }
 
 }  // namespace
 
 bool innerSolve2x2(const double A[4], const double b[2], double x[2]) {
-    const double largest0 = largestMagnitude(A[0], A[1]);
-    const double largest1 = largestMagnitude(A[2], A[3]);
+    const double largest0 = largestMagnitude(A);
+    const double largest1 = largestMagnitude(A + 2);
     if (largest0 == 0.0 || largest1 == 0.0) {
         return false;
     }
     const double value0 = std::fabs(A[0]) * (1.0 / largest0);
     const double value1 = std::fabs(A[2]) * (1.0 / largest1);
-    const bool exchange = std::isnan(value0) ? value1 >= 0.0 : value1 > value0;  // the first of equals
+    // The first of equals; 0 times an infinite scale, in a row of subnormal numbers, is no candidate.
+    const bool exchange = std::isnan(value0) ? value1 >= 0.0 : value1 > value0;
     const double* const p = exchange ? A + 2 : A;
     const double* const q = exchange ? A : A + 2;
     if (p[0] == 0.0) {
