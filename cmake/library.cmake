@@ -12,9 +12,10 @@ set_target_properties(zelmLib PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION 1 
 set_target_properties(zelmLibStatic PROPERTIES OUTPUT_NAME zelmLib LINKER_LANGUAGE C)
 target_link_libraries(zelmLib PRIVATE $<BUILD_INTERFACE:zelm_options> m)
 target_link_libraries(zelmLibStatic PRIVATE $<BUILD_INTERFACE:zelm_options> PUBLIC m)
-target_link_options(zelmLib PRIVATE
-  -Wl,--version-script=${PROJECT_SOURCE_DIR}/cmake/exports.map
-  $<$<NOT:$<BOOL:${ZELM_SANITIZE}>>:-Wl,--no-undefined>)
+target_link_options(zelmLib PRIVATE -Wl,--version-script=${PROJECT_SOURCE_DIR}/cmake/exports.map)
+if(NOT ZELM_SANITIZE)
+  target_link_options(zelmLib PRIVATE -Wl,--no-undefined)
+endif()
 set_property(TARGET zelmLib APPEND PROPERTY LINK_DEPENDS ${PROJECT_SOURCE_DIR}/cmake/exports.map)
 foreach(target zelmLib zelmLibStatic)
   target_include_directories(${target} PUBLIC
