@@ -22,29 +22,64 @@
 #define ZELM_END_DECLS
 #endif
 
-/// Status codes. The values are part of the binary interface and never change.
+/// Status codes. The values are part of the binary interface and never change. What a code means for the outputs is
+/// said with each function; unless it says otherwise, a failing function has written nothing.
 enum {
-    ZELM_OK = 0,                            ///< success
-    ZELM_ERR_MEMORY = -1,                   ///< a working allocation failed
-    ZELM_ERR_PARAM = -2,                    ///< NULL pointer, bad size, sizes that disagree, option out of range
-    ZELM_ERR_DEGENERATE = -100,             ///< degenerate geometry or data; dimension mismatch of a matrix product
-    ZELM_ERR_SINGULAR = -110,               ///< LU: an all-zero row, a zero pivot or a product of pivots equal to 0
-    ZELM_ERR_EIGEN_NOT_CONVERGED = -111,    ///< Jacobi eigen decomposition not converged within 100 sweeps
-    ZELM_ERR_SVD_FAILED = -112,             ///< SVD: fewer rows than columns, or 30 passes without convergence
-    ZELM_ERR_NOT_POSITIVE_DEFINITE = -113,  ///< Cholesky: a diagonal term below 1e-11
-    ZELM_ERR_FIT_DATA = -130,               ///< too few usable points for a fit, or every point rejected
-    ZELM_ERR_FIT_NOT_ELLIPSE = -131,        ///< no eigenvector of the conic fit describes an ellipse
-    ZELM_ERR_FIT_NOT_ELLIPSOID = -132,      ///< no eigenvector of the quadric fit describes an ellipsoid
-    ZELM_ERR_FIT_NOT_CONE = -133,           ///< the cone fit is degenerate
-    ZELM_ERR_CALIB_HOMOGRAPHY = -150,       ///< the homography of a calibration view, or a rectifying pair, failed
-    ZELM_ERR_CALIB_ESTIMATE = -151,         ///< the closed-form estimate of the camera parameters failed
-    ZELM_ERR_CALIB_NOT_CONVERGED = -152,    ///< the nonlinear refinement did not converge or could not start
-    ZELM_ERR_UNDISTORT = -153,              ///< removing lens distortion from a point failed
-    ZELM_ERR_PATTERN = -200,                ///< fewer pattern dots than required
-    ZELM_ERR_PATTERN_MARKERS = -201,        ///< the marker dots of the pattern could not be identified
-    ZELM_ERR_PATTERN_GRID = -202,           ///< the marker frame or the grid homography is singular or failed
-    ZELM_ERR_STEREO_GEOMETRY = -210,        ///< the fundamental matrix could not be formed
-    ZELM_ERR_PATTERN_PLATE = -220           ///< no pattern plate was found in the image
+    /// Success.
+    ZELM_OK = 0,
+    /// A working allocation failed. Nothing is leaked; the call may be repeated when memory is available.
+    /// From every family but Math, Clp2d, Clp3d and Edge1d, which do not allocate.
+    ZELM_ERR_MEMORY = -1,
+    /// A required pointer is NULL, a size is zero or negative, two buffers disagree in size, or an option is out of
+    /// range. From every function that takes images, objects or lists; the primitive families Mat, Math, Clp2d and
+    /// Clp3d do not look at pointers and do not return it.
+    ZELM_ERR_PARAM = -2,
+    /// Degenerate geometry or data: points that coincide, a direction without length, parallel lines, no
+    /// intersection; in the matrix products a mismatch of dimensions. Each family states its own threshold (Math 1e-9,
+    /// Clp2d and Clp3d 1e-14, Cg 1e-13). The stereo and search families return it also where the matrix toolkit
+    /// reports ZELM_ERR_SINGULAR or ZELM_ERR_SVD_FAILED.
+    ZELM_ERR_DEGENERATE = -100,
+    /// LU factorisation found a row of zeros, an entry that is not finite, a zero pivot, or a product of pivots that
+    /// is, or underflows to, exactly 0. From zelmMatInvert and zelmMatSolveLU.
+    ZELM_ERR_SINGULAR = -110,
+    /// The Jacobi eigen decomposition did not converge within 100 sweeps. From zelmMatJacobiEigen.
+    ZELM_ERR_EIGEN_NOT_CONVERGED = -111,
+    /// The singular value decomposition was asked for a matrix with fewer rows than columns, did not converge within
+    /// 30 passes for one singular value, or met entries that are not finite. From zelmMatSVD and zelmMatSolveSVD.
+    ZELM_ERR_SVD_FAILED = -112,
+    /// A diagonal term of the Cholesky factorisation fell below 1e-11. From zelmMatCholeskyDecomp.
+    ZELM_ERR_NOT_POSITIVE_DEFINITE = -113,
+    /// Too few usable points for a fit, or the robust iteration rejected them. From the fits.
+    ZELM_ERR_FIT_DATA = -130,
+    /// No eigenvector of the conic fit describes an ellipse. From the ellipse fits.
+    ZELM_ERR_FIT_NOT_ELLIPSE = -131,
+    /// No eigenvector of the quadric fit describes an ellipsoid. From the ellipsoid fit.
+    ZELM_ERR_FIT_NOT_ELLIPSOID = -132,
+    /// The cone fit is degenerate: a determinant below 1e-12, or no apex. From the cone fit.
+    ZELM_ERR_FIT_NOT_CONE = -133,
+    /// The homography of one calibration view could not be estimated, or a rectifying pair of the stereo calibration
+    /// failed. From zelmCalibCameraParam and zelm2ViewCalibCameraParam.
+    ZELM_ERR_CALIB_HOMOGRAPHY = -150,
+    /// The closed-form estimate of the camera parameters failed: too few views, or views that do not determine the
+    /// camera. From zelmCalibCameraParam.
+    ZELM_ERR_CALIB_ESTIMATE = -151,
+    /// A nonlinear refinement reached its iteration limit (100 for a homography, 200 for a camera), or the homography
+    /// estimation could not start. From zelmCalibCalcHomography and zelmCalibCameraParam.
+    ZELM_ERR_CALIB_NOT_CONVERGED = -152,
+    /// Lens distortion could not be removed from a point: its 2 x 2 system was singular, or Newton's iteration did not
+    /// converge within 20 steps. From zelmCalibUnDistortPoint and what builds on it.
+    ZELM_ERR_UNDISTORT = -153,
+    /// The calibration pattern was not found in an image, or shows fewer dots than required. From the pattern readers.
+    ZELM_ERR_PATTERN = -200,
+    /// The marker dots of the pattern could not be identified: wrong number, no right angle, or axes of very different
+    /// length. From the pattern readers.
+    ZELM_ERR_PATTERN_MARKERS = -201,
+    /// The marker frame or the grid homography is singular or could not be estimated. From the pattern readers.
+    ZELM_ERR_PATTERN_GRID = -202,
+    /// The fundamental matrix of a stereo pair could not be formed. From zelm2ViewCalibCameraParam.
+    ZELM_ERR_STEREO_GEOMETRY = -210,
+    /// No pattern plate was found in the image. From the pattern readers.
+    ZELM_ERR_PATTERN_PLATE = -220
 };
 
 /// A point in the plane. Image points are in pixels, x to the right, y downwards; integer coordinates are pixel
@@ -61,7 +96,7 @@ typedef struct Point3d {
     double z;
 } Point3d;
 
-/// The line a*x + b*y + c = 0, produced with a^2 + b^2 = 1.
+/// The line a*x + b*y + c = 0, produced with a^2 + b^2 = 1. Functions that need the normal form make it themselves.
 typedef struct Line2d {
     double a;
     double b;
@@ -100,11 +135,12 @@ typedef struct ZelmRect2 {
     int32_t y2;
 } ZelmRect2;
 
-/// An 8-bit gray image without padding: pixel (x, y) is pixels[y * width + x]. The caller owns the pixels.
+/// An 8-bit gray image without padding: pixel (x, y) is pixels[y * width + x]. The caller owns the pixels; the library
+/// never frees them.
 typedef struct ZelmImage {
-    uint8_t* pixels;
-    int32_t width;
-    int32_t height;
+    uint8_t* pixels;  ///< width * height bytes
+    int32_t width;    ///< pixels in a row, and bytes from one row to the next
+    int32_t height;   ///< rows
 } ZelmImage;
 
 #ifdef __APPLE__

@@ -8,6 +8,7 @@
 #include <functional>
 #include <limits>
 #include <string>
+#include <vector>
 
 #include "denseMatrix.h"
 #include "isClose.h"
@@ -100,6 +101,19 @@ TEST(MatJacobiEigen, ResidualAndOrthogonalityOfSpreadNearlySingularAndTiedSpectr
             const auto n = static_cast<std::size_t>(1 + trial % 10);
             expectProven(zelmtest::withEigenvalues(random, zelmtest::spectrumOf(kind, n, random)), kPromise,
                          nameOf(kind));
+        }
+    }
+}
+
+TEST(MatJacobiEigen, GapsOfAThousandthOfTheLargestValueKeepThePromise) {
+    Random random(78);
+    for (const double gap : {0.05, 0.01, 0.001}) {
+        for (int trial = 0; trial < 500; ++trial) {
+            std::vector<double> values(static_cast<std::size_t>(2 + trial % 9));
+            for (std::size_t i = 0; i < values.size(); ++i) {
+                values[i] = 1.0 - gap * static_cast<double>(i);
+            }
+            expectProven(zelmtest::withEigenvalues(random, values), kPromise, "gap " + std::to_string(gap));
         }
     }
 }
@@ -233,7 +247,7 @@ TEST(MatJacobiEigen, ScaleFromWhichTheAbsoluteThresholdNeverMatters) {
         Matrix a = randomSymmetric(random, 10);
         const double size = zelmtest::frobeniusNorm(a);
         for (double& entry : a.entries) {
-            entry *= 2e-11 / size;  // 45 entries of 1e-20 weigh less than 1e-8 of this norm
+            entry *= 1e-11 / size;  // 45 entries of 1e-20 on either side weigh less than 1e-8 of this norm
         }
         expectProven(a, kClusterBound, "small scale");
     }
