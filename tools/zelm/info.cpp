@@ -13,7 +13,7 @@ namespace {
 void showRig(const std::filesystem::path& path, const Console& console) {
     const Rig rig = readRig(path);
     console.say(fmt::format("{}: a calibrated pair from {} views", path.string(), rig.views()));
-    console.say(rigText(rig));
+    console.say(rigText(rig, "plane units"));
     if (console.json) {
         console.result(rigJson(rig).dump(2));
     }

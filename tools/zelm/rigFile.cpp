@@ -221,11 +221,11 @@ Json rigJson(const Rig& rig) {
     return json;
 }
 
-std::string rigText(const Rig& rig) {
+std::string rigText(const Rig& rig, const std::string& units) {
     std::string text = intrinsicsText(rig.left, rig.right);
     if (hasPairGeometry(rig)) {
         const PairGeometry pair = pairGeometry(rig);
-        text += fmt::format("baseline {:.4f} plane units, convergence angle {:.4f} deg", pair.baseline,
+        text += fmt::format("baseline {:.4f} {}, convergence angle {:.4f} deg", pair.baseline, units,
                             pair.convergenceDegrees);
     } else {
         text += "no baseline: a parallel projection has no centre";

@@ -60,8 +60,8 @@ PairGeometry pairGeometry(const Rig& rig);
 // The intrinsics, the poses and the pair as JSON.
 nlohmann::ordered_json rigJson(const Rig& rig);
 
-// The same for people.
-std::string rigText(const Rig& rig);
+// The same for people; `units` are those of the plate.
+std::string rigText(const Rig& rig, const std::string& units);
 
 const char* modelName(int model);
 

@@ -12,6 +12,7 @@ CLI::App* addSubcommand(CLI::App& app, Console& console, const std::string& name
 }
 
 void addSubcommands(CLI::App& app, Console& console) {
+    addDetect(app, console);
     addInfo(app, console);
     addSimulate(app, console);
 }

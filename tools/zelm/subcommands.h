@@ -15,6 +15,7 @@ CLI::App* addSubcommand(CLI::App& app, Console& console, const std::string& name
                         const std::string& example);
 
 // Each adds one subcommand. `console` outlives the parse.
+void addDetect(CLI::App& app, Console& console);
 void addInfo(CLI::App& app, Console& console);
 void addSimulate(CLI::App& app, Console& console);
 

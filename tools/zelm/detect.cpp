@@ -1,0 +1,103 @@
+// zelm detect: the dots of one image as CSV and as a picture.
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <memory>
+#include <nlohmann/json.hpp>
+
+#include "dots.h"
+#include "failure.h"
+#include "outputFiles.h"
+#include "overlay.h"
+#include "plateOptions.h"
+#include "subcommands.h"
+
+namespace zelm::tool {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct DetectOptions {
+    PlateOptions plate;
+    std::string image;
+    std::string folder = ".";
+    std::vector<int> region;
+};
+
+std::vector<Dot> detect(const Picture& picture, const Plate& plate, const DetectOptions& options) {
+    const auto region = regionOf(options.region);
+    if (region) {
+        checkRegion(*region, picture, options.image);
+    }
+    const DotReading reading = readDots(picture, plate, region);
+    if (reading.status < 0) {
+        failData("{}: {}", options.image, readingText(reading.status, plate, &picture));
+    }
+    std::vector<Dot> dots = indexDots(picture, plate, reading.points);
+    if (dots.size() != reading.points.size()) {
+        failData("{}: {} of {} dots have no place on the grid: do pitch and marker distances in {} fit the plate?",
+                 options.image, reading.points.size() - dots.size(), reading.points.size(), options.plate.file);
+    }
+    std::sort(dots.begin(), dots.end(), [](const Dot& a, const Dot& b) {
+        return std::pair(a.index.y, a.index.x) < std::pair(b.index.y, b.index.x);
+    });
+    return dots;
+}
+
+std::string csvOf(const std::vector<Dot>& dots) {
+    std::string csv = "grid_x,grid_y,plane_x,plane_y,pixel_x,pixel_y\n";
+    for (const Dot& dot : dots) {
+        csv += fmt::format("{},{},{},{},{:.6f},{:.6f}\n", dot.index.x, dot.index.y, dot.plane.x, dot.plane.y,
+                           dot.pixel.x, dot.pixel.y);
+    }
+    return csv;
+}
+
+void runDetect(const DetectOptions& options, const Console& console) {
+    const Plate plate = plateOf(options.plate);
+    const Picture picture = readPicture(options.image);
+    OutputFiles outputs;
+    outputs.prepareFolder(options.folder);
+    const std::vector<Dot> dots = detect(picture, plate, options);
+
+    const std::string stem = fs::path(options.image).stem().string();
+    const fs::path csv = fs::path(options.folder) / (stem + "_dots.csv");
+    const fs::path png = fs::path(options.folder) / (stem + "_dots.png");
+    outputs.add(csv, csvOf(dots));
+    outputs.add(png, drawOverlay(picture, plate, dots));
+    outputs.commit();
+
+    console.say(
+        fmt::format("{}: {} dots found; wrote {} and {}", options.image, dots.size(), csv.string(), png.string()));
+    if (console.json) {
+        nlohmann::ordered_json list = nlohmann::ordered_json::array();
+        for (const Dot& dot : dots) {
+            list.push_back({{"grid", {dot.index.x, dot.index.y}},
+                            {"plane", {dot.plane.x, dot.plane.y}},
+                            {"pixel", {dot.pixel.x, dot.pixel.y}}});
+        }
+        console.result(nlohmann::ordered_json{
+            {"image", options.image},
+            {"units", plate.units},
+            {"csv", csv.string()},
+            {"overlay", png.string()},
+            {"dots", list}}.dump(2));
+    }
+}
+
+}  // namespace
+
+void addDetect(CLI::App& app, Console& console) {
+    CLI::App* const sub = addSubcommand(app, console, "detect", "Find the dots of the plate in one image",
+                                        "zelm detect left_00.png --plate plate.json -o out");
+    const auto options = std::make_shared<DetectOptions>();
+    sub->add_option("image", options->image, "The image (PNG, TIFF, JPEG, BMP or PGM)")->required();
+    addPlateOptions(*sub, options->plate);
+    addRegionOption(*sub, "--region", options->region, "Part of the image that holds the plate; default: find it");
+    sub->add_option("-o,--output", options->folder, "Folder for IMAGE_dots.csv and IMAGE_dots.png")
+        ->capture_default_str();
+    sub->callback([options, &console] { runDetect(*options, console); });
+}
+
+}  // namespace zelm::tool

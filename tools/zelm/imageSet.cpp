@@ -1,0 +1,161 @@
+#include "imageSet.h"
+
+#include <glob.h>
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+#include <memory>
+#include <sstream>
+
+#include "failure.h"
+#include "outputFiles.h"
+
+namespace zelm::tool {
+namespace {
+
+namespace fs = std::filesystem;
+using Paths = std::vector<fs::path>;
+
+constexpr std::array<std::string_view, 9> kImageEndings{".png", ".tif", ".tiff", ".jpg", ".jpeg",
+                                                        ".bmp", ".pgm", ".ppm",  ".pnm"};
+
+bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+std::string_view digitsAt(std::string_view text, std::size_t at) {
+    std::size_t end = at;
+    while (end < text.size() && isDigit(text[end])) {
+        ++end;
+    }
+    return text.substr(at, end - at);
+}
+
+// Compares as numbers of any length; leading zeros do not count.
+int compareDigits(std::string_view a, std::string_view b) {
+    a.remove_prefix(std::min(a.find_first_not_of('0'), a.size()));
+    b.remove_prefix(std::min(b.find_first_not_of('0'), b.size()));
+    if (a.size() != b.size()) {
+        return a.size() < b.size() ? -1 : 1;
+    }
+    return a.compare(b);
+}
+
+int compareNaturally(std::string_view a, std::string_view b) {
+    std::size_t i = 0;
+    std::size_t j = 0;
+    while (i < a.size() && j < b.size()) {
+        if (isDigit(a[i]) && isDigit(b[j])) {
+            const std::string_view m = digitsAt(a, i);
+            const std::string_view n = digitsAt(b, j);
+            if (const int order = compareDigits(m, n); order != 0) {
+                return order;
+            }
+            i += m.size();
+            j += n.size();
+        } else {
+            if (a[i] != b[j]) {
+                return static_cast<unsigned char>(a[i]) < static_cast<unsigned char>(b[j]) ? -1 : 1;
+            }
+            ++i;
+            ++j;
+        }
+    }
+    return static_cast<int>(a.size() - i > 0) - static_cast<int>(b.size() - j > 0);
+}
+
+void sortNaturally(Paths& paths) {
+    std::sort(paths.begin(), paths.end(),
+              [](const fs::path& a, const fs::path& b) { return naturallyBefore(a.native(), b.native()); });
+}
+
+std::string lowerEnding(const fs::path& path) {
+    std::string ending = path.extension().string();
+    std::transform(ending.begin(), ending.end(), ending.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return ending;
+}
+
+Paths imagesOfFolder(const fs::path& folder) {
+    Paths paths;
+    for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
+        const bool isImage =
+            std::find(kImageEndings.begin(), kImageEndings.end(), lowerEnding(entry.path())) != kImageEndings.end();
+        if (isImage && entry.is_regular_file() && !entry.path().filename().native().starts_with('.')) {
+            paths.push_back(entry.path());
+        }
+    }
+    if (paths.empty()) {
+        failUsage("{}: this folder holds no images (PNG, TIFF, JPEG, BMP or PGM)", folder.string());
+    }
+    sortNaturally(paths);
+    return paths;
+}
+
+Paths filesOfGlob(const std::string& pattern) {
+    glob_t found{};
+    const int status = ::glob(pattern.c_str(), 0, nullptr, &found);
+    const std::unique_ptr<glob_t, decltype(&::globfree)> owner(&found, ::globfree);
+    if (status != 0 || found.gl_pathc == 0) {
+        failUsage("{}: no file fits this pattern: is the folder right?", pattern);
+    }
+    Paths paths(found.gl_pathv, found.gl_pathv + found.gl_pathc);
+    sortNaturally(paths);
+    return paths;
+}
+
+Paths filesOfList(const fs::path& list) {
+    Paths paths;
+    std::istringstream lines(readWholeFile(list, "a list of images"));
+    for (std::string line; std::getline(lines, line);) {
+        while (!line.empty() && std::isspace(static_cast<unsigned char>(line.back())) != 0) {
+            line.pop_back();
+        }
+        if (!line.empty()) {
+            paths.push_back(list.parent_path() / line);
+        }
+    }
+    if (paths.empty()) {
+        failUsage("{}: this list names no images: write one name on each line", list.string());
+    }
+    return paths;
+}
+
+Paths expand(const std::string& argument) {
+    std::error_code error;
+    if (fs::is_directory(argument, error)) {
+        return imagesOfFolder(argument);
+    }
+    // A file whose name holds glob characters is taken as it is.
+    if (argument.find_first_of("*?[") != std::string::npos && !fs::exists(argument, error)) {
+        return filesOfGlob(argument);
+    }
+    if (lowerEnding(argument) == ".txt") {
+        return filesOfList(argument);
+    }
+    return {argument};
+}
+
+}  // namespace
+
+bool naturallyBefore(std::string_view a, std::string_view b) {
+    const int order = compareNaturally(a, b);
+    return order != 0 ? order < 0 : a < b;
+}
+
+Paths expandImageSet(const std::vector<std::string>& arguments, std::string_view option) {
+    Paths paths;
+    for (const std::string& argument : arguments) {
+        const Paths more = expand(argument);
+        paths.insert(paths.end(), more.begin(), more.end());
+    }
+    for (const fs::path& path : paths) {
+        if (std::error_code error; !fs::exists(path, error)) {
+            failData("{}: no such file: check the name given to {}", path.string(), option);
+        }
+    }
+    return paths;
+}
+
+}  // namespace zelm::tool
