@@ -13,13 +13,11 @@ namespace {
 constexpr std::size_t kJoint = kIntrinsics + kPose;
 constexpr double kMadToSigma = 1.4826;         // median absolute deviation to standard deviation of a normal variable
 constexpr double kLeastSquaredCutOff = 1e-10;  // normalised units; keeps exact data from rejecting itself
-// Damping of the tilt of a parallel view in units of the roll's information. The information about the tilt itself
-// grows with the squared sine of the tilt, so that tilts below some 0.6 degrees hardly move and greater ones do.
-constexpr double kTiltDamping = 1e-4;
 
-// What one view under parallel projection cannot tell.
-constexpr std::size_t kHeldIntrinsics[] = {kGamma, kCx, kCy};
-constexpr std::size_t kHeldDepth = kTranslation + 2;
+// What one view under parallel projection cannot tell: the principal point from the translation, the tilt from the
+// scales and the shear, the depth.
+constexpr std::size_t kHeldIntrinsics[] = {kCx, kCy};
+constexpr std::size_t kHeldPose[] = {kRotation, kRotation + 1, kTranslation + 2};
 
 // Calls visit(view, dot index, frame of the view) for every dot.
 template <class Visit>
@@ -84,16 +82,23 @@ void mirrorUpperTriangle(std::size_t n, double* N) {
     }
 }
 
-// Makes what a parallel view cannot tell stay where it is.
-void holdUndetermined(CameraNormalEq* eq) {
+// Holding: no derivative, so that the gradient and all products vanish, then 1 on the diagonal; the step is then 0.
+void clearHeld(double* derivatives) {
+    for (const std::size_t held : kHeldIntrinsics) {
+        derivatives[held] = 0.0;
+    }
+    for (const std::size_t held : kHeldPose) {
+        derivatives[kIntrinsics + held] = 0.0;
+    }
+}
+
+void hold(CameraNormalEq* eq) {
     for (const std::size_t held : kHeldIntrinsics) {
         eq->N[held * kIntrinsics + held] = 1.0;
     }
-    CameraNormalEq::View& view = eq->views[0];
-    view.N[kHeldDepth * kPose + kHeldDepth] = 1.0;
-    const double roll = view.N[2 * kPose + 2];
-    view.N[0] += kTiltDamping * roll;
-    view.N[kPose + 1] += kTiltDamping * roll;
+    for (const std::size_t held : kHeldPose) {
+        eq->views[0].N[held * kPose + held] = 1.0;
+    }
 }
 
 void clear(std::size_t views, CameraNormalEq* eq) {
@@ -147,10 +152,8 @@ bool innerCalcCameraNormalEq(const CameraData& data, const CameraUnknowns& unkno
         double dv[kJoint];
         const Point2d p = projector.project(frame, data.plane[i], du, dv);
         if (data.parallel) {
-            for (const std::size_t held : kHeldIntrinsics) {
-                du[held] = 0.0;
-                dv[held] = 0.0;
-            }
+            clearHeld(du);
+            clearHeld(dv);
         }
         const double r[2] = {data.image[i].x - p.x, data.image[i].y - p.y};
         const double e2 = r[0] * r[0] + r[1] * r[1];
@@ -168,7 +171,7 @@ bool innerCalcCameraNormalEq(const CameraData& data, const CameraUnknowns& unkno
         mirrorUpperTriangle(kPose, equations->views[v].N);
     }
     if (data.parallel) {
-        holdUndetermined(equations);
+        hold(equations);
     }
     return std::isfinite(equations->cost);
 }

@@ -19,8 +19,10 @@ namespace {
 
 constexpr std::int32_t kTiltedModel = 1;
 constexpr std::int32_t kParallelModel = 2;
-constexpr std::int32_t kLeastViews = 3;    // of a perspective camera
-constexpr std::int32_t kLeastDots = 4;     // of a view
+constexpr std::int32_t kLeastViews = 3;  // of a perspective camera
+constexpr std::int32_t kLeastDots = 4;   // of a view
+constexpr int kMostTiltRounds = 5;
+constexpr double kNoShear = 1e-9;          // gamma over beta; moves no dot of a normalised image noticeably
 constexpr double kPlaceholderDepth = 1.0;  // plane units; parallel projection does not depend on it
 
 std::int32_t memoryOr(std::int32_t status, std::int32_t other) {
@@ -125,7 +127,7 @@ std::int32_t startParallel(const CameraData& data, const Zelm2ViewPtnEntry& view
     unknowns->intrinsics[kBeta] = scales.y;
     unknowns->intrinsics[kCx] = data.imageUnits.s * (preset.cx - data.imageUnits.mx);
     unknowns->intrinsics[kCy] = data.imageUnits.s * (preset.cy - data.imageUnits.my);
-    return telecentricPose(homography, unknowns->intrinsics, unknowns->poses);
+    return headOnPose(homography, unknowns->intrinsics, unknowns->poses);
 }
 
 // The intrinsics in pixels and plane units; what is reserved stays.
@@ -164,6 +166,24 @@ void writeExtrinsics(const CameraData& data, const double* pose, ZelmCameraExtri
     }
 }
 
+// The refinement holds the tilt of a parallel view and lets the shear take up what of it the image shows; the shear is
+// then read as a tilt. The two meet at once when there is no lens distortion, else within a few rounds, because the
+// distortion's radius is measured in the camera's coordinates.
+std::int32_t refineParallel(const CameraData& data, double robustThreshold, CameraUnknowns* unknowns) {
+    for (int round = 0;; ++round) {
+        if (const std::int32_t status = refineCamera(data, robustThreshold, unknowns); status < 0) {
+            return status;
+        }
+        double* const k = unknowns->intrinsics;
+        if (round == kMostTiltRounds || (round > 0 && std::fabs(k[kGamma]) <= kNoShear * std::fabs(k[kBeta]))) {
+            return ZELM_OK;
+        }
+        if (const std::int32_t status = shearToTilt(k, unknowns->poses); status < 0) {
+            return status;
+        }
+    }
+}
+
 bool isUsable(const CameraUnknowns& unknowns, std::size_t views) {
     const auto finite = [](double value) { return std::isfinite(value); };
     return std::all_of(unknowns.intrinsics, unknowns.intrinsics + kIntrinsics, finite) &&
@@ -195,7 +215,8 @@ std::int32_t calibrateCamera(std::int32_t views, const Zelm2ViewPtnEntry* entrie
     if (!isUsable(unknowns, data.views())) {
         return ZELM_ERR_CALIB_ESTIMATE;
     }
-    status = refineCamera(data, robustThreshold, &unknowns);
+    status = data.parallel ? refineParallel(data, robustThreshold, &unknowns)
+                           : refineCamera(data, robustThreshold, &unknowns);
     if (status < 0) {
         return status;
     }

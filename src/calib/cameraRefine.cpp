@@ -2,11 +2,12 @@
 #include "cameraRefine.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstddef>
+#include <limits>
 #include <utility>
 
 #include "cameraNormalEq.h"
+#include "settled.h"
 #include "workBuffer.h"
 #include "zelm/mat.h"
 
@@ -15,9 +16,8 @@ namespace {
 
 constexpr int kMostSteps = 200;
 constexpr double kStartDamping = 0.001;
-constexpr double kCostChange = 1e-8;      // relative
-constexpr double kRelativeChange = 1e-4;  // of a parameter
-constexpr double kAbsoluteChange = 1e-6;  // of a parameter, normalised units
+
+constexpr double kInfinite = std::numeric_limits<double>::infinity();
 
 constexpr std::int32_t kP = kIntrinsics;
 constexpr std::int32_t kQ = kPose;
@@ -67,7 +67,7 @@ public:
                 return status;
             }
             move(present->unknowns, &trial->unknowns);
-            const double cost = evaluate(trial) ? comparable(*trial, *present) : INFINITY;
+            const double cost = evaluate(trial) ? comparable(*trial, *present) : kInfinite;
             converged = isConverged(*present, *trial, cost);
             if (cost < present->equations.cost) {
                 lambda *= 0.1;
@@ -150,22 +150,10 @@ private:
         }
     }
 
-    static bool hardlyMoved(std::size_t n, const double* before, const double* after) {
-        for (std::size_t i = 0; i < n; ++i) {
-            const double change = std::fabs(before[i] - after[i]);
-            // Deliberate: the signed old value, so that a negative parameter passes by the absolute test alone.
-            if (!(change <= before[i] * kRelativeChange || change <= kAbsoluteChange)) {
-                return false;
-            }
-        }
-        return true;
-    }
-
     bool isConverged(const State& before, const State& after, double newCost) const {
-        const double oldCost = before.equations.cost;
-        return std::fabs(oldCost - newCost) <= kCostChange * oldCost ||
-               (hardlyMoved(kIntrinsics, before.unknowns.intrinsics, after.unknowns.intrinsics) &&
-                hardlyMoved(data.views() * kPose, before.unknowns.poses, after.unknowns.poses));
+        return costSettled(before.equations.cost, newCost) ||
+               (parametersSettled(kIntrinsics, before.unknowns.intrinsics, after.unknowns.intrinsics) &&
+                parametersSettled(data.views() * kPose, before.unknowns.poses, after.unknowns.poses));
     }
 
     const CameraData& data;

@@ -27,10 +27,17 @@ struct ImageScales {
 };
 ImageScales scalesFromBaselines(Point2d toX, double xDistance, Point2d toY, double yDistance);
 
-// Tilt and roll of the plate behind the homography H = (M, m; ...) and the scales. intrinsics (in their order)
-// holds alpha and beta, the scales, which are adapted to the tilt, and cx, cy. Writes the pose. Returns ZELM_OK or the
-// status of a failed matrix operation; ZELM_ERR_CALIB_ESTIMATE when the scales are of no use.
-std::int32_t telecentricPose(const double* H, double* intrinsics, double* pose);
+// The pose of a plate that is seen head-on behind the homography H = (M, m; ...). intrinsics (in their order) holds
+// alpha and beta, the scales, and cx, cy. Returns ZELM_OK, ZELM_ERR_CALIB_ESTIMATE when the scales are of no use, or
+// the status of a failed matrix operation.
+std::int32_t headOnPose(const double* H, const double* intrinsics, double* pose);
+
+// Explains the shear gamma by a tilt of the plate: new scales, gamma = 0 and a new pose that image plate points as
+// before. A parallel view shows how plate lengths shrink and shear, two numbers that tilt (two angles) and the ratio
+// of the scales share; the ratio is taken such that the tilt is least. Of the two mirrored tilts which image the plate
+// alike the one is taken whose x axis points away from the camera. Returns ZELM_OK or the status of a failed matrix
+// operation.
+std::int32_t shearToTilt(double* intrinsics, double* pose);
 
 }  // namespace zelm
 
