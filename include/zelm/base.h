@@ -28,7 +28,9 @@ enum {
     /// Success.
     ZELM_OK = 0,
     /// A working allocation failed. Nothing is leaked; the call may be repeated when memory is available.
-    /// From every family but Math, Clp2d, Clp3d and Edge1d, which do not allocate.
+    /// From every family that allocates: all but Math, Clp2d and Clp3d. The edge search returns it also where the
+    /// window
+    /// of its derivative filter would leave the profile.
     ZELM_ERR_MEMORY = -1,
     /// A required pointer is NULL, a size is zero or negative, two buffers disagree in size, or an option is out of
     /// range. From every function that takes images, objects or lists; the primitive families Mat, Math, Clp2d and

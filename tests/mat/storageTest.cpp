@@ -59,12 +59,12 @@ TEST(MatStorage, OneRowHandleHoldsThePointerToItsBlockOnly) {
 }
 
 TEST(MatStorage, RequestBeyondTheAddressSpaceGivesNull) {
-    const int32_t most = std::numeric_limits<int32_t>::max();
-    const long live = zelmtest::allocCounters().live;
-    if (double** const m = zelmMatMallocMatrix(16, most); m != nullptr) {
-        zelmMatFreeMatrix(m);  // a 64-bit system may promise 256 GiB
+    if (sizeof(void*) > 4) {
+        GTEST_SKIP() << "a 64-bit system may promise this much";
     }
-    EXPECT_EQ(zelmtest::allocCounters().live, live);
+    const long live = zelmtest::allocCounters().live;
+    EXPECT_EQ(zelmMatMallocMatrix(16, std::numeric_limits<int32_t>::max()), nullptr);
+    EXPECT_EQ(zelmtest::allocCounters().live, live) << "the row pointers are returned";
 }
 
 TEST(MatElementwise, ZeroClearsExactlyItsEntries) {
