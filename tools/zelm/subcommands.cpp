@@ -12,6 +12,8 @@ CLI::App* addSubcommand(CLI::App& app, Console& console, const std::string& name
 }
 
 void addSubcommands(CLI::App& app, Console& console) {
+    addCalibrate(app, console);
+    addCompare(app, console);
     addDetect(app, console);
     addInfo(app, console);
     addSimulate(app, console);

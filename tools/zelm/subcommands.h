@@ -15,6 +15,8 @@ CLI::App* addSubcommand(CLI::App& app, Console& console, const std::string& name
                         const std::string& example);
 
 // Each adds one subcommand. `console` outlives the parse.
+void addCalibrate(CLI::App& app, Console& console);
+void addCompare(CLI::App& app, Console& console);
 void addDetect(CLI::App& app, Console& console);
 void addInfo(CLI::App& app, Console& console);
 void addSimulate(CLI::App& app, Console& console);

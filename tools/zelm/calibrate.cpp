@@ -1,0 +1,149 @@
+// zelm calibrate: from image pairs of a plate to a calibrated pair of cameras.
+#include <fmt/format.h>
+
+#include <filesystem>
+#include <memory>
+
+#include "calibrationSummary.h"
+#include "failure.h"
+#include "htmlReport.h"
+#include "imageSet.h"
+#include "outputFiles.h"
+#include "overlay.h"
+#include "plateOptions.h"
+#include "subcommands.h"
+
+namespace zelm::tool {
+namespace {
+
+namespace fs = std::filesystem;
+
+struct CalibrateOptions {
+    PlateOptions plate;
+    std::vector<std::string> left;
+    std::vector<std::string> right;
+    std::string folder = "out";
+    int leftModel = 0;
+    int rightModel = 0;
+    std::vector<int> leftRegion;
+    std::vector<int> rightRegion;
+    bool overlays = false;
+    bool strict = false;
+};
+
+PairSettings settingsOf(const CalibrateOptions& options) {
+    if (options.leftModel != kParallelModel && options.rightModel == kParallelModel) {
+        failUsage(
+            "--right-model 2 needs --left-model 2: when one camera has a parallel projection, give it as the left");
+    }
+    return {plateOf(options.plate),        options.leftModel, options.rightModel, regionOf(options.leftRegion),
+            regionOf(options.rightRegion), options.strict};
+}
+
+// Which of the cameras was being estimated: the right one's turn comes once the left one's result stands.
+std::string estimateText(std::int32_t status) {
+    switch (status) {
+        case ZELM_ERR_CALIB_HOMOGRAPHY:
+            return "the dots of a view do not spread over a plane as the camera sees it: leave out views that show the "
+                   "plate edge-on";
+        case ZELM_ERR_CALIB_ESTIMATE:
+            return "the views do not tell the camera's parameters: tilt the plate differently from view to view, by 20 "
+                   "degrees or more";
+        case ZELM_ERR_CALIB_NOT_CONVERGED:
+            return "the estimation does not settle: check that all views show the same plate with the same lens "
+                   "setting";
+        case ZELM_ERR_STEREO_GEOMETRY:
+            return "the two cameras do not form a pair: are left and right the same images?";
+        case ZELM_ERR_MEMORY:
+            return "out of memory: use fewer views";
+        default:
+            return fmt::format("the cameras cannot be calibrated from these views (status {})", status);
+    }
+}
+
+void estimate(const PairReading& reading) {
+    Zelm2ViewCalibResult result{};
+    if (const std::int32_t status = zelm2ViewCalibCameraParam(reading.handle.get(), &result); status < 0) {
+        failData("{} to {} ({} views): {}", reading.used.front().left.string(), reading.used.back().right.string(),
+                 reading.used.size(), estimateText(status));
+    }
+}
+
+Calibration calibrate(const CalibrateOptions& options, const PairSettings& settings, const Console& console) {
+    const std::vector<ViewFiles> views =
+        pairImages(expandImageSet(options.left, "--left"), expandImageSet(options.right, "--right"), settings);
+    PairReading reading = readPairs(views, settings, console);
+    estimate(reading);
+    Calibration c{settings.plate, reading.used, reading.skipped, rigOf(reading.handle.get(), reading.cameras), {}, {}};
+    c.figures = rigFigures(reading.handle.get(), c.rig, c.plate);
+    c.block = blockOf(reading.handle.get());
+    // A parallel pair is calibrated from one view; the object has places for more.
+    c.figures.left.views.resize(c.views.size());
+    c.figures.right.views.resize(c.views.size());
+    c.figures.epipolarViews.resize(c.views.size());
+    return c;
+}
+
+void addOverlays(const Calibration& c, const fs::path& folder, const Console& console, OutputFiles& outputs) {
+    outputs.prepareFolder(folder);
+    Progress progress(console, "drawing overlays", 2 * c.views.size());
+    const auto add = [&](const fs::path& image, const ImageFigures& figures, const std::string& name) {
+        if (!image.empty() && !figures.dots.empty()) {
+            outputs.add(folder / name, drawOverlay(readPicture(image), c.plate, figures.dots));
+        }
+        progress.advance();
+    };
+    for (std::size_t i = 0; i < c.views.size(); ++i) {
+        add(c.views[i].left, c.figures.left.views[i], fmt::format("view{:02}_left.png", i));
+        add(c.views[i].right, c.figures.right.views[i], fmt::format("view{:02}_right.png", i));
+    }
+}
+
+void runCalibrate(const CalibrateOptions& options, const Console& console) {
+    const PairSettings settings = settingsOf(options);
+    const fs::path folder = options.folder;
+    OutputFiles outputs;
+    outputs.prepareFolder(folder);
+    const Calibration c = calibrate(options, settings, console);
+
+    const std::string summary = summaryJson(c).dump(2);
+    outputs.add(folder / "rig.zcal", c.block);
+    outputs.add(folder / "rig.json", summary + "\n");
+    outputs.add(folder / "report.html", htmlReport(c));
+    if (options.overlays) {
+        addOverlays(c, folder / "overlays", console, outputs);
+    }
+    outputs.commit();
+
+    console.say(summaryText(c));
+    console.say(fmt::format("wrote rig.zcal, rig.json and report.html{} to {}",
+                            options.overlays ? " and overlays/" : "", folder.string()));
+    console.result(summary);
+}
+
+}  // namespace
+
+void addCalibrate(CLI::App& app, Console& console) {
+    CLI::App* const sub =
+        addSubcommand(app, console, "calibrate", "Calibrate a pair of cameras from images of a plate",
+                      "zelm calibrate --plate plate.json --left 'left_*.png' --right 'right_*.png' -o out --overlays");
+    const auto o = std::make_shared<CalibrateOptions>();
+    addPlateOptions(*sub, o->plate);
+    sub->add_option("--left", o->left, "Left images: files, a quoted glob, a folder, or a list (.txt)")->required();
+    sub->add_option("--right", o->right, "Right images, in the same order of views")->required();
+    sub->add_option("-o,--output", o->folder, "Folder for rig.zcal, rig.json and report.html")->capture_default_str();
+    const std::string models = ": 0 perspective, 1 perspective with a tilted sensor, 2 parallel (telecentric)";
+    sub->add_option("--left-model", o->leftModel, "Left camera" + models)
+        ->check(CLI::Range(0, 2))
+        ->capture_default_str();
+    sub->add_option("--right-model", o->rightModel, "Right camera" + models)
+        ->check(CLI::Range(0, 2))
+        ->capture_default_str();
+    addRegionOption(*sub, "--left-region", o->leftRegion, "Part of the left images that holds the plate");
+    addRegionOption(*sub, "--right-region", o->rightRegion, "Part of the right images that holds the plate");
+    sub->add_flag("--overlays", o->overlays, "Also draw the dots found into a copy of every image");
+    sub->add_flag("--strict", o->strict, "Give up when one view cannot be read, instead of skipping it");
+    sub->callback([o, &console] { runCalibrate(*o, console); });
+}
+
+}  // namespace zelm::tool

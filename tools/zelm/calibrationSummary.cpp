@@ -1,0 +1,142 @@
+#include "calibrationSummary.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+namespace zelm::tool {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+std::string imageCells(const std::filesystem::path& path, const ImageFigures& image, std::size_t nameWidth) {
+    if (image.dots.empty()) {
+        return fmt::format("{:<{}}  {:>4}  {:>6}  {:>6}  {:>6}", "-", nameWidth, "-", "-", "-", "-");
+    }
+    const DistanceFigures& d = image.distances;
+    return fmt::format("{:<{}}  {:>4}  {:>6.4f}  {:>6.4f}  {:>6.4f}", imageName(path), nameWidth, image.found, d.mean,
+                       d.rms, d.worst);
+}
+
+std::string viewTable(const Calibration& c) {
+    constexpr std::size_t kShortestName = 5;
+    std::size_t leftWidth = kShortestName;
+    std::size_t rightWidth = kShortestName;
+    for (const ViewFiles& view : c.views) {
+        leftWidth = std::max(leftWidth, imageName(view.left).size());
+        rightWidth = std::max(rightWidth, imageName(view.right).size());
+    }
+    std::string text = "reprojection error in pixels\n";
+    text += fmt::format("view  {:<{}}  dots    mean     rms   worst  {:<{}}  dots    mean     rms   worst  epipolar\n",
+                        "left", leftWidth, "right", rightWidth);
+    for (std::size_t i = 0; i < c.views.size(); ++i) {
+        const DistanceFigures& epipolar = c.figures.epipolarViews[i];
+        text +=
+            fmt::format("{:>4}  {}  {}  {:>8}\n", i, imageCells(c.views[i].left, c.figures.left.views[i], leftWidth),
+                        imageCells(c.views[i].right, c.figures.right.views[i], rightWidth),
+                        epipolar.count > 0 ? fmt::format("{:.4f}", epipolar.rms) : "-");
+    }
+    const auto total = [](const DistanceFigures& d, std::size_t width) {
+        return fmt::format("{:<{}}  {:>4}  {:>6.4f}  {:>6.4f}  {:>6.4f}", "", width, d.count, d.mean, d.rms, d.worst);
+    };
+    text += fmt::format("all   {}  {}  {:>8.4f}\n", total(c.figures.left.distances, leftWidth),
+                        total(c.figures.right.distances, rightWidth), c.figures.epipolar.rms);
+    return text;
+}
+
+Json distancesJson(const DistanceFigures& d) {
+    return {{"mean", d.mean}, {"rms", d.rms}, {"worst", d.worst}};
+}
+
+Json imageJson(const std::filesystem::path& path, const ImageFigures& image) {
+    if (image.dots.empty()) {
+        return nullptr;
+    }
+    Json json{{"image", path.string()}, {"dots", image.found}};
+    json["reprojection"] = distancesJson(image.distances);
+    return json;
+}
+
+Json viewsJson(const Calibration& c) {
+    Json views = Json::array();
+    for (std::size_t i = 0; i < c.views.size(); ++i) {
+        Json view{{"view", i},
+                  {"left", imageJson(c.views[i].left, c.figures.left.views[i])},
+                  {"right", imageJson(c.views[i].right, c.figures.right.views[i])}};
+        if (c.figures.epipolarViews[i].count > 0) {
+            view["epipolarRms"] = c.figures.epipolarViews[i].rms;
+        }
+        views.push_back(view);
+    }
+    return views;
+}
+
+Json skippedJson(const Calibration& c) {
+    Json skipped = Json::array();
+    for (const SkippedView& view : c.skipped) {
+        skipped.push_back(
+            {{"left", view.files.left.string()}, {"right", view.files.right.string()}, {"reason", view.reason}});
+    }
+    return skipped;
+}
+
+Json plateJson(const Plate& plate) {
+    const Zelm2ViewPatternDesc& p = plate.pattern;
+    return {{"fieldWidth", p.d0},
+            {"fieldHeight", p.d1},
+            {"dotDiameter", p.d2},
+            {"markerDiameter", p.d3},
+            {"dotPitchX", p.d4},
+            {"dotPitchY", p.d5},
+            {"markerDistanceX", p.d6},
+            {"markerDistanceY", p.d7},
+            {"markers", p.markers},
+            {"polarity", p.polarity == 0 ? "dark" : "bright"},
+            {"units", plate.units},
+            {"minDotArea", p.minDotArea},
+            {"minEdgeStrength", p.minEdgeStrength},
+            {"minDots", p.minDots}};
+}
+
+}  // namespace
+
+std::string imageName(const std::filesystem::path& path) {
+    return path.filename().string();
+}
+
+std::string summaryText(const Calibration& c) {
+    std::string text = viewTable(c);
+    if (!c.skipped.empty()) {
+        text += fmt::format("{} of {} views skipped\n", c.skipped.size(), c.skipped.size() + c.views.size());
+    }
+    text += fmt::format("\n{}\n", rigText(c.rig, c.plate.units));
+    text += fmt::format("epipolar RMS distance {:.4f} px over {} dot pairs of {} views (worst {:.4f} px)",
+                        c.figures.epipolar.rms, c.figures.dotPairs, c.views.size(), c.figures.epipolar.worst);
+    return text;
+}
+
+Json summaryJson(const Calibration& c) {
+    const Json rig = rigJson(c.rig);
+    Json json{
+        {"program", "zelm " ZELM_VERSION},
+        {"units", {{"length", c.plate.units}, {"image", "pixel"}, {"angle", "radian unless named otherwise"}}},
+        {"plate", plateJson(c.plate)},
+        {"views", viewsJson(c)},
+        {"skipped", skippedJson(c)},
+        {"reprojection",
+         {{"left", distancesJson(c.figures.left.distances)}, {"right", distancesJson(c.figures.right.distances)}}},
+        {"epipolar",
+         {{"rms", c.figures.epipolar.rms},
+          {"mean", c.figures.epipolar.mean},
+          {"worst", c.figures.epipolar.worst},
+          {"dotPairs", c.figures.dotPairs}}},
+        {"left", rig["left"]},
+        {"right", rig["right"]}};
+    if (rig.contains("pair")) {
+        json["pair"] = rig["pair"];
+    }
+    json["fundamental"] = rig["fundamental"];
+    return json;
+}
+
+}  // namespace zelm::tool

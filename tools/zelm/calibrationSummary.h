@@ -1,0 +1,32 @@
+// What a calibration is told as: the text for people and the JSON for machines.
+#ifndef ZELM_TOOL_CALIBRATION_SUMMARY_H
+#define ZELM_TOOL_CALIBRATION_SUMMARY_H
+
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "pairReading.h"
+#include "rigFigures.h"
+#include "rigFile.h"
+
+namespace zelm::tool {
+
+// A finished calibration with all that is told of it.
+struct Calibration {
+    Plate plate;
+    std::vector<ViewFiles> views;
+    std::vector<SkippedView> skipped;
+    Rig rig;
+    RigFigures figures;
+    std::string block;  // as saved
+};
+
+// Of a view and a camera, the name of its image file; empty where there is none.
+std::string imageName(const std::filesystem::path& path);
+
+std::string summaryText(const Calibration& calibration);
+nlohmann::ordered_json summaryJson(const Calibration& calibration);
+
+}  // namespace zelm::tool
+
+#endif

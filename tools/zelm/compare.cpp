@@ -1,0 +1,127 @@
+// zelm compare: how far a calibration is from the truth of rendered views.
+#include <fmt/format.h>
+
+#include <array>
+#include <cmath>
+#include <filesystem>
+#include <memory>
+#include <numbers>
+#include <vector>
+
+#include "failure.h"
+#include "jsonFields.h"
+#include "outputFiles.h"
+#include "rigFile.h"
+#include "subcommands.h"
+
+namespace zelm::tool {
+namespace {
+
+namespace fs = std::filesystem;
+using Json = nlohmann::ordered_json;
+
+struct Comparison {
+    std::string quantity;
+    std::string unit;
+    double calibrated = 0.0;
+    double truth = 0.0;
+
+    double difference() const { return calibrated - truth; }
+};
+
+// An object of the truth file, found by its name in an enclosing object.
+const nlohmann::json& member(const nlohmann::json& object, const std::string& name, const fs::path& path) {
+    if (!object.contains(name) || !object[name].is_object()) {
+        failUsage("{}: no object \"{}\": is this the truth of rendered views?", path.string(), name);
+    }
+    return object[name];
+}
+
+double numberAt(const nlohmann::json& object, const std::string& name, const fs::path& path) {
+    if (!object.contains(name) || !object[name].is_number()) {
+        failUsage("{}: no number \"{}\": is this the truth of rendered views?", path.string(), name);
+    }
+    return object[name].get<double>();
+}
+
+void compareCamera(const std::string& side, const ZelmCameraIntrinsics& k, const nlohmann::json& truth,
+                   const fs::path& path, std::vector<Comparison>& list) {
+    const auto add = [&](const std::string& name, const char* unit, double value, const std::string& key) {
+        list.push_back({side + " " + name, unit, value, numberAt(truth, key, path)});
+    };
+    add("focal length x", "px", k.alpha, "fx");
+    add("focal length y", "px", k.beta, "fy");
+    add("principal point x", "px", k.cx, "cx");
+    add("principal point y", "px", k.cy, "cy");
+    add("distortion k1", "", k.k1, "k1");
+    add("distortion k2", "", k.k2, "k2");
+}
+
+void comparePair(const Rig& rig, const nlohmann::json& truth, const fs::path& path, std::vector<Comparison>& list) {
+    const auto numbers = [&](const char* name, std::size_t count) {
+        if (!truth.contains(name) || !truth[name].is_array() || truth[name].size() != count) {
+            failUsage("{}: right_from_left has no list \"{}\" of {} numbers", path.string(), name, count);
+        }
+        return truth[name].get<std::vector<double>>();
+    };
+    const std::vector<double> R = numbers("R", 9);
+    const std::vector<double> t = numbers("t", 3);
+    const PairGeometry pair = pairGeometry(rig);
+    list.push_back({"baseline", "plane units", pair.baseline, std::hypot(t[0], t[1], t[2])});
+    list.push_back({"convergence angle", "deg", pair.convergenceDegrees, std::acos(R[8]) * 180.0 / std::numbers::pi});
+}
+
+std::vector<Comparison> compare(const Rig& rig, const fs::path& path) {
+    const nlohmann::json truth = parseCommentedJson(path.string(), readWholeFile(path, "the truth of rendered views"));
+    std::vector<Comparison> list;
+    const nlohmann::json& cameras = member(truth, "cameras", path);
+    compareCamera("left", rig.left.intrinsics, member(cameras, "left", path), path, list);
+    compareCamera("right", rig.right.intrinsics, member(cameras, "right", path), path, list);
+    if (hasPairGeometry(rig)) {
+        comparePair(rig, member(truth, "right_from_left", path), path, list);
+    }
+    return list;
+}
+
+std::string comparisonText(const std::vector<Comparison>& list) {
+    std::string text =
+        fmt::format("{:<26}{:>14}{:>14}{:>12}  {}", "quantity", "calibrated", "truth", "difference", "unit");
+    for (const Comparison& c : list) {
+        text += fmt::format("\n{:<26}{:>14.5f}{:>14.5f}{:>12.5f}  {}", c.quantity, c.calibrated, c.truth,
+                            c.difference(), c.unit);
+        // Focal lengths and the baseline are judged in parts of themselves.
+        if (c.quantity.find("focal") != std::string::npos || c.quantity == "baseline") {
+            text += fmt::format(" ({:+.4f} %)", 100.0 * c.difference() / c.truth);
+        }
+    }
+    return text;
+}
+
+void runCompare(const fs::path& rigPath, const fs::path& truthPath, const Console& console) {
+    const std::vector<Comparison> list = compare(readRig(rigPath), truthPath);
+    console.say(comparisonText(list));
+    Json json = Json::array();
+    for (const Comparison& c : list) {
+        json.push_back({{"quantity", c.quantity},
+                        {"unit", c.unit},
+                        {"calibrated", c.calibrated},
+                        {"truth", c.truth},
+                        {"difference", c.difference()}});
+    }
+    console.result(json.dump(2));
+}
+
+}  // namespace
+
+void addCompare(CLI::App& app, Console& console) {
+    CLI::App* const sub =
+        addSubcommand(app, console, "compare", "Compare a calibration with the truth of rendered views",
+                      "zelm compare out/rig.zcal samples/desk-rig/truth.json");
+    const auto rig = std::make_shared<std::string>();
+    const auto truth = std::make_shared<std::string>();
+    sub->add_option("rig", *rig, "The calibration (rig.zcal)")->required();
+    sub->add_option("truth", *truth, "The truth (truth.json)")->required();
+    sub->callback([rig, truth, &console] { runCompare(*rig, *truth, console); });
+}
+
+}  // namespace zelm::tool

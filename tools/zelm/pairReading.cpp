@@ -1,0 +1,204 @@
+#include "pairReading.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "dots.h"
+#include "failure.h"
+
+namespace zelm::tool {
+namespace {
+
+namespace fs = std::filesystem;
+
+// The image size of one camera, set by its first image.
+struct CameraSize {
+    int width = 0;
+    int height = 0;
+    fs::path file;
+
+    void require(const Picture& picture, const fs::path& path) {
+        if (width == 0) {
+            *this = {picture.width, picture.height, path};
+        } else if (picture.width != width || picture.height != height) {
+            failData("{}: {} x {} pixels, but {} is {} x {}: all images of a camera must have the same size",
+                     path.string(), picture.width, picture.height, file.string(), width, height);
+        }
+    }
+};
+
+// One image of a view; without pixels when the camera does not need it.
+struct ViewImage {
+    fs::path path;
+    Picture picture;
+
+    const unsigned char* pixels() const { return path.empty() ? nullptr : picture.pixels.data(); }
+};
+
+class PairReader {
+public:
+    PairReader(const std::vector<ViewFiles>& allViews, const PairSettings& pairSettings, const Console& pairConsole)
+        : views(allViews), settings(pairSettings), console(pairConsole) {}
+
+    PairReading read() {
+        readAll(views, true);
+        requireEnoughViews();
+        // The object's number of views is fixed when it is opened: with some left out it is opened anew.
+        if (neededSlots(reading.used.size()) != openedSlots) {
+            const std::vector<ViewFiles> good = std::move(reading.used);
+            reading.used.clear();
+            reading.handle.reset();
+            readAll(good, false);
+        }
+        return std::move(reading);
+    }
+
+private:
+    bool isParallelPair() const {
+        return settings.leftModel == kParallelModel && settings.rightModel == kParallelModel;
+    }
+
+    std::size_t fewest() const { return isParallelPair() ? 1 : kFewestViews; }
+    static std::size_t neededSlots(std::size_t viewCount) { return std::max(viewCount, kFewestViews); }
+
+    void readAll(const std::vector<ViewFiles>& list, bool maySkip) {
+        Progress progress(console, "reading views", list.size());
+        for (const ViewFiles& files : list) {
+            const std::string reason = readView(files, list.size());
+            progress.advance();
+            if (reason.empty()) {
+                reading.used.push_back(files);
+            } else if (!maySkip || settings.strict) {
+                progress.erase();
+                failData("{}", reason);
+            } else {
+                progress.erase();
+                console.warn(fmt::format("{}; this view is skipped", reason));
+                reading.skipped.push_back({files, reason});
+            }
+            if (isParallelPair() && !reading.used.empty()) {
+                break;  // one view is all that parallel cameras take
+            }
+        }
+    }
+
+    // Reads a view into the next free place of the object. Gives the reason when it cannot be read.
+    std::string readView(const ViewFiles& files, std::size_t viewCount) {
+        ViewImage left{files.left, {}};
+        ViewImage right{files.right, {}};
+        try {
+            load(left);
+            load(right);
+        } catch (const Failure& failure) {
+            return failure.what();
+        }
+        checkImage(left, leftSize, settings.leftRegion);
+        checkImage(right, rightSize, settings.rightRegion);
+        open(viewCount);
+        const unsigned char* const images[2] = {left.pixels(), right.pixels()};
+        const std::int32_t status =
+            zelm2ViewReadPtnImg(reading.handle.get(), static_cast<std::int32_t>(reading.used.size()), images,
+                                settings.leftRegion ? &*settings.leftRegion : nullptr,
+                                settings.rightRegion ? &*settings.rightRegion : nullptr);
+        return status < 0 ? reasonOf(status, left, right) : std::string();
+    }
+
+    static void load(ViewImage& image) {
+        if (!image.path.empty()) {
+            image.picture = readPicture(image.path);
+        }
+    }
+
+    static void checkImage(const ViewImage& image, CameraSize& size, const std::optional<ZelmRect>& region) {
+        if (image.path.empty()) {
+            return;
+        }
+        size.require(image.picture, image.path);
+        if (region) {
+            checkRegion(*region, image.picture, image.path.string());
+        }
+    }
+
+    void open(std::size_t viewCount) {
+        if (reading.handle) {
+            return;
+        }
+        openedSlots = neededSlots(isParallelPair() ? 1 : viewCount);
+        reading.cameras = {settings.leftModel,  leftSize.width,  leftSize.height,
+                           settings.rightModel, rightSize.width, rightSize.height};
+        Zelm2ViewCalib* handle = nullptr;
+        if (zelm2ViewCalibOpen(static_cast<std::int32_t>(openedSlots), &settings.plate.pattern, &reading.cameras,
+                               &handle) < 0) {
+            failData("a calibration of {} views cannot be opened: out of memory", openedSlots);
+        }
+        reading.handle.reset(handle);
+    }
+
+    // The pair's status does not say which image it is about: each is read on its own.
+    std::string reasonOf(std::int32_t status, const ViewImage& left, const ViewImage& right) const {
+        std::string reason = reasonOf(left, settings.leftRegion);
+        if (const std::string other = reasonOf(right, settings.rightRegion); !other.empty()) {
+            reason += reason.empty() ? other : "; " + other;
+        }
+        if (reason.empty()) {
+            reason = fmt::format("{}: {}", left.path.string(), readingText(status, settings.plate, nullptr));
+        }
+        return reason;
+    }
+
+    std::string reasonOf(const ViewImage& image, const std::optional<ZelmRect>& region) const {
+        if (image.path.empty()) {
+            return {};
+        }
+        const std::int32_t status = readDots(image.picture, settings.plate, region).status;
+        return status < 0
+                   ? fmt::format("{}: {}", image.path.string(), readingText(status, settings.plate, &image.picture))
+                   : std::string();
+    }
+
+    void requireEnoughViews() const {
+        if (reading.used.size() < fewest()) {
+            failData("only {} of {} views can be read and {} are needed: take more pictures of the plate, or mend {}",
+                     reading.used.size(), views.size(), fewest(), reading.skipped.front().reason);
+        }
+    }
+
+    const std::vector<ViewFiles>& views;
+    const PairSettings& settings;
+    const Console& console;
+    PairReading reading;
+    CameraSize leftSize;
+    CameraSize rightSize;
+    std::size_t openedSlots = 0;
+};
+
+}  // namespace
+
+std::vector<ViewFiles> pairImages(const std::vector<fs::path>& left, const std::vector<fs::path>& right,
+                                  const PairSettings& settings) {
+    const bool leftOnce = settings.leftModel == kParallelModel && left.size() == 1;
+    const bool rightOnce = settings.rightModel == kParallelModel && right.size() == 1;
+    if (left.size() != right.size() && !leftOnce && !rightOnce) {
+        failUsage("{} left images but {} right ones (the last are {} and {}): give the two images of every view",
+                  left.size(), right.size(), left.back().string(), right.back().string());
+    }
+    const std::size_t count = std::max(left.size(), right.size());
+    const bool isParallelPair = settings.leftModel == kParallelModel && settings.rightModel == kParallelModel;
+    if (count < kFewestViews && !isParallelPair) {
+        failUsage("{} views given (the last is {}): at least {} are needed, and ten or more are better", count,
+                  left.back().string(), kFewestViews);
+    }
+    std::vector<ViewFiles> views(count);
+    for (std::size_t i = 0; i < count; ++i) {
+        views[i].left = i < left.size() ? left[i] : fs::path();
+        views[i].right = i < right.size() ? right[i] : fs::path();
+    }
+    return views;
+}
+
+PairReading readPairs(const std::vector<ViewFiles>& views, const PairSettings& settings, const Console& console) {
+    return PairReader(views, settings, console).read();
+}
+
+}  // namespace zelm::tool

@@ -1,0 +1,57 @@
+// Reads the plate in every image pair of a calibration.
+#ifndef ZELM_TOOL_PAIR_READING_H
+#define ZELM_TOOL_PAIR_READING_H
+
+#include <cstddef>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "console.h"
+#include "imageFile.h"
+#include "plateFile.h"
+#include "rigFile.h"
+
+namespace zelm::tool {
+
+struct ViewFiles {
+    std::filesystem::path left;   // empty: not needed, as for a parallel camera after its first view
+    std::filesystem::path right;  // likewise
+};
+
+struct PairSettings {
+    Plate plate;
+    int leftModel = 0;
+    int rightModel = 0;
+    std::optional<ZelmRect> leftRegion;
+    std::optional<ZelmRect> rightRegion;
+    bool strict = false;  // one view that cannot be read ends it all
+};
+
+struct SkippedView {
+    ViewFiles files;
+    std::string reason;  // names the image at fault
+};
+
+struct PairReading {
+    CalibPtr handle;  // holds the dots of the used views, in their order
+    Zelm2ViewCameraDesc cameras{};
+    std::vector<ViewFiles> used;
+    std::vector<SkippedView> skipped;
+};
+
+inline constexpr int kParallelModel = 2;  // the model of a camera that is calibrated from one view
+inline constexpr std::size_t kFewestViews = 3;
+
+// Pairs the images. Throws Failure when the numbers do not fit together or are too small.
+std::vector<ViewFiles> pairImages(const std::vector<std::filesystem::path>& left,
+                                  const std::vector<std::filesystem::path>& right, const PairSettings& settings);
+
+// Reads the views one after the other, leaving out those that cannot be read. Throws Failure when too few are left,
+// when one fails and `strict` is set, or when images of a camera differ in size.
+PairReading readPairs(const std::vector<ViewFiles>& views, const PairSettings& settings, const Console& console);
+
+}  // namespace zelm::tool
+
+#endif
