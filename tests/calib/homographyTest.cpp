@@ -7,6 +7,7 @@
 #include <numbers>
 #include <vector>
 
+#include "cameraScene.h"
 #include "isClose.h"
 #include "random.h"
 #include "zelm/calib.h"
@@ -37,15 +38,8 @@ struct Homography {
     }
 };
 
-// A plate of 13 x 11 dots, pitch 10.
 Points plate() {
-    Points points;
-    for (int j = 0; j < 11; ++j) {
-        for (int i = 0; i < 13; ++i) {
-            points.push_back({10.0 * i, 10.0 * j});
-        }
-    }
-    return points;
+    return zelmtest::plateDots(10, 10, false);
 }
 
 // Four points, each within its own quarter of the plate: no three near a line.
