@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <cstdio>
 
 #include "blobRun.h"
 #include "random.h"
@@ -102,9 +103,9 @@ TEST(BlobModel, DotsWithRaggedOutlinesAreWhatAFloodFillFinds) {
 
 // How far the look-up of one level reaches: of the components of pure noise all but a few in a thousand are right.
 TEST(BlobModel, InPureNoiseFewComponentsDifferFromAFloodFill) {
-    constexpr double kWrong = 0.006;  // measured: at most 0.0035 at any density, at 30 %
+    constexpr double kWrong = 0.006;  // measured: at most 0.0050 at any density, at 35 %
     Random random(626);
-    for (const double share : {0.05, 0.1, 0.2, 0.3, 0.4, 0.5}) {
+    for (const double share : {0.05, 0.1, 0.2, 0.25, 0.3, 0.35, 0.4, 0.5}) {
         size_t components = 0;
         size_t wrong = 0;
         for (int trial = 0; trial < 100; ++trial) {
@@ -116,6 +117,7 @@ TEST(BlobModel, InPureNoiseFewComponentsDifferFromAFloodFill) {
                 wrong += std::none_of(blobs.begin(), blobs.end(), [&](const ZelmBlob& b) { return same(b, expected); });
             }
         }
+        std::printf("density %.2f: %zu of %zu components differ\n", share, wrong, components);
         EXPECT_LT(static_cast<double>(wrong), kWrong * static_cast<double>(components)) << share;
     }
 }

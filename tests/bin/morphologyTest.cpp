@@ -345,6 +345,17 @@ TEST(Morphology, OpeningRemovesSpecksAndClosingFillsHoles) {
     EXPECT_EQ(out.pixels, block.pixels);
 }
 
+TEST(Morphology, OpeningAndClosingMayRunInPlace) {
+    Random random(617);
+    for (const Operation operation : {zelmBinOpening, zelmBinClosing}) {
+        TestImage image = zelmtest::noiseImage(random, 40, 30, 0.7);
+        TestImage out(40, 30, kUntouched);
+        ASSERT_EQ(run(operation, image, image.all(), 128, 2, out), ZELM_OK);
+        ASSERT_EQ(run(operation, image, image.all(), 128, 2, image), ZELM_OK);
+        EXPECT_EQ(image.pixels, out.pixels);
+    }
+}
+
 TEST(Morphology, OpeningAndClosingMustStartAtTheOrigin) {
     TestImage image(12, 12, 200);
     TestImage out(12, 12, kUntouched);
