@@ -3,20 +3,24 @@
 #include <algorithm>
 
 #include "zelm/fit.h"
+#include "zelm/mat.h"
 
 namespace zelm {
 
-std::int32_t conicScatter(std::int32_t n, const double* weights, const double* points, double* S) {
+namespace {
+
+// Returns the number of points that took part.
+std::int32_t sumScatter(std::int32_t n, const double* weights, const double* points, double* S) {
     std::fill_n(S, kConicTerms * kConicTerms, 0.0);
     std::int32_t used = 0;
-    for (std::int32_t i = 0; i < n; ++i) {
+    for (size_t i = 0; i < static_cast<size_t>(std::max(n, 0)); ++i) {
         const double w = weights[i];
         if (w == 0.0) {
             continue;
         }
         ++used;
-        const double x = points[2 * static_cast<size_t>(i)];
-        const double y = points[2 * static_cast<size_t>(i) + 1];
+        const double x = points[2 * i];
+        const double y = points[2 * i + 1];
         const double z[kConicTerms] = {x * x, x * y, y * y, x, y, 1.0};
         for (size_t r = 0; r < kConicTerms; ++r) {
             const double wz = w * z[r];
@@ -30,7 +34,16 @@ std::int32_t conicScatter(std::int32_t n, const double* weights, const double* p
             S[r * kConicTerms + c] = S[c * kConicTerms + r];
         }
     }
-    return used >= kConicMinPoints ? ZELM_OK : ZELM_ERR_FIT_DATA;
+    return used;
+}
+
+}  // namespace
+
+std::int32_t conicScatter(std::int32_t n, const double* weights, const double* points, ConicScatter* result) {
+    if (sumScatter(n, weights, points, result->S) < kConicMinPoints) {
+        return ZELM_ERR_FIT_DATA;
+    }
+    return zelmMatJacobiEigen(static_cast<std::int32_t>(kConicTerms), result->S, result->values, result->vectors);
 }
 
 void fitConicResidual(std::int32_t n, const double* points, const double* conic, double* residuals) {

@@ -12,9 +12,16 @@ namespace zelm {
 constexpr size_t kConicTerms = 6;
 constexpr std::int32_t kConicMinPoints = 5;
 
-// S = sum w z z^T over the points whose weight is not exactly 0 (6 x 6). Returns ZELM_OK, or ZELM_ERR_FIT_DATA when
-// fewer than 5 points remain.
-std::int32_t conicScatter(std::int32_t n, const double* weights, const double* points, double* S);
+// The scatter matrix S = sum w z z^T and its eigen decomposition, S = vectors^T diag(values) vectors.
+struct ConicScatter {
+    double S[kConicTerms * kConicTerms];
+    double values[kConicTerms];                 // descending
+    double vectors[kConicTerms * kConicTerms];  // unit vectors as rows
+};
+
+// Points whose weight is exactly 0 do not take part. Returns ZELM_OK, ZELM_ERR_FIT_DATA when fewer than 5 points
+// remain, or what the eigen-solver returned.
+std::int32_t conicScatter(std::int32_t n, const double* weights, const double* points, ConicScatter* result);
 
 // The signed algebraic distance of each point; a ZelmFitResidualFn.
 void fitConicResidual(std::int32_t n, const double* points, const double* conic, double* residuals);

@@ -14,16 +14,11 @@ namespace zelm {
 namespace {
 
 int32_t fitConicSolve(int32_t n, const double* weights, const double* points, double* conic) {
-    double S[kConicTerms * kConicTerms];
-    if (const auto s = conicScatter(n, weights, points, S); s < 0) {
+    ConicScatter scatter;
+    if (const auto s = conicScatter(n, weights, points, &scatter); s < 0) {
         return s;
     }
-    double values[kConicTerms];
-    double vectors[kConicTerms * kConicTerms];
-    if (const auto s = zelmMatJacobiEigen(static_cast<int32_t>(kConicTerms), S, values, vectors); s < 0) {
-        return s;
-    }
-    std::copy_n(vectors + (kConicTerms - 1) * kConicTerms, kConicTerms, conic);
+    std::copy_n(scatter.vectors + (kConicTerms - 1) * kConicTerms, kConicTerms, conic);
     return ZELM_OK;
 }
 

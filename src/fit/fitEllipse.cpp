@@ -89,24 +89,19 @@ int32_t ellipseFromFactor(const double* U, double* conic) {
 }  // namespace
 
 int32_t fitEllipseSolve(int32_t n, const double* weights, const double* points, double* conic) {
-    double S[N * N];
-    if (const auto s = conicScatter(n, weights, points, S); s < 0) {
-        return s;
-    }
-    double values[N];
-    double vectors[N * N];
-    if (const auto s = zelmMatJacobiEigen(static_cast<int32_t>(N), S, values, vectors); s < 0) {
+    ConicScatter scatter;
+    if (const auto s = conicScatter(n, weights, points, &scatter); s < 0) {
         return s;
     }
     const auto isNull = [](double value) { return std::fabs(value) < kNullEigenvalue; };
-    if (std::any_of(values, values + N, isNull)) {
+    if (std::any_of(scatter.values, scatter.values + N, isNull)) {
         return ellipseAmong(
-            vectors, [&](size_t i) { return isNull(values[i]); }, conic);
+            scatter.vectors, [&](size_t i) { return isNull(scatter.values[i]); }, conic);
     }
     double U[N * N];
-    if (zelmMatCholeskyDecomp(static_cast<int32_t>(N), S, U) < 0) {
+    if (zelmMatCholeskyDecomp(static_cast<int32_t>(N), scatter.S, U) < 0) {
         return ellipseAmong(
-            vectors, [](size_t i) { return i == N - 1; }, conic);
+            scatter.vectors, [](size_t i) { return i == N - 1; }, conic);
     }
     return ellipseFromFactor(U, conic);
 }

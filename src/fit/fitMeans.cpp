@@ -3,6 +3,7 @@
 #include <cmath>
 #include <cstddef>
 
+#include "principalAxes.h"
 #include "robustDriver.h"
 #include "zelm/fit.h"
 
@@ -13,17 +14,7 @@ constexpr int32_t kMinPoints = 2;
 
 template <size_t dim>
 int32_t meanSolve(int32_t n, const double* weights, const double* points, double* m) {
-    double W = 0.0;
-    double sum[dim] = {};
-    for (size_t i = 0; i < static_cast<size_t>(n); ++i) {
-        W += weights[i];
-        for (size_t c = 0; c < dim; ++c) {
-            sum[c] += weights[i] * points[i * dim + c];
-        }
-    }
-    for (size_t c = 0; c < dim; ++c) {
-        m[c] = sum[c] / W;
-    }
+    weightedCentroid<dim>(n, weights, points, m);
     return ZELM_OK;
 }
 

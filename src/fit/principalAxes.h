@@ -9,6 +9,22 @@
 
 namespace zelm {
 
+// m = sum w p / sum w.
+template <size_t dim>
+void weightedCentroid(std::int32_t n, const double* weights, const double* points, double* m) {
+    double W = 0.0;
+    double sum[dim] = {};
+    for (size_t i = 0; i < static_cast<size_t>(n); ++i) {
+        W += weights[i];
+        for (size_t c = 0; c < dim; ++c) {
+            sum[c] += weights[i] * points[i * dim + c];
+        }
+    }
+    for (size_t c = 0; c < dim; ++c) {
+        m[c] = sum[c] / W;
+    }
+}
+
 template <size_t dim>
 struct PrincipalAxes {
     double centroid[dim];
@@ -18,20 +34,9 @@ struct PrincipalAxes {
 // From the scatter matrix S = sum w (p - m)(p - m)^T about the weighted centroid m. Returns what the eigen-solver does.
 template <size_t dim>
 std::int32_t principalAxes(std::int32_t n, const double* weights, const double* points, PrincipalAxes<dim>* result) {
-    const auto count = static_cast<size_t>(n);
-    double W = 0.0;
-    double sum[dim] = {};
-    for (size_t i = 0; i < count; ++i) {
-        W += weights[i];
-        for (size_t c = 0; c < dim; ++c) {
-            sum[c] += weights[i] * points[i * dim + c];
-        }
-    }
-    for (size_t c = 0; c < dim; ++c) {
-        result->centroid[c] = sum[c] / W;
-    }
+    weightedCentroid<dim>(n, weights, points, result->centroid);
     double S[dim * dim] = {};
-    for (size_t i = 0; i < count; ++i) {
+    for (size_t i = 0; i < static_cast<size_t>(n); ++i) {
         double d[dim];
         for (size_t c = 0; c < dim; ++c) {
             d[c] = points[i * dim + c] - result->centroid[c];

@@ -67,6 +67,14 @@ std::vector<double> normalised(const double* c, const std::vector<Point2d>& poin
             valueAt(c, {t[0], t[1]})};
 }
 
+std::vector<Point2d> normalisedPoints(const std::vector<Point2d>& points) {
+    std::vector<Point2d> dst(points.size());
+    double t[2];
+    double s;
+    zelm::innerNormalizeFitData(2, count(points), &points[0].x, &dst[0].x, t, &s);
+    return dst;
+}
+
 double norm(const std::vector<double>& v) {
     double squares = 0.0;
     for (const double x : v) {
@@ -248,15 +256,12 @@ TEST(FitConics, NoOtherUnitVectorHasALesserAlgebraicDistance) {
     for (int trial = 0; trial < 100; ++trial) {
         const Ellipse2d truth = zelmtest::randomEllipse(random);
         const auto points = ellipsePoints(truth, 20, 0.05 * truth.a, random);
-        std::vector<double> dst(40);
-        double t[2];
-        double s;
-        zelm::innerNormalizeFitData(2, 20, reinterpret_cast<const double*>(points.data()), dst.data(), t, &s);
+        const auto dst = normalisedPoints(points);
         const auto cost = [&](std::vector<double> v) {
             const double length = norm(v);
             double sum = 0.0;
             for (size_t i = 0; i < 20; ++i) {
-                const double f = valueAt(v.data(), {dst[2 * i], dst[2 * i + 1]}) / length;
+                const double f = valueAt(v.data(), dst[i]) / length;
                 sum += f * f;
             }
             return sum;
@@ -279,15 +284,12 @@ TEST(FitConics, NoOtherEllipseHasALesserAlgebraicDistance) {
     Random random(562);
     for (int trial = 0; trial < 100; ++trial) {
         const auto points = ellipsePoints(zelmtest::randomEllipse(random), 20, 2.0, random);
-        std::vector<double> dst(40);
-        double t[2];
-        double s;
-        zelm::innerNormalizeFitData(2, 20, reinterpret_cast<const double*>(points.data()), dst.data(), t, &s);
+        const auto dst = normalisedPoints(points);
         const auto cost = [&](const std::vector<double>& v) {
             const double q = 4.0 * v[0] * v[2] - v[1] * v[1];
             double sum = 0.0;
             for (size_t i = 0; i < 20; ++i) {
-                const double f = valueAt(v.data(), {dst[2 * i], dst[2 * i + 1]});
+                const double f = valueAt(v.data(), dst[i]);
                 sum += f * f / q;
             }
             return q > 0.0 ? sum : 1e300;
