@@ -98,6 +98,16 @@ struct Factored {
     }
 };
 
+// Row i of the unknowns of all right-hand sides: X(i, .) -= sum over j in [from, to) of factors[j] * X(j, .).
+// Each column is summed in increasing j, as if it were solved alone.
+void subtractRows(Index n, Index i, Index from, Index to, const double* factors, double* x) {
+    for (Index j = from; j < to; ++j) {
+        for (Index c = 0; c < n; ++c) {
+            x[i * n + c] -= factors[j] * x[j * n + c];
+        }
+    }
+}
+
 }  // namespace
 
 std::int32_t innerLUDecomp(std::int32_t n, double* work, std::int32_t* perm) {
@@ -147,21 +157,6 @@ int32_t zelmMatSolveLU(int32_t iN, const double* daA, const double* daB, double*
     return ZELM_OK;
 }
 
-namespace {
-
-// Row i of the unknowns of all right-hand sides: X(i, .) -= sum over j in [from, to) of factors[j] * X(j, .).
-// Each column is summed in increasing j, as if it were solved alone.
-void subtractRows(std::ptrdiff_t n, std::ptrdiff_t i, std::ptrdiff_t from, std::ptrdiff_t to, const double* factors,
-                  double* x) {
-    for (std::ptrdiff_t j = from; j < to; ++j) {
-        for (std::ptrdiff_t c = 0; c < n; ++c) {
-            x[i * n + c] -= factors[j] * x[j * n + c];
-        }
-    }
-}
-
-}  // namespace
-
 int32_t zelmMatInvert(int32_t iN, const double* daA, double* daAinv) {
     if (iN < 1) {
         return ZELM_OK;
@@ -174,11 +169,11 @@ int32_t zelmMatInvert(int32_t iN, const double* daA, double* daAinv) {
     for (std::ptrdiff_t i = 0; i < n; ++i) {
         std::fill_n(daAinv + i * n, n, 0.0);
         daAinv[i * n + lu.perm[static_cast<std::size_t>(i)]] = 1.0;
-        subtractRows(n, i, 0, i, lu.pivotRow(i, n), daAinv);
+        zelm::subtractRows(n, i, 0, i, lu.pivotRow(i, n), daAinv);
     }
     for (std::ptrdiff_t i = n - 1; i >= 0; --i) {
         const double* const row = lu.pivotRow(i, n);
-        subtractRows(n, i, i + 1, n, row, daAinv);
+        zelm::subtractRows(n, i, i + 1, n, row, daAinv);
         for (std::ptrdiff_t c = 0; c < n; ++c) {
             daAinv[i * n + c] = daAinv[i * n + c] / row[i];
         }
