@@ -99,22 +99,31 @@ TEST(RenderRig, BothCamerasSeeTheWholePlateInEveryView) {
 TEST(RenderRig, ViewsCoverTiltsAndRollsAndFillTheImage) {
     const Plate plate;
     const StereoRig rig = exampleRig();
-    double leastTilt = 90.0, mostTilt = 0.0, quadrant[4] = {}, radius = 0.0;
+    double leastTilt = 90.0, mostTilt = 0.0, mostRightTilt = 0.0, quadrant[4] = {}, radius = 0.0;
     constexpr int kViews = 60;
     for (const Pose& pose : makeViewPoses(plate, rig, kViews, 17)) {
         const double tilt = std::acos(pose.R[8]) * 180.0 / std::numbers::pi;
         leastTilt = std::min(leastTilt, tilt);
         mostTilt = std::max(mostTilt, tilt);
+        const Pose right = compose(rig.rightFromLeft, pose);
+        mostRightTilt = std::max(mostRightTilt, std::acos(right.R[8]) * 180.0 / std::numbers::pi);
         quadrant[(pose.R[0] > 0.0 ? 1 : 0) + (pose.R[3] > 0.0 ? 2 : 0)] += 1.0;
         radius += dotTruths(plate, rig.left, pose).at(71).radius / kViews;
     }
     EXPECT_LT(leastTilt, 10.0);
     EXPECT_GT(mostTilt, 25.0);
     EXPECT_LE(mostTilt, 35.0 + 1e-6);
+    EXPECT_LE(mostRightTilt, 35.0 + 1e-6);
     for (const double views : quadrant) {
         EXPECT_GE(views, 5.0);  // 15 expected of 60; fewer than 5 has a chance of 1e-3 a quadrant
     }
     EXPECT_GT(radius, 7.0);  // pixels; a plate that fills the image has dots of about 9
+}
+
+TEST(RenderRig, CamerasFartherApartThanTheLargestTiltAreServed) {
+    ViewRange range;
+    range.maxTiltDegrees = 5.0;  // the example's cameras stand 19.5 degrees apart
+    EXPECT_EQ(makeViewPoses(Plate{}, exampleRig(), 5, 6, range).size(), 5U);
 }
 
 TEST(RenderRig, PosesRepeatWithTheirSeed) {

@@ -75,7 +75,7 @@ constexpr std::string_view kExample = R"({
   "views": {
     "count": 12,
     "seed": 1,                 // of the poses and the noise
-    "maxTilt": 35.0,           // of the plate against the left camera
+    "maxTilt": 35.0,           // of the plate against either camera, as far as their own angle allows
     "maxRoll": 180.0,          // turn of the plate in its plane, either way
     "border": 6.0,             // pixels between the plate and the edge of either image
     "smallestFill": 0.75,      // size of the plate as a share of what would just fit, at least

@@ -15,7 +15,8 @@ constexpr int kPointsPerSide = 24;     // of the plate's edge, looked at when as
 constexpr int kPlacesPerView = 8;      // in the image, tried for each orientation
 constexpr int kAttemptsPerView = 100;  // orientations drawn before giving up
 constexpr int kBisections = 40;        // of the interval that holds the distance at which the plate just fits
-constexpr double kFarthest = 64.0;     // distance up to which the plate is moved away, in multiples of the nearest
+constexpr double kRadiansPerDegree = std::numbers::pi / 180.0;
+constexpr double kFarthest = 64.0;  // distance up to which the plate is moved away, in multiples of the nearest
 
 void requireFinite(double value, const char* name) {
     if (!std::isfinite(value)) {
@@ -79,6 +80,17 @@ double fittingScale(const Viewer& viewer, const Aim& aim, double largest) {
         (viewer.sees(withScale(camera, aim, middle)) ? fits : fails) = middle;
     }
     return fits;
+}
+
+double tiltOf(const std::array<double, 9>& R) {
+    return std::acos(std::clamp(R[8], -1.0, 1.0)) / kRadiansPerDegree;
+}
+
+// Whether the right camera, too, sees the plate at no more than the largest tilt, or than the angle between the cameras
+// where that is larger: a plate that faces the left camera must not be refused.
+bool isTiltAllowed(const StereoRig& rig, const Pose& left, const ViewRange& range) {
+    const double convergence = tiltOf(rig.rightFromLeft.R);
+    return tiltOf(compose(rig.rightFromLeft, left).R) <= std::max(range.maxTiltDegrees, convergence);
 }
 
 Aim drawOrientation(const Plate& plate, const ViewRange& range, RandomSource& random) {
@@ -147,11 +159,11 @@ void checkOptics(const Optics& optics) {
 }
 
 StereoRig exampleRig() {
-    constexpr double kDegree = std::numbers::pi / 180.0;
     StereoRig rig;
     rig.left = {1280, 960, Projection::perspective, 1690.4, 1688.1, 0.0, 641.7, 477.3, 0.0, -0.118, 0.052};
     rig.right = {1280, 960, Projection::perspective, 1695.2, 1693.6, 0.0, 637.2, 483.8, 0.0, -0.111, 0.045};
-    rig.rightFromLeft.R = rotationFromVector({0.45 * kDegree, 19.5 * kDegree, -0.7 * kDegree});
+    rig.rightFromLeft.R =
+        rotationFromVector({0.45 * kRadiansPerDegree, 19.5 * kRadiansPerDegree, -0.7 * kRadiansPerDegree});
     rig.rightFromLeft.t = {-118.3, 1.2, 19.4};
     return rig;
 }
@@ -187,7 +199,7 @@ std::vector<Pose> makeViewPoses(const Plate& plate, const StereoRig& rig, int co
         const Aim aim = drawAim(viewer, range, random);
         const double fill = random.uniform(range.smallestFill, range.largestFill);
         const Pose pose = aim.scale > 0.0 ? withScale(rig.left, aim, fill * aim.scale) : Pose{};
-        if (aim.scale > 0.0 && viewer.sees(pose)) {
+        if (aim.scale > 0.0 && isTiltAllowed(rig, pose, range) && viewer.sees(pose)) {
             poses.push_back(pose);
         }
     }

@@ -51,7 +51,9 @@ StereoRig exampleRig();
 
 // Limits of the poses that makeViewPoses draws.
 struct ViewRange {
-    double maxTiltDegrees = 35.0;  // of the plate against the left camera, uniformly distributed from 0
+    // Of the plate against the left camera, uniformly distributed from 0, and against the right camera unless the angle
+    // between the cameras is larger.
+    double maxTiltDegrees = 35.0;
     double maxRollDegrees = 180.0;
     double borderPixels = 6.0;  // between the edge of the plate and the edge of either image
     double largestFill = 0.95;  // the plate's apparent size as a share of what would just fit, drawn between these
