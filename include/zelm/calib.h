@@ -143,6 +143,66 @@ ZELM_API int32_t zelmCalibUnDistortPoint(const ZelmCameraIntrinsics* tCam, doubl
 /// @return ZELM_OK; ZELM_ERR_PARAM for another direction or a NULL pointer, nothing written
 ZELM_API int32_t zelmCalibRodrigues(int32_t iDirection, double* daRvec, double* daRmat);
 
+/// Estimates one camera's intrinsic parameters, its radial distortion and its pose in every view from the dots of a flat
+/// plate.
+///
+/// Start values come from the homographies of the views: under models 0 and 1 in closed form (Z. Zhang, A Flexible New
+/// Technique for Camera Calibration, 2000), under model 2 from three reference dots. All parameters are then refined
+/// together by the damped least-squares method of Levenberg (1944) and Marquardt (1963), with analytic derivatives and
+/// the poses eliminated by a Schur complement, so that time and memory grow with the number of views, not its square.
+/// Both run on centred and scaled points; nothing depends on the image size or on the unit of the plate, except where
+/// a length is stated.
+///
+/// Records. The results agree with each other: zelmCalibChange3Dto2D with the written records, the same model and the
+/// point (x, y, 0) gives the position of each dot that the refinement compared with the measured one. In all models
+/// the normalised coordinates of the distortion are the camera's own, (Xc / Zc, Yc / Zc), or (Xc, Yc) for model 2.
+///  - Model 0: A = (alpha, gamma, cx; 0, beta, cy; 0, 0, 1), theta = 0.
+///  - Model 1: the image axes are sheared by the angle theta = atan2(A[0][1], A[1][1]). A = (alpha, gamma / cos(theta),
+///    cx; 0, beta / cos(theta), cy; 0, 0, 1), gamma / beta = tan(theta): beta is the focal length along the sheared
+///    axis. The same cameras can be described under models 0 and 1; theta follows from A, it is not a parameter of its
+///    own which a view without distortion could leave open.
+///  - Model 2: A as for model 0, alpha and beta being the image scales in pixels per plane unit, so that k1 and k2 are
+///    per square and fourth power of the plane unit. gamma is what rounding and noise leave of a shear, about 0. A
+///    mirrored image gives one negative scale.
+///
+/// Model 2, from its only view. Preset in tIntrinsics: alpha and beta, the plane distances of two reference dots, which
+/// must be at (alpha, 0) and (0, beta) beside the one at (0, 0), to 1e-5 plane units; cx and cy, the principal point,
+/// about which the distortion is measured. One view under parallel projection does not tell:
+///  - the principal point from the translation: cx and cy stay as preset;
+///  - the depth: t[2] is 1, whatever the truth; it moves no image point;
+///  - a tilt along an image axis from the ratio of the scales: the scales take it. The tilt is the least one that
+///    explains the shear of the image, so a plate tilted about an image axis counts as seen head-on with a smaller
+///    scale, and noise alone looks like a tilt of a few tenths of a degree;
+///  - a tilt from its mirror image: the x axis of the plate points away from the camera.
+/// The plate may have any roll and tilts of up to 15 degrees; the dots are reproduced to the noise. Distortion makes
+/// the true ratio of the scales matter a little: at 15 degrees about an image axis some 2 % of the distortion remain.
+/// A pair of parallel cameras has its viewing directions from this tilt alone: turn the plate so that each camera sees
+/// it tilted across, not along, its image axes.
+///
+/// Robust weighting. With dRobustThreshold > 0 dots are weighted by Tukey's biweight, (1 - e^2 / c^2)^2 for distances e
+/// within the cut-off c = dRobustThreshold * 1.4826 * median(e), else 0. The cut-off is taken anew at each accepted
+/// step; a step is accepted when it lowers the sum of Tukey's loss at the cut-off before it, because two sums at
+/// different cut-offs tell more of the cut-offs than of the fit. The homographies are not weighted.
+///
+/// Convergence: damping 0.001 at first, times 0.1 on a lower cost, else times 10 and the step undone; done when the cost
+/// changes by at most 1e-8 of itself, or each parameter by at most 1e-4 of its signed value or by 1e-6, in normalised
+/// units.
+///
+/// @param iViews [in] number of views: at least 3 for models 0 and 1, exactly 1 for model 2
+/// @param taViews [in] iViews entries of at least 4 dots each, the plate coordinates in any unit, the image in pixels
+/// @param dRobustThreshold [in] 0 or less (or not a number): plain least squares; else the cut-off, usually 3.5
+/// @param tIntrinsics [in,out] the camera; read under model 2 only; reserved is neither read nor written
+/// @param taExtrinsics [out] iViews poses; every plate is before the camera (t_z > 0 at its centre)
+/// @param dError [out] mean Euclidean distance in pixels between measured and projected dots, unweighted over all dots
+///   of all views, at the written parameters; may be NULL
+/// @param iModel [in] 0 perspective, 1 perspective with sheared axes, 2 parallel projection
+/// @return ZELM_OK; ZELM_ERR_PARAM for a bad model, count of views or pointer, checked in this order;
+///   ZELM_ERR_CALIB_HOMOGRAPHY when a view has fewer than 4 dots or NULL arrays, or its homography fails (dots on a
+///   line, values that are not finite); ZELM_ERR_CALIB_ESTIMATE when the views do not determine a camera (all parallel,
+///   or too noisy for their tilts) or, for model 2, a reference dot is missing or the three coincide in the image;
+///   ZELM_ERR_CALIB_NOT_CONVERGED when the refinement takes more than 200 steps or a system of its is singular;
+///   ZELM_ERR_MEMORY; ZELM_ERR_SVD_FAILED from the start value of a pose. Nothing is written on failure.
+/// Memory: some 100 bytes a dot and 2000 a view, all released. Reentrant: yes.
 ZELM_API int32_t zelmCalibCameraParam(int32_t iViews, const Zelm2ViewPtnEntry* taViews, double dRobustThreshold,
                                       ZelmCameraIntrinsics* tIntrinsics, ZelmCameraExtrinsics* taExtrinsics,
                                       double* dError, int32_t iModel);

@@ -113,9 +113,9 @@ void clear(std::size_t views, CameraNormalEq* eq) {
 double tukeyCost(const double* squares, std::size_t n, double cutOff2) {
     double cost = 0.0;
     for (std::size_t i = 0; i < n; ++i) {
-        const double share = std::min(1.0, squares[i] / cutOff2);
-        // (1 - (1 - u)^3) / 3 without cancellation.
-        cost += cutOff2 * share * (1.0 - share + share * share / 3.0);
+        const double within = std::min(squares[i], cutOff2);
+        const double share = within / cutOff2;
+        cost += within * (1.0 - share + share * share / 3.0);  // (c^2 / 3) (1 - (1 - share)^3), without cancellation
     }
     return cost;
 }
