@@ -143,8 +143,8 @@ ZELM_API int32_t zelmCalibUnDistortPoint(const ZelmCameraIntrinsics* tCam, doubl
 /// @return ZELM_OK; ZELM_ERR_PARAM for another direction or a NULL pointer, nothing written
 ZELM_API int32_t zelmCalibRodrigues(int32_t iDirection, double* daRvec, double* daRmat);
 
-/// Estimates one camera's intrinsic parameters, its radial distortion and its pose in every view from the dots of a flat
-/// plate.
+/// Estimates one camera's intrinsic parameters, its radial distortion and its pose in every view from the dots of a
+/// flat plate.
 ///
 /// Start values come from the homographies of the views: under models 0 and 1 in closed form (Z. Zhang, A Flexible New
 /// Technique for Camera Calibration, 2000), under model 2 from three reference dots. All parameters are then refined
@@ -184,9 +184,9 @@ ZELM_API int32_t zelmCalibRodrigues(int32_t iDirection, double* daRvec, double* 
 /// step; a step is accepted when it lowers the sum of Tukey's loss at the cut-off before it, because two sums at
 /// different cut-offs tell more of the cut-offs than of the fit. The homographies are not weighted.
 ///
-/// Convergence: damping 0.001 at first, times 0.1 on a lower cost, else times 10 and the step undone; done when the cost
-/// changes by at most 1e-8 of itself, or each parameter by at most 1e-4 of its signed value or by 1e-6, in normalised
-/// units.
+/// Convergence: damping 0.001 at first, times 0.1 on a lower cost, else times 10 and the step undone; done when the
+/// cost changes by at most 1e-8 of itself, or each parameter by at most 1e-4 of its signed value or by 1e-6, in
+/// normalised units.
 ///
 /// @param iViews [in] number of views: at least 3 for models 0 and 1, exactly 1 for model 2
 /// @param taViews [in] iViews entries of at least 4 dots each, the plate coordinates in any unit, the image in pixels
@@ -201,7 +201,8 @@ ZELM_API int32_t zelmCalibRodrigues(int32_t iDirection, double* daRvec, double* 
 ///   line, values that are not finite); ZELM_ERR_CALIB_ESTIMATE when the views do not determine a camera (all parallel,
 ///   or too noisy for their tilts) or, for model 2, a reference dot is missing or the three coincide in the image;
 ///   ZELM_ERR_CALIB_NOT_CONVERGED when the refinement takes more than 200 steps or a system of its is singular;
-///   ZELM_ERR_MEMORY; ZELM_ERR_SVD_FAILED from the start value of a pose. Nothing is written on failure.
+///   ZELM_ERR_MEMORY (ZELM_ERR_CALIB_HOMOGRAPHY when memory runs out within the refinement of a homography);
+///   ZELM_ERR_SVD_FAILED from the start value of a pose. Nothing is written on failure.
 /// Memory: some 100 bytes a dot and 2000 a view, all released. Reentrant: yes.
 ZELM_API int32_t zelmCalibCameraParam(int32_t iViews, const Zelm2ViewPtnEntry* taViews, double dRobustThreshold,
                                       ZelmCameraIntrinsics* tIntrinsics, ZelmCameraExtrinsics* taExtrinsics,

@@ -46,7 +46,7 @@ struct DotProjector {
     [[nodiscard]] Point2d project(const ViewFrame& frame, Point2d dot) const;
 
     // Also the derivatives of u and v, each kIntrinsics, then kPose numbers.
-    [[nodiscard]] Point2d project(const ViewFrame& frame, Point2d dot, double* du, double* dv) const;
+    Point2d project(const ViewFrame& frame, Point2d dot, double* du, double* dv) const;
 };
 
 }  // namespace zelm

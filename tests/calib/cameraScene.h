@@ -112,8 +112,8 @@ inline ZelmCameraExtrinsics tiltedPose(double roll, double tilt, double axis, Po
     zelmCalibRodrigues(0, tiltVector, tilted);
     for (std::size_t i = 0; i < 3; ++i) {
         for (std::size_t j = 0; j < 3; ++j) {
-            R[3 * i + j] = tilted[3 * i] * rolled[j] + tilted[3 * i + 1] * rolled[3 + j] +
-                           tilted[3 * i + 2] * rolled[6 + j];
+            R[3 * i + j] =
+                tilted[3 * i] * rolled[j] + tilted[3 * i + 1] * rolled[3 + j] + tilted[3 * i + 2] * rolled[6 + j];
         }
     }
     zelmCalibRodrigues(1, r, R);
