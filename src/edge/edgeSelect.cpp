@@ -50,7 +50,7 @@ EdgeCandidate makeCandidate(std::span<const int32_t> q, const EdgeRule& rule, co
     // The band lets a plateau reach into the foot of the transition; the sub-pixel step is to see the whole of it.
     const int32_t sense = signOf(q[static_cast<std::size_t>(after.begin)] - q[static_cast<std::size_t>(before.end)]);
     EdgeCandidate edge = {trimmed(q, before.end, before.begin, sense, rule.flatTolerance),
-                          trimmed(q, after.begin, after.end, sense, rule.flatTolerance), 0};
+                          trimmed(q, after.begin, after.end, sense, rule.flatTolerance), 0, before.begin, after.end};
     // Selector 0 takes the levels where the plateaus meet the transition, the others average the samples that confirm
     // the plateau.
     const int64_t reach = rule.selector == 0 ? 0 : rule.minFlatRun;

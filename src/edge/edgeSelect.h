@@ -12,6 +12,8 @@ struct EdgeCandidate {
     int64_t a;           // last sample of the first plateau
     int64_t b;           // first sample of the second plateau
     int32_t difference;  // level of the second plateau minus level of the first, gray levels
+    int64_t from;        // first sample of the first plateau
+    int64_t to;          // last sample of the second plateau
 };
 
 struct EdgeRule {

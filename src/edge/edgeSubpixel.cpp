@@ -83,6 +83,9 @@ int32_t locateEdge(EdgeProfile& profile, const EdgeCandidate& edge, int32_t iFil
     if (kernel.empty()) {
         return 0;
     }
+    // Plateau samples within the filter's reach are seen as they are: to repeat one sample would repeat its noise.
+    a = std::min(a, std::max(a - h, edge.from + kEdgeGuard));
+    b = std::max(b, std::min(b + h, edge.to + kEdgeGuard));
     double* const g = profile.gray.data();
     double* const d = profile.derivative.data();
     std::fill(g + a - h, g + a, g[a]);

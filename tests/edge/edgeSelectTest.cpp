@@ -30,7 +30,7 @@ EdgeRule usualRule(const std::vector<int>& q, int32_t selector, int32_t sign = 0
 
 // Expects the edge [a, b] with its difference; a < 0 for none.
 void expectEdge(const std::vector<int>& q, const EdgeRule& rule, int64_t a, int64_t b, int32_t difference) {
-    EdgeCandidate edge = {-1, -1, 0};
+    EdgeCandidate edge = {-1, -1, 0, -1, -1};
     EXPECT_EQ(zelm::selectEdge(q, rule, edge), a >= 0);
     EXPECT_EQ(edge.a, a);
     EXPECT_EQ(edge.b, b);

@@ -37,6 +37,11 @@ EdgeProfile makeProfile(const std::vector<double>& values) {
     return profile;
 }
 
+// The transition from sample a to sample b, with no plateau beyond to look at.
+EdgeCandidate between(int64_t a, int64_t b, int32_t difference) {
+    return {a, b, difference, a, b};
+}
+
 std::vector<double> stepValues(double at, double blur, double size) {
     std::vector<double> values;
     for (int i = 0; i < 30; ++i) {
@@ -88,7 +93,7 @@ TEST(EdgeSubpixel, AStepHalfwayBetweenSamplesIsFoundThere) {
     for (const int32_t size : {5, 7}) {
         EdgeProfile profile = makeProfile(stepValues(14.5, 1e-3, 100.0));
         EdgePosition position = {};
-        ASSERT_EQ(zelm::locateEdge(profile, {14, 15, 100}, size, position), 1);
+        ASSERT_EQ(zelm::locateEdge(profile, between(14, 15, 100), size, position), 1);
         // The two largest derivatives are equal: the peak is exactly between them.
         EXPECT_NEAR(position.sample, 14.5, 1e-9);
     }
@@ -100,7 +105,7 @@ TEST(EdgeSubpixel, StrengthIsTheSlopeOfTheFilteredEdge) {
     for (const double blur : {0.8, 1.0, 1.3}) {
         EdgeProfile profile = makeProfile(stepValues(14.3, blur, 100.0));
         EdgePosition position = {};
-        ASSERT_EQ(zelm::locateEdge(profile, {9, 20, 100}, 7, position), 1);
+        ASSERT_EQ(zelm::locateEdge(profile, between(9, 20, 100), 7, position), 1);
         const double ideal = 100.0 / std::sqrt(2.0 * kPi * (blur * blur + 2.25));
         EXPECT_LT(position.strength, ideal);
         EXPECT_GT(position.strength, 0.88 * ideal);
@@ -115,7 +120,7 @@ TEST(EdgeSubpixel, IsGoodToFiveThousandthsOnACleanBlurredEdge) {
             for (double at = 14.0; at < 15.0; at += 0.05) {
                 EdgeProfile profile = makeProfile(stepValues(at, blur, 100.0));
                 EdgePosition position = {};
-                ASSERT_EQ(zelm::locateEdge(profile, {7, 22, 100}, size, position), 1);
+                ASSERT_EQ(zelm::locateEdge(profile, between(7, 22, 100), size, position), 1);
                 worst = std::max(worst, std::fabs(position.sample - at));
             }
             EXPECT_LT(worst, 0.005) << size << " " << blur;
@@ -132,10 +137,29 @@ TEST(EdgeSubpixel, WhatLiesBeyondTheIntervalHasNoInfluence) {
     EdgeProfile crowded = makeProfile(values);
     EdgePosition expected = {};
     EdgePosition position = {};
-    ASSERT_EQ(zelm::locateEdge(alone, {11, 18, 60}, 7, expected), 1);
-    ASSERT_EQ(zelm::locateEdge(crowded, {11, 18, 60}, 7, position), 1);
+    ASSERT_EQ(zelm::locateEdge(alone, between(11, 18, 60), 7, expected), 1);
+    ASSERT_EQ(zelm::locateEdge(crowded, between(11, 18, 60), 7, position), 1);
     EXPECT_EQ(position.sample, expected.sample);
     EXPECT_EQ(position.strength, expected.strength);
+}
+
+TEST(EdgeSubpixel, PlateauSamplesWithinTheFiltersReachAreSeen) {
+    // The interval bites into a blurred transition. Held there, the profile misplaces the edge; the plateaus repair it.
+    EdgeProfile held = makeProfile(stepValues(14.3, 1.2, 100.0));
+    EdgeProfile seen = makeProfile(stepValues(14.3, 1.2, 100.0));
+    EdgePosition position = {};
+    ASSERT_EQ(zelm::locateEdge(held, between(12, 17, 100), 7, position), 1);
+    EXPECT_GT(std::fabs(position.sample - 14.3), 0.005);
+    ASSERT_EQ(zelm::locateEdge(seen, {12, 17, 100, 5, 25}, 7, position), 1);
+    EXPECT_NEAR(position.sample, 14.3, 0.002);
+    // Beyond the plateaus the profile is still held.
+    std::vector<double> crowded = stepValues(14.3, 1.2, 100.0);
+    std::fill(crowded.begin(), crowded.begin() + 9, 250.0);
+    std::fill(crowded.begin() + 21, crowded.end(), 0.0);
+    EdgeProfile bounded = makeProfile(crowded);
+    EdgePosition again = {};
+    ASSERT_EQ(zelm::locateEdge(bounded, {12, 17, 100, 9, 20}, 7, again), 1);
+    EXPECT_NEAR(again.sample, position.sample, 1e-9);
 }
 
 TEST(EdgeSubpixel, AShortIntervalIsWidenedToFive) {
@@ -144,7 +168,7 @@ TEST(EdgeSubpixel, AShortIntervalIsWidenedToFive) {
     for (const auto& [a, b] : {std::pair<int64_t, int64_t>{14, 15}, {14, 16}, {13, 15}, {13, 16}}) {
         EdgeProfile given = makeProfile(values);
         EdgePosition position = {};
-        ASSERT_EQ(zelm::locateEdge(given, {a, b, 80}, 7, position), 1);
+        ASSERT_EQ(zelm::locateEdge(given, between(a, b, 80), 7, position), 1);
         EXPECT_NEAR(position.sample, 14.5, 1e-9) << a << " " << b;
     }
 }
@@ -157,11 +181,11 @@ TEST(EdgeSubpixel, AnEdgeAtTheVeryEndOfTheProfileUsesTheGuardCells) {
     std::vector<double> values = {10.0, 90.0, 90.0, 90.0, 90.0, 90.0, 90.0};
     EdgeProfile atStart = makeProfile(values);
     EdgePosition position = {};
-    ASSERT_EQ(zelm::locateEdge(atStart, {0, 1, 80}, 7, position), 1);
+    ASSERT_EQ(zelm::locateEdge(atStart, between(0, 1, 80), 7, position), 1);
     EXPECT_NEAR(position.sample, 0.5, 1e-9);
     std::reverse(values.begin(), values.end());
     EdgeProfile atEnd = makeProfile(values);
-    ASSERT_EQ(zelm::locateEdge(atEnd, {5, 6, -80}, 7, position), 1);
+    ASSERT_EQ(zelm::locateEdge(atEnd, between(5, 6, -80), 7, position), 1);
     EXPECT_NEAR(position.sample, 5.5, 1e-9);
 }
 
@@ -173,10 +197,10 @@ TEST(EdgeSubpixel, ADerivativeWithoutAPeakIsNoEdge) {
     }
     EdgeProfile profile = makeProfile(ramp);
     EdgePosition position = {-7.0, -7.0};
-    EXPECT_EQ(zelm::locateEdge(profile, {8, 32, 120}, 7, position), 0);
+    EXPECT_EQ(zelm::locateEdge(profile, between(8, 32, 120), 7, position), 0);
     // A constant one has none at all.
     EdgeProfile flat = makeProfile(std::vector<double>(20, 80.0));
-    EXPECT_EQ(zelm::locateEdge(flat, {8, 12, 0}, 7, position), 0);
+    EXPECT_EQ(zelm::locateEdge(flat, between(8, 12, 0), 7, position), 0);
     EXPECT_EQ(position.sample, -7.0);
 }
 
@@ -188,7 +212,7 @@ TEST(EdgeSubpixel, APeakBeyondHalfASampleIsNoEdge) {
     }
     EdgeProfile profile = makeProfile(values);
     EdgePosition position = {-7.0, -7.0};
-    EXPECT_EQ(zelm::locateEdge(profile, {9, 14, 90}, 7, position), 0);
+    EXPECT_EQ(zelm::locateEdge(profile, between(9, 14, 90), 7, position), 0);
     EXPECT_EQ(position.sample, -7.0);
 }
 
