@@ -339,6 +339,25 @@ TEST(Blob, TheOneLevelLookUpCanSplitABlob) {
     EXPECT_EQ(blobs[1].right, 4);
 }
 
+// Row 4 joins label 3 to 2 and then 2 to 1. The foot below label 3 still finds 2, whose pixels have moved on to 1: its
+// pixel is left out of the blob, unless a further row below it moves it on. A flood fill finds all.
+TEST(Blob, TheOneLevelLookUpCanLoseAPixel) {
+    for (const int32_t foot : {1, 2, 3}) {
+        std::vector<std::string> rows = {"............", "..........#.", "......#...#.", "..#...#...#.",
+                                         ".#.###.###.."};
+        rows.insert(rows.end(), static_cast<size_t>(foot), ".#..........");
+        rows.emplace_back("............");
+        TestImage image = picture(rows);
+        const BlobRequest q = {.region = image.all()};
+        const auto whole = zelmtest::blobsByFloodFill(image, q);
+        ASSERT_EQ(whole.size(), 1U);
+        ASSERT_EQ(whole[0].area, 13 + foot);
+        const auto blobs = blobsOf(image, q);
+        ASSERT_EQ(blobs.size(), 1U);
+        EXPECT_EQ(blobs[0].area, foot == 1 ? 13 : 13 + foot);
+    }
+}
+
 TEST(Blob, SplitArmsThatMeetAgainBelowAreOneBlob) {
     const auto blobs =
         blobsIn(picture({".........", ".......#.", ".#.....#.", ".#..#..#.", ".###.###.", "....#....", "........."}));

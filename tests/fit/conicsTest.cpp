@@ -392,6 +392,25 @@ TEST(FitEllipseSolve, TheNullVectorIsScaledToUnitDiscriminant) {
     EXPECT_NEAR(4.0 * c[0] * c[2] - c[1] * c[1], 1.0, 1e-12);
 }
 
+// Four places have a two-dimensional family of conics through them, here spanned by x y = 0 and the circle. The null
+// space is searched from its last vector on for the first that is an ellipse.
+TEST(FitEllipseSolve, TheNullSpaceIsSearchedForAnEllipse) {
+    for (const double r : {0.5, 0.9, 1.0, 1.1, 1.4, 2.0}) {
+        const std::vector<Point2d> points = {{r, 0}, {0, r}, {-r, 0}, {0, -r}, {r, 0}, {0, r}, {-r, 0}, {0, -r}};
+        const std::vector<double> weights(8, 1.0);
+        zelm::ConicScatter scatter;
+        ASSERT_EQ(zelm::conicScatter(8, weights.data(), &points[0].x, &scatter), ZELM_OK);
+        EXPECT_LT(std::fabs(scatter.values[4]), 1e-12);
+        EXPECT_LT(std::fabs(scatter.values[5]), 1e-12);
+        double c[6];
+        ASSERT_EQ(zelm::fitEllipseSolve(8, weights.data(), &points[0].x, c), ZELM_OK) << r;
+        EXPECT_NEAR(4.0 * c[0] * c[2] - c[1] * c[1], 1.0, 1e-12);
+        for (const Point2d& p : points) {
+            EXPECT_NEAR(valueAt(c, p), 0.0, 1e-12);
+        }
+    }
+}
+
 // A tight threshold leaves fewer than five points some weight.
 TEST(FitEllipse, ARobustFitThatKeepsFourPointsFails) {
     Random random(568);

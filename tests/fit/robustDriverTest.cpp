@@ -179,6 +179,14 @@ TEST(RobustWeights, RejectingEveryPointIsAFailure) {
     EXPECT_NE(innerCalcRobustWeights(1, 4, r, w, 1.01), ZELM_ERR_FIT_DATA);
 }
 
+TEST(RobustWeights, PointsCountAsRejectedWhenTheirWeightsSumUpToLessThan1e12) {
+    const double r[4] = {1.0, -1.0, 1.0, 1.0};
+    for (const double beyond : {1e-7, 2.4e-7, 2.6e-7, 1e-5}) {  // four weights of about (2 beyond)^2
+        double w[4] = {1, 1, 1, 1};
+        EXPECT_EQ(innerCalcRobustWeights(1, 4, r, w, 1.0 + beyond), beyond < 2.5e-7 ? ZELM_ERR_FIT_DATA : 0) << beyond;
+    }
+}
+
 TEST(RobustWeights, ResidualsThatAreNotNumbersAreAFailure) {
     const double r[3] = {1.0, kNan, 2.0};
     double w[3] = {1, 1, 1};
