@@ -15,7 +15,7 @@ using zelm::accuracy::ReadingFigures;
 constexpr double kRadii[] = {6.0, 10.0, 20.0};
 constexpr double kBlurs[] = {0.5, 1.0, 1.5};
 
-int views = 8;  // of each setting; more with --views
+int views = 4;  // of each setting; more with --views
 
 void printError(const ReadingFigures& f) {
     if (f.found == f.dots && f.wrong == 0) {
@@ -91,7 +91,7 @@ int main(int argc, char** argv) {
     if (argc == 3 && std::strcmp(argv[1], "--views") == 0 && std::atoi(argv[2]) > 0) {
         views = std::atoi(argv[2]);
     } else if (argc != 1) {
-        std::fprintf(stderr, "usage: zelm_accuracy [--views N]   (views of each setting, default 8)\n");
+        std::fprintf(stderr, "usage: zelm_accuracy [--views N]   (views of each setting, default 4)\n");
         return 2;
     }
     try {
