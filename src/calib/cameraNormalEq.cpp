@@ -108,6 +108,47 @@ void clear(std::size_t views, CameraNormalEq* eq) {
     eq->cost = 0.0;
 }
 
+// The squared residuals, and the cut-off and the cost that follow from them.
+void weigh(const CameraData& data, const CameraUnknowns& unknowns, double robustThreshold, double* squares,
+           CameraNormalEq* eq) {
+    double sum = 0.0;
+    forEachSquare(data, unknowns, [&](std::size_t i, double e2) {
+        squares[i] = e2;
+        sum += e2;
+    });
+    if (!std::isfinite(sum)) {
+        eq->cost = sum;
+        return;
+    }
+    const double k = kMadToSigma * robustThreshold;
+    const double median = innerMedian(static_cast<std::int32_t>(data.dots()), squares);
+    eq->cutOff2 = std::max(kLeastSquaredCutOff, k * k * median);
+    eq->cost = tukeyCost(squares, data.dots(), eq->cutOff2);
+}
+
+// Adds every dot's share; returns the plain sum of squares.
+double accumulateDots(const CameraData& data, const CameraUnknowns& unknowns, bool robust, CameraNormalEq* eq) {
+    const DotProjector projector{unknowns.intrinsics, data.parallel};
+    double sum = 0.0;
+    forEachDot(data, unknowns, [&](std::size_t v, std::size_t i, const ViewFrame& frame) {
+        double du[kJoint];
+        double dv[kJoint];
+        const Point2d p = projector.project(frame, data.plane[i], du, dv);
+        if (data.parallel) {
+            clearHeld(du);
+            clearHeld(dv);
+        }
+        const double r[2] = {data.image[i].x - p.x, data.image[i].y - p.y};
+        const double e2 = r[0] * r[0] + r[1] * r[1];
+        const double w = robust ? biweight(e2, eq->cutOff2) : 1.0;
+        if (w > 0.0) {
+            accumulate(du, dv, r, w, eq, &eq->views[v]);
+        }
+        sum += e2;
+    });
+    return sum;
+}
+
 }  // namespace
 
 double tukeyCost(const double* squares, std::size_t n, double cutOff2) {
@@ -128,43 +169,17 @@ double meanReprojectionDistance(const CameraData& data, const CameraUnknowns& un
 
 bool innerCalcCameraNormalEq(const CameraData& data, const CameraUnknowns& unknowns, double robustThreshold,
                              double* squares, CameraNormalEq* equations) {
-    const bool robust = robustThreshold > 0.0;
     clear(data.views(), equations);
+    const bool robust = robustThreshold > 0.0;
     if (robust) {
-        double sum = 0.0;
-        forEachSquare(data, unknowns, [&](std::size_t i, double e2) {
-            squares[i] = e2;
-            sum += e2;
-        });
-        if (!std::isfinite(sum)) {
-            equations->cost = sum;
+        weigh(data, unknowns, robustThreshold, squares, equations);
+        if (!std::isfinite(equations->cost)) {
             return false;
         }
-        const double k = kMadToSigma * robustThreshold;
-        const double median = innerMedian(static_cast<std::int32_t>(data.dots()), squares);
-        equations->cutOff2 = std::max(kLeastSquaredCutOff, k * k * median);
-        equations->cost = tukeyCost(squares, data.dots(), equations->cutOff2);
     }
-    const DotProjector projector{unknowns.intrinsics, data.parallel};
-    double sum = 0.0;
-    forEachDot(data, unknowns, [&](std::size_t v, std::size_t i, const ViewFrame& frame) {
-        double du[kJoint];
-        double dv[kJoint];
-        const Point2d p = projector.project(frame, data.plane[i], du, dv);
-        if (data.parallel) {
-            clearHeld(du);
-            clearHeld(dv);
-        }
-        const double r[2] = {data.image[i].x - p.x, data.image[i].y - p.y};
-        const double e2 = r[0] * r[0] + r[1] * r[1];
-        const double w = robust ? biweight(e2, equations->cutOff2) : 1.0;
-        if (w > 0.0) {
-            accumulate(du, dv, r, w, equations, &equations->views[v]);
-        }
-        sum += e2;
-    });
+    const double sumOfSquares = accumulateDots(data, unknowns, robust, equations);
     if (!robust) {
-        equations->cost = sum;
+        equations->cost = sumOfSquares;
     }
     mirrorUpperTriangle(kIntrinsics, equations->N);
     for (std::size_t v = 0; v < data.views(); ++v) {

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 
 #include "cameraData.h"
 #include "cameraNormalEq.h"
@@ -30,14 +31,14 @@ std::int32_t memoryOr(std::int32_t status, std::int32_t other) {
 }
 
 // The count of all dots; 0 when a view has too few for its homography.
-std::size_t countDots(std::int32_t views, const Zelm2ViewPtnEntry* entries) {
-    std::size_t total = 0;
+std::uint64_t countDots(std::int32_t views, const Zelm2ViewPtnEntry* entries) {
+    std::uint64_t total = 0;
     for (std::int32_t v = 0; v < views; ++v) {
         const Zelm2ViewPtnEntry& entry = entries[v];
         if (entry.count < kLeastDots || entry.plane == nullptr || entry.image == nullptr) {
             return 0;
         }
-        total += static_cast<std::size_t>(entry.count);
+        total += static_cast<std::uint64_t>(entry.count);
     }
     return total;
 }
@@ -51,7 +52,7 @@ Normalisation normalise(WorkBuffer<Point2d>* points) {
 }
 
 std::int32_t gather(std::int32_t views, const Zelm2ViewPtnEntry* entries, std::int32_t model, CameraData* data) {
-    const std::size_t total = countDots(views, entries);
+    const std::uint64_t total = countDots(views, entries);
     if (total == 0) {
         return ZELM_ERR_CALIB_HOMOGRAPHY;
     }
@@ -59,8 +60,8 @@ std::int32_t gather(std::int32_t views, const Zelm2ViewPtnEntry* entries, std::i
         return ZELM_ERR_MEMORY;  // cannot be counted by the matrix toolkit
     }
     data->first = WorkBuffer<std::size_t>(static_cast<std::size_t>(views) + 1);
-    data->plane = WorkBuffer<Point2d>(total);
-    data->image = WorkBuffer<Point2d>(total);
+    data->plane = WorkBuffer<Point2d>(static_cast<std::size_t>(total));
+    data->image = WorkBuffer<Point2d>(static_cast<std::size_t>(total));
     if (!data->first.ok() || !data->plane.ok() || !data->image.ok()) {
         return ZELM_ERR_MEMORY;
     }

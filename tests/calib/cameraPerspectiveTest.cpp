@@ -19,45 +19,16 @@
 
 namespace {
 
+using zelmtest::CameraEstimate;
 using zelmtest::CameraScene;
+using zelmtest::estimateCamera;
+using zelmtest::meanDistance;
 using zelmtest::perspectiveCamera;
 using zelmtest::perspectiveScene;
 using zelmtest::Random;
 
 // Noiseless data: what the library promises of each parameter.
 constexpr double kNoiseless = 1e-6;
-
-struct Estimate {
-    int32_t status = 0;
-    ZelmCameraIntrinsics camera{};
-    std::vector<ZelmCameraExtrinsics> poses;
-    double error = 0.0;
-};
-
-Estimate estimate(CameraScene& scene, double threshold = -1.0) {
-    Estimate result;
-    result.poses.resize(scene.planes.size());
-    const auto entries = scene.entries();
-    result.status = zelmCalibCameraParam(static_cast<int32_t>(entries.size()), entries.data(), threshold,
-                                         &result.camera, result.poses.data(), &result.error, scene.model);
-    return result;
-}
-
-// Mean distance between the scene's dots and the estimate's projections of them.
-double meanDistance(const CameraScene& scene, const Estimate& result) {
-    double sum = 0.0;
-    std::size_t count = 0;
-    for (std::size_t v = 0; v < scene.planes.size(); ++v) {
-        for (std::size_t i = 0; i < scene.planes[v].size(); ++i) {
-            const Point3d X{scene.planes[v][i].x, scene.planes[v][i].y, 0.0};
-            Point2d p{};
-            EXPECT_EQ(zelmCalibChange3Dto2D(&X, &result.camera, &result.poses[v], &p, scene.model), ZELM_OK);
-            sum += std::hypot(p.x - scene.images[v][i].x, p.y - scene.images[v][i].y);
-            ++count;
-        }
-    }
-    return sum / static_cast<double>(count);
-}
 
 void expectCamera(const ZelmCameraIntrinsics& expected, const ZelmCameraIntrinsics& actual) {
     const auto near = [](double a, double b, const char* name) {
@@ -76,7 +47,7 @@ void expectCamera(const ZelmCameraIntrinsics& expected, const ZelmCameraIntrinsi
     near(actual.k2, expected.k2, "k2");
 }
 
-void expectPoses(const CameraScene& scene, const Estimate& result) {
+void expectPoses(const CameraScene& scene, const CameraEstimate& result) {
     for (std::size_t v = 0; v < scene.poses.size(); ++v) {
         for (std::size_t i = 0; i < 9; ++i) {
             EXPECT_NEAR(result.poses[v].R[i], scene.poses[v].R[i], kNoiseless);
@@ -111,7 +82,7 @@ TEST(CameraParam, NoiselessViewsGiveEveryParameterBack) {
                 const double tilt = model == 1 ? 0.02 : 0.0005;
                 CameraScene scene = perspectiveScene(
                     perspectiveCamera(1800, 1790, tilt, 655, 490, lens.k1, lens.k2, model), model, 10, seed);
-                const Estimate result = estimate(scene);
+                const CameraEstimate result = estimateCamera(scene);
                 ASSERT_EQ(result.status, ZELM_OK);
                 expectCamera(scene.camera, result.camera);
                 expectPoses(scene, result);
@@ -124,7 +95,7 @@ TEST(CameraParam, NoiselessViewsGiveEveryParameterBack) {
 TEST(CameraParam, ThreeViewsAreEnough) {
     for (const std::uint64_t seed : {4U, 5U, 6U}) {
         CameraScene scene = perspectiveScene(perspectiveCamera(1800, 1790, 0, 655, 490, -0.2, 0.1, 0), 0, 3, seed);
-        const Estimate result = estimate(scene);
+        const CameraEstimate result = estimateCamera(scene);
         ASSERT_EQ(result.status, ZELM_OK);
         expectCamera(scene.camera, result.camera);
     }
@@ -133,7 +104,7 @@ TEST(CameraParam, ThreeViewsAreEnough) {
 TEST(CameraParam, PerfectDataSucceedWithAndWithoutWeighting) {
     for (const double threshold : {-1.0, 0.0, 3.5}) {
         CameraScene scene = perspectiveScene(perspectiveCamera(1800, 1790, 0, 655, 490, 0, 0, 0), 0, 4, 7);
-        const Estimate result = estimate(scene, threshold);
+        const CameraEstimate result = estimateCamera(scene, threshold);
         ASSERT_EQ(result.status, ZELM_OK);
         EXPECT_LT(result.error, 1e-10);
     }
@@ -145,7 +116,7 @@ TEST(CameraParam, TheUnitOfThePlateDoesNotMatter) {
     CameraScene reference = base;
     Random random(8);
     reference.addNoise(0.05, random);
-    const Estimate expected = estimate(reference);
+    const CameraEstimate expected = estimateCamera(reference);
     for (const int exponent : {-20, -10, 10}) {
         CameraScene scaled = reference;
         for (auto& plane : scaled.planes) {
@@ -153,7 +124,7 @@ TEST(CameraParam, TheUnitOfThePlateDoesNotMatter) {
                 dot = {std::ldexp(dot.x, exponent), std::ldexp(dot.y, exponent)};
             }
         }
-        const Estimate result = estimate(scaled);
+        const CameraEstimate result = estimateCamera(scaled);
         ASSERT_EQ(result.status, ZELM_OK);
         EXPECT_EQ(std::memcmp(&result.camera, &expected.camera, sizeof result.camera), 0);
         EXPECT_EQ(result.poses[0].t[2], std::ldexp(expected.poses[0].t[2], exponent));
@@ -170,7 +141,7 @@ TEST(CameraParam, PlatesAtAnyRollStayBeforeTheCamera) {
                 zelmtest::plateDots(10, 10, v % 2 == 0),
                 zelmtest::tiltedPose(roll, 0.5, 1.3 * v, {5.0, -8.0, 300.0}, v % 2 == 0 ? 0 : 60, v % 2 == 0 ? 0 : 50));
         }
-        const Estimate result = estimate(scene);
+        const CameraEstimate result = estimateCamera(scene);
         ASSERT_EQ(result.status, ZELM_OK) << degrees;
         expectCamera(scene.camera, result.camera);
         for (const ZelmCameraExtrinsics& pose : result.poses) {
@@ -190,7 +161,7 @@ TEST(CameraParam, ViewsMayHaveDifferentDots) {
             scene.images[v].erase(scene.images[v].begin() + i);
         }
     }
-    const Estimate result = estimate(scene);
+    const CameraEstimate result = estimateCamera(scene);
     ASSERT_EQ(result.status, ZELM_OK);
     expectCamera(scene.camera, result.camera);
     expectPoses(scene, result);
@@ -205,7 +176,7 @@ TEST(CameraParam, RecordsReproduceTheResidualsOfTheRefinement) {
                 perspectiveCamera(1800, 1700, model == 1 ? 0.03 : 0.001, 655, 490, -0.25, 0.1, model), model, 6, 10);
             Random random(10);
             scene.addNoise(0.2, random);
-            const Estimate result = estimate(scene, threshold);
+            const CameraEstimate result = estimateCamera(scene, threshold);
             ASSERT_EQ(result.status, ZELM_OK);
             EXPECT_NEAR(result.error, meanDistance(scene, result), 1e-11);
             // Mean length of noise of 0.2 px in x and y: 0.2 * sqrt(pi / 2), over 858 dots to 5 standard errors.
@@ -219,7 +190,7 @@ TEST(CameraParam, TheErrorFigureCountsEveryDotAlsoThoseWithoutWeight) {
     Random random(11);
     scene.addNoise(0.01, random);
     scene.images[1][5].x += 57.2;
-    const Estimate result = estimate(scene, 3.5);
+    const CameraEstimate result = estimateCamera(scene, 3.5);
     ASSERT_EQ(result.status, ZELM_OK);
     EXPECT_NEAR(result.error, 57.2 / 572.0 + 0.01253, 0.002);  // 4 * 143 dots, one 57.2 px off
 }
@@ -229,7 +200,7 @@ TEST(CameraParam, ThetaIsTheAngleOfTheShearedAxes) {
         for (const double k1 : {0.0, -0.3}) {
             SCOPED_TRACE(tilt);
             CameraScene scene = perspectiveScene(perspectiveCamera(1800, 1700, tilt, 655, 490, k1, 0, 1), 1, 6, 12);
-            const Estimate result = estimate(scene);
+            const CameraEstimate result = estimateCamera(scene);
             ASSERT_EQ(result.status, ZELM_OK);
             expectCamera(scene.camera, result.camera);
             EXPECT_NEAR(result.camera.theta, tilt, 1e-8);
@@ -244,9 +215,9 @@ TEST(CameraParam, ModelsZeroAndOneDescribeTheSameCamera) {
     CameraScene scene = perspectiveScene(perspectiveCamera(1800, 1700, 0.05, 655, 490, -0.2, 0.1, 1), 1, 6, 13);
     Random random(13);
     scene.addNoise(0.05, random);
-    const Estimate one = estimate(scene);
+    const CameraEstimate one = estimateCamera(scene);
     scene.model = 0;
-    const Estimate zero = estimate(scene);
+    const CameraEstimate zero = estimateCamera(scene);
     ASSERT_EQ(zero.status, ZELM_OK);
     EXPECT_EQ(zero.camera.theta, 0.0);
     EXPECT_EQ(zero.camera.beta, zero.camera.A[4]);
@@ -259,9 +230,9 @@ TEST(CameraParam, AThresholdOfZeroOrLessIsPlainLeastSquares) {
     CameraScene scene = perspectiveScene(perspectiveCamera(1800, 1790, 0, 655, 490, -0.2, 0.1, 0), 0, 6, 14);
     Random random(14);
     scene.addNoise(0.05, random);
-    const Estimate negative = estimate(scene, -1.0);
-    const Estimate zero = estimate(scene, 0.0);
-    const Estimate huge = estimate(scene, 1e9);  // every weight 1 but for 1e-18
+    const CameraEstimate negative = estimateCamera(scene, -1.0);
+    const CameraEstimate zero = estimateCamera(scene, 0.0);
+    const CameraEstimate huge = estimateCamera(scene, 1e9);  // every weight 1 but for 1e-18
     EXPECT_EQ(std::memcmp(&negative.camera, &zero.camera, sizeof zero.camera), 0);
     EXPECT_NEAR(huge.camera.alpha, zero.camera.alpha, 1e-8 * zero.camera.alpha);
     EXPECT_NEAR(huge.camera.k1, zero.camera.k1, 1e-8);
@@ -272,25 +243,17 @@ TEST(CameraParam, IsAtAMinimumOfTheSumOfSquares) {
     CameraScene scene = perspectiveScene(perspectiveCamera(1800, 1790, 0, 655, 490, -0.2, 0.1, 0), 0, 6, 15);
     Random random(15);
     scene.addNoise(0.1, random);
-    const Estimate result = estimate(scene);
+    const CameraEstimate result = estimateCamera(scene);
     ASSERT_EQ(result.status, ZELM_OK);
-    const auto squares = [&](const Estimate& at) {
+    const auto squares = [&](const CameraEstimate& at) {
         double sum = 0.0;
-        for (std::size_t v = 0; v < scene.planes.size(); ++v) {
-            for (std::size_t i = 0; i < scene.planes[v].size(); ++i) {
-                const Point3d X{scene.planes[v][i].x, scene.planes[v][i].y, 0.0};
-                Point2d p{};
-                zelmCalibChange3Dto2D(&X, &at.camera, &at.poses[v], &p, 0);
-                sum += (p.x - scene.images[v][i].x) * (p.x - scene.images[v][i].x) +
-                       (p.y - scene.images[v][i].y) * (p.y - scene.images[v][i].y);
-            }
-        }
+        zelmtest::forEachDistance(scene, at, [&](double distance) { sum += distance * distance; });
         return sum;
     };
     const double least = squares(result);
     for (const double sign : {-1.0, 1.0}) {
         for (int which = 0; which < 7; ++which) {
-            Estimate moved = result;
+            CameraEstimate moved = result;
             ZelmCameraIntrinsics& c = moved.camera;
             const double step = sign * 1e-3;
             switch (which) {
@@ -340,9 +303,9 @@ TEST(CameraParam, WeightingKeepsOutliersFromTheResult) {
             }
         }
     }
-    const Estimate expected = estimate(clean, 3.5);
-    const Estimate weighted = estimate(spoiled, 3.5);
-    const Estimate plain = estimate(spoiled, -1.0);
+    const CameraEstimate expected = estimateCamera(clean, 3.5);
+    const CameraEstimate weighted = estimateCamera(spoiled, 3.5);
+    const CameraEstimate plain = estimateCamera(spoiled, -1.0);
     ASSERT_EQ(weighted.status, ZELM_OK);
     ASSERT_EQ(plain.status, ZELM_OK);
     // alpha's spread is some 0.2 px with these views and this noise; losing 5 % of the dots moves it by a fraction.
@@ -367,7 +330,7 @@ TEST(CameraParam, ManySpoiledSetsConvergeUnderWeighting) {
                 }
             }
         }
-        EXPECT_EQ(estimate(scene, seed % 2 == 0 ? 3.5 : 2.0).status, ZELM_OK) << seed;
+        EXPECT_EQ(estimateCamera(scene, seed % 2 == 0 ? 3.5 : 2.0).status, ZELM_OK) << seed;
     }
 }
 

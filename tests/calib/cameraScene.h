@@ -48,6 +48,48 @@ struct CameraScene {
     }
 };
 
+// What the estimation makes of a scene.
+struct CameraEstimate {
+    int32_t status = 0;
+    ZelmCameraIntrinsics camera{};
+    std::vector<ZelmCameraExtrinsics> poses;
+    double error = 0.0;
+};
+
+inline CameraEstimate estimateCamera(CameraScene& scene, double threshold = -1.0,
+                                     const ZelmCameraIntrinsics& preset = {}) {
+    CameraEstimate result;
+    result.camera = preset;
+    result.poses.resize(scene.planes.size());
+    const auto entries = scene.entries();
+    result.status = zelmCalibCameraParam(static_cast<int32_t>(entries.size()), entries.data(), threshold,
+                                         &result.camera, result.poses.data(), &result.error, scene.model);
+    return result;
+}
+
+// Calls visit(distance) with the distance in pixels between each dot and the estimate's projection of it.
+template <class Visit>
+void forEachDistance(const CameraScene& scene, const CameraEstimate& result, Visit visit) {
+    for (std::size_t v = 0; v < scene.planes.size(); ++v) {
+        for (std::size_t i = 0; i < scene.planes[v].size(); ++i) {
+            const Point3d X{scene.planes[v][i].x, scene.planes[v][i].y, 0.0};
+            Point2d p{};
+            zelmCalibChange3Dto2D(&X, &result.camera, &result.poses[v], &p, scene.model);
+            visit(std::hypot(p.x - scene.images[v][i].x, p.y - scene.images[v][i].y));
+        }
+    }
+}
+
+inline double meanDistance(const CameraScene& scene, const CameraEstimate& result) {
+    double sum = 0.0;
+    double count = 0.0;
+    forEachDistance(scene, result, [&](double distance) {
+        sum += distance;
+        count += 1.0;
+    });
+    return sum / count;
+}
+
 // Intrinsics of models 0 and 1: tilt is the angle of the sheared axes, tan(tilt) = A[0][1] / A[1][1].
 inline ZelmCameraIntrinsics perspectiveCamera(double alpha, double a11, double tilt, double cx, double cy, double k1,
                                               double k2, int32_t model) {
