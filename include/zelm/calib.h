@@ -53,7 +53,8 @@ ZELM_API int32_t zelmCalibNormalizeData(int32_t iDim, int32_t iN, const double* 
 /// the distances in the destination plane. A step is taken only if it lowers the mean squared distance; the right-hand
 /// side weights each pair by its distance once more than a plain least-squares step would, so the steps lean towards
 /// the worst pairs, and at most 100 are made. On noisy data the result stays within a few per cent of the least-squares
-/// optimum, which the linear estimate all but reaches on its own.
+/// optimum, which the linear estimate all but reaches on its own; with five to eight pairs and noise above a
+/// thousandth of their extent, up to one estimate in 30 does not settle within the 100 steps.
 ///
 /// Exact data. Once the root mean squared distance is at most 1e-14 in normalised units (mean distance from the centre
 /// sqrt(2)), rounding is all that is left, and the refinement ends with success: with 2, the least count, when the

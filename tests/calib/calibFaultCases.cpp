@@ -26,11 +26,12 @@ ZELM_NO_ALLOCATION_CASE(zelmCalibNormalizeData) {
 ZELM_FAULT_CASE(zelmCalibCalcHomography) {
     const Point2d src[] = {{0, 0}, {1, 0}, {1, 1}, {0, 1}, {0.4, 0.7}, {0.9, 0.3}};
     const Point2d dst[] = {{10, 0}, {30, 1}, {33, 20}, {9, 22}, {18, 15}, {27, 7}};
+    constexpr long kReported = 5;  // two copies, the linear system, two blocks of the eigen-solver
     double H[9];
     std::fill_n(H, 9, kGuard);
     const int32_t status = probe.call([&] { return zelmCalibCalcHomography(6, src, dst, 3.5, H); });
     if (probe.failed()) {
-        EXPECT_EQ(status, probe.allocations() <= 6 ? ZELM_ERR_MEMORY : ZELM_ERR_CALIB_NOT_CONVERGED);
+        EXPECT_EQ(status, probe.allocations() <= kReported ? ZELM_ERR_MEMORY : ZELM_ERR_CALIB_NOT_CONVERGED);
         EXPECT_TRUE(std::all_of(H, H + 9, [](double entry) { return entry == kGuard; }));
     } else {
         EXPECT_GE(status, 2);
