@@ -187,7 +187,8 @@ ZELM_API int32_t zelmCalibRodrigues(int32_t iDirection, double* daRvec, double* 
 ///
 /// Convergence: damping 0.001 at first, times 0.1 on a lower cost, else times 10 and the step undone; done when the
 /// cost changes by at most 1e-8 of itself, or each parameter by at most 1e-4 of its signed value or by 1e-6, in
-/// normalised units.
+/// normalised units. Under model 2 the refinement holds the tilt; it runs again, at most five times, after the shear
+/// that it found has been read as a tilt.
 ///
 /// @param iViews [in] number of views: at least 3 for models 0 and 1, exactly 1 for model 2
 /// @param taViews [in] iViews entries of at least 4 dots each, the plate coordinates in any unit, the image in pixels
