@@ -5,14 +5,12 @@
 #include <cmath>
 #include <cstdint>
 
-#include "median.h"
+#include "tukey.h"
 
 namespace zelm {
 namespace {
 
 constexpr std::size_t kJoint = kIntrinsics + kPose;
-constexpr double kMadToSigma = 1.4826;         // median absolute deviation to standard deviation of a normal variable
-constexpr double kLeastSquaredCutOff = 1e-10;  // normalised units; keeps exact data from rejecting itself
 
 // What one view under parallel projection cannot tell: the principal point from the translation, the tilt from the
 // scales and the shear, the depth.
@@ -39,14 +37,6 @@ void forEachSquare(const CameraData& data, const CameraUnknowns& unknowns, Visit
         const double rv = data.image[i].y - p.y;
         visit(i, ru * ru + rv * rv);
     });
-}
-
-double biweight(double e2, double cutOff2) {
-    if (!(e2 < cutOff2)) {
-        return 0.0;
-    }
-    const double u = 1.0 - e2 / cutOff2;
-    return u * u;
 }
 
 // One dot's share: d holds the derivatives of u and v, r the residuals. Upper triangles only.
@@ -120,9 +110,7 @@ void weigh(const CameraData& data, const CameraUnknowns& unknowns, double robust
         eq->cost = sum;
         return;
     }
-    const double k = kMadToSigma * robustThreshold;
-    const double median = innerMedian(static_cast<std::int32_t>(data.dots()), squares);
-    eq->cutOff2 = std::max(kLeastSquaredCutOff, k * k * median);
+    eq->cutOff2 = innerSquaredCutOff(static_cast<std::int32_t>(data.dots()), squares, robustThreshold);
     eq->cost = tukeyCost(squares, data.dots(), eq->cutOff2);
 }
 

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <cstddef>
 
-#include "median.h"
+#include "tukey.h"
 #include "workBuffer.h"
 
 namespace zelm {
@@ -14,8 +14,6 @@ namespace {
 using Index = std::ptrdiff_t;
 
 constexpr Index kParameters = 9;
-constexpr double kMadToSigma = 1.4826;         // median absolute deviation to standard deviation of a normal variable
-constexpr double kLeastSquaredCutOff = 1e-10;  // normalised units; keeps exact data from rejecting itself
 
 // One pair under H: q = H (x, y, 1), r = dst - q / q2, e2 = |r|^2.
 struct Residual {
@@ -32,7 +30,6 @@ struct Residual {
           e2(rx * rx + ry * ry) {}
 };
 
-// The squared cut-off of Tukey's biweight (Beaton and Tukey 1974).
 std::int32_t squaredCutOff(std::int32_t n, const Point2d* src, const Point2d* dst, const double* H, double robustK,
                            double* c2) {
     WorkBuffer<double> squares(static_cast<std::size_t>(n));
@@ -42,17 +39,8 @@ std::int32_t squaredCutOff(std::int32_t n, const Point2d* src, const Point2d* ds
     for (Index i = 0; i < n; ++i) {
         squares[static_cast<std::size_t>(i)] = Residual(H, src[i], dst[i]).e2;
     }
-    const double k = kMadToSigma * robustK;
-    *c2 = std::max(kLeastSquaredCutOff, k * k * innerMedian(n, squares.data()));
+    *c2 = innerSquaredCutOff(n, squares.data(), robustK);
     return ZELM_OK;
-}
-
-double biweight(double e2, double c2) {
-    if (!(e2 < c2)) {
-        return 0.0;
-    }
-    const double u = 1.0 - e2 / c2;
-    return u * u;
 }
 
 // N += w d d^T (lower triangle), g -= w e d, with d the gradient of e^2 with respect to H.

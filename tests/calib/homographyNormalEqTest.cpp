@@ -8,8 +8,8 @@
 
 #include "homographyNormalEq.h"
 #include "isClose.h"
-#include "median.h"
 #include "random.h"
+#include "tukey.h"
 
 namespace {
 
