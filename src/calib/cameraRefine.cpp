@@ -167,7 +167,19 @@ private:
 
 }  // namespace
 
+// With weighting, plain least squares comes first. The closed form knows nothing of the lens, so that at its values a
+// view that fills more of the image than the others can have residuals beyond the cut-off throughout: weighting would
+// drop it for good, though nothing is wrong with it.
 std::int32_t refineCamera(const CameraData& data, double robustThreshold, CameraUnknowns* unknowns) {
+    if (robustThreshold > 0.0) {
+        Refinement plain(data, 0.0);
+        if (!plain.ok()) {
+            return ZELM_ERR_MEMORY;
+        }
+        if (const std::int32_t status = plain.run(unknowns); status == ZELM_ERR_MEMORY) {
+            return status;
+        }
+    }
     Refinement refinement(data, robustThreshold);
     return refinement.ok() ? refinement.run(unknowns) : ZELM_ERR_MEMORY;
 }
