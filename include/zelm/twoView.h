@@ -221,6 +221,11 @@ ZELM_API int32_t zelm2ViewReadPtnImg_vImageARGB8888(Zelm2ViewCalib* tHandle, int
 /// the same order; divided by its largest element and then made of rank 2. Accepted pairs of models: 0 and 1 in any
 /// combination, 2 with 0, 1 or 2. A perspective left with a model-2 right camera is refused, deliberately, after both
 /// cameras have been estimated and written: swap the cameras.
+///
+/// One view of a plane does not tell the sign of a parallel camera's tilt: seen from the other side the dots lie the
+/// same. The estimation takes one of the two poses, so in a pair with a camera of model 2 that is tilted against the
+/// plate of view 0 the fundamental matrix holds for points of that plane, but for others perhaps that of the mirrored
+/// pose. Put the plate of view 0 head-on to such a camera, where both poses are one.
 /// @param tHandle [in/out] an opened object, every view read that the models need
 /// @param tResult [out] status and error of each camera; the statuses are set to 0 first, the others only when a camera
 ///                      has been estimated

@@ -119,18 +119,27 @@ bool isZero(const std::vector<unsigned char>& bytes, std::size_t from, std::size
     return true;
 }
 
-// The largest distance of a dot of view 0 from the epipolar line of the other camera's, both as the truth has them.
-double worstEpipolarDistance(const Pair& pair, const Rig& rig) {
+// Distances of the dots of view 0 from the epipolar lines of the other camera's, both as the truth has them.
+struct EpipolarDistances {
+    double worst = 0.0;
+    double rms = 0.0;
+};
+
+EpipolarDistances epipolarDistances(const Pair& pair, const Rig& rig) {
     double F[18];
     EXPECT_EQ(zelm2ViewGetCamFndMat(pair.handle.calib, F), ZELM_OK);
-    double worst = 0.0;
-    for (const auto& dot : render::plateDots(rig.plate)) {
+    EpipolarDistances result;
+    const auto dots = render::plateDots(rig.plate);
+    for (const auto& dot : dots) {
         const Point3d X = {dot.centre.x, dot.centre.y, 0.0};
         const auto left = idealPixel(rig.cameras.left, rig.pose(Camera::left, 0), X);
         const auto right = idealPixel(rig.cameras.right, rig.pose(Camera::right, 0), X);
-        worst = std::max(worst, epipolarDistance(F, left, right));
+        const double distance = epipolarDistance(F, left, right);
+        result.worst = std::max(result.worst, distance);
+        result.rms += distance * distance;
     }
-    return worst;
+    result.rms = std::sqrt(result.rms / static_cast<double>(dots.size()));
+    return result;
 }
 
 void expectSoundFundamental(const Pair& pair) {
@@ -215,7 +224,7 @@ TEST(StereoCalib, IdealDotsGiveTheRigBack) {
         }
         expectRectifyingPair(pair, name, 0, {0, 1, 2});
     }
-    EXPECT_LT(worstEpipolarDistance(pair, rig), kIdealPixels);
+    EXPECT_LT(epipolarDistances(pair, rig).worst, kIdealPixels);
     expectSoundFundamental(pair);
 }
 
@@ -244,7 +253,7 @@ TEST(StereoCalib, TiltedImageAxesAreAcceptedOnEitherSide) {
         pair.fillBoth(rig);
         ASSERT_EQ(pair.calibrate(), ZELM_OK);
         EXPECT_NEAR(pair.intrinsics('L').theta, 0.004, kIdealRelative);
-        EXPECT_LT(worstEpipolarDistance(pair, rig), kIdealPixels);
+        EXPECT_LT(epipolarDistances(pair, rig).worst, kIdealPixels);
         expectSoundFundamental(pair);
         expectRectifyingPair(pair, 'L', 1, {0, 1, 2});
     }
@@ -259,9 +268,27 @@ TEST(StereoCalib, NoiseOfATwentiethOfAPixelStaysThere) {
     // parameters; its spread over 6 * 143 dots is 0.0011.
     EXPECT_NEAR(pair.result.errorL, 0.0627, 0.005);
     EXPECT_NEAR(pair.result.errorR, 0.0627, 0.005);
-    // The true dots meet the epipolar lines of the estimate far better than the measured ones: 858 dots average.
-    EXPECT_LT(worstEpipolarDistance(pair, rig), 0.05);
+    // Measured dots lie off their lines by 0.05 * sqrt(2) = 0.071; the lines themselves, from hundreds of dots, are
+    // known to less than half of that.
+    EXPECT_LT(epipolarDistances(pair, rig).rms, 0.035);
     expectSoundFundamental(pair);
+}
+
+// The lens moves the dots of the near view by far more than those of the others, which would make outliers of them all
+// if the weighting were to judge the closed form, which knows no lens.
+TEST(StereoCalib, NearViewAmongFarOnesIsNoOutlier) {
+    auto rig = makeRig();
+    for (std::size_t view = 1; view < kViews; ++view) {
+        for (double& t : rig.left[view].t) {
+            t *= 2.2;
+        }
+    }
+    Pair pair(rig, 0, 0);
+    pair.fillBoth(rig);
+    ASSERT_EQ(pair.calibrate(), ZELM_OK);
+    EXPECT_NEAR(pair.intrinsics('L').alpha, rig.cameras.left.fx, kIdealRelative * rig.cameras.left.fx);
+    EXPECT_NEAR(pair.intrinsics('R').k1, rig.cameras.right.k1, kIdealRelative);
+    EXPECT_LT(epipolarDistances(pair, rig).worst, kIdealPixels);
 }
 
 TEST(StereoCalib, CalibratingAgainRewritesTheBlock) {
@@ -312,11 +339,11 @@ TEST(StereoCalib, ParallelLeftCameraIsAcceptedWithPerspectiveAndParallelRight) {
         Pair pair(rig, 2, rightModel);
         pair.fillBoth(rig);
         ASSERT_EQ(pair.calibrate(), ZELM_OK);
-        // The dots of view 0 are what both cameras were fitted to. Their residuals are what a tilt up to 12 degrees
-        // leaves on ideal data.
-        EXPECT_LT(pair.result.errorL, 1e-3);
-        EXPECT_LT(pair.result.errorR, 1e-3);
-        EXPECT_LT(worstEpipolarDistance(pair, rig), 2e-3);
+        // Of the dots of view 0, that is: one view of a plane does not tell the sign of a parallel camera's tilt, so
+        // off that plane the epipolar lines of a tilted camera may be those of its mirror image.
+        EXPECT_LT(pair.result.errorL, kIdealPixels);
+        EXPECT_LT(pair.result.errorR, kIdealPixels);
+        EXPECT_LT(epipolarDistances(pair, rig).worst, kIdealPixels);
         expectSoundFundamental(pair);
         expectRectifyingPair(pair, 'L', 2, {0, 1, 3});
         expectRectifyingPair(pair, 'R', rightModel, {0, 1, 3});
@@ -345,8 +372,8 @@ TEST(StereoCalib, PlaneHomographyOfAParallelPairTakesDotsToTheirImages) {
         for (const auto& dot : render::plateDots(rig.plate)) {
             const double w = M[6] * dot.centre.x + M[7] * dot.centre.y + M[8];
             const auto expected = idealPixel(rig.camera(side), rig.pose(side, 0), {dot.centre.x, dot.centre.y, 0.0});
-            EXPECT_NEAR((M[0] * dot.centre.x + M[1] * dot.centre.y + M[2]) / w, expected.x, 2e-3);
-            EXPECT_NEAR((M[3] * dot.centre.x + M[4] * dot.centre.y + M[5]) / w, expected.y, 2e-3);
+            EXPECT_NEAR((M[0] * dot.centre.x + M[1] * dot.centre.y + M[2]) / w, expected.x, kIdealPixels);
+            EXPECT_NEAR((M[3] * dot.centre.x + M[4] * dot.centre.y + M[5]) / w, expected.y, kIdealPixels);
         }
     }
 }
@@ -474,7 +501,7 @@ TEST(StereoCalib, RenderedViewsGiveTheRigBack) {
     }
     ASSERT_EQ(pair.calibrate(), ZELM_OK);
     std::printf("error %.4f px left, %.4f px right; true dots off their epipolar lines by up to %.4f px\n",
-                pair.result.errorL, pair.result.errorR, worstEpipolarDistance(pair, rig));
+                pair.result.errorL, pair.result.errorR, epipolarDistances(pair, rig).worst);
     EXPECT_LT(pair.result.errorL, 0.03);
     EXPECT_LT(pair.result.errorR, 0.03);
     for (const Camera side : {Camera::left, Camera::right}) {
@@ -486,7 +513,7 @@ TEST(StereoCalib, RenderedViewsGiveTheRigBack) {
         EXPECT_NEAR(found.cx, rig.camera(side).cx, 0.8);
         EXPECT_NEAR(found.cy, rig.camera(side).cy, 0.8);
     }
-    EXPECT_LT(worstEpipolarDistance(pair, rig), 0.05);
+    EXPECT_LT(epipolarDistances(pair, rig).worst, 0.05);
     expectSoundFundamental(pair);
 }
 
