@@ -96,8 +96,8 @@ int main(int argc, char** argv) {
     }
     try {
         printErrors("Contrast 120, even light", 120.0, 0.0);
-        printErrors("Contrast 120, light falling off by 40 % towards the corners", 120.0, 0.4);
-        printErrors("Contrast 220, light falling to 40 % in the corners", 220.0, 0.6);
+        printErrors("Contrast 120, 40 % of the light lost at the outermost dot", 120.0, 0.4);
+        printErrors("Contrast 220, 60 % of the light lost at the outermost dot", 220.0, 0.6);
         printShares();
         printMisses();
     } catch (const std::exception& e) {

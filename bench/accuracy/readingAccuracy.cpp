@@ -41,6 +41,31 @@ render::Camera makeCamera(const render::Plate& plate, double radius, double k1, 
     return camera;
 }
 
+// Cuts the image down to the plate. The view itself, relative to the principal point, stays the same.
+void cropToPlate(const std::vector<render::DotTruth>& truths, render::Camera& camera) {
+    double extent = 0.0;
+    for (const render::DotTruth& truth : truths) {
+        // The plate's edge is six dot radii beyond the centres of the outermost dots.
+        const double reach = 7.0 * truth.radius + 8.0;
+        extent = std::max(
+            {extent, std::fabs(truth.centre.x - camera.cx) + reach, std::fabs(truth.centre.y - camera.cy) + reach});
+    }
+    camera.width = camera.height = 2 * static_cast<int>(extent);
+    camera.cx = 0.5 * (camera.width - 1) + 3.3;
+    camera.cy = 0.5 * (camera.height - 1) - 2.2;
+}
+
+// The falloff, a property of the image's corners, with which the dimmest dot has lost that share of the light.
+double falloffForDots(const std::vector<render::DotTruth>& truths, const render::Camera& camera, double share) {
+    render::Light unit;
+    unit.falloff = 1.0;
+    double most = 0.0;
+    for (const render::DotTruth& truth : truths) {
+        most = std::max(most, 1.0 - unit.at(camera, truth.centre.x, truth.centre.y));
+    }
+    return share / most;
+}
+
 render::Optics makeOptics(const ReadingCase& setting, render::Polarity polarity) {
     render::Optics optics;
     const double light = kDark + setting.contrast;
@@ -48,7 +73,6 @@ render::Optics makeOptics(const ReadingCase& setting, render::Polarity polarity)
     optics.levels.dots = lightDots ? light : kDark;
     optics.levels.plate = lightDots ? kDark : light;
     optics.levels.ground = optics.levels.dots;
-    optics.light.falloff = setting.falloff;
     optics.blurSigma = setting.blur;
     return optics;
 }
@@ -175,12 +199,14 @@ ReadingFigures readPlates(const ReadingCase& setting) {
     for (int view = 0; view < setting.views; ++view) {
         const auto polarity = view % 2 == 0 ? render::Polarity::darkDots : render::Polarity::lightDots;
         const render::Plate plate = makePlate(polarity);
-        const render::Camera camera = makeCamera(plate, setting.radius, setting.k1, setting.k2);
-        const render::Optics optics = makeOptics(setting, polarity);
+        render::Camera camera = makeCamera(plate, setting.radius, setting.k1, setting.k2);
         const double tilt = setting.maxTiltDegrees * (view + 0.5) / setting.views;
         const render::Pose pose = makePose(plate, camera, setting.radius, tilt, random);
-        const render::LevelImage levels = render::renderLevels(plate, camera, pose, optics);
+        cropToPlate(render::dotTruths(plate, camera, pose), camera);
         const std::vector<render::DotTruth> truths = render::dotTruths(plate, camera, pose);
+        render::Optics optics = makeOptics(setting, polarity);
+        optics.light.falloff = falloffForDots(truths, camera, setting.falloff);
+        const render::LevelImage levels = render::renderLevels(plate, camera, pose, optics);
         Zelm2ViewCalib* handle = openReader(plate, camera);
         for (int draw = 0; draw < setting.noiseDraws; ++draw) {
             const auto seed = setting.seed + 1000U * static_cast<unsigned>(view) + static_cast<unsigned>(draw);

@@ -16,7 +16,7 @@ struct ReadingCase {
     double blur = 1.0;        // standard deviation of the point spread, pixels
     double noise = 0.0;       // gray levels
     double contrast = 120.0;  // between dots and plate where the light is full, gray levels
-    double falloff = 0.0;     // share of the light that is lost in the corners of the image
+    double falloff = 0.0;     // share of the light that is lost at the dot farthest out
     double maxTiltDegrees = 40.0;
     double k1 = -0.12;
     double k2 = 0.03;

@@ -70,7 +70,6 @@ class EdgeAccuracy : public testing::TestWithParam<AccuracyCase> {};
 
 TEST_P(EdgeAccuracy, StaysWithinItsBoundsForBlursOfHalfToOneAndAHalfPixels) {
     const AccuracyCase& c = GetParam();
-    EdgeError all;
     for (const double blur : {0.5, 0.7, 1.0, 1.5}) {
         const EdgeError error = sweep(c.contrast, blur, c.incidenceDegrees * kPi / 180.0);
         std::printf("contrast %3.0f, incidence %2.0f deg, blur %.1f: worst %.4f, rms %.4f, mean %+.4f px\n", c.contrast,
