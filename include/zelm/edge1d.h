@@ -17,7 +17,7 @@
 /// in that sense, so that the position is taken from the whole of a blurred edge. The level of a plateau is the mean of
 /// the minFlatRun + 1 values next to the transition. All of this is symmetric in the two directions.
 ///
-/// Position. The profile, held constant beyond the transition, is filtered by the derivative of a Gaussian (Canny,
+/// Position. The profile, held constant beyond the two plateaus, is filtered by the derivative of a Gaussian (Canny,
 /// 1986) of sigma 1.5 (size 7) or 1 (size 5) samples; a Gaussian through the largest derivative and its neighbours gives
 /// position and strength (gray levels a pixel).
 ///
