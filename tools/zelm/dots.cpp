@@ -266,9 +266,9 @@ std::string readingText(std::int32_t status, const Plate& plate, const Picture* 
                                dots, p.polarity == 0 ? "bright" : "dark");
         case ZELM_ERR_PATTERN:
             return fmt::format(
-                "fewer than {} {} dots of at least {} pixels found: is the plate wholly in view, sharp "
-                "and evenly lit? (--min-dots, --min-area and --min-strength lower the demands)",
-                p.minDots, dots, p.minDotArea);
+                "fewer than {} {} dots found: is the plate wholly in view, sharp, evenly lit and not "
+                "tilted far, with dots at least 10 pixels wide? (--min-dots asks for fewer)",
+                p.minDots, dots);
         case ZELM_ERR_PATTERN_MARKERS: {
             const int seen = picture != nullptr ? countMarkerSized(*picture, plate) : p.markers;
             if (seen < p.markers) {

@@ -89,11 +89,12 @@ bool isDamage(const ExceptionInfo& exception) {
 }
 
 [[noreturn]] void failDamaged(const fs::path& path, std::string_view format, const ExceptionInfo& exception) {
-    failData("{}: not a complete {} image ({}{}{}): export or copy it again", path.string(), format,
-             exception.reason != nullptr ? GetLocaleExceptionMessage(exception.severity, exception.reason)
-                                         : "nothing could be decoded",
-             exception.description != nullptr ? ": " : "",
-             exception.description != nullptr ? exception.description : "");
+    std::string why = exception.reason != nullptr ? GetLocaleExceptionMessage(exception.severity, exception.reason)
+                                                  : "nothing could be decoded";
+    if (exception.description != nullptr && *exception.description != '\0') {
+        why += fmt::format(": {}", exception.description);
+    }
+    failData("{}: not a complete {} image ({}): export or copy it again", path.string(), format, why);
 }
 
 void checkSize(const fs::path& path, const Image& image) {
@@ -132,6 +133,12 @@ ImagePtr decode(const fs::path& path, std::string_view format, const std::string
     return image;
 }
 
+// The library's own conversion to bytes cuts off, which darkens by half a level.
+std::uint8_t nearestByte(std::uint16_t level) {
+    constexpr unsigned kLevelsOfAByte = 257;  // 65535 / 255
+    return static_cast<std::uint8_t>((level + kLevelsOfAByte / 2) / kLevelsOfAByte);
+}
+
 Picture toGray(const fs::path& path, Image& image) {
     if (image.colorspace != RGBColorspace && IsRGBCompatibleColorspace(image.colorspace) == 0U) {
         TransformColorspace(&image, RGBColorspace);
@@ -139,10 +146,14 @@ Picture toGray(const fs::path& path, Image& image) {
     Picture picture{static_cast<int>(image.columns), static_cast<int>(image.rows), {}};
     const std::size_t pixelCount = std::size_t{image.columns} * image.rows;
     std::vector<std::uint8_t> argb(4 * pixelCount);
+    std::vector<std::uint16_t> row(4 * image.columns);
     Exception exception;
-    if (DispatchImage(&image, 0, 0, image.columns, image.rows, "ARGB", CharPixel, argb.data(), &exception) ==
-        MagickFail) {
-        failDamaged(path, image.magick, exception);
+    for (unsigned long y = 0; y < image.rows; ++y) {
+        if (DispatchImage(&image, 0, static_cast<long>(y), image.columns, 1, "ARGB", ShortPixel, row.data(),
+                          &exception) == MagickFail) {
+            failDamaged(path, image.magick, exception);
+        }
+        std::transform(row.begin(), row.end(), argb.begin() + static_cast<std::ptrdiff_t>(y * row.size()), nearestByte);
     }
     picture.pixels.resize(pixelCount);
     const vImage_Buffer colour{argb.data(), image.rows, image.columns, 4 * std::size_t{image.columns}};

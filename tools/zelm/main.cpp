@@ -24,6 +24,9 @@ int run(int argc, char** argv) {
         "Example:\n  zelm calibrate --plate plate.json --left 'left_*.png' --right 'right_*.png' -o out\n"
         "\nExit codes: 0 done, 1 the data did not allow it, 2 wrong usage.");
     addSubcommands(app, console);
+    app.failure_message([](const CLI::App*, const CLI::Error& error) {
+        return fmt::format("zelm: {} (--help tells the options)\n", error.what());
+    });
     try {
         app.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <optional>
 
 #include "failure.h"
+#include "jsonFields.h"
 #include "outputFiles.h"
 
 namespace zelm::tool {
@@ -33,91 +33,38 @@ constexpr std::array<LengthField, 8> kLengths{{{"fieldWidth", "d0", &Zelm2ViewPa
                                                {"dotPitchY", "d5", &Zelm2ViewPatternDesc::d5},
                                                {"markerDistanceX", "d6", &Zelm2ViewPatternDesc::d6},
                                                {"markerDistanceY", "d7", &Zelm2ViewPatternDesc::d7}}};
-constexpr std::array kOtherFields{"markers", "polarity", "units",       "minDotArea", "minEdgeStrength",
-                                  "minDots", "name",     "description", "comment"};
-
-// One JSON object of one file, whose fields are asked for by name.
-class Fields {
-public:
-    Fields(const fs::path& path, const Json& object) : file(path.string()), fields(object) {}
-
-    double length(const char* name) const {
-        const auto value = number(name);
-        if (!value) {
-            failUsage("{}: field \"{}\" is missing: give the length in plane units", file, name);
-        }
-        requirePositive(name, *value);
-        return *value;
+// A required length. Reading leaves a missing one at 0, which no length may be.
+double lengthAt(JsonFields& fields, const char* name) {
+    double value = 0.0;
+    fields.read(name, value);
+    if (fields.find(name) == nullptr) {
+        fields.fail(name, "a length in plane units, but it is missing");
     }
-
-    double positiveNumber(const char* name, double fallback) const {
-        const double value = number(name).value_or(fallback);
-        requirePositive(name, value);
-        return value;
+    if (!(value > 0.0) || !std::isfinite(value)) {
+        fields.fail(name, fmt::format("a length greater than 0, not {}", value));
     }
+    return value;
+}
 
-    int positiveCount(const char* name, int fallback) const {
-        const double value = positiveNumber(name, fallback);
-        if (value != std::floor(value) || value > 1e9) {
-            failUsage("{}: field \"{}\" must be a whole number, not {}", file, name, value);
-        }
-        return static_cast<int>(value);
+template <typename T>
+T positiveAt(JsonFields& fields, const char* name, T fallback) {
+    T value = fallback;
+    fields.read(name, value);
+    if (!(value > T{0})) {
+        fields.fail(name, fmt::format("a number greater than 0, not {}", value));
     }
+    return value;
+}
 
-    std::string text(const char* name, const std::string& fallback) const {
-        if (!fields.contains(name)) {
-            return fallback;
-        }
-        if (!fields[name].is_string()) {
-            failUsage("{}: field \"{}\" must be a text", file, name);
-        }
-        return fields[name].get<std::string>();
+int polarityAt(JsonFields& fields) {
+    const Json* const value = fields.find("polarity");
+    if (value == nullptr || *value == "dark" || *value == 0) {
+        return 0;
     }
-
-    int polarity() const {
-        if (!fields.contains("polarity")) {
-            return 0;
-        }
-        const Json& value = fields["polarity"];
-        if (value == "dark" || value == 0) {
-            return 0;
-        }
-        if (value == "bright" || value == 1) {
-            return 1;
-        }
-        failUsage("{}: field \"polarity\" must be \"dark\" or \"bright\" (dots against the plate)", file);
+    if (*value == "bright" || *value == 1) {
+        return 1;
     }
-
-private:
-    std::optional<double> number(const char* name) const {
-        if (!fields.contains(name)) {
-            return std::nullopt;
-        }
-        if (!fields[name].is_number()) {
-            failUsage("{}: field \"{}\" must be a number", file, name);
-        }
-        return fields[name].get<double>();
-    }
-
-    void requirePositive(const char* name, double value) const {
-        if (!(value > 0.0) || !std::isfinite(value)) {
-            failUsage("{}: field \"{}\" must be greater than 0, not {}", file, name, value);
-        }
-    }
-
-    std::string file;
-    const Json& fields;
-};
-
-// A misspelt optional field would be ignored in silence.
-void refuseUnknownFields(const fs::path& path, const Json& object) {
-    for (const auto& [key, value] : object.items()) {
-        const auto isKey = [&name = key](const char* known) { return name == known; };
-        if (std::none_of(kOtherFields.begin(), kOtherFields.end(), isKey) &&
-            std::none_of(kLengths.begin(), kLengths.end(), [&](const LengthField& f) { return isKey(f.name); })) {
-            failUsage("{}: unknown field \"{}\": is it misspelt?", path.string(), key);
-        }
-    }
+    fields.fail("polarity", "\"dark\" or \"bright\" (the dots against the plate)");
 }
 
 void checkSizes(const fs::path& path, const Zelm2ViewPatternDesc& p) {
@@ -144,36 +91,28 @@ double dotsOfField(const Zelm2ViewPatternDesc& p) {
 
 }  // namespace
 
-Json parseJson(const fs::path& path, const std::string& text) {
-    Json json = Json::parse(text, nullptr, false);
-    if (json.is_discarded()) {
-        failUsage("{}: not valid JSON: was it written or copied whole?", path.string());
-    }
-    if (!json.is_object()) {
-        failUsage("{}: must hold a JSON object {{...}}", path.string());
-    }
-    return json;
-}
-
 Plate readPlate(const fs::path& path) {
-    const Json json = parseJson(path, readWholeFile(path, "a plate description"));
-    const bool isTruth = json.contains("pattern") && json["pattern"].is_object();
-    if (!isTruth) {
-        refuseUnknownFields(path, json);
-    }
-    const Fields fields(path, isTruth ? json["pattern"] : json);
+    const Json json = parseCommentedJson(path.string(), readWholeFile(path, "a plate description"));
+    const bool isTruth = json.is_object() && json.contains("pattern");
+    JsonFields fields(isTruth ? json["pattern"] : json, path.string(), isTruth ? "pattern" : "");
     Plate plate;
     for (const LengthField& length : kLengths) {
-        plate.pattern.*length.member = fields.length(isTruth ? length.shortName : length.name);
+        plate.pattern.*length.member = lengthAt(fields, isTruth ? length.shortName : length.name);
     }
     checkSizes(path, plate.pattern);
-    plate.units = isTruth ? plate.units : fields.text("units", plate.units);
-    plate.pattern.markers = fields.positiveCount("markers", kDefaultMarkers);
-    plate.pattern.polarity = fields.polarity();
-    plate.pattern.minDotArea = fields.positiveCount("minDotArea", kDefaultMinDotArea);
-    plate.pattern.minEdgeStrength = fields.positiveNumber("minEdgeStrength", kDefaultMinEdgeStrength);
     const double share = std::max(4.0, std::floor(kDefaultShareOfDots * dotsOfField(plate.pattern)));
-    plate.pattern.minDots = fields.positiveCount("minDots", static_cast<int>(share));
+    plate.pattern.markers = positiveAt(fields, "markers", kDefaultMarkers);
+    plate.pattern.polarity = polarityAt(fields);
+    plate.pattern.minDotArea = positiveAt(fields, "minDotArea", kDefaultMinDotArea);
+    plate.pattern.minEdgeStrength = positiveAt(fields, "minEdgeStrength", kDefaultMinEdgeStrength);
+    plate.pattern.minDots = positiveAt(fields, "minDots", static_cast<int>(share));
+    fields.read("units", plate.units);
+    for (const char* const forPeople : {"name", "description", "comment"}) {
+        static_cast<void>(fields.find(forPeople));
+    }
+    if (!isTruth) {
+        fields.done();  // a misspelt optional field would be ignored in silence
+    }
     return plate;
 }
 

@@ -5,7 +5,6 @@
 #include <zelmLib.h>
 
 #include <filesystem>
-#include <nlohmann/json.hpp>
 #include <string>
 
 namespace zelm::tool {
@@ -19,9 +18,6 @@ struct Plate {
 // object "pattern" of d0..d7, markers and polarity, as the truth of rendered views has it. Throws Failure that names
 // the file and the field.
 Plate readPlate(const std::filesystem::path& path);
-
-// Throws Failure naming the file unless the text is a JSON object.
-nlohmann::json parseJson(const std::filesystem::path& path, const std::string& text);
 
 }  // namespace zelm::tool
 

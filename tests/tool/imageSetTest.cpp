@@ -1,0 +1,42 @@
+// The order of image sets. What they expand to is tested with the tool itself.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "imageSet.h"
+
+using zelm::tool::naturallyBefore;
+
+namespace {
+
+TEST(ImageSet, RunsOfDigitsCountAsNumbers) {
+    const std::vector<std::string> sorted{"a",
+                                          "a1",
+                                          "a2",
+                                          "a10",
+                                          "a10b2",
+                                          "a10b10",
+                                          "a100",
+                                          "a_1",
+                                          "b000001",
+                                          "b2",
+                                          "b02x",
+                                          "b2y",
+                                          "b10",
+                                          "c99999999999999999999",
+                                          "c100000000000000000000"};
+    for (std::size_t i = 0; i < sorted.size(); ++i) {
+        for (std::size_t j = 0; j < sorted.size(); ++j) {
+            EXPECT_EQ(naturallyBefore(sorted[i], sorted[j]), i < j) << sorted[i] << " " << sorted[j];
+        }
+    }
+}
+
+TEST(ImageSet, EqualNumbersWithZerosInFrontHaveAFixedOrder) {
+    EXPECT_NE(naturallyBefore("a01", "a1"), naturallyBefore("a1", "a01"));
+    EXPECT_FALSE(naturallyBefore("a1", "a1"));
+    EXPECT_TRUE(naturallyBefore("file_2.png", "file_10.png"));
+    EXPECT_TRUE(naturallyBefore("2/a", "10/a"));
+}
+
+}  // namespace
