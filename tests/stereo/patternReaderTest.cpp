@@ -175,6 +175,24 @@ TEST(ReadPattern, DotsOutsideTheFieldAreDropped) {
     EXPECT_EQ(countWrongDots(view.dots, reader.entry('L')), 0);
 }
 
+// Two readings that differ in nothing but the dots kept: their arrays, sized for all blobs, shrink to just those dots.
+TEST(ReadPattern, ArraysShrinkToTheDotsKept) {
+    const auto view = smallView();
+    const auto bytesFor = [&view](double extent, std::int32_t dots) {
+        auto pattern = describe(smallPlate());
+        pattern.d0 = extent;
+        pattern.minDots = 1;
+        Reader reader(pattern);
+        armAllocFault(0);
+        EXPECT_EQ(reader.read(0, view.image.pixels.data(), view.image.pixels.data()), ZELM_OK);
+        disarmAllocFault();
+        EXPECT_EQ(reader.entry('L').count, dots);
+        return allocCounters().bytes;
+    };
+    // Ten dots fewer, two arrays, two images.
+    EXPECT_EQ(bytesFor(48.0, 25) - bytesFor(24.0, 15), 10 * 2 * 2 * sizeof(Point2d));
+}
+
 // ---- regions
 
 TEST(ReadPattern, RegionSkipsTheSearchForThePlate) {
