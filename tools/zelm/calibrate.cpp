@@ -40,7 +40,7 @@ PairSettings settingsOf(const CalibrateOptions& options) {
             regionOf(options.rightRegion), options.strict};
 }
 
-// Which of the cameras was being estimated: the right one's turn comes once the left one's result stands.
+// A status of the estimation in words: what happened and what to try.
 std::string estimateText(std::int32_t status) {
     switch (status) {
         case ZELM_ERR_CALIB_HOMOGRAPHY:
@@ -116,8 +116,8 @@ void runCalibrate(const CalibrateOptions& options, const Console& console) {
     outputs.commit();
 
     console.say(summaryText(c));
-    console.say(fmt::format("wrote rig.zcal, rig.json and report.html{} to {}",
-                            options.overlays ? " and overlays/" : "", folder.string()));
+    console.say(fmt::format("wrote rig.zcal, rig.json{} to {}",
+                            options.overlays ? ", report.html and overlays/" : " and report.html", folder.string()));
     console.result(summary);
 }
 

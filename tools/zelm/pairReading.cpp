@@ -74,7 +74,7 @@ private:
                 failData("{}", reason);
             } else {
                 progress.erase();
-                console.warn(fmt::format("{}; this view is skipped", reason));
+                console.warn(fmt::format("skipping a view: {}", reason));
                 reading.skipped.push_back({files, reason});
             }
             if (isParallelPair() && !reading.used.empty()) {
