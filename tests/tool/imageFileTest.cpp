@@ -240,7 +240,7 @@ TEST_F(ImageFile, DamagedBytesNeverCrash) {
             std::string bytes = whole;
             for (int i = 0; i < 4; ++i) {
                 bytes[static_cast<std::size_t>(random.uniform(0.0, static_cast<double>(bytes.size())))] =
-                    static_cast<char>(random.uniform(0.0, 256.0));
+                    static_cast<char>(random.integer(-128, 127));
             }
             try {
                 const Picture picture = read(bytes);
@@ -291,8 +291,8 @@ TEST(ImageFormats, DetectFindsTheSameDotsInEveryFormat) {
         frame.push_back({level, level, level, 65535});
     }
     const auto dotsOf = [&](const std::string& name) {
-        const CommandResult result =
-            zelmtest::zelm({"detect", name, "--plate", smallRigFile("plate.json"), "-o", (folder / "o").string(), "--json"});
+        const CommandResult result = zelmtest::zelm(
+            {"detect", name, "--plate", smallRigFile("plate.json"), "-o", (folder / "o").string(), "--json"});
         EXPECT_EQ(result.status, 0) << result.errors;
         return Json::parse(result.output)["dots"];
     };

@@ -24,7 +24,7 @@ constexpr Colour kXColour{0.95, 0.15, 0.15};
 constexpr Colour kYColour{0.15, 0.45, 1.00};
 constexpr double kRingShareOfPitch = 0.30;    // radius of a dot's ring over the distance to its neighbour
 constexpr double kMarkerShareOfPitch = 0.44;  // of a marker's ring
-constexpr double kLabelShareOfPitch = 0.55;   // text size
+constexpr double kLabelShareOfPitch = 0.32;   // size of a letter
 
 SurfacePtr surfaceOf(const Picture& picture) {
     SurfacePtr surface(cairo_image_surface_create(CAIRO_FORMAT_RGB24, picture.width, picture.height),
@@ -149,19 +149,16 @@ private:
         label({to->pixel.x + aside * (u.x + turn * u.y), to->pixel.y + aside * (u.y - turn * u.x)}, colour, name);
     }
 
-    void label(Point2d centre, Colour colour, const char* text) {
-        cairo_select_font_face(cairo.get(), "sans-serif", CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_BOLD);
-        cairo_set_font_size(cairo.get(), kLabelShareOfPitch * pitch);
-        cairo_text_extents_t extents;
-        cairo_text_extents(cairo.get(), text, &extents);
-        cairo_move_to(cairo.get(), centre.x - extents.x_bearing - 0.5 * extents.width,
-                      centre.y - extents.y_bearing - 0.5 * extents.height);
-        cairo_text_path(cairo.get(), text);
+    // The letter x or y as strokes on a white ground; text would need fonts on the machine.
+    void label(Point2d centre, Colour colour, const char* letter) {
+        const double half = 0.5 * kLabelShareOfPitch * pitch;
+        const bool isX = *letter == 'x';
+        line({centre.x + half, centre.y - half}, {centre.x - half, centre.y + half});
+        line({centre.x - half, centre.y - half}, isX ? Point2d{centre.x + half, centre.y + half} : centre);
         cairo_set_source_rgb(cairo.get(), 1.0, 1.0, 1.0);
-        cairo_set_line_width(cairo.get(), 3.0 * thin);
+        cairo_set_line_width(cairo.get(), 6.0 * thin);
         cairo_stroke_preserve(cairo.get());
-        cairo_set_source_rgb(cairo.get(), colour.red, colour.green, colour.blue);
-        cairo_fill(cairo.get());
+        stroke(colour, 3.0 * thin);
     }
 
     CairoPtr cairo;
