@@ -12,7 +12,8 @@ set_target_properties(zelmLib PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION 1 
 set_target_properties(zelmLibStatic PROPERTIES OUTPUT_NAME zelmLib LINKER_LANGUAGE C)
 target_link_libraries(zelmLib PRIVATE $<BUILD_INTERFACE:zelm_options> m)
 target_link_libraries(zelmLibStatic PRIVATE $<BUILD_INTERFACE:zelm_options> PUBLIC m)
-target_link_options(zelmLib PRIVATE -Wl,--version-script=${PROJECT_SOURCE_DIR}/cmake/exports.map)
+# As needed: the C++ runtime that CMake names for C++ objects is not.
+target_link_options(zelmLib PRIVATE -Wl,--as-needed -Wl,--version-script=${PROJECT_SOURCE_DIR}/cmake/exports.map)
 if(NOT ZELM_SANITIZE)
   target_link_options(zelmLib PRIVATE -Wl,--no-undefined)
 endif()

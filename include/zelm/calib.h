@@ -184,8 +184,8 @@ ZELM_API int32_t zelmCalibRodrigues(int32_t iDirection, double* daRvec, double* 
 /// within the cut-off c = dRobustThreshold * 1.4826 * median(e), else 0. The cut-off is taken anew at each accepted
 /// step; a step is accepted when it lowers the sum of Tukey's loss at the cut-off before it, because two sums at
 /// different cut-offs tell more of the cut-offs than of the fit. The homographies are not weighted. Plain least squares
-/// comes first and gives the weighting its start: the closed form knows no lens, and judged by it a view that fills more
-/// of the image than the others could be dropped as a whole.
+/// comes first and gives the weighting its start: the closed form knows no lens, and judged by it a view that fills
+/// more of the image than the others could be dropped as a whole.
 ///
 /// Convergence: damping 0.001 at first, times 0.1 on a lower cost, else times 10 and the step undone; done when the
 /// cost changes by at most 1e-8 of itself, or each parameter by at most 1e-4 of its signed value or by 1e-6, in

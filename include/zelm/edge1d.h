@@ -2,30 +2,32 @@
 ///
 /// Six entry points over one engine, in four steps.
 ///
-/// Profile. Samples stand one pixel apart from p1 towards p2, floor(|p2 - p1|) + 1 of them; each is the mean of bilinear
-/// gray values at the sample and at 1..halfWidth pixels on either side of the segment, a widening that stops at the
-/// first pair of which one lies outside the image. The bilinear support must lie inside: the last row and the last
-/// column are never sampled. Samples before the image repeat the first value inside, samples after it the last one.
+/// Profile. Samples stand one pixel apart from p1 towards p2, floor(|p2 - p1|) + 1 of them; each is the mean of
+/// bilinear gray values at the sample and at 1..halfWidth pixels on either side of the segment, a widening that stops
+/// at the first pair of which one lies outside the image. The bilinear support must lie inside: the last row and the
+/// last column are never sampled. Samples before the image repeat the first value inside, samples after it the last
+/// one.
 ///
 /// Threshold. T is the larger of minContrast and contrastPercent of the range of the profile rounded to gray levels.
 ///
 /// Candidates. Neighbouring rounded values that differ by at most flatTolerance are flat, and so are, against image
 /// noise, minFlatRun + 1 neighbours that stay together within a band of 2/3 of T. minFlatRun flat steps make a plateau.
-/// The band is halved, down to the bare tolerance, and the profile walked again as long as no edge is found or a plateau
-/// moves by T itself. A candidate is the transition between two neighbouring plateaus whose levels differ by at least T
-/// in the sense asked for. Where a plateau meets the transition its end goes back over every step that still changes
-/// in that sense, so that the position is taken from the whole of a blurred edge. The level of a plateau is the mean of
-/// the minFlatRun + 1 values next to the transition. All of this is symmetric in the two directions.
+/// The band is halved, down to the bare tolerance, and the profile walked again as long as no edge is found or a
+/// plateau moves by T itself. A candidate is the transition between two neighbouring plateaus whose levels differ by at
+/// least T in the sense asked for. Where a plateau meets the transition its end goes back over every step that still
+/// changes in that sense, so that the position is taken from the whole of a blurred edge. The level of a plateau is the
+/// mean of the minFlatRun + 1 values next to the transition. All of this is symmetric in the two directions.
 ///
 /// Position. The profile, held constant beyond the two plateaus, is filtered by the derivative of a Gaussian (Canny,
-/// 1986) of sigma 1.5 (size 7) or 1 (size 5) samples; a Gaussian through the largest derivative and its neighbours gives
-/// position and strength (gray levels a pixel).
+/// 1986) of sigma 1.5 (size 7) or 1 (size 5) samples; a Gaussian through the largest derivative and its neighbours
+/// gives position and strength (gray levels a pixel).
 ///
 /// Accuracy. On noise-free straight edges of 8-bit images with a blur of 0.5 to 1.5 pixels, met at right angles at any
 /// position and in any direction, the error is at most 0.013 pixel (root mean square 0.005) at a contrast of 240 gray
-/// levels, 0.02 (0.006) at 120 and 0.09 (0.025) at 30; at an incidence of 60 degrees and a contrast of 120 or more it is
-/// at most 0.04 (0.016) across the edge. Noise adds to that. With the usual parameters no ray of a dot of radius 6 to 20
-/// pixels was lost to Gaussian noise of 3 gray levels at a contrast of 48, nor of 8 at 120. docs/edge1d.md has tables.
+/// levels, 0.02 (0.006) at 120 and 0.09 (0.025) at 30; at an incidence of 60 degrees and a contrast of 120 or more it
+/// is at most 0.04 (0.016) across the edge. Noise adds to that. With the usual parameters no ray of a dot of radius 6
+/// to 20 pixels was lost to Gaussian noise of 3 gray levels at a contrast of 48, nor of 8 at 120. docs/edge1d.md has
+/// tables.
 #ifndef ZELM_EDGE1D_H
 #define ZELM_EDGE1D_H
 

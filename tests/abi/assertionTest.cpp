@@ -1,7 +1,7 @@
 // The assertion handler: function, source file as a path from the project's root, and the expression as written.
-#include "assertion.h"
-
 #include <gtest/gtest.h>
+
+#include "assertion.h"
 
 namespace {
 
