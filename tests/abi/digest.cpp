@@ -213,8 +213,10 @@ void digestCalib(Digest& digest) {
         for (int i = 0; i < 200; ++i) {
             double x = 0.0;
             double y = 0.0;
-            digest.add(
-                zelmCalibUnDistortPoint(&found, random.uniform(0.0, 1280.0), random.uniform(0.0, 960.0), &x, &y));
+            // Drawn one by one: compilers may evaluate arguments in any order.
+            const double xd = random.uniform(0.0, 1280.0);
+            const double yd = random.uniform(0.0, 960.0);
+            digest.add(zelmCalibUnDistortPoint(&found, xd, yd, &x, &y));
             digest.add(x);
             digest.add(y);
         }

@@ -318,8 +318,8 @@ TEST(CameraParam, WeightingKeepsOutliersFromTheResult) {
 
 TEST(CameraParam, ManySpoiledSetsConvergeUnderWeighting) {
     for (std::uint64_t seed = 0; seed < 60; ++seed) {
-        CameraScene scene =
-            perspectiveScene(perspectiveCamera(1800, 1790, 0, 655, 490, -0.2, 0.1, 0), 0, 3 + seed % 5, 100 + seed);
+        CameraScene scene = perspectiveScene(perspectiveCamera(1800, 1790, 0, 655, 490, -0.2, 0.1, 0), 0,
+                                             static_cast<std::size_t>(3 + seed % 5), 100 + seed);
         Random random(seed);
         scene.addNoise(random.uniform(0.0, 0.5), random);
         const double share = random.uniform(0.0, 0.25);
