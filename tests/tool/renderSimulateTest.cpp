@@ -245,7 +245,14 @@ TEST(Simulate, BadDescriptionsGiveOneLineAndNoFiles) {
          "no pose was found in which both cameras see the whole plate; check the rig's geometry and the plate's size"},
         {R"({"views": [{"rotation": [0, 0, 0], "translation": [60, 0, 500]},
                        {"rotation": [0, 88, 0], "translation": [60, 0, 50]}]})",
-         1, "view 1: a point of the plate is behind the camera or beyond the reach of the lens model: move the plate"},
+         1,
+         "view 1: a point of the plate is behind the camera or beyond the reach of the lens model: move the plate or "
+         "check k1 and k2"},
+        {R"({"left": {"projection": "parallel", "fx": 4, "fy": 4},
+            "views": [{"rotation": [0, 0, 0], "translation": [0, 0, 500]}]})",
+         1,
+         "view 0: a point of the plate is behind the camera or beyond the reach of the lens model: move the plate or "
+         "check k1 and k2"},
     };
     const TemporaryFolder folder;
     const std::string file = (folder / "rig.json").string();

@@ -352,4 +352,15 @@ TEST(RenderTruth, PointsThatTheCameraCannotSeeAreRefused) {
     EXPECT_FALSE(canProject(camera, ahead, {15.0, 0.0}));
 }
 
+// Distances of a parallel camera are lengths, so a lens meant for focal lengths throws points out of all proportion.
+TEST(RenderTruth, ALensThatThrowsPointsTenTimesAsFarOutIsRefused) {
+    Camera camera;
+    camera.k1 = 0.09;
+    camera.k2 = 0.0;
+    Pose ahead;
+    ahead.t = {0.0, 0.0, 1.0};
+    EXPECT_TRUE(canProject(camera, ahead, {9.99, 0.0}));
+    EXPECT_FALSE(canProject(camera, ahead, {10.01, 0.0}));
+}
+
 }  // namespace

@@ -96,7 +96,7 @@ std::vector<ViewTruth> renderAll(const SimulateDescription& d, const SimulateOpt
         try {
             views.push_back(renderOne(d, poses[i], number, options.format, d.seed + i, options.folder, output));
         } catch (const std::domain_error& error) {
-            failData("{}: view {}: {}: move the plate", sourceOf(options), i, error.what());
+            failData("{}: view {}: {}: move the plate or check k1 and k2", sourceOf(options), i, error.what());
         }
         progress.advance();
     }

@@ -45,8 +45,17 @@ bool isUnfolded(const Camera& camera, double r2) {
     return !(lowest > 0.0 && lowest < r2) || radialSlope(camera, lowest) > 0.0;
 }
 
+// No lens throws a point ten times as far out: k1 and k2 are then meant for another kind of projection, and drawing the
+// outlines of such a plate would take for ever.
+constexpr double kMostRadialGain = 10.0;
+
+bool isWithinGain(const Camera& camera, double r2) {
+    return 1.0 + (camera.k1 + camera.k2 * r2) * r2 <= kMostRadialGain;
+}
+
 bool isUsable(const Camera& camera, const Normalised& n) {
-    return n.depth > 0.0 && isUnfolded(camera, n.x * n.x + n.y * n.y);
+    const double r2 = n.x * n.x + n.y * n.y;
+    return n.depth > 0.0 && isUnfolded(camera, r2) && isWithinGain(camera, r2);
 }
 
 double shear(const Camera& camera) {
