@@ -10,11 +10,14 @@
 #include "zelm/base.h"
 #include "zelm/bin.h"
 #include "zelm/calib.h"
+#include "zelm/cg.h"
+#include "zelm/clp2d.h"
 #include "zelm/edge1d.h"
 #include "zelm/fit.h"
 #include "zelm/image.h"
 #include "zelm/mat.h"
 #include "zelm/math.h"
+#include "zelm/misc.h"
 #include "zelm/twoView.h"
 
 #endif
