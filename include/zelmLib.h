@@ -15,6 +15,7 @@
 #include "zelm/edge1d.h"
 #include "zelm/fit.h"
 #include "zelm/image.h"
+#include "zelm/kernels.h"
 #include "zelm/mat.h"
 #include "zelm/math.h"
 #include "zelm/misc.h"

@@ -1,0 +1,355 @@
+// The AVX2 tier. It shares no inline code with other files: everything here is local to this translation unit, so that
+// the linker can never pick a copy built with AVX2 flags for another one.
+//
+// Four gathers a step would bound a bilinear kernel (about eight cycles each). Instead, eight neighbouring destination
+// pixels whose sources lie within 16 columns and two rows are served by three 16-byte row windows, from which shuffles
+// pick the neighbours. Groups that do not fit (strong minification, rotation, image borders) go one by one.
+#include <immintrin.h>
+
+#include <cstddef>
+
+#include "warpKernels.h"
+
+#if !defined(__AVX2__)
+#error "this file is the AVX2 tier: build it with -mavx2 -mfma -mbmi -mbmi2 -mlzcnt -mmovbe"
+#endif
+
+namespace zelm {
+namespace {
+
+constexpr std::int32_t kLanes = 8;
+constexpr std::int32_t kWindow = 16;  // bytes of a row window
+constexpr float kNoSource = -1.0F;
+
+struct Positions {
+    __m256 u;
+    __m256 v;
+};
+
+struct Model {
+    __m256 h[9];
+    __m256 cx, cy, shear, inverseAlpha, yScale, k1, k2;
+};
+
+Model broadcast(const WarpModel& m) {
+    Model b;
+    for (int i = 0; i < 9; ++i) {
+        b.h[i] = _mm256_set1_ps(m.h[i]);
+    }
+    b.cx = _mm256_set1_ps(m.cx);
+    b.cy = _mm256_set1_ps(m.cy);
+    b.shear = _mm256_set1_ps(m.shear);
+    b.inverseAlpha = _mm256_set1_ps(m.inverseAlpha);
+    b.yScale = _mm256_set1_ps(m.yScale);
+    b.k1 = _mm256_set1_ps(m.k1);
+    b.k2 = _mm256_set1_ps(m.k2);
+    return b;
+}
+
+inline __m256 mul(__m256 a, __m256 b) {
+    return _mm256_mul_ps(a, b);
+}
+inline __m256 add(__m256 a, __m256 b) {
+    return _mm256_add_ps(a, b);
+}
+inline __m256 sub(__m256 a, __m256 b) {
+    return _mm256_sub_ps(a, b);
+}
+
+// The same operations in the same order as the plain tier and none of them fused: positions agree bit for bit.
+inline Positions sourcePositions(const Model& m, __m256 x, __m256 y) {
+    const __m256 w = add(add(mul(m.h[6], x), mul(m.h[7], y)), m.h[8]);
+    const __m256 u = _mm256_div_ps(add(add(mul(m.h[0], x), mul(m.h[1], y)), m.h[2]), w);
+    const __m256 v = _mm256_div_ps(add(add(mul(m.h[3], x), mul(m.h[4], y)), m.h[5]), w);
+    const __m256 du = sub(u, m.cx);
+    const __m256 dv = sub(v, m.cy);
+    const __m256 xn = mul(sub(du, mul(m.shear, dv)), m.inverseAlpha);
+    const __m256 yn = mul(m.yScale, dv);
+    const __m256 r2 = add(mul(xn, xn), mul(yn, yn));
+    const __m256 distortion = mul(add(mul(m.k2, r2), m.k1), r2);
+    return {add(mul(du, distortion), u), add(v, mul(dv, distortion))};
+}
+
+inline __m256 validMask(const Positions& p, const WarpSource& source) {
+    const __m256 zero = _mm256_setzero_ps();
+    const __m256 low = _mm256_and_ps(_mm256_cmp_ps(p.u, zero, _CMP_GE_OQ), _mm256_cmp_ps(p.v, zero, _CMP_GE_OQ));
+    const __m256 high = _mm256_and_ps(_mm256_cmp_ps(p.u, _mm256_set1_ps(source.limitX), _CMP_LT_OQ),
+                                      _mm256_cmp_ps(p.v, _mm256_set1_ps(source.limitY), _CMP_LT_OQ));
+    return _mm256_and_ps(low, high);
+}
+
+inline std::int32_t firstLane(__m256i v) {
+    return _mm_cvtsi128_si32(_mm256_castsi256_si128(v));
+}
+inline std::int32_t lastLane(__m256i v) {
+    return _mm_extract_epi32(_mm256_extracti128_si256(v, 1), 3);
+}
+
+inline std::int32_t smaller(std::int32_t a, std::int32_t b) {
+    return a < b ? a : b;
+}
+
+inline const std::uint8_t* pixelAt(const WarpSource& source, std::int32_t x, std::int32_t y, int channels) {
+    return source.pixels + static_cast<std::ptrdiff_t>(y) * source.stride + static_cast<std::ptrdiff_t>(x) * channels;
+}
+
+// One valid pixel, rounded to nearest with ties to even as the vector path rounds.
+template <int channels>
+void sampleOne(const WarpSource& source, float u, float v, std::uint8_t* out) {
+    const auto ix = static_cast<std::int32_t>(u);
+    const auto iy = static_cast<std::int32_t>(v);
+    const float fx = u - static_cast<float>(ix);
+    const float fy = v - static_cast<float>(iy);
+    const std::uint8_t* const above = pixelAt(source, ix, iy, channels);
+    const std::uint8_t* const below = above + source.stride;
+    for (int c = 0; c < channels; ++c) {
+        const float top = static_cast<float>(above[channels + c]) * fx + static_cast<float>(above[c]) * (1.0F - fx);
+        const float bottom = static_cast<float>(below[channels + c]) * fx + static_cast<float>(below[c]) * (1.0F - fx);
+        out[c] = static_cast<std::uint8_t>(_mm_cvtss_si32(_mm_set_ss(bottom * fy + top * (1.0F - fy))));
+    }
+}
+
+template <int channels>
+void sampleLanes(const WarpSource& source, const Positions& p, int validLanes, std::int32_t lanes, std::uint8_t* out) {
+    alignas(32) float u[kLanes];
+    alignas(32) float v[kLanes];
+    _mm256_store_ps(u, p.u);
+    _mm256_store_ps(v, p.v);
+    for (std::int32_t i = 0; i < lanes; ++i) {
+        if ((validLanes >> i & 1) != 0) {
+            sampleOne<channels>(source, u[i], v[i], out + i * channels);
+        } else {
+            for (int c = 0; c < channels; ++c) {
+                out[i * channels + c] = 0;
+            }
+        }
+    }
+}
+
+// Bilinear mix of eight pixels; pairs hold the left neighbour in the low byte and the right one above it.
+inline __m256 mixPairs(__m256i pairs, __m256 fx, __m256 gx) {
+    const __m256 left = _mm256_cvtepi32_ps(_mm256_and_si256(pairs, _mm256_set1_epi32(0xFF)));
+    const __m256 right = _mm256_cvtepi32_ps(_mm256_srli_epi32(pairs, 8));
+    return add(mul(right, fx), mul(left, gx));
+}
+
+// Eight valid gray pixels through three row windows; false when they do not fit.
+inline bool sampleWindow(const WarpSource& source, const Positions& p, std::uint8_t* out) {
+    const __m256i ix = _mm256_cvttps_epi32(p.u);
+    const __m256i iy = _mm256_cvttps_epi32(p.v);
+    if (source.width < kWindow) {
+        return false;
+    }
+    const std::int32_t baseX = smaller(smaller(firstLane(ix), lastLane(ix)), source.width - kWindow);
+    const std::int32_t baseY = smaller(firstLane(iy), lastLane(iy));
+    const __m256i dx = _mm256_sub_epi32(ix, _mm256_set1_epi32(baseX));
+    const __m256i dy = _mm256_sub_epi32(iy, _mm256_set1_epi32(baseY));
+    // Unsigned: dx in 0..14 so that its right neighbour is in the window, dy 0 or 1.
+    const __m256i fits = _mm256_and_si256(_mm256_cmpeq_epi32(_mm256_min_epu32(dx, _mm256_set1_epi32(kWindow - 2)), dx),
+                                          _mm256_cmpeq_epi32(_mm256_min_epu32(dy, _mm256_set1_epi32(1)), dy));
+    if (_mm256_movemask_epi8(fits) != -1) {
+        return false;
+    }
+    const std::uint8_t* const first = pixelAt(source, baseX, baseY, 1);
+    const std::int32_t third = baseY + 2 < source.height ? 2 : 1;  // not needed when it would lie outside
+    const __m128i row0 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(first));
+    const __m128i row1 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(first + source.stride));
+    const __m128i row2 =
+        _mm_loadu_si128(reinterpret_cast<const __m128i*>(first + static_cast<std::ptrdiff_t>(source.stride) * third));
+
+    const __m128i dx16 = _mm_packs_epi32(_mm256_castsi256_si128(dx), _mm256_extracti128_si256(dx, 1));
+    const __m128i dy16 = _mm_packs_epi32(_mm256_castsi256_si128(dy), _mm256_extracti128_si256(dy, 1));
+    const __m128i pick = _mm_add_epi16(_mm_or_si128(dx16, _mm_slli_epi16(dx16, 8)), _mm_set1_epi16(0x0100));
+    const __m128i lower = _mm_cmpgt_epi16(dy16, _mm_setzero_si128());
+    const __m128i pairs0 = _mm_shuffle_epi8(row0, pick);
+    const __m128i pairs1 = _mm_shuffle_epi8(row1, pick);
+    const __m128i pairs2 = _mm_shuffle_epi8(row2, pick);
+    const __m256i above = _mm256_cvtepu16_epi32(_mm_blendv_epi8(pairs0, pairs1, lower));
+    const __m256i below = _mm256_cvtepu16_epi32(_mm_blendv_epi8(pairs1, pairs2, lower));
+
+    const __m256 one = _mm256_set1_ps(1.0F);
+    const __m256 fx = sub(p.u, _mm256_cvtepi32_ps(ix));
+    const __m256 fy = sub(p.v, _mm256_cvtepi32_ps(iy));
+    const __m256 gx = sub(one, fx);
+    const __m256 top = mixPairs(above, fx, gx);
+    const __m256 bottom = mixPairs(below, fx, gx);
+    const __m256i gray = _mm256_cvtps_epi32(add(mul(bottom, fy), mul(top, sub(one, fy))));
+    const __m128i words = _mm_packus_epi32(_mm256_castsi256_si128(gray), _mm256_extracti128_si256(gray, 1));
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(out), _mm_packus_epi16(words, words));
+    return true;
+}
+
+// Eight bytes (two neighbouring pixels of four channels) as floats.
+inline __m256 pixelPair(const std::uint8_t* p) {
+    return _mm256_cvtepi32_ps(_mm256_cvtepu8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p))));
+}
+
+// Right times fx plus left times 1 - fx, for two destination pixels in the two halves.
+inline __m256 mixNeighbours(const std::uint8_t* p, const std::uint8_t* q, __m256 weightsP, __m256 weightsQ) {
+    const __m256 a = mul(pixelPair(p), weightsP);
+    const __m256 b = mul(pixelPair(q), weightsQ);
+    return add(_mm256_permute2f128_ps(a, b, 0x31), _mm256_permute2f128_ps(a, b, 0x20));
+}
+
+inline __m256 halves(float low, float high) {
+    return _mm256_set_m128(_mm_set1_ps(high), _mm_set1_ps(low));
+}
+
+// Two valid pixels of four channels as eight 32-bit integers.
+inline __m256i sampleTwo(const WarpSource& source, const std::int32_t* ix, const std::int32_t* iy, const float* fx,
+                         const float* fy) {
+    const std::uint8_t* const p = pixelAt(source, ix[0], iy[0], 4);
+    const std::uint8_t* const q = pixelAt(source, ix[1], iy[1], 4);
+    const __m256 weightsP = halves(1.0F - fx[0], fx[0]);
+    const __m256 weightsQ = halves(1.0F - fx[1], fx[1]);
+    const __m256 top = mixNeighbours(p, q, weightsP, weightsQ);
+    const __m256 bottom = mixNeighbours(p + source.stride, q + source.stride, weightsP, weightsQ);
+    const __m256 down = halves(fy[0], fy[1]);
+    return _mm256_cvtps_epi32(add(mul(bottom, down), mul(top, sub(_mm256_set1_ps(1.0F), down))));
+}
+
+// Eight valid pixels of four channels.
+inline void sampleEight4(const WarpSource& source, const Positions& p, std::uint8_t* out) {
+    alignas(32) std::int32_t ix[kLanes];
+    alignas(32) std::int32_t iy[kLanes];
+    alignas(32) float fx[kLanes];
+    alignas(32) float fy[kLanes];
+    const __m256i column = _mm256_cvttps_epi32(p.u);
+    const __m256i row = _mm256_cvttps_epi32(p.v);
+    _mm256_store_si256(reinterpret_cast<__m256i*>(ix), column);
+    _mm256_store_si256(reinterpret_cast<__m256i*>(iy), row);
+    _mm256_store_ps(fx, sub(p.u, _mm256_cvtepi32_ps(column)));
+    _mm256_store_ps(fy, sub(p.v, _mm256_cvtepi32_ps(row)));
+    for (int i = 0; i < kLanes; i += 4) {
+        const __m256i first = sampleTwo(source, ix + i, iy + i, fx + i, fy + i);
+        const __m256i second = sampleTwo(source, ix + i + 2, iy + i + 2, fx + i + 2, fy + i + 2);
+        // Lanes after packing: pixels 0, 2, 1, 3 of the four.
+        const __m256i words = _mm256_packus_epi32(first, second);
+        const __m128i bytes = _mm_packus_epi16(_mm256_castsi256_si128(words), _mm256_extracti128_si256(words, 1));
+        _mm_storeu_si128(reinterpret_cast<__m128i*>(out + 4 * i), _mm_shuffle_epi32(bytes, _MM_SHUFFLE(3, 1, 2, 0)));
+    }
+}
+
+template <int channels>
+inline void sampleGroup(const WarpSource& source, const Positions& p, std::uint8_t* out) {
+    const int valid = _mm256_movemask_ps(validMask(p, source));
+    if (valid == 0xFF) {
+        if constexpr (channels == 4) {
+            sampleEight4(source, p, out);
+            return;
+        } else if (sampleWindow(source, p, out)) {
+            return;
+        }
+    }
+    sampleLanes<channels>(source, p, valid, kLanes, out);
+}
+
+inline __m256 columns(std::int32_t x) {
+    return _mm256_cvtepi32_ps(_mm256_add_epi32(_mm256_set1_epi32(x), _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7)));
+}
+
+template <int channels>
+void warp(const WarpModel& plainModel, const WarpSource& source, const WarpTarget& target) {
+    const Model model = broadcast(plainModel);
+    for (std::int32_t y = 0; y < target.height; ++y) {
+        std::uint8_t* const row = target.pixels + static_cast<std::ptrdiff_t>(y) * target.stride;
+        const __m256 rowNumber = _mm256_set1_ps(static_cast<float>(y));
+        std::int32_t x = 0;
+        for (; x <= target.width - kLanes; x += kLanes) {
+            sampleGroup<channels>(source, sourcePositions(model, columns(x), rowNumber),
+                                  row + static_cast<std::ptrdiff_t>(x) * channels);
+        }
+        if (x < target.width) {
+            const Positions p = sourcePositions(model, columns(x), rowNumber);
+            sampleLanes<channels>(source, p, _mm256_movemask_ps(validMask(p, source)), target.width - x,
+                                  row + static_cast<std::ptrdiff_t>(x) * channels);
+        }
+    }
+}
+
+inline const float* mapRow(const float* map, std::int32_t strideBytes, std::int32_t y) {
+    return reinterpret_cast<const float*>(reinterpret_cast<const char*>(map) +
+                                          static_cast<std::ptrdiff_t>(y) * strideBytes);
+}
+
+inline float* mapRow(float* map, std::int32_t strideBytes, std::int32_t y) {
+    return reinterpret_cast<float*>(reinterpret_cast<char*>(map) + static_cast<std::ptrdiff_t>(y) * strideBytes);
+}
+
+// All bits set in the first so many lanes.
+inline __m256i tailMask(std::int32_t lanes) {
+    return _mm256_cmpgt_epi32(_mm256_set1_epi32(lanes), _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7));
+}
+
+template <int channels>
+void remap(const WarpSource& source, const WarpTarget& target, const WarpMaps& maps, const WarpBox& box) {
+    for (std::int32_t y = box.y0; y <= box.y1; ++y) {
+        const float* const mapX = mapRow(maps.x, maps.strideX, y);
+        const float* const mapY = mapRow(maps.y, maps.strideY, y);
+        std::uint8_t* const row = target.pixels + static_cast<std::ptrdiff_t>(y) * target.stride;
+        std::int32_t x = box.x0;
+        for (; x <= box.x1 - (kLanes - 1); x += kLanes) {
+            sampleGroup<channels>(source, {_mm256_loadu_ps(mapX + x), _mm256_loadu_ps(mapY + x)},
+                                  row + static_cast<std::ptrdiff_t>(x) * channels);
+        }
+        if (x <= box.x1) {
+            const std::int32_t lanes = box.x1 - x + 1;
+            const __m256i mask = tailMask(lanes);
+            const Positions p{_mm256_maskload_ps(mapX + x, mask), _mm256_maskload_ps(mapY + x, mask)};
+            sampleLanes<channels>(source, p, _mm256_movemask_ps(validMask(p, source)), lanes,
+                                  row + static_cast<std::ptrdiff_t>(x) * channels);
+        }
+    }
+}
+
+// Widens the box by the valid lanes of the group at (x, y).
+inline void widen(WarpBox& box, int valid, std::int32_t x, std::int32_t y) {
+    if (valid == 0) {
+        return;
+    }
+    const auto bits = static_cast<unsigned>(valid);
+    const std::int32_t first = x + static_cast<std::int32_t>(_tzcnt_u32(bits));
+    const std::int32_t last = x + 31 - static_cast<std::int32_t>(_lzcnt_u32(bits));
+    box.x0 = first < box.x0 ? first : box.x0;
+    box.y0 = y < box.y0 ? y : box.y0;
+    box.x1 = last > box.x1 ? last : box.x1;
+    box.y1 = y > box.y1 ? y : box.y1;
+}
+
+}  // namespace
+
+void warpAvx28uC1(const WarpModel& model, const WarpSource& source, const WarpTarget& target) {
+    warp<1>(model, source, target);
+}
+
+void warpAvx28uC4(const WarpModel& model, const WarpSource& source, const WarpTarget& target) {
+    warp<4>(model, source, target);
+}
+
+void mapAvx232f(const WarpModel& plainModel, const WarpSource& source, const WarpMapTarget& maps, WarpBox& valid) {
+    const Model model = broadcast(plainModel);
+    const __m256 none = _mm256_set1_ps(kNoSource);
+    for (std::int32_t y = 0; y < maps.height; ++y) {
+        float* const mapX = mapRow(maps.x, maps.strideX, y);
+        float* const mapY = mapRow(maps.y, maps.strideY, y);
+        const __m256 rowNumber = _mm256_set1_ps(static_cast<float>(y));
+        for (std::int32_t x = 0; x < maps.width; x += kLanes) {
+            const __m256i lanes = tailMask(maps.width - x);
+            const Positions p = sourcePositions(model, columns(x), rowNumber);
+            const __m256 inside = validMask(p, source);
+            _mm256_maskstore_ps(mapX + x, lanes, _mm256_blendv_ps(none, p.u, inside));
+            _mm256_maskstore_ps(mapY + x, lanes, _mm256_blendv_ps(none, p.v, inside));
+            widen(valid, _mm256_movemask_ps(_mm256_and_ps(inside, _mm256_castsi256_ps(lanes))), x, y);
+        }
+    }
+}
+
+void remapAvx28uC1(const WarpSource& source, const WarpTarget& target, const WarpMaps& maps, const WarpBox& box) {
+    remap<1>(source, target, maps, box);
+}
+
+void remapAvx28uC4(const WarpSource& source, const WarpTarget& target, const WarpMaps& maps, const WarpBox& box) {
+    remap<4>(source, target, maps, box);
+}
+
+}  // namespace zelm
