@@ -1,0 +1,92 @@
+#include <cmath>
+#include <cstdint>
+
+#include "calibObject.h"
+#include "pairCamera.h"
+#include "rectifyingTransform.h"
+#include "zelm/cg.h"
+#include "zelm/mat.h"
+#include "zelm/twoViewGeometry.h"
+
+namespace zelm {
+namespace {
+
+void clearEndPoints(Zelm2ViewEpiLine* line) {
+    line->x0 = line->y0 = line->x1 = line->y1 = 0.0;
+}
+
+// No guard: the epipole has no line, its coefficients come out not finite.
+void setNormalised(const double l[3], Zelm2ViewEpiLine* line) {
+    const double norm = std::sqrt(l[0] * l[0] + l[1] * l[1]);
+    line->a = l[0] / norm;
+    line->b = l[1] / norm;
+    line->c = l[2] / norm;
+}
+
+// Clips the line to the camera's image inset by one pixel on every side.
+std::int32_t setEndPoints(const PairCamera& camera, Zelm2ViewEpiLine* line) {
+    const double right = camera.width - 2;
+    const double bottom = camera.height - 2;
+    const Point2d inset[4] = {{1.0, 1.0}, {right, 1.0}, {right, bottom}, {1.0, bottom}};
+    const Line2d clipped{line->a, line->b, line->c};
+    Point2d ends[2] = {{0.0, 0.0}, {0.0, 0.0}};
+    const std::int32_t count = zelmCgIntersectionLineAndConvexPolygon(4, inset, &clipped, ends);
+    if (count < 0) {
+        return count;
+    }
+    if (count >= 1) {
+        const Point2d& last = count == 1 ? ends[0] : ends[1];
+        line->x0 = ends[0].x;
+        line->y0 = ends[0].y;
+        line->x1 = last.x;
+        line->y1 = last.y;
+    }
+    return ZELM_OK;
+}
+
+}  // namespace
+}  // namespace zelm
+
+using namespace zelm;
+
+std::int32_t zelm2ViewCalcEpiLine(const Zelm2ViewCalib* tHandle, std::int32_t iCamera, const Point2d* tPoint,
+                                  Zelm2ViewEpiLine* tOut) {
+    if (tHandle == nullptr || tPoint == nullptr || tOut == nullptr) {
+        return ZELM_ERR_PARAM;
+    }
+    clearEndPoints(tOut);  // deliberate: also when the camera is refused
+    Camera camera{};
+    if (!selectCamera(iCamera, &camera)) {
+        return ZELM_ERR_PARAM;
+    }
+    const PairCamera from = readPairCamera(tHandle->data, otherOf(camera));
+    double point[3] = {0.0, 0.0, 1.0};
+    if (zelmCalibUnDistortPoint(&from.intrinsics, tPoint->x, tPoint->y, &point[0], &point[1]) < 0) {
+        return ZELM_ERR_UNDISTORT;
+    }
+    const auto fundamental = block::read<FundamentalPair>(tHandle->data, block::kFundamental);
+    double line[3];
+    zelmMatMul(3, 3, isLeft(camera) ? fundamental.F : fundamental.Ft, 3, 1, point, line);
+    setNormalised(line, tOut);
+    return setEndPoints(readPairCamera(tHandle->data, camera), tOut);
+}
+
+std::int32_t zelm2ViewChangeHomEpiLine(const Zelm2ViewCalib* tHandle, std::int32_t iCamera,
+                                       const Zelm2ViewHomParam* tParams, const double* daLine, Zelm2ViewEpiLine* tOut) {
+    Camera camera{};
+    if (tHandle == nullptr || tParams == nullptr || daLine == nullptr || tOut == nullptr ||
+        !selectCamera(iCamera, &camera)) {
+        return ZELM_ERR_PARAM;
+    }
+    double T[9];
+    const std::int32_t status =
+        innerCalcHomMatrix(tHandle->data, camera, *tParams, RectifyingDirection::toUnrectified, T);
+    if (status < 0) {
+        return status;
+    }
+    double line[3];
+    zelmMatMul(1, 3, daLine, 3, 3, T, line);
+    setNormalised(line, tOut);
+    clearEndPoints(tOut);
+    return setEndPoints(readPairCamera(tHandle->data, camera), tOut);
+}

@@ -1,0 +1,82 @@
+#include <cstdint>
+
+#include "calibObject.h"
+#include "rectifyingTransform.h"
+#include "zelm/calib.h"
+#include "zelm/twoViewGeometry.h"
+
+using namespace zelm;
+
+namespace {
+
+ZelmCameraIntrinsics intrinsicsOf(const Zelm2ViewCalib& calib, Camera camera) {
+    return block::read<ZelmCameraIntrinsics>(calib.data, block::intrinsics(camera));
+}
+
+}  // namespace
+
+std::int32_t zelm2ViewCalcHomImgPoint(const Zelm2ViewCalib* tHandle, std::int32_t iCamera, const Point2d* tIn,
+                                      const Zelm2ViewHomParam* tParams, Point2d* tOut) {
+    Camera camera{};
+    if (tHandle == nullptr || tIn == nullptr || tParams == nullptr || tOut == nullptr ||
+        !selectCamera(iCamera, &camera)) {
+        return ZELM_ERR_PARAM;
+    }
+    double T[9];
+    std::int32_t status = innerCalcHomMatrix(tHandle->data, camera, *tParams, RectifyingDirection::toRectified, T);
+    if (status < 0) {
+        return status;
+    }
+    const ZelmCameraIntrinsics intrinsics = intrinsicsOf(*tHandle, camera);
+    Point2d ideal{};
+    status = zelmCalibUnDistortPoint(&intrinsics, tIn->x, tIn->y, &ideal.x, &ideal.y);
+    if (status < 0) {
+        return status;
+    }
+    *tOut = transformPoint(T, ideal.x, ideal.y);
+    return ZELM_OK;
+}
+
+std::int32_t zelm2ViewInvHomImgPoint(const Zelm2ViewCalib* tHandle, std::int32_t iCamera, const Point2d* tIn,
+                                     const Zelm2ViewHomParam* tParams, Point2d* tOut) {
+    Camera camera{};
+    if (tHandle == nullptr || tIn == nullptr || tParams == nullptr || tOut == nullptr ||
+        !selectCamera(iCamera, &camera)) {
+        return ZELM_ERR_PARAM;
+    }
+    double T[9];
+    const std::int32_t status =
+        innerCalcHomMatrix(tHandle->data, camera, *tParams, RectifyingDirection::toUnrectified, T);
+    if (status < 0) {
+        return status;
+    }
+    const ZelmCameraIntrinsics intrinsics = intrinsicsOf(*tHandle, camera);
+    const Point2d ideal = transformPoint(T, tIn->x, tIn->y);
+    return zelmCalibDistortPoint(&intrinsics, ideal.x, ideal.y, &tOut->x, &tOut->y);
+}
+
+std::int32_t zelm2ViewDistortPoint(const Zelm2ViewCalib* tHandle, std::int32_t iCamera, const Point2d* tIn,
+                                   Point2d* tOut) {
+    Camera camera{};
+    if (tHandle == nullptr || tIn == nullptr || tOut == nullptr || !selectCamera(iCamera, &camera)) {
+        return ZELM_ERR_PARAM;
+    }
+    const ZelmCameraIntrinsics intrinsics = intrinsicsOf(*tHandle, camera);
+    return zelmCalibDistortPoint(&intrinsics, tIn->x, tIn->y, &tOut->x, &tOut->y);
+}
+
+std::int32_t zelm2ViewUnDistortPoint(const Zelm2ViewCalib* tHandle, std::int32_t iCamera, const Point2d* tIn,
+                                     Point2d* tOut) {
+    Camera camera{};
+    if (tHandle == nullptr || tIn == nullptr || tOut == nullptr || !selectCamera(iCamera, &camera)) {
+        return ZELM_ERR_PARAM;
+    }
+    const ZelmCameraIntrinsics intrinsics = intrinsicsOf(*tHandle, camera);
+    Point2d ideal{};
+    const std::int32_t status = zelmCalibUnDistortPoint(&intrinsics, tIn->x, tIn->y, &ideal.x, &ideal.y);
+    if (status < 0) {
+        return status;
+    }
+    *tOut = ideal;
+    return ZELM_OK;
+}

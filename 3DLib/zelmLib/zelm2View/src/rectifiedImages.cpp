@@ -1,0 +1,77 @@
+#include <cstdint>
+#include <limits>
+
+#include "calibObject.h"
+#include "pairCamera.h"
+#include "rectifyingTransform.h"
+#include "zelm/kernels.h"
+#include "zelm/twoViewGeometry.h"
+
+namespace zelm {
+namespace {
+
+constexpr auto kLongestRow = static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max());
+
+bool hasSizeOf(const vImage_Buffer& buffer, const PairCamera& camera) {
+    return buffer.data != nullptr && buffer.width == static_cast<std::size_t>(camera.width) &&
+           buffer.height == static_cast<std::size_t>(camera.height) && buffer.rowBytes <= kLongestRow;
+}
+
+// The intrinsics as the array of 22 doubles that the kernels read.
+struct KernelCamera {
+    double elements[22];
+};
+static_assert(sizeof(KernelCamera) == sizeof(ZelmCameraIntrinsics));
+
+KernelCamera kernelCamera(const unsigned char* data, Camera camera) {
+    return block::read<KernelCamera>(data, block::intrinsics(camera));
+}
+
+}  // namespace
+}  // namespace zelm
+
+using namespace zelm;
+
+std::int32_t zelm2ViewMakeHomImage(const Zelm2ViewCalib* tHandle, std::int32_t iCamera, const unsigned char* ucSrc,
+                                   const Zelm2ViewHomParam* tParams, unsigned char* ucDst) {
+    Camera camera{};
+    if (tHandle == nullptr || ucSrc == nullptr || tParams == nullptr || ucDst == nullptr ||
+        !selectCamera(iCamera, &camera)) {
+        return ZELM_ERR_PARAM;
+    }
+    double T[9];
+    const std::int32_t status =
+        innerCalcHomMatrix(tHandle->data, camera, *tParams, RectifyingDirection::toUnrectified, T);
+    if (status < 0) {
+        return status;
+    }
+    const PairCamera pair = readPairCamera(tHandle->data, camera);
+    perspectiveTransAndDistortImage_8uC1(T, kernelCamera(tHandle->data, camera).elements, ucSrc, pair.width, pair.width,
+                                         pair.height, ucDst, pair.width, pair.width, pair.height);
+    return ZELM_OK;
+}
+
+std::int32_t zelm2ViewMakeHomImage_vImageARGB8888(const Zelm2ViewCalib* tHandle, std::int32_t iCamera,
+                                                  const vImage_Buffer* tSrc, const Zelm2ViewHomParam* tParams,
+                                                  const vImage_Buffer* tDst) {
+    Camera camera{};
+    if (tHandle == nullptr || tSrc == nullptr || tParams == nullptr || tDst == nullptr ||
+        !selectCamera(iCamera, &camera)) {
+        return ZELM_ERR_PARAM;
+    }
+    const PairCamera pair = readPairCamera(tHandle->data, camera);
+    if (!hasSizeOf(*tSrc, pair) || !hasSizeOf(*tDst, pair)) {
+        return ZELM_ERR_PARAM;
+    }
+    double T[9];
+    const std::int32_t status =
+        innerCalcHomMatrix(tHandle->data, camera, *tParams, RectifyingDirection::toUnrectified, T);
+    if (status < 0) {
+        return status;
+    }
+    perspectiveTransAndDistortImage_8uC4(
+        T, kernelCamera(tHandle->data, camera).elements, static_cast<const std::uint8_t*>(tSrc->data),
+        static_cast<std::int32_t>(tSrc->rowBytes), pair.width, pair.height, static_cast<std::uint8_t*>(tDst->data),
+        static_cast<std::int32_t>(tDst->rowBytes), pair.width, pair.height);
+    return ZELM_OK;
+}

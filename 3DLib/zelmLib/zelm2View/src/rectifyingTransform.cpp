@@ -1,0 +1,79 @@
+#include "rectifyingTransform.h"
+
+#include <cmath>
+
+#include "pairCamera.h"
+#include "zelm/mat.h"
+
+namespace zelm {
+namespace {
+
+constexpr double kNormalisable = 1e-9;  // last element of a transform that may be scaled to 1
+
+// A camera's rectifying matrix with its depth term, and the inverse.
+struct DepthMatrix {
+    double A[9];
+    double Ainv[9];
+};
+
+bool makeDepthMatrix(const unsigned char* data, Camera camera, double s, DepthMatrix* out) {
+    const PairCamera pair = readPairCamera(data, camera);
+    double P[12];
+    if (zelmCalibCameraMatrix(pair.intrinsics.A, &pair.pose, P, pair.model) < 0) {
+        return false;
+    }
+    const auto rectifying = block::read<RectifyingPair>(data, block::rectifying(camera));
+    zelmMatCopy(3, 3, rectifying.M, out->A);
+    for (int i = 0; i < 3; ++i) {
+        out->A[3 * i + 2] += s * P[4 * i + 2];
+    }
+    return zelmMatInvert(3, out->A, out->Ainv) >= 0;
+}
+
+// What shifts the reference pixel's image onto the image centre.
+Point2d centringOffset(const double F[9], const Zelm2ViewHomParam& params, const PairCamera& camera) {
+    const Point2d w = transformPoint(F, params.px, params.py);
+    return {w.x - camera.width / 2, w.y - camera.height / 2};
+}
+
+}  // namespace
+
+Point2d transformPoint(const double T[9], double x, double y) {
+    const double point[3] = {x, y, 1.0};
+    double image[3];
+    zelmMatMul(3, 3, T, 3, 1, point, image);
+    return {image[0] / image[2], image[1] / image[2]};
+}
+
+std::int32_t innerCalcHomMatrix(const unsigned char* data, Camera camera, const Zelm2ViewHomParam& params,
+                                RectifyingDirection direction, double T[9]) {
+    DepthMatrix left;
+    DepthMatrix right;
+    if (!makeDepthMatrix(data, Camera::left, params.s, &left) ||
+        !makeDepthMatrix(data, Camera::right, params.s, &right)) {
+        return ZELM_ERR_DEGENERATE;
+    }
+    const DepthMatrix& own = isLeft(camera) ? left : right;
+    const DepthMatrix& other = isLeft(camera) ? right : left;
+    double forward[9];
+    zelmMatMul(3, 3, other.A, 3, 3, own.Ainv, forward);
+    const Point2d offset = centringOffset(forward, params, readPairCamera(data, camera));
+    if (direction == RectifyingDirection::toRectified) {
+        const double shift[9] = {1.0, 0.0, -offset.x, 0.0, 1.0, -offset.y, 0.0, 0.0, 1.0};
+        zelmMatMul(3, 3, shift, 3, 3, forward, T);
+    } else {
+        const double shift[9] = {1.0, 0.0, offset.x, 0.0, 1.0, offset.y, 0.0, 0.0, 1.0};
+        double backward[9];
+        zelmMatMul(3, 3, own.A, 3, 3, other.Ainv, backward);
+        zelmMatMul(3, 3, backward, 3, 3, shift, T);
+    }
+    if (std::fabs(T[8]) > kNormalisable) {
+        const double last = T[8];
+        for (int i = 0; i < 9; ++i) {
+            T[i] /= last;
+        }
+    }
+    return ZELM_OK;
+}
+
+}  // namespace zelm

@@ -1,0 +1,24 @@
+// The transform between a camera's undistorted image and its rectified image.
+#ifndef ZELM_RECTIFYING_TRANSFORM_H
+#define ZELM_RECTIFYING_TRANSFORM_H
+
+#include <cstdint>
+
+#include "calibBlock.h"
+#include "zelm/twoViewGeometry.h"
+
+namespace zelm {
+
+enum class RectifyingDirection { toUnrectified, toRectified };
+
+// T, 3x3 row-major, on undistorted pixel coordinates; divided by its last element when that exceeds 1e-9.
+// Returns ZELM_OK, or ZELM_ERR_DEGENERATE when a matrix cannot be built or inverted.
+std::int32_t innerCalcHomMatrix(const unsigned char* data, Camera camera, const Zelm2ViewHomParam& params,
+                                RectifyingDirection direction, double T[9]);
+
+// (x, y) carried by T.
+Point2d transformPoint(const double T[9], double x, double y);
+
+}  // namespace zelm
+
+#endif
