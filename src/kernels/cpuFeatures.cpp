@@ -54,9 +54,9 @@ std::int32_t cappedCount(std::uint32_t reported) {
     return count < kMostCachedLeaves ? count : kMostCachedLeaves;
 }
 
-void publishLeaf(std::uint32_t (&target)[4], std::uint32_t leaf) {
+void publishLeaf(std::uint32_t (&target)[4], CpuidSource query, std::uint32_t leaf) {
     std::uint32_t words[4];
-    cpuidQuery(leaf, 0, words);
+    query(leaf, 0, words);
     for (int i = 0; i < 4; ++i) {
         publish(target[i], words[i]);
     }
@@ -75,21 +75,24 @@ std::uint32_t cpuidQuery(std::uint32_t leaf, std::uint32_t subLeaf, std::uint32_
     return out[kEax];
 }
 
-// Threads that race here write the same words; relaxed stores keep the race defined, and the flag comes last.
-void cpuFeaturesInit() {
-    publishLeaf(cpuFeatures.basicLeaves[0], 0);
+void cpuFeaturesFill(CpuidSource query) {
+    publishLeaf(cpuFeatures.basicLeaves[0], query, 0);
     const std::int32_t basicCount = cappedCount(read(cpuFeatures.basicLeaves[0][kEax]));
     publish(cpuFeatures.basicCount, basicCount);
     for (std::int32_t k = 1; k <= basicCount; ++k) {
-        publishLeaf(cpuFeatures.basicLeaves[k], static_cast<std::uint32_t>(k));
+        publishLeaf(cpuFeatures.basicLeaves[k], query, static_cast<std::uint32_t>(k));
     }
-    publishLeaf(cpuFeatures.extendedLeaves[0], kFirstExtendedLeaf);
+    publishLeaf(cpuFeatures.extendedLeaves[0], query, kFirstExtendedLeaf);
     publish(cpuFeatures.extendedCount, cappedCount(read(cpuFeatures.extendedLeaves[0][kEax]) ^ kFirstExtendedLeaf));
     // Deliberate: as many extended leaves as there are basic ones.
     for (std::int32_t k = 1; k <= basicCount; ++k) {
-        publishLeaf(cpuFeatures.extendedLeaves[k], kFirstExtendedLeaf + static_cast<std::uint32_t>(k));
+        publishLeaf(cpuFeatures.extendedLeaves[k], query, kFirstExtendedLeaf + static_cast<std::uint32_t>(k));
     }
     std::atomic_ref<std::int32_t>(cpuFeatures.filled).store(1, std::memory_order_release);
+}
+
+void cpuFeaturesInit() {
+    cpuFeaturesFill(cpuidQuery);
 }
 
 std::int32_t cpuHasSse41() {

@@ -26,6 +26,12 @@ extern CpuFeatures cpuFeatures;
 // One identification query: EAX, EBX, ECX, EDX to out; returns EAX. All zero on processors other than x86.
 std::uint32_t cpuidQuery(std::uint32_t leaf, std::uint32_t subLeaf, std::uint32_t out[4]);
 
+// Fills the cache from a source of identification words. Threads that race here write the same words with relaxed
+// stores, the flag last.
+using CpuidSource = std::uint32_t (*)(std::uint32_t leaf, std::uint32_t subLeaf, std::uint32_t out[4]);
+void cpuFeaturesFill(CpuidSource query);
+
+// Fills the cache from the processor.
 void cpuFeaturesInit();
 
 std::int32_t cpuHasSse41();
