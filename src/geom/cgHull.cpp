@@ -1,6 +1,6 @@
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <cstring>
 #include <utility>
 
 #include "cgCommon.h"
@@ -14,10 +14,10 @@ bool differ(const Point2d& p, const Point2d& q) {
     return p.x != q.x || p.y != q.y;
 }
 
-// Takes away second points that are collinear with the pivot and the third, and returns how many points remain.
+// Moves second points that are collinear with the pivot and the third behind the others; returns how many remain.
 std::size_t dropLeadingCollinear(std::size_t n, Point2d* sorted) {
     while (n >= 3 && cross(difference(sorted[1], sorted[0]), difference(sorted[2], sorted[0])) == 0.0) {
-        std::memmove(sorted + 1, sorted + 2, (n - 2) * sizeof(Point2d));
+        std::rotate(sorted + 1, sorted + 2, sorted + n);
         n -= 1;
     }
     return n;
