@@ -20,5 +20,6 @@
 #include "zelm/math.h"
 #include "zelm/misc.h"
 #include "zelm/twoView.h"
+#include "zelm/twoViewGeometry.h"
 
 #endif

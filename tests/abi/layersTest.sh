@@ -37,10 +37,11 @@ check_layer src/mat 'mat'
 check_layer src/math 'math'
 check_layer src/geom 'clp2d|cg|misc|mat'
 check_layer src/fit 'fit|mat|math'
+check_layer src/kernels 'kernels'
 check_layer src/bin 'bin'
 check_layer src/edge 'edge1d'
 check_layer src/calib 'calib|mat|math'
-check_layer 3DLib/zelmLib/zelm2View 'twoView|calib|cg|clp2d|misc|fit|bin|edge1d|mat|math|image'
+check_layer 3DLib/zelmLib/zelm2View 'twoView|twoViewGeometry|calib|cg|clp2d|misc|kernels|fit|bin|edge1d|mat|math|image'
 
 sources=$(find src 3DLib -name '*.cpp' -o -name '*.h')
 outside_frame=$(echo "$sources" | grep -vE '^src/frame/(alloc|assertion)\.cpp$')

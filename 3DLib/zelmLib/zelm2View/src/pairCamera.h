@@ -5,10 +5,9 @@
 #include <cstdint>
 
 #include "calibBlock.h"
+#include "stereoGeometry.h"
 
 namespace zelm {
-
-constexpr std::int32_t kParallelModel = 2;
 
 struct PairCamera {
     ZelmCameraIntrinsics intrinsics;

@@ -1,10 +1,10 @@
 #include <algorithm>
-#include <cmath>
 #include <cstddef>
 #include <cstdint>
 
 #include "bufferSampling.h"
 #include "calibObject.h"
+#include "distortion.h"
 #include "pairCamera.h"
 #include "zelm/misc.h"
 #include "zelm/twoViewGeometry.h"
@@ -15,47 +15,17 @@ namespace {
 // Pixels of a row whose positions are computed together: long enough to vectorise, short enough to stay in cache.
 constexpr std::int32_t kStretch = 256;
 
-// Distorted positions of the undistorted pixels (first + i, row), as zelmCalibDistortPoint gives them bit for bit; what
-// is constant along a row is computed once.
-class RowDistorter {
-public:
-    explicit RowDistorter(const ZelmCameraIntrinsics& camera) : cam(camera), cosTheta(std::cos(camera.theta)) {}
-
-    void positions(std::int32_t row, std::int32_t first, std::int32_t count, double* xd, double* yd) const {
-        const double dy = row - cam.cy;
-        const double shear = (cam.gamma / cam.beta) * dy;
-        const double yn = (dy / cam.beta) * cosTheta;
-        const double yn2 = yn * yn;
-        const double alpha = cam.alpha;
-        const double cx = cam.cx;
-        const double k1 = cam.k1;
-        const double k2 = cam.k2;
-        for (std::int32_t i = 0; i < count; ++i) {
-            const double x = first + i;
-            const double dx = x - cx;
-            const double xn = (dx - shear) / alpha;
-            const double r2 = xn * xn + yn2;
-            const double D = (k2 * r2 + k1) * r2;
-            xd[i] = x + D * dx;
-            yd[i] = row + D * dy;
-        }
-    }
-
-private:
-    const ZelmCameraIntrinsics& cam;
-    double cosTheta;
-};
-
 // Calls visit(x, xd, yd) for every pixel of a row.
 template <class Visit>
-void forEachPosition(const RowDistorter& distorter, std::int32_t row, std::int32_t width, Visit visit) {
-    double xd[kStretch];
-    double yd[kStretch];
+void forEachPosition(const LensDistortion& lens, std::int32_t row, std::int32_t width, Visit visit) {
+    Point2d distorted[kStretch];
     for (std::int32_t first = 0; first < width; first += kStretch) {
         const std::int32_t count = std::min(kStretch, width - first);
-        distorter.positions(row, first, count, xd, yd);
         for (std::int32_t i = 0; i < count; ++i) {
-            visit(first + i, xd[i], yd[i]);
+            distorted[i] = lens.distort({static_cast<double>(first + i), static_cast<double>(row)});
+        }
+        for (std::int32_t i = 0; i < count; ++i) {
+            visit(first + i, distorted[i].x, distorted[i].y);
         }
     }
 }
@@ -93,14 +63,14 @@ std::int32_t zelm2ViewUnDistortImage(const Zelm2ViewCalib* tHandle, std::int32_t
         return ZELM_ERR_PARAM;
     }
     const PairCamera pair = readPairCamera(tHandle->data, camera);
-    const RowDistorter distorter(pair.intrinsics);
+    const LensDistortion lens(pair.intrinsics, pair.intrinsics.theta);
     // The record has no const pixels; nothing writes through it here.
     const ZelmImage image{const_cast<unsigned char*>(ucSrc), pair.width, pair.height};
     const double lastX = pair.width - 1;
     const double lastY = pair.height - 1;
     for (std::int32_t y = 0; y < pair.height; ++y) {
         unsigned char* const row = ucDst + static_cast<std::ptrdiff_t>(y) * pair.width;
-        forEachPosition(distorter, y, pair.width, [&](std::int32_t x, double xd, double yd) {
+        forEachPosition(lens, y, pair.width, [&](std::int32_t x, double xd, double yd) {
             row[x] = roundedGray(image, lastX, lastY, xd, yd);
         });
     }
@@ -117,10 +87,10 @@ std::int32_t zelm2ViewUnDistortImage_vImageARGB8888(const Zelm2ViewCalib* tHandl
     if (!hasSizeOf(*tSrc, pair) || !hasSizeOf(*tDst, pair)) {
         return ZELM_ERR_PARAM;
     }
-    const RowDistorter distorter(pair.intrinsics);
+    const LensDistortion lens(pair.intrinsics, pair.intrinsics.theta);
     for (std::int32_t y = 0; y < pair.height; ++y) {
         auto* const row = static_cast<std::uint8_t*>(tDst->data) + static_cast<std::size_t>(y) * tDst->rowBytes;
-        forEachPosition(distorter, y, pair.width, [&](std::int32_t x, double xd, double yd) {
+        forEachPosition(lens, y, pair.width, [&](std::int32_t x, double xd, double yd) {
             std::uint8_t* const pixel = row + static_cast<std::ptrdiff_t>(x) * 4;
             pixel[0] = 255;
             sampleBilinearARGB8888(*tSrc, xd, yd, pixel[1], pixel[2], pixel[3]);
