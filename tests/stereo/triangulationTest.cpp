@@ -1,0 +1,282 @@
+// 3-D points from pairs of pixels: exact pairs, noisy pairs against the Cramér-Rao bound, the optimal correction
+// against the global optimum, and what is refused.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include "optimalCorrection.h"
+#include "pairFixture.h"
+#include "zelm/twoViewGeometry.h"
+
+namespace {
+
+using namespace zelmtest;
+
+struct Models {
+    std::int32_t left;
+    std::int32_t right;
+};
+constexpr Models kTriangulable[] = {{0, 0}, {1, 0}, {0, 1}, {1, 1}, {2, 0}, {2, 1}};
+
+double distance(const Point3d& a, const Point3d& b) {
+    return std::hypot(a.x - b.x, a.y - b.y, a.z - b.z);
+}
+
+TEST(TwoViewChange2Dto3D, BadArgumentsAreRefusedAndLeaveTheOutput) {
+    Handle handle;
+    loadPair(makePair(0, 0), &handle);
+    const Point2d p{640.0, 480.0};
+    Point3d out{7.0, 8.0, 9.0};
+    EXPECT_EQ(zelm2ViewChange2Dto3D(nullptr, &p, &p, &out), ZELM_ERR_PARAM);
+    EXPECT_EQ(zelm2ViewChange2Dto3D(handle.get(), nullptr, &p, &out), ZELM_ERR_PARAM);
+    EXPECT_EQ(zelm2ViewChange2Dto3D(handle.get(), &p, nullptr, &out), ZELM_ERR_PARAM);
+    EXPECT_EQ(zelm2ViewChange2Dto3D(handle.get(), &p, &p, nullptr), ZELM_ERR_PARAM);
+    EXPECT_EQ(out.x, 7.0);
+}
+
+TEST(TwoViewChange2Dto3D, TwoParallelCamerasAreRefused) {
+    Handle handle;
+    loadPair(makePair(2, 2), &handle);
+    const Point2d p{640.0, 480.0};
+    Point3d out{7.0, 8.0, 9.0};
+    EXPECT_EQ(zelm2ViewChange2Dto3D(handle.get(), &p, &p, &out), ZELM_ERR_PARAM);
+    EXPECT_EQ(out.x, 7.0);
+}
+
+TEST(TwoViewChange2Dto3D, APixelWhoseDistortionCannotBeRemovedIsReported) {
+    for (const char name : {'L', 'R'}) {
+        TruePair pair = makePair(0, 0);
+        (name == 'L' ? pair.left : pair.right).intrinsics.k1 = -30.0;  // folds the image far inside its border
+        Handle handle;
+        loadPair(pair, &handle);
+        const Point2d corner{1270.0, 950.0};
+        Point3d out{7.0, 8.0, 9.0};
+        EXPECT_EQ(zelm2ViewChange2Dto3D(handle.get(), &corner, &corner, &out), ZELM_ERR_UNDISTORT) << name;
+        EXPECT_EQ(out.x, 7.0);
+    }
+}
+
+TEST(TwoViewChange2Dto3D, ProjectedPointsComeBack) {
+    Random random(81);
+    double worst = 0.0;
+    for (const Models& models : kTriangulable) {
+        for (int rig = 0; rig < 20; ++rig) {
+            const TruePair pair = makePair(models.left, models.right, &random);
+            Handle handle;
+            loadPair(pair, &handle);
+            for (int i = 0; i < 100; ++i) {
+                const Point3d truth = randomWorldPoint(random);
+                Point2d left{};
+                Point2d right{};
+                ASSERT_EQ(zelm2ViewChange3Dto2D(handle.get(), 'L', &truth, &left), ZELM_OK);
+                ASSERT_EQ(zelm2ViewChange3Dto2D(handle.get(), 'R', &truth, &right), ZELM_OK);
+                Point3d out{};
+                ASSERT_EQ(zelm2ViewChange2Dto3D(handle.get(), &left, &right, &out), ZELM_OK);
+                worst = std::max(worst, distance(out, truth));
+            }
+        }
+    }
+    RecordProperty("worstError", std::to_string(worst));
+    // 1e-9 of the working distance of 450.
+    EXPECT_LT(worst, 450e-9);
+}
+
+// Rows: undistorted left x, left y, right x, right y; columns: X, Y, Z. Central differences.
+void jacobianOf(const TruePair& pair, const Point3d& X, double J[4][3]) {
+    constexpr double kStep = 1e-3;  // units; the third derivative is some 1e-6 px
+    for (int k = 0; k < 3; ++k) {
+        Point3d forward = X;
+        Point3d backward = X;
+        (k == 0 ? forward.x : k == 1 ? forward.y : forward.z) += kStep;
+        (k == 0 ? backward.x : k == 1 ? backward.y : backward.z) -= kStep;
+        const char names[2] = {'L', 'R'};
+        for (int c = 0; c < 2; ++c) {
+            const Point2d f = pair.projectIdeal(names[c], forward);
+            const Point2d b = pair.projectIdeal(names[c], backward);
+            J[2 * c][k] = (f.x - b.x) / (2.0 * kStep);
+            J[2 * c + 1][k] = (f.y - b.y) / (2.0 * kStep);
+        }
+    }
+}
+
+// Inverse of J'J: the bound's covariance for unit noise.
+void boundOf(const TruePair& pair, const Point3d& X, double covariance[9]) {
+    double J[4][3];
+    jacobianOf(pair, X, J);
+    double normal[9];
+    zelmMatMulTransposed(1, 4, 3, &J[0][0], normal);
+    ASSERT_EQ(zelmMatInvert(3, normal, covariance), ZELM_OK);
+}
+
+TEST(TwoViewChange2Dto3D, NoisyPairsReachTheCramerRaoBound) {
+    constexpr double kNoise = 0.1;  // pixels
+    constexpr int kTrials = 4000;   // the spread itself is then known to 1.1 % (one sigma)
+    Random random(82);
+    TruePair pair = makePair(0, 0);
+    // Noise is added to ideal pixels, where the bound is computed: no distortion.
+    pair.left.intrinsics.k1 = pair.left.intrinsics.k2 = pair.right.intrinsics.k1 = pair.right.intrinsics.k2 = 0.0;
+    Handle handle;
+    loadPair(pair, &handle);
+    for (int place = 0; place < 4; ++place) {
+        const Point3d truth = randomWorldPoint(random);
+        double covariance[9];
+        boundOf(pair, truth, covariance);
+        const Point2d left = pair.project('L', truth);
+        const Point2d right = pair.project('R', truth);
+        double sum[3] = {};
+        double squares[3] = {};
+        for (int i = 0; i < kTrials; ++i) {
+            const Point2d l{left.x + kNoise * random.normal(), left.y + kNoise * random.normal()};
+            const Point2d r{right.x + kNoise * random.normal(), right.y + kNoise * random.normal()};
+            Point3d out{};
+            ASSERT_EQ(zelm2ViewChange2Dto3D(handle.get(), &l, &r, &out), ZELM_OK);
+            const double error[3] = {out.x - truth.x, out.y - truth.y, out.z - truth.z};
+            for (int k = 0; k < 3; ++k) {
+                sum[k] += error[k];
+                squares[k] += error[k] * error[k];
+            }
+        }
+        for (int k = 0; k < 3; ++k) {
+            const double mean = sum[k] / kTrials;
+            const double spread = std::sqrt(squares[k] / kTrials - mean * mean);
+            const double bound = kNoise * std::sqrt(covariance[4 * k]);
+            EXPECT_NEAR(spread / bound, 1.0, 0.1) << "coordinate " << k;
+            EXPECT_LT(std::fabs(mean), 4.0 * bound / std::sqrt(double{kTrials})) << "bias, coordinate " << k;
+        }
+    }
+}
+
+// The least-squares point by Gauss-Newton on the reprojection error: the global optimum of the same cost.
+zelm::PointPair bestPair(const TruePair& pair, const zelm::PointPair& observed, Point3d X) {
+    for (int i = 0; i < 50; ++i) {
+        double J[4][3];
+        jacobianOf(pair, X, J);
+        const Point2d l = pair.projectIdeal('L', X);
+        const Point2d r = pair.projectIdeal('R', X);
+        const double residual[4] = {observed.left.x - l.x, observed.left.y - l.y, observed.right.x - r.x,
+                                    observed.right.y - r.y};
+        double step[3];
+        EXPECT_EQ(zelmMatSolveSVD(4, 3, &J[0][0], residual, step), ZELM_OK);
+        X = {X.x + step[0], X.y + step[1], X.z + step[2]};
+    }
+    return {pair.projectIdeal('L', X), pair.projectIdeal('R', X)};
+}
+
+TEST(OptimalCorrection, EqualsTheGlobalOptimum) {
+    Random random(83);
+    double worst = 0.0;
+    for (int round = 0; round < 400; ++round) {
+        const TruePair pair = makePair(0, 0, &random);
+        zelm::FundamentalPair fundamental{};
+        ASSERT_EQ(zelm::innerFundamentalPair(pair.left, pair.right, &fundamental), ZELM_OK);
+        const Point3d X = randomWorldPoint(random);
+        const double noise = round % 2 == 0 ? 0.1 : 1.0;
+        zelm::PointPair observed{pair.projectIdeal('L', X), pair.projectIdeal('R', X)};
+        for (double* value : {&observed.left.x, &observed.left.y, &observed.right.x, &observed.right.y}) {
+            *value += noise * random.normal();
+        }
+        const zelm::PointPair corrected = zelm::correctOptimally(fundamental.F, observed);
+        const zelm::PointPair best = bestPair(pair, observed, X);
+        worst = std::max({worst, std::fabs(corrected.left.x - best.left.x), std::fabs(corrected.left.y - best.left.y),
+                          std::fabs(corrected.right.x - best.right.x), std::fabs(corrected.right.y - best.right.y)});
+    }
+    RecordProperty("worstDifference", std::to_string(worst));
+    EXPECT_LT(worst, 1e-6);
+}
+
+// F of two cameras side by side: matching pixels share their row.
+constexpr double kRowF[9] = {0.0, 0.0, 0.0, 0.0, 0.0, -1.0, 0.0, 1.0, 0.0};
+
+TEST(OptimalCorrection, AnExactPairComesBackAsItIs) {
+    const zelm::PointPair exact{{100.0, 50.0}, {130.0, 50.0}};
+    const zelm::PointPair out = zelm::correctOptimally(kRowF, exact);
+    EXPECT_EQ(out.left.x, exact.left.x);
+    EXPECT_EQ(out.left.y, exact.left.y);
+    EXPECT_EQ(out.right.x, exact.right.x);
+    EXPECT_EQ(out.right.y, exact.right.y);
+}
+
+TEST(OptimalCorrection, RowsOfASideBySidePairMeetHalfWay) {
+    const zelm::PointPair out = zelm::correctOptimally(kRowF, {{100.0, 51.0}, {130.0, 49.0}});
+    EXPECT_NEAR(out.left.y, 50.0, 1e-9);
+    EXPECT_NEAR(out.right.y, 50.0, 1e-9);
+    EXPECT_NEAR(out.left.x, 100.0, 1e-9);
+    EXPECT_NEAR(out.right.x, 130.0, 1e-9);
+}
+
+TEST(OptimalCorrection, APairAtBothEpipolesIsUsedUncorrected) {
+    // Both epipoles at the origin of the pixels: F maps (0, 0, 1) to nothing on either side.
+    const double F[9] = {0.0, 1.0, 0.0, -1.0, 0.0, 0.0, 0.0, 0.0, 0.0};
+    const zelm::PointPair out = zelm::correctOptimally(F, {{0.0, 0.0}, {0.0, 0.0}});
+    EXPECT_EQ(out.left.x, 0.0);
+    EXPECT_EQ(out.right.y, 0.0);
+}
+
+TEST(OptimalCorrection, WhatIsNotANumberComesBackWithoutHanging) {
+    constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+    const zelm::PointPair out = zelm::correctOptimally(kRowF, {{kNan, 1.0}, {2.0, 3.0}});
+    EXPECT_EQ(out.right.x, 2.0);
+}
+
+TEST(TwoViewChange2Dto3D, ABlockThatIsNotFiniteEndsInAStatus) {
+    TruePair pair = makePair(0, 0);
+    std::vector<unsigned char> data = blockOf(pair);
+    pair.left.pose.t[0] = std::numeric_limits<double>::quiet_NaN();
+    zelm::block::write(data.data(), zelm::block::pose(3, zelm::Camera::left, 0), pair.left.pose);
+    Handle handle;
+    ASSERT_EQ(zelm2ViewLoadCalibData(static_cast<std::int32_t>(data.size()), data.data(), &handle.calib), ZELM_OK);
+    const Point2d p{640.0, 480.0};
+    Point3d out{7.0, 8.0, 9.0};
+    const std::int32_t status = zelm2ViewChange2Dto3D(handle.get(), &p, &p, &out);
+    EXPECT_TRUE(status == ZELM_ERR_DEGENERATE || (status == ZELM_OK && std::isnan(out.x))) << status;
+}
+
+// Two cameras at one place see along one ray: no depth. The least-norm answer of the solver still lies on that ray.
+TEST(TwoViewChange2Dto3D, ACameraSeenTwiceYieldsAFinitePoint) {
+    TruePair pair = makePair(0, 0);
+    TruePair apart = pair;
+    apart.right.pose = apart.left.pose;
+    apart.right.intrinsics = apart.left.intrinsics;
+    std::vector<unsigned char> data = blockOf(pair);  // F of a proper pair
+    zelm::block::write(data.data(), zelm::block::pose(3, zelm::Camera::right, 0), apart.right.pose);
+    zelm::block::write(data.data(), zelm::block::intrinsics(zelm::Camera::right), apart.right.intrinsics);
+    Handle handle;
+    ASSERT_EQ(zelm2ViewLoadCalibData(static_cast<std::int32_t>(data.size()), data.data(), &handle.calib), ZELM_OK);
+    const Point2d p{640.0, 480.0};
+    Point3d out{};
+    EXPECT_EQ(zelm2ViewChange2Dto3D(handle.get(), &p, &p, &out), ZELM_OK);
+    EXPECT_TRUE(std::isfinite(out.x) && std::isfinite(out.y) && std::isfinite(out.z));
+}
+
+TEST(TwoViewChange3Dto2D, ProjectsWithEachCamerasOwnModel) {
+    Random random(84);
+    for (const Models& models : kTriangulable) {
+        const TruePair pair = makePair(models.left, models.right, &random);
+        Handle handle;
+        loadPair(pair, &handle);
+        for (const char name : {'L', 'R'}) {
+            const Point3d X = randomWorldPoint(random);
+            const Point2d expected = pair.project(name, X);
+            Point2d p{};
+            ASSERT_EQ(zelm2ViewChange3Dto2D(handle.get(), name, &X, &p), ZELM_OK);
+            EXPECT_EQ(p.x, expected.x);
+            EXPECT_EQ(p.y, expected.y);
+        }
+    }
+}
+
+TEST(TwoViewChange3Dto2D, BadArgumentsAreRefused) {
+    Handle handle;
+    loadPair(makePair(0, 0), &handle);
+    const Point3d X{};
+    Point2d p{7.0, 8.0};
+    EXPECT_EQ(zelm2ViewChange3Dto2D(nullptr, 'L', &X, &p), ZELM_ERR_PARAM);
+    EXPECT_EQ(zelm2ViewChange3Dto2D(handle.get(), 'L', nullptr, &p), ZELM_ERR_PARAM);
+    EXPECT_EQ(zelm2ViewChange3Dto2D(handle.get(), 'L', &X, nullptr), ZELM_ERR_PARAM);
+    EXPECT_EQ(zelm2ViewChange3Dto2D(handle.get(), 'l', &X, &p), ZELM_ERR_PARAM);
+    EXPECT_EQ(p.x, 7.0);
+    EXPECT_EQ(zelm2ViewChange3Dto2D(handle.get(), 'L' + 0x5500, &X, &p), ZELM_OK) << "only the low byte counts";
+}
+
+}  // namespace
