@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
 
 #include "bufferSampling.h"
@@ -88,7 +89,7 @@ TEST(TwoViewHomImgPoint, ForwardAndBackReturnsTheRawPixel) {
             }
         }
     }
-    RecordProperty("worstReturn", std::to_string(worst));
+    std::printf("worstReturn: %.2g\n", worst);
     EXPECT_LT(worst, 1e-4);  // pixels
 }
 
@@ -216,7 +217,7 @@ TEST(TwoViewDistortion, PointsGoThereAndBackAndSucceedWithZero) {
 
 TEST(TwoViewDistortion, BadArgumentsAreRefusedAndFailuresPassThrough) {
     TruePair pair = makePair(0, 0);
-    pair.left.intrinsics.k1 = -30.0;
+    pair.left.intrinsics.k1 = 1e13;
     Handle handle;
     loadPair(pair, &handle);
     const Point2d corner{1270.0, 950.0};

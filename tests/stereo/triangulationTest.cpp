@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdio>
 #include <limits>
 
 #include "optimalCorrection.h"
@@ -47,7 +48,7 @@ TEST(TwoViewChange2Dto3D, TwoParallelCamerasAreRefused) {
 TEST(TwoViewChange2Dto3D, APixelWhoseDistortionCannotBeRemovedIsReported) {
     for (const char name : {'L', 'R'}) {
         TruePair pair = makePair(0, 0);
-        (name == 'L' ? pair.left : pair.right).intrinsics.k1 = -30.0;  // folds the image far inside its border
+        (name == 'L' ? pair.left : pair.right).intrinsics.k1 = 1e13;  // Newton shrinks the pixel by a third a step
         Handle handle;
         loadPair(pair, &handle);
         const Point2d corner{1270.0, 950.0};
@@ -77,7 +78,7 @@ TEST(TwoViewChange2Dto3D, ProjectedPointsComeBack) {
             }
         }
     }
-    RecordProperty("worstError", std::to_string(worst));
+    std::printf("worstError: %.2g\n", worst);
     // 1e-9 of the working distance of 450.
     EXPECT_LT(worst, 450e-9);
 }
@@ -181,7 +182,7 @@ TEST(OptimalCorrection, EqualsTheGlobalOptimum) {
         worst = std::max({worst, std::fabs(corrected.left.x - best.left.x), std::fabs(corrected.left.y - best.left.y),
                           std::fabs(corrected.right.x - best.right.x), std::fabs(corrected.right.y - best.right.y)});
     }
-    RecordProperty("worstDifference", std::to_string(worst));
+    std::printf("worstDifference: %.2g\n", worst);
     EXPECT_LT(worst, 1e-6);
 }
 
