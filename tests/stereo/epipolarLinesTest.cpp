@@ -58,7 +58,7 @@ double roundingOf(const Handle& handle, char name, const Point2d& point, const P
     const double b = rows[3] * other.x + rows[4] * other.y + rows[5];
     const double sums =
         (std::fabs(point.x) + std::fabs(point.y) + 1.0) * (std::fabs(other.x) + std::fabs(other.y) + 1.0);
-    return 4.0 * std::numeric_limits<double>::epsilon() * sums / std::hypot(a, b);
+    return 16.0 * std::numeric_limits<double>::epsilon() * sums / std::hypot(a, b);
 }
 
 TEST(TwoViewCalcEpiLine, PassesThroughTheTrueCorrespondence) {
