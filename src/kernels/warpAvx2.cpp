@@ -56,11 +56,24 @@ inline __m256 sub(__m256 a, __m256 b) {
     return _mm256_sub_ps(a, b);
 }
 
+// What is constant along a row of destination pixels.
+struct RowTerms {
+    __m256 u;
+    __m256 v;
+    __m256 w;
+};
+
+inline RowTerms rowTerms(const WarpModel& m, std::int32_t row) {
+    const auto y = static_cast<float>(row);
+    return {_mm256_set1_ps(m.h[1] * y + m.h[2]), _mm256_set1_ps(m.h[4] * y + m.h[5]),
+            _mm256_set1_ps(m.h[7] * y + m.h[8])};
+}
+
 // The same operations in the same order as the plain tier and none of them fused: positions agree bit for bit.
-inline Positions sourcePositions(const Model& m, __m256 x, __m256 y) {
-    const __m256 w = add(add(mul(m.h[6], x), mul(m.h[7], y)), m.h[8]);
-    const __m256 u = _mm256_div_ps(add(add(mul(m.h[0], x), mul(m.h[1], y)), m.h[2]), w);
-    const __m256 v = _mm256_div_ps(add(add(mul(m.h[3], x), mul(m.h[4], y)), m.h[5]), w);
+inline Positions sourcePositions(const Model& m, const RowTerms& row, __m256 x) {
+    const __m256 inverse = _mm256_div_ps(_mm256_set1_ps(1.0F), add(mul(m.h[6], x), row.w));
+    const __m256 u = mul(add(mul(m.h[0], x), row.u), inverse);
+    const __m256 v = mul(add(mul(m.h[3], x), row.v), inverse);
     const __m256 du = sub(u, m.cx);
     const __m256 dv = sub(v, m.cy);
     const __m256 xn = mul(sub(du, mul(m.shear, dv)), m.inverseAlpha);
@@ -179,52 +192,65 @@ inline bool sampleWindow(const WarpSource& source, const Positions& p, std::uint
     return true;
 }
 
-// Eight bytes (two neighbouring pixels of four channels) as floats.
-inline __m256 pixelPair(const std::uint8_t* p) {
-    return _mm256_cvtepi32_ps(_mm256_cvtepu8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p))));
+inline std::int32_t fourBytes(const std::uint8_t* p) {
+    std::int32_t word;
+    __builtin_memcpy(&word, p, sizeof word);
+    return word;
 }
 
-// Right times fx plus left times 1 - fx, for two destination pixels in the two halves.
-inline __m256 mixNeighbours(const std::uint8_t* p, const std::uint8_t* q, __m256 weightsP, __m256 weightsQ) {
-    const __m256 a = mul(pixelPair(p), weightsP);
-    const __m256 b = mul(pixelPair(q), weightsQ);
-    return add(_mm256_permute2f128_ps(a, b, 0x31), _mm256_permute2f128_ps(a, b, 0x20));
+// The pixels of four channels at p and q as floats, one in each half. Broadcasts and shifts instead of widening
+// shuffles, which would all wait for one port.
+inline __m256 twoPixels(const std::uint8_t* p, const std::uint8_t* q) {
+    const __m256i both = _mm256_blend_epi32(_mm256_set1_epi32(fourBytes(p)), _mm256_set1_epi32(fourBytes(q)), 0xF0);
+    const __m256i channels = _mm256_srlv_epi32(both, _mm256_setr_epi32(0, 8, 16, 24, 0, 8, 16, 24));
+    return _mm256_cvtepi32_ps(_mm256_and_si256(channels, _mm256_set1_epi32(0xFF)));
 }
 
-inline __m256 halves(float low, float high) {
-    return _mm256_set_m128(_mm_set1_ps(high), _mm_set1_ps(low));
+// a[0] in the lower half, a[1] in the upper one.
+inline __m256 twoWeights(const float* a) {
+    return _mm256_blend_ps(_mm256_broadcast_ss(a), _mm256_broadcast_ss(a + 1), 0xF0);
 }
+
+// Positions of eight pixels split into integers and weights.
+struct alignas(32) SplitPositions {
+    std::int32_t ix[kLanes];
+    std::int32_t iy[kLanes];
+    float fx[kLanes];
+    float gx[kLanes];  // 1 - fx
+    float fy[kLanes];
+    float gy[kLanes];
+};
 
 // Two valid pixels of four channels as eight 32-bit integers.
-inline __m256i sampleTwo(const WarpSource& source, const std::int32_t* ix, const std::int32_t* iy, const float* fx,
-                         const float* fy) {
-    const std::uint8_t* const p = pixelAt(source, ix[0], iy[0], 4);
-    const std::uint8_t* const q = pixelAt(source, ix[1], iy[1], 4);
-    const __m256 weightsP = halves(1.0F - fx[0], fx[0]);
-    const __m256 weightsQ = halves(1.0F - fx[1], fx[1]);
-    const __m256 top = mixNeighbours(p, q, weightsP, weightsQ);
-    const __m256 bottom = mixNeighbours(p + source.stride, q + source.stride, weightsP, weightsQ);
-    const __m256 down = halves(fy[0], fy[1]);
-    return _mm256_cvtps_epi32(add(mul(bottom, down), mul(top, sub(_mm256_set1_ps(1.0F), down))));
+inline __m256i sampleTwo(const WarpSource& source, const SplitPositions& s, int i) {
+    const std::uint8_t* const p = pixelAt(source, s.ix[i], s.iy[i], 4);
+    const std::uint8_t* const q = pixelAt(source, s.ix[i + 1], s.iy[i + 1], 4);
+    const __m256 fx = twoWeights(s.fx + i);
+    const __m256 gx = twoWeights(s.gx + i);
+    const __m256 top = add(mul(twoPixels(p + 4, q + 4), fx), mul(twoPixels(p, q), gx));
+    const std::uint8_t* const pBelow = p + source.stride;
+    const std::uint8_t* const qBelow = q + source.stride;
+    const __m256 bottom = add(mul(twoPixels(pBelow + 4, qBelow + 4), fx), mul(twoPixels(pBelow, qBelow), gx));
+    return _mm256_cvtps_epi32(add(mul(bottom, twoWeights(s.fy + i)), mul(top, twoWeights(s.gy + i))));
 }
 
 // Eight valid pixels of four channels.
 inline void sampleEight4(const WarpSource& source, const Positions& p, std::uint8_t* out) {
-    alignas(32) std::int32_t ix[kLanes];
-    alignas(32) std::int32_t iy[kLanes];
-    alignas(32) float fx[kLanes];
-    alignas(32) float fy[kLanes];
     const __m256i column = _mm256_cvttps_epi32(p.u);
     const __m256i row = _mm256_cvttps_epi32(p.v);
-    _mm256_store_si256(reinterpret_cast<__m256i*>(ix), column);
-    _mm256_store_si256(reinterpret_cast<__m256i*>(iy), row);
-    _mm256_store_ps(fx, sub(p.u, _mm256_cvtepi32_ps(column)));
-    _mm256_store_ps(fy, sub(p.v, _mm256_cvtepi32_ps(row)));
+    const __m256 fx = sub(p.u, _mm256_cvtepi32_ps(column));
+    const __m256 fy = sub(p.v, _mm256_cvtepi32_ps(row));
+    const __m256 one = _mm256_set1_ps(1.0F);
+    SplitPositions split;
+    _mm256_store_si256(reinterpret_cast<__m256i*>(split.ix), column);
+    _mm256_store_si256(reinterpret_cast<__m256i*>(split.iy), row);
+    _mm256_store_ps(split.fx, fx);
+    _mm256_store_ps(split.gx, sub(one, fx));
+    _mm256_store_ps(split.fy, fy);
+    _mm256_store_ps(split.gy, sub(one, fy));
     for (int i = 0; i < kLanes; i += 4) {
-        const __m256i first = sampleTwo(source, ix + i, iy + i, fx + i, fy + i);
-        const __m256i second = sampleTwo(source, ix + i + 2, iy + i + 2, fx + i + 2, fy + i + 2);
         // Lanes after packing: pixels 0, 2, 1, 3 of the four.
-        const __m256i words = _mm256_packus_epi32(first, second);
+        const __m256i words = _mm256_packus_epi32(sampleTwo(source, split, i), sampleTwo(source, split, i + 2));
         const __m128i bytes = _mm_packus_epi16(_mm256_castsi256_si128(words), _mm256_extracti128_si256(words, 1));
         _mm_storeu_si128(reinterpret_cast<__m128i*>(out + 4 * i), _mm_shuffle_epi32(bytes, _MM_SHUFFLE(3, 1, 2, 0)));
     }
@@ -248,21 +274,46 @@ inline __m256 columns(std::int32_t x) {
     return _mm256_cvtepi32_ps(_mm256_add_epi32(_mm256_set1_epi32(x), _mm256_setr_epi32(0, 1, 2, 3, 4, 5, 6, 7)));
 }
 
+// Destination pixels whose positions are computed together. Apart from the sampling, the arithmetic of many groups
+// overlaps; long enough for that, short enough for the innermost cache.
+constexpr std::int32_t kStretch = 128;
+
+// Positions of count pixels of a row from column first on, rounded up to whole groups.
+inline void stretchPositions(const Model& model, const RowTerms& row, std::int32_t first, std::int32_t count, float* u,
+                             float* v) {
+    for (std::int32_t i = 0; i < count; i += kLanes) {
+        const Positions p = sourcePositions(model, row, columns(first + i));
+        _mm256_store_ps(u + i, p.u);
+        _mm256_store_ps(v + i, p.v);
+    }
+}
+
+// Samples count pixels at the given positions; whole groups may be read behind them.
+template <int channels>
+inline void sampleStretch(const WarpSource& source, const float* u, const float* v, std::int32_t count,
+                          std::uint8_t* out) {
+    std::int32_t i = 0;
+    for (; i <= count - kLanes; i += kLanes) {
+        sampleGroup<channels>(source, {_mm256_load_ps(u + i), _mm256_load_ps(v + i)}, out + i * channels);
+    }
+    if (i < count) {
+        const Positions p{_mm256_load_ps(u + i), _mm256_load_ps(v + i)};
+        sampleLanes<channels>(source, p, _mm256_movemask_ps(validMask(p, source)), count - i, out + i * channels);
+    }
+}
+
 template <int channels>
 void warp(const WarpModel& plainModel, const WarpSource& source, const WarpTarget& target) {
     const Model model = broadcast(plainModel);
+    alignas(32) float u[kStretch];
+    alignas(32) float v[kStretch];
     for (std::int32_t y = 0; y < target.height; ++y) {
-        std::uint8_t* const row = target.pixels + static_cast<std::ptrdiff_t>(y) * target.stride;
-        const __m256 rowNumber = _mm256_set1_ps(static_cast<float>(y));
-        std::int32_t x = 0;
-        for (; x <= target.width - kLanes; x += kLanes) {
-            sampleGroup<channels>(source, sourcePositions(model, columns(x), rowNumber),
-                                  row + static_cast<std::ptrdiff_t>(x) * channels);
-        }
-        if (x < target.width) {
-            const Positions p = sourcePositions(model, columns(x), rowNumber);
-            sampleLanes<channels>(source, p, _mm256_movemask_ps(validMask(p, source)), target.width - x,
-                                  row + static_cast<std::ptrdiff_t>(x) * channels);
+        std::uint8_t* const out = target.pixels + static_cast<std::ptrdiff_t>(y) * target.stride;
+        const RowTerms row = rowTerms(plainModel, y);
+        for (std::int32_t x = 0; x < target.width; x += kStretch) {
+            const std::int32_t count = smaller(kStretch, target.width - x);
+            stretchPositions(model, row, x, count, u, v);
+            sampleStretch<channels>(source, u, v, count, out + static_cast<std::ptrdiff_t>(x) * channels);
         }
     }
 }
@@ -332,10 +383,10 @@ void mapAvx232f(const WarpModel& plainModel, const WarpSource& source, const War
     for (std::int32_t y = 0; y < maps.height; ++y) {
         float* const mapX = mapRow(maps.x, maps.strideX, y);
         float* const mapY = mapRow(maps.y, maps.strideY, y);
-        const __m256 rowNumber = _mm256_set1_ps(static_cast<float>(y));
+        const RowTerms row = rowTerms(plainModel, y);
         for (std::int32_t x = 0; x < maps.width; x += kLanes) {
             const __m256i lanes = tailMask(maps.width - x);
-            const Positions p = sourcePositions(model, columns(x), rowNumber);
+            const Positions p = sourcePositions(model, row, columns(x));
             const __m256 inside = validMask(p, source);
             _mm256_maskstore_ps(mapX + x, lanes, _mm256_blendv_ps(none, p.u, inside));
             _mm256_maskstore_ps(mapY + x, lanes, _mm256_blendv_ps(none, p.v, inside));

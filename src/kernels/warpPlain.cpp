@@ -15,10 +15,22 @@ struct Position {
     float v;
 };
 
-Position sourcePosition(const WarpModel& m, float x, float y) {
-    const float w = m.h[6] * x + m.h[7] * y + m.h[8];
-    const float u = (m.h[0] * x + m.h[1] * y + m.h[2]) / w;
-    const float v = (m.h[3] * x + m.h[4] * y + m.h[5]) / w;
+// What is constant along a row of destination pixels.
+struct RowTerms {
+    float u;
+    float v;
+    float w;
+};
+
+RowTerms rowTerms(const WarpModel& m, std::int32_t row) {
+    const auto y = static_cast<float>(row);
+    return {m.h[1] * y + m.h[2], m.h[4] * y + m.h[5], m.h[7] * y + m.h[8]};
+}
+
+Position sourcePosition(const WarpModel& m, const RowTerms& row, float x) {
+    const float inverse = 1.0F / (m.h[6] * x + row.w);
+    const float u = (m.h[0] * x + row.u) * inverse;
+    const float v = (m.h[3] * x + row.v) * inverse;
     const float du = u - m.cx;
     const float dv = v - m.cy;
     const float xn = (du - m.shear * dv) * m.inverseAlpha;
@@ -62,8 +74,9 @@ template <int channels>
 void warp(const WarpModel& model, const WarpSource& source, const WarpTarget& target) {
     for (std::int32_t y = 0; y < target.height; ++y) {
         std::uint8_t* const row = target.pixels + static_cast<std::ptrdiff_t>(y) * target.stride;
+        const RowTerms terms = rowTerms(model, y);
         for (std::int32_t x = 0; x < target.width; ++x) {
-            const Position p = sourcePosition(model, static_cast<float>(x), static_cast<float>(y));
+            const Position p = sourcePosition(model, terms, static_cast<float>(x));
             sampleOrClear<channels>(source, p, row + static_cast<std::ptrdiff_t>(x) * channels);
         }
     }
@@ -113,8 +126,9 @@ void mapPlain32f(const WarpModel& model, const WarpSource& source, const WarpMap
     for (std::int32_t y = 0; y < maps.height; ++y) {
         float* const mapX = mapRow(maps.x, maps.strideX, y);
         float* const mapY = mapRow(maps.y, maps.strideY, y);
+        const RowTerms terms = rowTerms(model, y);
         for (std::int32_t x = 0; x < maps.width; ++x) {
-            const Position p = sourcePosition(model, static_cast<float>(x), static_cast<float>(y));
+            const Position p = sourcePosition(model, terms, static_cast<float>(x));
             const bool inside = isValid(p, source);
             mapX[x] = inside ? p.u : kNoSource;
             mapY[x] = inside ? p.v : kNoSource;
