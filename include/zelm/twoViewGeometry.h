@@ -132,8 +132,8 @@ ZELM_API int32_t zelm2ViewUnDistortImage(const Zelm2ViewCalib* tHandle, int32_t 
 
 /// As zelm2ViewUnDistortImage for ARGB8888 buffers; alpha becomes 255 everywhere. A position beyond the centre of the
 /// last column or row gives R = G = B = 0.
-/// @return as zelm2ViewUnDistortImage; also ZELM_ERR_PARAM when a buffer has no data or another size than the camera's
-/// image
+/// @return as zelm2ViewUnDistortImage; also ZELM_ERR_PARAM when a buffer has no data, a row longer than 2^31 - 1 bytes,
+/// or another size than the camera's image
 ZELM_API int32_t zelm2ViewUnDistortImage_vImageARGB8888(const Zelm2ViewCalib* tHandle, int32_t iCamera,
                                                         const vImage_Buffer* tSrc, const vImage_Buffer* tDst);
 

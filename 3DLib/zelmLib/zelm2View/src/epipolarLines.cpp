@@ -2,7 +2,7 @@
 #include <cstdint>
 
 #include "calibObject.h"
-#include "pairCamera.h"
+#include "calibratedCamera.h"
 #include "rectifyingTransform.h"
 #include "zelm/cg.h"
 #include "zelm/mat.h"
@@ -23,10 +23,10 @@ void setNormalised(const double l[3], Zelm2ViewEpiLine* line) {
     line->c = l[2] / norm;
 }
 
-// Clips the line to the camera's image inset by one pixel on every side.
-std::int32_t setEndPoints(const PairCamera& camera, Zelm2ViewEpiLine* line) {
-    const double right = camera.width - 2;
-    const double bottom = camera.height - 2;
+// Clips the line to an image of the given size inset by one pixel on every side.
+std::int32_t setEndPoints(const ImageSize& size, Zelm2ViewEpiLine* line) {
+    const double right = size.width - 2;
+    const double bottom = size.height - 2;
     const Point2d inset[4] = {{1.0, 1.0}, {right, 1.0}, {right, bottom}, {1.0, bottom}};
     const Line2d clipped{line->a, line->b, line->c};
     Point2d ends[2] = {{0.0, 0.0}, {0.0, 0.0}};
@@ -59,16 +59,16 @@ std::int32_t zelm2ViewCalcEpiLine(const Zelm2ViewCalib* tHandle, std::int32_t iC
     if (!selectCamera(iCamera, &camera)) {
         return ZELM_ERR_PARAM;
     }
-    const PairCamera from = readPairCamera(tHandle->data, otherOf(camera));
+    const auto from = block::read<ZelmCameraIntrinsics>(tHandle->data, block::intrinsics(otherOf(camera)));
     double point[3] = {0.0, 0.0, 1.0};
-    if (zelmCalibUnDistortPoint(&from.intrinsics, tPoint->x, tPoint->y, &point[0], &point[1]) < 0) {
+    if (zelmCalibUnDistortPoint(&from, tPoint->x, tPoint->y, &point[0], &point[1]) < 0) {
         return ZELM_ERR_UNDISTORT;
     }
     const auto fundamental = block::read<FundamentalPair>(tHandle->data, block::kFundamental);
     double line[3];
     zelmMatMul(3, 3, isLeft(camera) ? fundamental.F : fundamental.Ft, 3, 1, point, line);
     setNormalised(line, tOut);
-    return setEndPoints(readPairCamera(tHandle->data, camera), tOut);
+    return setEndPoints(imageSizeOf(tHandle->data, camera), tOut);
 }
 
 std::int32_t zelm2ViewChangeHomEpiLine(const Zelm2ViewCalib* tHandle, std::int32_t iCamera,
@@ -88,5 +88,5 @@ std::int32_t zelm2ViewChangeHomEpiLine(const Zelm2ViewCalib* tHandle, std::int32
     zelmMatMul(1, 3, daLine, 3, 3, T, line);
     setNormalised(line, tOut);
     clearEndPoints(tOut);
-    return setEndPoints(readPairCamera(tHandle->data, camera), tOut);
+    return setEndPoints(imageSizeOf(tHandle->data, camera), tOut);
 }

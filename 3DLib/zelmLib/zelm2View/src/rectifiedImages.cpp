@@ -1,21 +1,14 @@
 #include <cstdint>
-#include <limits>
 
 #include "calibObject.h"
-#include "pairCamera.h"
+#include "calibratedCamera.h"
+#include "imageBuffer.h"
 #include "rectifyingTransform.h"
 #include "zelm/kernels.h"
 #include "zelm/twoViewGeometry.h"
 
 namespace zelm {
 namespace {
-
-constexpr auto kLongestRow = static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max());
-
-bool hasSizeOf(const vImage_Buffer& buffer, const PairCamera& camera) {
-    return buffer.data != nullptr && buffer.width == static_cast<std::size_t>(camera.width) &&
-           buffer.height == static_cast<std::size_t>(camera.height) && buffer.rowBytes <= kLongestRow;
-}
 
 // The intrinsics as the array of 22 doubles that the kernels read.
 struct KernelCamera {
@@ -45,9 +38,9 @@ std::int32_t zelm2ViewMakeHomImage(const Zelm2ViewCalib* tHandle, std::int32_t i
     if (status < 0) {
         return status;
     }
-    const PairCamera pair = readPairCamera(tHandle->data, camera);
-    perspectiveTransAndDistortImage_8uC1(T, kernelCamera(tHandle->data, camera).elements, ucSrc, pair.width, pair.width,
-                                         pair.height, ucDst, pair.width, pair.width, pair.height);
+    const ImageSize size = imageSizeOf(tHandle->data, camera);
+    perspectiveTransAndDistortImage_8uC1(T, kernelCamera(tHandle->data, camera).elements, ucSrc, size.width, size.width,
+                                         size.height, ucDst, size.width, size.width, size.height);
     return ZELM_OK;
 }
 
@@ -59,8 +52,8 @@ std::int32_t zelm2ViewMakeHomImage_vImageARGB8888(const Zelm2ViewCalib* tHandle,
         !selectCamera(iCamera, &camera)) {
         return ZELM_ERR_PARAM;
     }
-    const PairCamera pair = readPairCamera(tHandle->data, camera);
-    if (!hasSizeOf(*tSrc, pair) || !hasSizeOf(*tDst, pair)) {
+    const ImageSize size = imageSizeOf(tHandle->data, camera);
+    if (!isBufferOf(*tSrc, size) || !isBufferOf(*tDst, size)) {
         return ZELM_ERR_PARAM;
     }
     double T[9];
@@ -71,7 +64,7 @@ std::int32_t zelm2ViewMakeHomImage_vImageARGB8888(const Zelm2ViewCalib* tHandle,
     }
     perspectiveTransAndDistortImage_8uC4(
         T, kernelCamera(tHandle->data, camera).elements, static_cast<const std::uint8_t*>(tSrc->data),
-        static_cast<std::int32_t>(tSrc->rowBytes), pair.width, pair.height, static_cast<std::uint8_t*>(tDst->data),
-        static_cast<std::int32_t>(tDst->rowBytes), pair.width, pair.height);
+        static_cast<std::int32_t>(tSrc->rowBytes), size.width, size.height, static_cast<std::uint8_t*>(tDst->data),
+        static_cast<std::int32_t>(tDst->rowBytes), size.width, size.height);
     return ZELM_OK;
 }

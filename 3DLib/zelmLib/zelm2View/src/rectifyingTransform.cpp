@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "pairCamera.h"
+#include "calibratedCamera.h"
 #include "zelm/mat.h"
 
 namespace zelm {
@@ -17,9 +17,9 @@ struct DepthMatrix {
 };
 
 bool makeDepthMatrix(const unsigned char* data, Camera camera, double s, DepthMatrix* out) {
-    const PairCamera pair = readPairCamera(data, camera);
+    const CalibratedCamera calibrated = calibratedCamera(data, camera);
     double P[12];
-    if (zelmCalibCameraMatrix(pair.intrinsics.A, &pair.pose, P, pair.model) < 0) {
+    if (zelmCalibCameraMatrix(calibrated.intrinsics.A, &calibrated.pose, P, calibrated.model) < 0) {
         return false;
     }
     const auto rectifying = block::read<RectifyingPair>(data, block::rectifying(camera));
@@ -31,9 +31,9 @@ bool makeDepthMatrix(const unsigned char* data, Camera camera, double s, DepthMa
 }
 
 // What shifts the reference pixel's image onto the image centre.
-Point2d centringOffset(const double F[9], const Zelm2ViewHomParam& params, const PairCamera& camera) {
+Point2d centringOffset(const double F[9], const Zelm2ViewHomParam& params, const ImageSize& size) {
     const Point2d w = transformPoint(F, params.px, params.py);
-    return {w.x - camera.width / 2, w.y - camera.height / 2};
+    return {w.x - size.width / 2, w.y - size.height / 2};
 }
 
 }  // namespace
@@ -57,7 +57,7 @@ std::int32_t innerCalcHomMatrix(const unsigned char* data, Camera camera, const 
     const DepthMatrix& other = isLeft(camera) ? right : left;
     double forward[9];
     zelmMatMul(3, 3, other.A, 3, 3, own.Ainv, forward);
-    const Point2d offset = centringOffset(forward, params, readPairCamera(data, camera));
+    const Point2d offset = centringOffset(forward, params, imageSizeOf(data, camera));
     if (direction == RectifyingDirection::toRectified) {
         const double shift[9] = {1.0, 0.0, -offset.x, 0.0, 1.0, -offset.y, 0.0, 0.0, 1.0};
         zelmMatMul(3, 3, shift, 3, 3, forward, T);

@@ -4,6 +4,7 @@
 
 #include "calibBlock.h"
 #include "calibObject.h"
+#include "calibratedCamera.h"
 #include "stereoGeometry.h"
 #include "workBuffer.h"
 #include "zelm/calib.h"
@@ -13,19 +14,14 @@ namespace {
 
 constexpr double kRobustThreshold = 3.5;  // Tukey cut-off of the estimation, robust deviations
 
-std::int32_t modelOf(const unsigned char* data, Camera camera) {
-    const Zelm2ViewCameraDesc desc = block::cameras(data);
-    return isLeft(camera) ? desc.leftModel : desc.rightModel;
-}
-
 // What a single view of a parallel camera cannot tell, set beforehand.
 void presetParallel(const unsigned char* data, const Zelm2ViewPatternDesc& pattern, Camera camera,
                     ZelmCameraIntrinsics* intrinsics) {
-    const Zelm2ViewCameraDesc desc = block::cameras(data);
+    const ImageSize size = imageSizeOf(data, camera);
     intrinsics->alpha = pattern.d6;
     intrinsics->beta = pattern.d7;
-    intrinsics->cx = ((isLeft(camera) ? desc.leftWidth : desc.rightWidth) - 1) * 0.5;
-    intrinsics->cy = ((isLeft(camera) ? desc.leftHeight : desc.rightHeight) - 1) * 0.5;
+    intrinsics->cx = (size.width - 1) * 0.5;
+    intrinsics->cy = (size.height - 1) * 0.5;
 }
 
 // Estimates one camera and writes its intrinsics and poses into the data block; on failure the block stays as it was.
@@ -54,11 +50,6 @@ std::int32_t estimateCamera(const Zelm2ViewCalib& calib, Camera camera, double* 
         block::write(calib.data, block::pose(n, camera, i), poses[static_cast<std::size_t>(i)]);
     }
     return status;
-}
-
-CalibratedCamera calibratedCamera(const unsigned char* data, Camera camera) {
-    return {modelOf(data, camera), block::read<ZelmCameraIntrinsics>(data, block::intrinsics(camera)),
-            block::read<ZelmCameraExtrinsics>(data, block::pose(block::views(data), camera, 0))};
 }
 
 std::int32_t translateFundamental(std::int32_t status) {

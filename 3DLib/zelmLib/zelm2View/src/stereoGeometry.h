@@ -4,18 +4,9 @@
 
 #include <cstdint>
 
-#include "calibBlock.h"
+#include "calibratedCamera.h"
 
 namespace zelm {
-
-// A calibrated camera: its model, intrinsics and pose in view 0.
-struct CalibratedCamera {
-    std::int32_t model;
-    ZelmCameraIntrinsics intrinsics;
-    ZelmCameraExtrinsics pose;
-};
-
-constexpr std::int32_t kParallelModel = 2;
 
 // F with xL' F xR = 0 for undistorted pixels, its largest element about 1, of rank 2; and its transpose. Codes of the
 // matrix toolkit are passed on. A pair of a perspective left and a parallel right camera is ZELM_ERR_PARAM.

@@ -1,15 +1,15 @@
 #include <cstdint>
 
 #include "calibObject.h"
+#include "calibratedCamera.h"
 #include "optimalCorrection.h"
-#include "pairCamera.h"
 #include "zelm/mat.h"
 #include "zelm/twoViewGeometry.h"
 
 namespace zelm {
 namespace {
 
-std::int32_t undistort(const PairCamera& camera, const Point2d& raw, Point2d* ideal) {
+std::int32_t undistort(const CalibratedCamera& camera, const Point2d& raw, Point2d* ideal) {
     return zelmCalibUnDistortPoint(&camera.intrinsics, raw.x, raw.y, &ideal->x, &ideal->y) < 0 ? ZELM_ERR_UNDISTORT
                                                                                                : ZELM_OK;
 }
@@ -24,7 +24,8 @@ void addEquations(const double P[12], const Point2d& p, double* A, double* b) {
     b[1] = P[7] - p.y * P[11];
 }
 
-std::int32_t triangulate(const PairCamera& left, const PairCamera& right, const PointPair& points, Point3d* out) {
+std::int32_t triangulate(const CalibratedCamera& left, const CalibratedCamera& right, const PointPair& points,
+                         Point3d* out) {
     double PL[12];
     double PR[12];
     if (const auto status = zelmCalibCameraMatrix(left.intrinsics.A, &left.pose, PL, left.model); status < 0) {
@@ -56,8 +57,8 @@ std::int32_t zelm2ViewChange2Dto3D(const Zelm2ViewCalib* tHandle, const Point2d*
     if (tHandle == nullptr || tLeft == nullptr || tRight == nullptr || tOut == nullptr) {
         return ZELM_ERR_PARAM;
     }
-    const PairCamera left = readPairCamera(tHandle->data, Camera::left);
-    const PairCamera right = readPairCamera(tHandle->data, Camera::right);
+    const CalibratedCamera left = calibratedCamera(tHandle->data, Camera::left);
+    const CalibratedCamera right = calibratedCamera(tHandle->data, Camera::right);
     if (left.model == kParallelModel && right.model == kParallelModel) {
         return ZELM_ERR_PARAM;
     }
@@ -75,7 +76,7 @@ std::int32_t zelm2ViewChange3Dto2D(const Zelm2ViewCalib* tHandle, std::int32_t i
     if (tHandle == nullptr || tIn == nullptr || tOut == nullptr || !selectCamera(iCamera, &camera)) {
         return ZELM_ERR_PARAM;
     }
-    const PairCamera pair = readPairCamera(tHandle->data, camera);
+    const CalibratedCamera pair = calibratedCamera(tHandle->data, camera);
     const std::int32_t status = zelmCalibChange3Dto2D(tIn, &pair.intrinsics, &pair.pose, tOut, pair.model);
     return status < 0 ? status : ZELM_OK;
 }

@@ -4,8 +4,9 @@
 
 #include "bufferSampling.h"
 #include "calibObject.h"
+#include "calibratedCamera.h"
 #include "distortion.h"
-#include "pairCamera.h"
+#include "imageBuffer.h"
 #include "zelm/misc.h"
 #include "zelm/twoViewGeometry.h"
 
@@ -28,11 +29,6 @@ void forEachPosition(const LensDistortion& lens, std::int32_t row, std::int32_t 
             visit(first + i, distorted[i].x, distorted[i].y);
         }
     }
-}
-
-bool hasSizeOf(const vImage_Buffer& buffer, const PairCamera& camera) {
-    return buffer.data != nullptr && buffer.width == static_cast<std::size_t>(camera.width) &&
-           buffer.height == static_cast<std::size_t>(camera.height);
 }
 
 // The gray level at a position rounded half up. Inside the last column and row the four neighbours exist, which spares
@@ -62,15 +58,16 @@ std::int32_t zelm2ViewUnDistortImage(const Zelm2ViewCalib* tHandle, std::int32_t
     if (tHandle == nullptr || ucSrc == nullptr || ucDst == nullptr || !selectCamera(iCamera, &camera)) {
         return ZELM_ERR_PARAM;
     }
-    const PairCamera pair = readPairCamera(tHandle->data, camera);
-    const LensDistortion lens(pair.intrinsics, pair.intrinsics.theta);
+    const ImageSize size = imageSizeOf(tHandle->data, camera);
+    const auto intrinsics = block::read<ZelmCameraIntrinsics>(tHandle->data, block::intrinsics(camera));
+    const LensDistortion lens(intrinsics, intrinsics.theta);
     // The record has no const pixels; nothing writes through it here.
-    const ZelmImage image{const_cast<unsigned char*>(ucSrc), pair.width, pair.height};
-    const double lastX = pair.width - 1;
-    const double lastY = pair.height - 1;
-    for (std::int32_t y = 0; y < pair.height; ++y) {
-        unsigned char* const row = ucDst + static_cast<std::ptrdiff_t>(y) * pair.width;
-        forEachPosition(lens, y, pair.width, [&](std::int32_t x, double xd, double yd) {
+    const ZelmImage image{const_cast<unsigned char*>(ucSrc), size.width, size.height};
+    const double lastX = size.width - 1;
+    const double lastY = size.height - 1;
+    for (std::int32_t y = 0; y < size.height; ++y) {
+        unsigned char* const row = ucDst + static_cast<std::ptrdiff_t>(y) * size.width;
+        forEachPosition(lens, y, size.width, [&](std::int32_t x, double xd, double yd) {
             row[x] = roundedGray(image, lastX, lastY, xd, yd);
         });
     }
@@ -83,14 +80,15 @@ std::int32_t zelm2ViewUnDistortImage_vImageARGB8888(const Zelm2ViewCalib* tHandl
     if (tHandle == nullptr || tSrc == nullptr || tDst == nullptr || !selectCamera(iCamera, &camera)) {
         return ZELM_ERR_PARAM;
     }
-    const PairCamera pair = readPairCamera(tHandle->data, camera);
-    if (!hasSizeOf(*tSrc, pair) || !hasSizeOf(*tDst, pair)) {
+    const ImageSize size = imageSizeOf(tHandle->data, camera);
+    if (!isBufferOf(*tSrc, size) || !isBufferOf(*tDst, size)) {
         return ZELM_ERR_PARAM;
     }
-    const LensDistortion lens(pair.intrinsics, pair.intrinsics.theta);
-    for (std::int32_t y = 0; y < pair.height; ++y) {
+    const auto intrinsics = block::read<ZelmCameraIntrinsics>(tHandle->data, block::intrinsics(camera));
+    const LensDistortion lens(intrinsics, intrinsics.theta);
+    for (std::int32_t y = 0; y < size.height; ++y) {
         auto* const row = static_cast<std::uint8_t*>(tDst->data) + static_cast<std::size_t>(y) * tDst->rowBytes;
-        forEachPosition(lens, y, pair.width, [&](std::int32_t x, double xd, double yd) {
+        forEachPosition(lens, y, size.width, [&](std::int32_t x, double xd, double yd) {
             std::uint8_t* const pixel = row + static_cast<std::ptrdiff_t>(x) * 4;
             pixel[0] = 255;
             sampleBilinearARGB8888(*tSrc, xd, yd, pixel[1], pixel[2], pixel[3]);

@@ -1,0 +1,36 @@
+// One camera of a calibrated pair, read from the data block.
+#ifndef ZELM_CALIBRATED_CAMERA_H
+#define ZELM_CALIBRATED_CAMERA_H
+
+#include <cstdint>
+
+#include "calibBlock.h"
+
+namespace zelm {
+
+constexpr std::int32_t kParallelModel = 2;
+
+// A calibrated camera: its model, intrinsics and pose in view 0.
+struct CalibratedCamera {
+    std::int32_t model;
+    ZelmCameraIntrinsics intrinsics;
+    ZelmCameraExtrinsics pose;
+};
+
+// Pixels.
+struct ImageSize {
+    std::int32_t width;
+    std::int32_t height;
+};
+
+std::int32_t modelOf(const unsigned char* data, Camera camera);
+ImageSize imageSizeOf(const unsigned char* data, Camera camera);
+CalibratedCamera calibratedCamera(const unsigned char* data, Camera camera);
+
+constexpr Camera otherOf(Camera camera) {
+    return isLeft(camera) ? Camera::right : Camera::left;
+}
+
+}  // namespace zelm
+
+#endif
