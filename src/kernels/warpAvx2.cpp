@@ -56,7 +56,7 @@ inline __m256 sub(__m256 a, __m256 b) {
     return _mm256_sub_ps(a, b);
 }
 
-// What is constant along a row of destination pixels.
+// The homography's products with y, constant along a row of destination pixels.
 struct RowTerms {
     __m256 u;
     __m256 v;
@@ -65,15 +65,14 @@ struct RowTerms {
 
 inline RowTerms rowTerms(const WarpModel& m, std::int32_t row) {
     const auto y = static_cast<float>(row);
-    return {_mm256_set1_ps(m.h[1] * y + m.h[2]), _mm256_set1_ps(m.h[4] * y + m.h[5]),
-            _mm256_set1_ps(m.h[7] * y + m.h[8])};
+    return {_mm256_set1_ps(m.h[1] * y), _mm256_set1_ps(m.h[4] * y), _mm256_set1_ps(m.h[7] * y)};
 }
 
 // The same operations in the same order as the plain tier and none of them fused: positions agree bit for bit.
 inline Positions sourcePositions(const Model& m, const RowTerms& row, __m256 x) {
-    const __m256 inverse = _mm256_div_ps(_mm256_set1_ps(1.0F), add(mul(m.h[6], x), row.w));
-    const __m256 u = mul(add(mul(m.h[0], x), row.u), inverse);
-    const __m256 v = mul(add(mul(m.h[3], x), row.v), inverse);
+    const __m256 w = add(add(mul(m.h[6], x), row.w), m.h[8]);
+    const __m256 u = _mm256_div_ps(add(add(mul(m.h[0], x), row.u), m.h[2]), w);
+    const __m256 v = _mm256_div_ps(add(add(mul(m.h[3], x), row.v), m.h[5]), w);
     const __m256 du = sub(u, m.cx);
     const __m256 dv = sub(v, m.cy);
     const __m256 xn = mul(sub(du, mul(m.shear, dv)), m.inverseAlpha);
