@@ -1,4 +1,4 @@
-// zelm compare: how far a calibration is from the truth of rendered views.
+// zelm compare: how far a calibration, or what is measured with it, is from the truth of rendered images.
 #include <fmt/format.h>
 
 #include <array>
@@ -12,6 +12,7 @@
 #include "jsonFields.h"
 #include "outputFiles.h"
 #include "rigFile.h"
+#include "sceneComparison.h"
 #include "subcommands.h"
 
 namespace zelm::tool {
@@ -71,8 +72,7 @@ void comparePair(const Rig& rig, const nlohmann::json& truth, const fs::path& pa
     list.push_back({"convergence angle", "deg", pair.convergenceDegrees, std::acos(R[8]) * 180.0 / std::numbers::pi});
 }
 
-std::vector<Comparison> compare(const Rig& rig, const fs::path& path) {
-    const nlohmann::json truth = parseCommentedJson(path.string(), readWholeFile(path, "the truth of rendered views"));
+std::vector<Comparison> compare(const Rig& rig, const nlohmann::json& truth, const fs::path& path) {
     std::vector<Comparison> list;
     const nlohmann::json& cameras = member(truth, "cameras", path);
     compareCamera("left", rig.left.intrinsics, member(cameras, "left", path), path, list);
@@ -98,7 +98,14 @@ std::string comparisonText(const std::vector<Comparison>& list) {
 }
 
 void runCompare(const fs::path& rigPath, const fs::path& truthPath, const Console& console) {
-    const std::vector<Comparison> list = compare(readRig(rigPath), truthPath);
+    const LoadedRig rig = loadRig(rigPath);
+    const nlohmann::json truth =
+        parseCommentedJson(truthPath.string(), readWholeFile(truthPath, "the truth of rendered views"));
+    if (isSceneTruth(truth)) {
+        compareScene(rig, rigPath, truth, truthPath, console);
+        return;
+    }
+    const std::vector<Comparison> list = compare(rig.rig, truth, truthPath);
     console.say(comparisonText(list));
     Json json = Json::array();
     for (const Comparison& c : list) {
@@ -115,12 +122,13 @@ void runCompare(const fs::path& rigPath, const fs::path& truthPath, const Consol
 
 void addCompare(CLI::App& app, Console& console) {
     CLI::App* const sub =
-        addSubcommand(app, console, "compare", "Compare a calibration with the truth of rendered views",
+        addSubcommand(app, console, "compare", "Compare a calibration with the truth of rendered views or of a scene",
                       "zelm compare out/rig.zcal samples/desk-rig/truth.json");
     const auto rig = std::make_shared<std::string>();
     const auto truth = std::make_shared<std::string>();
     sub->add_option("rig", *rig, "The calibration (rig.zcal)")->required();
-    sub->add_option("truth", *truth, "The truth (truth.json)")->required();
+    sub->add_option("truth", *truth, "The truth of views (truth.json) or of marked points (scene_truth.json)")
+        ->required();
     sub->callback([rig, truth, &console] { runCompare(*rig, *truth, console); });
 }
 

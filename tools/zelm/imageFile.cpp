@@ -139,13 +139,12 @@ std::uint8_t nearestByte(std::uint16_t level) {
     return static_cast<std::uint8_t>((level + kLevelsOfAByte / 2) / kLevelsOfAByte);
 }
 
-Picture toGray(const fs::path& path, Image& image) {
+ColourPicture toColour(const fs::path& path, Image& image) {
     if (image.colorspace != RGBColorspace && IsRGBCompatibleColorspace(image.colorspace) == 0U) {
         TransformColorspace(&image, RGBColorspace);
     }
-    Picture picture{static_cast<int>(image.columns), static_cast<int>(image.rows), {}};
-    const std::size_t pixelCount = std::size_t{image.columns} * image.rows;
-    std::vector<std::uint8_t> argb(4 * pixelCount);
+    ColourPicture colour{static_cast<int>(image.columns), static_cast<int>(image.rows), {}};
+    colour.argb.resize(4 * std::size_t{image.columns} * image.rows);
     std::vector<std::uint16_t> row(4 * image.columns);
     Exception exception;
     for (unsigned long y = 0; y < image.rows; ++y) {
@@ -153,15 +152,44 @@ Picture toGray(const fs::path& path, Image& image) {
                           &exception) == MagickFail) {
             failDamaged(path, image.magick, exception);
         }
-        std::transform(row.begin(), row.end(), argb.begin() + static_cast<std::ptrdiff_t>(y * row.size()), nearestByte);
+        std::transform(row.begin(), row.end(), colour.argb.begin() + static_cast<std::ptrdiff_t>(y * row.size()),
+                       nearestByte);
     }
-    picture.pixels.resize(pixelCount);
-    const vImage_Buffer colour{argb.data(), image.rows, image.columns, 4 * std::size_t{image.columns}};
-    const vImage_Buffer gray{picture.pixels.data(), image.rows, image.columns, image.columns};
+    return colour;
+}
+
+Picture toGray(const fs::path& path, ColourPicture& source) {
+    const auto width = static_cast<std::size_t>(source.width);
+    const auto height = static_cast<std::size_t>(source.height);
+    Picture picture{source.width, source.height, std::vector<std::uint8_t>(width * height)};
+    const vImage_Buffer colour{source.argb.data(), height, width, 4 * width};
+    const vImage_Buffer gray{picture.pixels.data(), height, width, width};
     if (zelmConvertColorToGray_vImageARGB8888toPlanar8(&colour, &gray) < 0) {
         failData("{}: cannot be turned into a gray image", path.string());
     }
     return picture;
+}
+
+bool hasColour(const ColourPicture& picture) {
+    for (std::size_t i = 0; i < picture.argb.size(); i += 4) {
+        if (picture.argb[i + 1] != picture.argb[i + 2] || picture.argb[i + 2] != picture.argb[i + 3]) {
+            return true;
+        }
+    }
+    return false;
+}
+
+ColourPicture readColours(const fs::path& path) {
+    const std::string bytes = readWholeFile(path, "an image");
+    const std::string_view format = formatOf(bytes);
+    if (bytes.empty()) {
+        failData("{}: is empty: export or copy it again", path.string());
+    }
+    if (format.empty()) {
+        failData("{}: not an image that can be read: {} are", path.string(), kKnownFormats);
+    }
+    startImageLibrary();
+    return toColour(path, *decode(path, format, bytes));
 }
 
 std::string_view formatForName(const fs::path& path) {
@@ -189,16 +217,16 @@ std::string_view formatForName(const fs::path& path) {
 }  // namespace
 
 Picture readPicture(const fs::path& path) {
-    const std::string bytes = readWholeFile(path, "an image");
-    const std::string_view format = formatOf(bytes);
-    if (bytes.empty()) {
-        failData("{}: is empty: export or copy it again", path.string());
+    ColourPicture colour = readColours(path);
+    return toGray(path, colour);
+}
+
+AnyPicture readAnyPicture(const fs::path& path) {
+    ColourPicture colour = readColours(path);
+    if (hasColour(colour)) {
+        return colour;
     }
-    if (format.empty()) {
-        failData("{}: not an image that can be read: {} are", path.string(), kKnownFormats);
-    }
-    startImageLibrary();
-    return toGray(path, *decode(path, format, bytes));
+    return toGray(path, colour);
 }
 
 void checkPictureName(const fs::path& path) {

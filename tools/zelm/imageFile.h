@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <string>
+#include <variant>
 #include <vector>
 
 namespace zelm::tool {
@@ -17,9 +18,21 @@ struct Picture {
     std::vector<std::uint8_t> pixels;
 };
 
+// The same in colour: four bytes a pixel in the order alpha, red, green, blue.
+struct ColourPicture {
+    int width = 0;
+    int height = 0;
+    std::vector<std::uint8_t> argb;
+};
+
+using AnyPicture = std::variant<Picture, ColourPicture>;
+
 // Reads the first frame as gray: 16 bits are scaled to 8, colours are weighted by the library's conversion, alpha is
 // ignored. Throws Failure, naming the file, for anything but a complete image of a known format and a sane size.
 Picture readPicture(const std::filesystem::path& path);
+
+// The same, but an image with any pixel that is not gray stays in colour.
+AnyPicture readAnyPicture(const std::filesystem::path& path);
 
 // Encodes a gray picture in the format that the file name's ending asks for. Throws Failure for an unknown ending.
 std::string encodePicture(const Picture& picture, const std::filesystem::path& path);

@@ -17,7 +17,7 @@ int exitStatus(ExitCode code) {
 
 int run(int argc, char** argv) {
     Console console;
-    CLI::App app{"zelm: calibrates a pair of cameras from images of a dot plate", "zelm"};
+    CLI::App app{"zelm: calibrates a pair of cameras from images of a dot plate and measures with it", "zelm"};
     app.set_version_flag("--version", "zelm " ZELM_VERSION);
     app.require_subcommand(1);
     app.footer(

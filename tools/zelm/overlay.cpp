@@ -1,23 +1,14 @@
 #include "overlay.h"
 
-#include <cairo.h>
-
 #include <algorithm>
 #include <cmath>
-#include <memory>
 #include <numbers>
 
-#include "failure.h"
+#include "canvas.h"
 
 namespace zelm::tool {
 namespace {
 
-using SurfacePtr = std::unique_ptr<cairo_surface_t, decltype(&cairo_surface_destroy)>;
-using CairoPtr = std::unique_ptr<cairo_t, decltype(&cairo_destroy)>;
-
-struct Colour {
-    double red, green, blue;
-};
 constexpr Colour kDotColour{0.10, 0.75, 0.25};
 constexpr Colour kMarkerColour{1.00, 0.60, 0.00};
 constexpr Colour kXColour{0.95, 0.15, 0.15};
@@ -25,25 +16,6 @@ constexpr Colour kYColour{0.15, 0.45, 1.00};
 constexpr double kRingShareOfPitch = 0.30;    // radius of a dot's ring over the distance to its neighbour
 constexpr double kMarkerShareOfPitch = 0.44;  // of a marker's ring
 constexpr double kLabelShareOfPitch = 0.32;   // size of a letter
-
-SurfacePtr surfaceOf(const Picture& picture) {
-    SurfacePtr surface(cairo_image_surface_create(CAIRO_FORMAT_RGB24, picture.width, picture.height),
-                       cairo_surface_destroy);
-    if (cairo_surface_status(surface.get()) != CAIRO_STATUS_SUCCESS) {
-        failData("an overlay of {} x {} pixels cannot be drawn: {}", picture.width, picture.height,
-                 cairo_status_to_string(cairo_surface_status(surface.get())));
-    }
-    unsigned char* const rows = cairo_image_surface_get_data(surface.get());
-    const auto stride = static_cast<std::size_t>(cairo_image_surface_get_stride(surface.get()));
-    const auto width = static_cast<std::size_t>(picture.width);
-    for (std::size_t y = 0; y < static_cast<std::size_t>(picture.height); ++y) {
-        for (std::size_t x = 0; x < width; ++x) {
-            std::fill_n(rows + y * stride + 4 * x, 4, picture.pixels[y * width + x]);
-        }
-    }
-    cairo_surface_mark_dirty(surface.get());
-    return surface;
-}
 
 SurfacePtr scaledTo(const SurfacePtr& surface, double scale) {
     const int width = std::max(1, static_cast<int>(scale * cairo_image_surface_get_width(surface.get())));
@@ -168,11 +140,6 @@ private:
     double thin = 1.0;  // line width
 };
 
-cairo_status_t append(void* bytes, const unsigned char* data, unsigned int size) {
-    static_cast<std::string*>(bytes)->append(reinterpret_cast<const char*>(data), size);
-    return CAIRO_STATUS_SUCCESS;
-}
-
 }  // namespace
 
 std::string drawOverlay(const Picture& picture, const Plate& plate, const std::vector<Dot>& dots, int largestSide) {
@@ -183,11 +150,7 @@ std::string drawOverlay(const Picture& picture, const Plate& plate, const std::v
         surface = scaledTo(surface, scale);
     }
     Painter(surface.get(), scale, plate, dots).draw();
-    std::string png;
-    if (cairo_surface_write_to_png_stream(surface.get(), append, &png) != CAIRO_STATUS_SUCCESS) {
-        failData("an overlay cannot be drawn: out of memory");
-    }
-    return png;
+    return pngOf(surface.get());
 }
 
 }  // namespace zelm::tool

@@ -171,7 +171,7 @@ std::string blockOf(const Zelm2ViewCalib* handle) {
     return bytes;
 }
 
-Rig readRig(const fs::path& path) {
+LoadedRig loadRig(const fs::path& path) {
     const std::string bytes = readWholeFile(path, "a calibration");
     const BlockHeader header = checkedHeader(path, bytes);
     checkNumbers(path, bytes);
@@ -180,11 +180,15 @@ Rig readRig(const fs::path& path) {
                                reinterpret_cast<const unsigned char*>(bytes.data()), &handle) < 0) {
         failData("{}: cannot be loaded: out of memory", path.string());
     }
-    const CalibPtr owner(handle);
-    Rig rig = rigOf(handle, header.cameras);
-    checkCamera(path, "left", rig.left);
-    checkCamera(path, "right", rig.right);
-    return rig;
+    LoadedRig loaded{{}, CalibPtr(handle)};
+    loaded.rig = rigOf(handle, header.cameras);
+    checkCamera(path, "left", loaded.rig.left);
+    checkCamera(path, "right", loaded.rig.right);
+    return loaded;
+}
+
+Rig readRig(const fs::path& path) {
+    return loadRig(path).rig;
 }
 
 bool hasPairGeometry(const Rig& rig) {

@@ -37,6 +37,15 @@ struct Rig {
     std::size_t views() const { return left.poses.size(); }
 };
 
+// A calibration ready to measure with: what its block says, and the library's object that holds it.
+struct LoadedRig {
+    Rig rig;
+    CalibPtr handle;
+
+    // 'L' or 'R'.
+    const RigCamera& camera(char side) const { return side == 'L' ? rig.left : rig.right; }
+};
+
 // How the right camera stands to the left one in view 0. Meaningless with a parallel projection.
 struct PairGeometry {
     std::array<double, 9> rotation{};     // X_right = rotation X_left + translation
@@ -52,6 +61,7 @@ Rig rigOf(const Zelm2ViewCalib* handle, const Zelm2ViewCameraDesc& cameras);
 std::string blockOf(const Zelm2ViewCalib* handle);
 
 // Reads and checks a block. Throws Failure, naming the file, for one that is truncated, foreign or damaged.
+LoadedRig loadRig(const std::filesystem::path& path);
 Rig readRig(const std::filesystem::path& path);
 
 bool hasPairGeometry(const Rig& rig);

@@ -15,8 +15,12 @@ void addSubcommands(CLI::App& app, Console& console) {
     addCalibrate(app, console);
     addCompare(app, console);
     addDetect(app, console);
+    addEpiline(app, console);
     addInfo(app, console);
+    addRectify(app, console);
     addSimulate(app, console);
+    addTriangulate(app, console);
+    addUndistort(app, console);
 }
 
 }  // namespace zelm::tool

@@ -18,8 +18,12 @@ CLI::App* addSubcommand(CLI::App& app, Console& console, const std::string& name
 void addCalibrate(CLI::App& app, Console& console);
 void addCompare(CLI::App& app, Console& console);
 void addDetect(CLI::App& app, Console& console);
+void addEpiline(CLI::App& app, Console& console);
 void addInfo(CLI::App& app, Console& console);
+void addRectify(CLI::App& app, Console& console);
 void addSimulate(CLI::App& app, Console& console);
+void addTriangulate(CLI::App& app, Console& console);
+void addUndistort(CLI::App& app, Console& console);
 
 // Adds them all.
 void addSubcommands(CLI::App& app, Console& console);

@@ -1,0 +1,20 @@
+// Numbers in text that people write.
+#ifndef ZELM_TOOL_NUMBER_TEXT_H
+#define ZELM_TOOL_NUMBER_TEXT_H
+
+#include <optional>
+#include <string_view>
+#include <vector>
+
+namespace zelm::tool {
+
+// The number that the whole text is, with a point for decimals whatever the locale; nothing when it is none or not
+// finite.
+std::optional<double> numberOf(std::string_view text);
+
+// The numbers of a list "x,y,..."; empty when one of them is none.
+std::vector<double> numbersOf(std::string_view list);
+
+}  // namespace zelm::tool
+
+#endif

@@ -1,0 +1,278 @@
+// zelm rectify: each image of a pair as the other camera would see it.
+#include <fmt/format.h>
+
+#include <array>
+#include <filesystem>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "cameraPicture.h"
+#include "canvas.h"
+#include "epipolarLine.h"
+#include "failure.h"
+#include "numberText.h"
+#include "outputFiles.h"
+#include "pairFile.h"
+#include "subcommands.h"
+
+namespace zelm::tool {
+namespace {
+
+namespace fs = std::filesystem;
+using Json = nlohmann::ordered_json;
+
+struct RectifyOptions {
+    std::string rig;
+    std::string left;
+    std::string right;
+    std::string folder = ".";
+    std::string reference;
+    double depth = 0.0;
+    std::size_t lines = 15;
+    std::string pairs;
+};
+
+// The undistorted pixels that land on the centres of the rectified images.
+struct References {
+    Point2d left{};
+    Point2d right{};
+    std::string origin;  // where they come from, in words
+};
+
+// One line in both halves of the picture of the pair.
+struct LinePair {
+    Zelm2ViewEpiLine left{};   // of the rectified left image
+    Zelm2ViewEpiLine right{};  // of the undistorted right image
+};
+
+// Where both halves show the point of a pair of raw pixels.
+struct PointPair {
+    Point2d left{};   // rectified
+    Point2d right{};  // undistorted
+};
+
+Point2d centreOf(const RigCamera& camera) {
+    return {static_cast<double>(camera.width / 2), static_cast<double>(camera.height / 2)};
+}
+
+// The undistorted pixel at which a camera sees a point of space; nothing when it does not see it.
+std::optional<Point2d> viewOf(const LoadedRig& rig, char side, const Point3d& X) {
+    const RigCamera& camera = rig.camera(side);
+    const ZelmCameraExtrinsics& pose = camera.poses.front();
+    const double depth = pose.R[6] * X.x + pose.R[7] * X.y + pose.R[8] * X.z + pose.t[2];
+    Point2d raw{};
+    Point2d ideal{};
+    if ((camera.model != 2 && !(depth > 0.0)) || zelm2ViewChange3Dto2D(rig.handle.get(), side, &X, &raw) < 0 ||
+        !isInside(camera, raw) || zelm2ViewUnDistortPoint(rig.handle.get(), side, &raw, &ideal) < 0) {
+        return std::nullopt;
+    }
+    return ideal;
+}
+
+std::optional<References> referencesAt(const LoadedRig& rig, const Point3d& X, const char* origin) {
+    const auto left = viewOf(rig, 'L', X);
+    const auto right = viewOf(rig, 'R', X);
+    if (!left || !right) {
+        return std::nullopt;
+    }
+    return References{*left, *right, origin};
+}
+
+// A point of the scene in the middle of both images keeps the field of view that they share: first the point that both
+// cameras are turned to, where the rays of the image centres come closest; then, for cameras that look past each other
+// or along each other, the origin of the plate of view 0; at last the image centres themselves.
+References defaultReferences(const LoadedRig& rig) {
+    const Point2d left = centreOf(rig.rig.left);
+    const Point2d right = centreOf(rig.rig.right);
+    Point3d X{};
+    if (zelm2ViewChange2Dto3D(rig.handle.get(), &left, &right, &X) == ZELM_OK) {
+        if (auto found = referencesAt(rig, X, "the point that both cameras look at")) {
+            return *found;
+        }
+    }
+    if (auto found = referencesAt(rig, {0.0, 0.0, 0.0}, "the origin of the first plate")) {
+        return *found;
+    }
+    return {left, right, "the image centres"};
+}
+
+References referencesOf(const RectifyOptions& o, const LoadedRig& rig) {
+    if (o.reference.empty()) {
+        return defaultReferences(rig);
+    }
+    const std::vector<double> r = numbersOf(o.reference);
+    if (r.size() != 2 && r.size() != 4) {
+        failUsage("--reference {}: expected x,y for both images or xL,yL,xR,yR", o.reference);
+    }
+    return {{r[0], r[1]}, {r[r.size() - 2], r[r.size() - 1]}, "given"};
+}
+
+// The line of both halves on which raw pixels of the right image have their counterparts; nothing when one half does
+// not show it.
+std::optional<LinePair> linePairOf(const LoadedRig& rig, const Zelm2ViewHomParam& params,
+                                   const Zelm2ViewEpiLine& rightLine) {
+    const Point2d middle{0.5 * (rightLine.x0 + rightLine.x1), 0.5 * (rightLine.y0 + rightLine.y1)};
+    Point2d raw{};
+    if (!isVisible(rightLine) || zelm2ViewDistortPoint(rig.handle.get(), 'R', &middle, &raw) < 0) {
+        return std::nullopt;
+    }
+    const Zelm2ViewEpiLine unrectified = epipolarLine(rig, 'L', raw);
+    const double abc[3] = {unrectified.a, unrectified.b, unrectified.c};
+    LinePair lines{{}, rightLine};
+    if (zelm2ViewChangeHomEpiLine(rig.handle.get(), 'L', &params, abc, &lines.left) < 0 || !isVisible(lines.left)) {
+        return std::nullopt;
+    }
+    return lines;
+}
+
+// Lines through left pixels one below the other, in the column of the reference.
+std::vector<LinePair> evenLines(const LoadedRig& rig, const Zelm2ViewHomParam& params, std::size_t count) {
+    std::vector<LinePair> lines;
+    const double height = rig.rig.left.height;
+    for (std::size_t i = 0; i < count; ++i) {
+        const Point2d pixel{params.px, (static_cast<double>(i) + 0.5) * height / static_cast<double>(count)};
+        if (const auto line = linePairOf(rig, params, epipolarLine(rig, 'R', pixel))) {
+            lines.push_back(*line);
+        }
+    }
+    return lines;
+}
+
+PointPair pointPairOf(const LoadedRig& rig, const Zelm2ViewHomParam& params, const PixelPair& pair) {
+    PointPair points;
+    if (zelm2ViewCalcHomImgPoint(rig.handle.get(), 'L', &pair.left, &params, &points.left) < 0 ||
+        zelm2ViewUnDistortPoint(rig.handle.get(), 'R', &pair.right, &points.right) < 0) {
+        failData("pair {}: a pixel is so far outside its image that the lens distortion cannot be removed", pair.id);
+    }
+    return points;
+}
+
+// What is drawn over the two halves: lines, and the points of the pairs given.
+struct Drawing {
+    std::vector<LinePair> lines;
+    std::vector<PointPair> points;
+};
+
+Drawing drawingOf(const RectifyOptions& o, const LoadedRig& rig, const Zelm2ViewHomParam& params) {
+    Drawing drawing;
+    if (o.pairs.empty()) {
+        drawing.lines = evenLines(rig, params, o.lines);
+        return drawing;
+    }
+    for (const PixelPair& pair : readPairFile(o.pairs)) {
+        drawing.points.push_back(pointPairOf(rig, params, pair));
+        if (const auto line = linePairOf(rig, params, epipolarLine(rig, 'R', pair.left))) {
+            drawing.lines.push_back(*line);
+        }
+    }
+    return drawing;
+}
+
+std::string drawPair(const AnyPicture& rectifiedLeft, const AnyPicture& undistortedRight, const Drawing& drawing,
+                     double seam) {
+    Canvas canvas(rectifiedLeft, undistortedRight);
+    for (std::size_t i = 0; i < drawing.lines.size(); ++i) {
+        drawLine(canvas, drawing.lines[i].left, 0.0, lineColour(i));
+        drawLine(canvas, drawing.lines[i].right, seam, lineColour(i));
+    }
+    for (std::size_t i = 0; i < drawing.points.size(); ++i) {
+        const auto& [left, right] = drawing.points[i];
+        if (left.x < seam) {
+            canvas.cross(left, lineColour(i));
+        }
+        canvas.cross({right.x + seam, right.y}, lineColour(i));
+    }
+    return canvas.png();
+}
+
+struct Names {
+    fs::path left, right, pair;
+};
+
+Names namesOf(const RectifyOptions& o) {
+    const fs::path folder = o.folder;
+    std::string left = fs::path(o.left).stem().string();
+    std::string right = fs::path(o.right).stem().string();
+    const std::string pair = left + "_pair.png";
+    if (left == right) {
+        left += "_left";
+        right += "_right";
+    }
+    return {folder / (left + "_rectified.png"), folder / (right + "_rectified.png"), folder / pair};
+}
+
+Json lineJson(const Zelm2ViewEpiLine& l) {
+    return {{"a", l.a}, {"b", l.b}, {"c", l.c}, {"from", {l.x0, l.y0}}, {"to", {l.x1, l.y1}}};
+}
+
+Json resultJson(const RectifyOptions& o, const References& references, const Names& names, const Drawing& drawing) {
+    Json json{{"left", {{"image", o.left}, {"rectified", names.left.string()}}},
+              {"right", {{"image", o.right}, {"rectified", names.right.string()}}},
+              {"pair", names.pair.string()},
+              {"depth", o.depth}};
+    json["left"]["reference"] = {references.left.x, references.left.y};
+    json["right"]["reference"] = {references.right.x, references.right.y};
+    json["lines"] = Json::array();
+    for (const LinePair& lines : drawing.lines) {
+        json["lines"].push_back({{"left", lineJson(lines.left)}, {"right", lineJson(lines.right)}});
+    }
+    return json;
+}
+
+void runRectify(const RectifyOptions& o, const Console& console) {
+    const LoadedRig rig = loadRig(o.rig);
+    const AnyPicture left = readCameraPicture(o.left, rig, 'L');
+    const AnyPicture right = readCameraPicture(o.right, rig, 'R');
+    const References references = referencesOf(o, rig);
+    const Zelm2ViewHomParam leftParams{references.left.x, references.left.y, o.depth};
+    const Zelm2ViewHomParam rightParams{references.right.x, references.right.y, o.depth};
+    OutputFiles outputs;
+    outputs.prepareFolder(o.folder);
+
+    const AnyPicture rectifiedLeft = rectified(rig, 'L', left, leftParams);
+    const AnyPicture rectifiedRight = rectified(rig, 'R', right, rightParams);
+    const Drawing drawing = drawingOf(o, rig, leftParams);
+    const Names names = namesOf(o);
+    outputs.add(names.left, encodePng(rectifiedLeft));
+    outputs.add(names.right, encodePng(rectifiedRight));
+    outputs.add(names.pair, drawPair(rectifiedLeft, undistorted(rig, 'R', right), drawing, rig.rig.left.width));
+    outputs.commit();
+
+    console.say(fmt::format(
+        "{}: the left image as the right camera would see it\n{}: the right image as the left camera would see it\n"
+        "{}: the rectified left image beside the undistorted right one, with {} epipolar lines in both\n"
+        "reference pixels: left ({:.3f}, {:.3f}), right ({:.3f}, {:.3f}): {}",
+        names.left.string(), names.right.string(), names.pair.string(), drawing.lines.size(), references.left.x,
+        references.left.y, references.right.x, references.right.y, references.origin));
+    console.result(resultJson(o, references, names, drawing).dump(2));
+}
+
+}  // namespace
+
+void addRectify(CLI::App& app, Console& console) {
+    CLI::App* const sub =
+        addSubcommand(app, console, "rectify", "Show each image of a pair as the other camera would see it",
+                      "zelm rectify out/rig.zcal left_00.png right_00.png -o out/rectified");
+    const auto o = std::make_shared<RectifyOptions>();
+    sub->add_option("rig", o->rig, "The calibration (rig.zcal)")->required();
+    sub->add_option("left", o->left, "Left image as taken")->required();
+    sub->add_option("right", o->right, "Right image as taken")->required();
+    sub->add_option("-o,--output", o->folder, "Folder for LEFT_rectified.png, RIGHT_rectified.png and LEFT_pair.png")
+        ->capture_default_str();
+    sub->add_option("--reference", o->reference,
+                    "Undistorted pixel x,y (of both images) or xL,yL,xR,yR that lands on the centre of the rectified "
+                    "image; default: the point that both cameras look at");
+    sub->add_option(
+           "--depth", o->depth,
+           "With a parallel camera: the height of the plane whose two pictures come to agree, plane units; changes "
+           "nothing between perspective cameras")
+        ->capture_default_str();
+    sub->add_option("--lines", o->lines, "Epipolar lines in the picture of the pair")
+        ->check(CLI::Range(0, 200))
+        ->capture_default_str();
+    sub->add_option("--pairs", o->pairs, "CSV of pixel pairs: draw these points and their lines instead");
+    sub->callback([o, &console] { runRectify(*o, console); });
+}
+
+}  // namespace zelm::tool

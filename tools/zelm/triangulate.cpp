@@ -1,0 +1,198 @@
+// zelm triangulate: 3-D points of pixel pairs.
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <memory>
+
+#include "cameraPicture.h"
+#include "dotCentre.h"
+#include "failure.h"
+#include "outputFiles.h"
+#include "rigFigures.h"
+#include "spacePoints.h"
+#include "subcommands.h"
+
+namespace zelm::tool {
+namespace {
+
+namespace fs = std::filesystem;
+using Json = nlohmann::ordered_json;
+
+struct TriangulateOptions {
+    std::string rig;
+    std::string pairs;
+    std::string csv;
+    std::string ply;
+    std::vector<std::string> dotImages;  // left and right, or none
+    std::string polarity = "dark";
+};
+
+// What a result is told from at a glance.
+struct Summary {
+    DistanceFigures left;   // distances from projections
+    DistanceFigures right;  //
+    double leastAngle = 180.0;
+    double largestAngle = 0.0;
+    std::array<std::size_t, kPointStatuses> counts{};
+
+    std::size_t points() const { return left.count; }
+};
+
+// Names of files that would take each other's place.
+void checkNames(const TriangulateOptions& o) {
+    const auto same = [](const std::string& a, const std::string& b) {
+        std::error_code error;
+        return !a.empty() && !b.empty() && (fs::path(a) == fs::path(b) || fs::equivalent(a, b, error));
+    };
+    if (same(o.csv, o.ply)) {
+        failUsage("{}: given for both CSV and PLY: give two names", o.csv);
+    }
+    for (const std::string& output : {o.csv, o.ply}) {
+        for (const std::string& input : {o.rig, o.pairs}) {
+            if (same(output, input)) {
+                failUsage("{}: is an input: give the output another name", output);
+            }
+        }
+    }
+}
+
+// Moves the pixels of the pairs onto the centres of the dots that they lie in; tells where there is none.
+std::vector<bool> moveToDots(std::vector<PixelPair>& pairs, const TriangulateOptions& o, const LoadedRig& rig) {
+    const Picture left = readGrayCameraPicture(o.dotImages[0], rig, 'L');
+    const Picture right = readGrayCameraPicture(o.dotImages[1], rig, 'R');
+    const DotPolarity polarity = o.polarity == "bright" ? DotPolarity::bright : DotPolarity::dark;
+    std::vector<bool> found(pairs.size());
+    for (std::size_t i = 0; i < pairs.size(); ++i) {
+        const auto leftCentre = dotCentre(left, pairs[i].left, polarity);
+        const auto rightCentre = dotCentre(right, pairs[i].right, polarity);
+        if (leftCentre && rightCentre) {
+            pairs[i].left = *leftCentre;
+            pairs[i].right = *rightCentre;
+            found[i] = true;
+        }
+    }
+    return found;
+}
+
+std::vector<SpacePoint> triangulate(std::vector<PixelPair>& pairs, const TriangulateOptions& o, const LoadedRig& rig) {
+    const Triangulator pointOf(rig, o.rig);
+    std::vector<bool> found(pairs.size(), true);
+    if (!o.dotImages.empty()) {
+        found = moveToDots(pairs, o, rig);
+    }
+    std::vector<SpacePoint> points(pairs.size());
+    for (std::size_t i = 0; i < pairs.size(); ++i) {
+        if (found[i]) {
+            points[i] = pointOf(pairs[i]);
+        } else {
+            points[i].status = PointStatus::noDot;
+        }
+    }
+    return points;
+}
+
+Summary summaryOf(const std::vector<SpacePoint>& points) {
+    Summary s;
+    s.counts = countStatuses(points);
+    for (const SpacePoint& p : points) {
+        if (p.status == PointStatus::ok) {
+            s.left.add(p.errorLeft);
+            s.right.add(p.errorRight);
+            s.leastAngle = std::min(s.leastAngle, p.intersectionDegrees);
+            s.largestAngle = std::max(s.largestAngle, p.intersectionDegrees);
+        }
+    }
+    s.left.finish();
+    s.right.finish();
+    return s;
+}
+
+// "3 behind, 1 distortion" of the pairs that gave no point.
+std::string failuresText(const Summary& s) {
+    std::string text;
+    for (std::size_t i = 1; i < kPointStatuses; ++i) {
+        if (s.counts[i] > 0) {
+            text +=
+                fmt::format("{}{} {}", text.empty() ? "" : ", ", s.counts[i], statusWord(static_cast<PointStatus>(i)));
+        }
+    }
+    return text;
+}
+
+std::string summaryText(const Summary& s, std::size_t pairs, const TriangulateOptions& o) {
+    return fmt::format(
+        "{} of {} pairs triangulated; wrote {}{}{}\n"
+        "reprojection error    left RMS {:.4f}, worst {:.4f} px; right RMS {:.4f}, worst {:.4f} px\n"
+        "intersection angle    {:.3f} to {:.3f} deg",
+        s.points(), pairs, o.csv, o.ply.empty() ? "" : " and ", o.ply, s.left.rms, s.left.worst, s.right.rms,
+        s.right.worst, s.leastAngle, s.largestAngle);
+}
+
+Json summaryJson(const Summary& s, std::size_t pairs, const TriangulateOptions& o) {
+    Json counts;
+    for (std::size_t i = 0; i < kPointStatuses; ++i) {
+        counts[std::string(statusWord(static_cast<PointStatus>(i)))] = s.counts[i];
+    }
+    Json json{{"pairs", pairs}, {"points", s.points()}, {"statuses", counts}};
+    for (const auto& [name, figures] : {std::pair("left", &s.left), std::pair("right", &s.right)}) {
+        json[name] = {{"reprojectionRms", figures->rms}, {"reprojectionWorst", figures->worst}};
+    }
+    json["angleDegrees"] = {s.leastAngle, s.largestAngle};
+    json["csv"] = o.csv;
+    if (!o.ply.empty()) {
+        json["ply"] = o.ply;
+    }
+    return json;
+}
+
+void runTriangulate(const TriangulateOptions& o, const Console& console) {
+    checkNames(o);
+    const LoadedRig rig = loadRig(o.rig);
+    std::vector<PixelPair> pairs = readPairFile(o.pairs);
+    OutputFiles outputs;
+    outputs.prepareFolder(fs::path(o.csv).parent_path());
+    if (!o.ply.empty()) {
+        outputs.prepareFolder(fs::path(o.ply).parent_path());
+    }
+    const std::vector<SpacePoint> points = triangulate(pairs, o, rig);
+    const Summary summary = summaryOf(points);
+    if (summary.points() == 0) {
+        failData("{}: none of {} pairs gave a point ({}): are left and right, or the rig, exchanged?", o.pairs,
+                 pairs.size(), failuresText(summary));
+    }
+    outputs.add(o.csv, csvOf(pairs, points));
+    if (!o.ply.empty()) {
+        outputs.add(o.ply, plyOf(points));
+    }
+    outputs.commit();
+    if (summary.points() < pairs.size()) {
+        console.warn(fmt::format("{}: {} of {} pairs gave no point: {} (see the column status)", o.pairs,
+                                 pairs.size() - summary.points(), pairs.size(), failuresText(summary)));
+    }
+    console.say(summaryText(summary, pairs.size(), o));
+    console.result(summaryJson(summary, pairs.size(), o).dump(2));
+}
+
+}  // namespace
+
+void addTriangulate(CLI::App& app, Console& console) {
+    CLI::App* const sub = addSubcommand(app, console, "triangulate", "Make 3-D points of pairs of corresponding pixels",
+                                        "zelm triangulate out/rig.zcal pairs.csv -o points.csv --ply points.ply");
+    const auto o = std::make_shared<TriangulateOptions>();
+    sub->add_option("rig", o->rig, "The calibration (rig.zcal)")->required();
+    sub->add_option("pairs", o->pairs,
+                    "CSV of pixels as taken: xL,yL,xR,yR or id,xL,yL,xR,yR, or columns that a header names so")
+        ->required();
+    sub->add_option("-o,--output", o->csv, "CSV of the points, a line for each pair")->required();
+    sub->add_option("--ply", o->ply, "Also write the points as a PLY cloud");
+    sub->add_option("--dots", o->dotImages,
+                    "LEFT and RIGHT image: measure the centres of the dots at the pixels, and use those")
+        ->expected(2);
+    sub->add_option("--polarity", o->polarity, "Dots of --dots: dark or bright")
+        ->check(CLI::IsMember({"dark", "bright"}))
+        ->capture_default_str();
+    sub->callback([o, &console] { runTriangulate(*o, console); });
+}
+
+}  // namespace zelm::tool
