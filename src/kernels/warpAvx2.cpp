@@ -93,8 +93,11 @@ inline __m256 validMask(const Positions& p, const WarpSource& source) {
 inline std::int32_t firstLane(__m256i v) {
     return _mm_cvtsi128_si32(_mm256_castsi256_si128(v));
 }
-inline std::int32_t lastLane(__m256i v) {
-    return _mm_extract_epi32(_mm256_extracti128_si256(v, 1), 3);
+
+// One lane of v in every lane.
+template <int lane>
+inline __m256i everyLane(__m256i v) {
+    return _mm256_permutevar8x32_epi32(v, _mm256_set1_epi32(lane));
 }
 
 inline std::int32_t smaller(std::int32_t a, std::int32_t b) {
@@ -103,6 +106,23 @@ inline std::int32_t smaller(std::int32_t a, std::int32_t b) {
 
 inline const std::uint8_t* pixelAt(const WarpSource& source, std::int32_t x, std::int32_t y, int channels) {
     return source.pixels + static_cast<std::ptrdiff_t>(y) * source.stride + static_cast<std::ptrdiff_t>(x) * channels;
+}
+
+// Destination pixels between a sample and the prefetch of its source: some hundred nanoseconds.
+constexpr std::int32_t kPrefetchAhead = 128;
+
+// Destination pixels from one prefetch to the next: half a cache line of gray pixels at scale 1.
+constexpr std::int32_t kPrefetchStep = 32;
+
+// Asks for the source rows around a position, wherever it lies; a rotated or scaled walk through the source is no
+// pattern that the processor foresees.
+inline void prefetchSource(const WarpSource& source, float u, float v, int channels) {
+    const std::int64_t offset = static_cast<std::int64_t>(_mm_cvttss_si32(_mm_set_ss(v))) * source.stride +
+                                static_cast<std::int64_t>(_mm_cvttss_si32(_mm_set_ss(u))) * channels;
+    const auto address = reinterpret_cast<std::uintptr_t>(source.pixels) + static_cast<std::uintptr_t>(offset);
+    const auto twoRows = static_cast<std::uintptr_t>(std::int64_t{2} * source.stride);
+    _mm_prefetch(reinterpret_cast<const char*>(address), _MM_HINT_T0);
+    _mm_prefetch(reinterpret_cast<const char*>(address + twoRows), _MM_HINT_T0);
 }
 
 // One valid pixel, rounded to nearest with ties to even as the vector path rounds.
@@ -152,14 +172,20 @@ inline bool sampleWindow(const WarpSource& source, const Positions& p, std::uint
     if (source.width < kWindow) {
         return false;
     }
-    const std::int32_t baseX = smaller(smaller(firstLane(ix), lastLane(ix)), source.width - kWindow);
-    const std::int32_t baseY = smaller(firstLane(iy), lastLane(iy));
-    const __m256i dx = _mm256_sub_epi32(ix, _mm256_set1_epi32(baseX));
-    const __m256i dy = _mm256_sub_epi32(iy, _mm256_set1_epi32(baseY));
-    // Unsigned: dx in 0..14 so that its right neighbour is in the window, dy 0 or 1.
-    const __m256i fits = _mm256_and_si256(_mm256_cmpeq_epi32(_mm256_min_epu32(dx, _mm256_set1_epi32(kWindow - 2)), dx),
-                                          _mm256_cmpeq_epi32(_mm256_min_epu32(dy, _mm256_set1_epi32(1)), dy));
-    if (_mm256_movemask_epi8(fits) != -1) {
+    // Positions run one way along a group, so its smallest column and row are those of one of its ends.
+    const __m256i columnBase = _mm256_min_epi32(_mm256_min_epi32(everyLane<0>(ix), everyLane<7>(ix)),
+                                                _mm256_set1_epi32(source.width - kWindow));
+    const __m256i rowBase = _mm256_min_epi32(everyLane<0>(iy), everyLane<7>(iy));
+    const __m256i dx = _mm256_sub_epi32(ix, columnBase);
+    const __m256i dy = _mm256_sub_epi32(iy, rowBase);
+    const std::int32_t baseX = firstLane(columnBase);
+    const std::int32_t baseY = firstLane(rowBase);
+    // dx of pixels 0..3 and dy of the same in the lower half, of pixels 4..7 in the upper one. They fit when, unsigned,
+    // dx is in 0..14, so that its right neighbour is in the window, and dy is 0 or 1.
+    const __m256i both = _mm256_packs_epi32(dx, dy);
+    const __m256i most = _mm256_set1_epi64x(0x000E000E000E000E);
+    const __m256i limits = _mm256_unpacklo_epi64(most, _mm256_set1_epi64x(0x0001000100010001));
+    if (_mm256_movemask_epi8(_mm256_cmpeq_epi16(_mm256_min_epu16(both, limits), both)) != -1) {
         return false;
     }
     const std::uint8_t* const first = pixelAt(source, baseX, baseY, 1);
@@ -169,8 +195,10 @@ inline bool sampleWindow(const WarpSource& source, const Positions& p, std::uint
     const __m128i row2 =
         _mm_loadu_si128(reinterpret_cast<const __m128i*>(first + static_cast<std::ptrdiff_t>(source.stride) * third));
 
-    const __m128i dx16 = _mm_packs_epi32(_mm256_castsi256_si128(dx), _mm256_extracti128_si256(dx, 1));
-    const __m128i dy16 = _mm_packs_epi32(_mm256_castsi256_si128(dy), _mm256_extracti128_si256(dy, 1));
+    const __m128i lowHalf = _mm256_castsi256_si128(both);
+    const __m128i highHalf = _mm256_extracti128_si256(both, 1);
+    const __m128i dx16 = _mm_unpacklo_epi64(lowHalf, highHalf);
+    const __m128i dy16 = _mm_unpackhi_epi64(lowHalf, highHalf);
     const __m128i pick = _mm_add_epi16(_mm_or_si128(dx16, _mm_slli_epi16(dx16, 8)), _mm_set1_epi16(0x0100));
     const __m128i lower = _mm_cmpgt_epi16(dy16, _mm_setzero_si128());
     const __m128i pairs0 = _mm_shuffle_epi8(row0, pick);
@@ -277,6 +305,11 @@ inline __m256 columns(std::int32_t x) {
 // overlaps; long enough for that, short enough for the innermost cache.
 constexpr std::int32_t kStretch = 128;
 
+struct alignas(32) Stretch {
+    float u[kStretch];
+    float v[kStretch];
+};
+
 // Positions of count pixels of a row from column first on, rounded up to whole groups.
 inline void stretchPositions(const Model& model, const RowTerms& row, std::int32_t first, std::int32_t count, float* u,
                              float* v) {
@@ -301,18 +334,26 @@ inline void sampleStretch(const WarpSource& source, const float* u, const float*
     }
 }
 
+// The records are copied: stores of bytes to the destination could else change them, for all the compiler knows.
 template <int channels>
-void warp(const WarpModel& plainModel, const WarpSource& source, const WarpTarget& target) {
+void warp(const WarpModel& plainModel, const WarpSource source, const WarpTarget target) {
     const Model model = broadcast(plainModel);
-    alignas(32) float u[kStretch];
-    alignas(32) float v[kStretch];
+    Stretch now;
     for (std::int32_t y = 0; y < target.height; ++y) {
         std::uint8_t* const out = target.pixels + static_cast<std::ptrdiff_t>(y) * target.stride;
         const RowTerms row = rowTerms(plainModel, y);
+        stretchPositions(model, row, 0, smaller(kStretch, target.width), now.u, now.v);
         for (std::int32_t x = 0; x < target.width; x += kStretch) {
-            const std::int32_t count = smaller(kStretch, target.width - x);
-            stretchPositions(model, row, x, count, u, v);
-            sampleStretch<channels>(source, u, v, count, out + static_cast<std::ptrdiff_t>(x) * channels);
+            // The next stretch's positions come first, so that its source is on its way while this one is sampled.
+            const std::int32_t ahead = smaller(kStretch, target.width - x - kStretch);
+            Stretch next;
+            stretchPositions(model, row, x + kStretch, ahead, next.u, next.v);
+            for (std::int32_t i = 0; i < ahead; i += kPrefetchStep) {
+                prefetchSource(source, next.u[i], next.v[i], channels);
+            }
+            sampleStretch<channels>(source, now.u, now.v, smaller(kStretch, target.width - x),
+                                    out + static_cast<std::ptrdiff_t>(x) * channels);
+            now = next;
         }
     }
 }
@@ -332,13 +373,16 @@ inline __m256i tailMask(std::int32_t lanes) {
 }
 
 template <int channels>
-void remap(const WarpSource& source, const WarpTarget& target, const WarpMaps& maps, const WarpBox& box) {
+void remap(const WarpSource source, const WarpTarget target, const WarpMaps maps, const WarpBox box) {
     for (std::int32_t y = box.y0; y <= box.y1; ++y) {
         const float* const mapX = mapRow(maps.x, maps.strideX, y);
         const float* const mapY = mapRow(maps.y, maps.strideY, y);
         std::uint8_t* const row = target.pixels + static_cast<std::ptrdiff_t>(y) * target.stride;
         std::int32_t x = box.x0;
         for (; x <= box.x1 - (kLanes - 1); x += kLanes) {
+            if ((x - box.x0) % kPrefetchStep == 0 && x + kPrefetchAhead <= box.x1) {
+                prefetchSource(source, mapX[x + kPrefetchAhead], mapY[x + kPrefetchAhead], channels);
+            }
             sampleGroup<channels>(source, {_mm256_loadu_ps(mapX + x), _mm256_loadu_ps(mapY + x)},
                                   row + static_cast<std::ptrdiff_t>(x) * channels);
         }

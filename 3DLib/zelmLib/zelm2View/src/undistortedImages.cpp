@@ -18,7 +18,7 @@ constexpr std::int32_t kStretch = 256;
 
 // Calls visit(x, xd, yd) for every pixel of a row.
 template <class Visit>
-void forEachPosition(const LensDistortion& lens, std::int32_t row, std::int32_t width, Visit visit) {
+void forEachPosition(const LensDistortion lens, std::int32_t row, std::int32_t width, Visit visit) {
     Point2d distorted[kStretch];
     for (std::int32_t first = 0; first < width; first += kStretch) {
         const std::int32_t count = std::min(kStretch, width - first);
@@ -33,7 +33,7 @@ void forEachPosition(const LensDistortion& lens, std::int32_t row, std::int32_t 
 
 // The gray level at a position rounded half up. Inside the last column and row the four neighbours exist, which spares
 // the border tests of the general sampler; both give the same value.
-std::uint8_t roundedGray(const ZelmImage& image, double lastX, double lastY, double x, double y) {
+inline std::uint8_t roundedGray(const ZelmImage image, double lastX, double lastY, double x, double y) {
     if (!(x >= 0.0 && y >= 0.0 && x < lastX && y < lastY)) {
         return static_cast<std::uint8_t>(zelmMiscBilinearGrayLevel(&image, x, y) + 0.5);
     }
@@ -67,7 +67,7 @@ std::int32_t zelm2ViewUnDistortImage(const Zelm2ViewCalib* tHandle, std::int32_t
     const double lastY = size.height - 1;
     for (std::int32_t y = 0; y < size.height; ++y) {
         unsigned char* const row = ucDst + static_cast<std::ptrdiff_t>(y) * size.width;
-        forEachPosition(lens, y, size.width, [&](std::int32_t x, double xd, double yd) {
+        forEachPosition(lens, y, size.width, [=](std::int32_t x, double xd, double yd) {
             row[x] = roundedGray(image, lastX, lastY, xd, yd);
         });
     }
