@@ -165,13 +165,11 @@ inline __m256 mixPairs(__m256i pairs, __m256 fx, __m256 gx) {
     return add(mul(right, fx), mul(left, gx));
 }
 
-// Eight valid gray pixels through three row windows; false when they do not fit.
+// Eight gray pixels through three row windows; false when they do not fit or come near the source's border. Inside, the
+// windows' corners say by themselves that every position is valid.
 inline bool sampleWindow(const WarpSource& source, const Positions& p, std::uint8_t* out) {
     const __m256i ix = _mm256_cvttps_epi32(p.u);
     const __m256i iy = _mm256_cvttps_epi32(p.v);
-    if (source.width < kWindow) {
-        return false;
-    }
     // Positions run one way along a group, so its smallest column and row are those of one of its ends.
     const __m256i columnBase = _mm256_min_epi32(_mm256_min_epi32(everyLane<0>(ix), everyLane<7>(ix)),
                                                 _mm256_set1_epi32(source.width - kWindow));
@@ -180,6 +178,11 @@ inline bool sampleWindow(const WarpSource& source, const Positions& p, std::uint
     const __m256i dy = _mm256_sub_epi32(iy, rowBase);
     const std::int32_t baseX = firstLane(columnBase);
     const std::int32_t baseY = firstLane(rowBase);
+    // From column and row 1 on, so that truncation has hidden no negative position; three whole windows. A narrow
+    // source and what is not a number give a base below 1.
+    if (baseX < 1 || baseY < 1 || baseY > source.height - 3) {
+        return false;
+    }
     // dx of pixels 0..3 and dy of the same in the lower half, of pixels 4..7 in the upper one. They fit when, unsigned,
     // dx is in 0..14, so that its right neighbour is in the window, and dy is 0 or 1.
     const __m256i both = _mm256_packs_epi32(dx, dy);
@@ -189,11 +192,9 @@ inline bool sampleWindow(const WarpSource& source, const Positions& p, std::uint
         return false;
     }
     const std::uint8_t* const first = pixelAt(source, baseX, baseY, 1);
-    const std::int32_t third = baseY + 2 < source.height ? 2 : 1;  // not needed when it would lie outside
     const __m128i row0 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(first));
     const __m128i row1 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(first + source.stride));
-    const __m128i row2 =
-        _mm_loadu_si128(reinterpret_cast<const __m128i*>(first + static_cast<std::ptrdiff_t>(source.stride) * third));
+    const __m128i row2 = _mm_loadu_si128(reinterpret_cast<const __m128i*>(first + std::ptrdiff_t{2} * source.stride));
 
     const __m128i lowHalf = _mm256_castsi256_si128(both);
     const __m128i highHalf = _mm256_extracti128_si256(both, 1);
@@ -285,12 +286,15 @@ inline void sampleEight4(const WarpSource& source, const Positions& p, std::uint
 
 template <int channels>
 inline void sampleGroup(const WarpSource& source, const Positions& p, std::uint8_t* out) {
-    const int valid = _mm256_movemask_ps(validMask(p, source));
-    if (valid == 0xFF) {
-        if constexpr (channels == 4) {
-            sampleEight4(source, p, out);
+    if constexpr (channels == 1) {
+        if (sampleWindow(source, p, out)) {
             return;
-        } else if (sampleWindow(source, p, out)) {
+        }
+    }
+    const int valid = _mm256_movemask_ps(validMask(p, source));
+    if constexpr (channels == 4) {
+        if (valid == 0xFF) {
+            sampleEight4(source, p, out);
             return;
         }
     }
