@@ -19,14 +19,18 @@ constexpr std::int32_t kStretch = 256;
 // Calls visit(x, xd, yd) for every pixel of a row.
 template <class Visit>
 void forEachPosition(const LensDistortion lens, std::int32_t row, std::int32_t width, Visit visit) {
-    Point2d distorted[kStretch];
+    // Apart, so that the compiler computes neighbouring positions side by side.
+    double xd[kStretch];
+    double yd[kStretch];
     for (std::int32_t first = 0; first < width; first += kStretch) {
         const std::int32_t count = std::min(kStretch, width - first);
         for (std::int32_t i = 0; i < count; ++i) {
-            distorted[i] = lens.distort({static_cast<double>(first + i), static_cast<double>(row)});
+            const Point2d distorted = lens.distort({static_cast<double>(first + i), static_cast<double>(row)});
+            xd[i] = distorted.x;
+            yd[i] = distorted.y;
         }
         for (std::int32_t i = 0; i < count; ++i) {
-            visit(first + i, distorted[i].x, distorted[i].y);
+            visit(first + i, xd[i], yd[i]);
         }
     }
 }
