@@ -31,7 +31,7 @@ typedef struct Zelm2ViewHomParam {
     double py;  ///< reference pixel, y
     double s;   ///< depth term: s times column 3 of a camera's projection matrix is added to column 3 of its rectifying
                 ///< matrix. In a pair with a parallel camera it moves the plane of view 0 to height s; between
-               ///< perspective cameras it scales a column of both matrices alike and changes nothing
+                ///< perspective cameras it scales a column of both matrices alike and changes nothing
 } Zelm2ViewHomParam;
 
 /// The 3-D point of a pair of corresponding raw pixels: the lens distortion is removed, the pair is moved to satisfy
