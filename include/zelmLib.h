@@ -1,3 +1,4 @@
+/// @file
 /// zelmLib: measurement-grade two-camera vision and numerics. The one header that users include; valid C99 and C++17.
 ///
 /// Conventions: pixel centres lie at integer coordinates, x to the right, y downwards. Matrices are flat row-major

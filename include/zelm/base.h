@@ -1,3 +1,4 @@
+/// @file
 /// Base of the public interface: the export macro, the status codes and the records that several families share.
 ///
 /// Every function has C linkage. Functions that can fail return a signed 32-bit status; success is a result >= 0,
@@ -29,8 +30,7 @@ enum {
     ZELM_OK = 0,
     /// A working allocation failed. Nothing is leaked; the call may be repeated when memory is available.
     /// From every family that allocates: all but Math, Clp2d and Clp3d. The edge search returns it also where the
-    /// window
-    /// of its derivative filter would leave the profile.
+    /// window of its derivative filter would leave the profile.
     ZELM_ERR_MEMORY = -1,
     /// A required pointer is NULL, a size is zero or negative, two buffers disagree in size, or an option is out of
     /// range. From every function that takes images, objects or lists; the primitive families Mat, Math, Clp2d and
@@ -87,22 +87,22 @@ enum {
 /// A point in the plane. Image points are in pixels, x to the right, y downwards; integer coordinates are pixel
 /// centres.
 typedef struct Point2d {
-    double x;
-    double y;
+    double x;  ///< to the right
+    double y;  ///< downwards
 } Point2d;
 
 /// A point in space.
 typedef struct Point3d {
-    double x;
-    double y;
-    double z;
+    double x;  ///< along the frame's first axis
+    double y;  ///< along its second axis
+    double z;  ///< along its third axis
 } Point3d;
 
 /// The line a*x + b*y + c = 0, produced with a^2 + b^2 = 1. Functions that need the normal form make it themselves.
 typedef struct Line2d {
-    double a;
-    double b;
-    double c;
+    double a;  ///< normal along x
+    double b;  ///< normal along y
+    double c;  ///< signed distance of the origin, the normal being a unit vector
 } Line2d;
 
 /// A circle.
@@ -123,18 +123,18 @@ typedef struct Ellipse2d {
 
 /// A rectangle by its top-left corner and size in pixels.
 typedef struct ZelmRect {
-    int32_t x;
-    int32_t y;
-    int32_t width;
-    int32_t height;
+    int32_t x;       ///< leftmost column
+    int32_t y;       ///< topmost row
+    int32_t width;   ///< columns
+    int32_t height;  ///< rows
 } ZelmRect;
 
 /// A rectangle by inclusive corners: x2 = x + width - 1, y2 = y + height - 1.
 typedef struct ZelmRect2 {
-    int32_t x1;
-    int32_t y1;
-    int32_t x2;
-    int32_t y2;
+    int32_t x1;  ///< leftmost column
+    int32_t y1;  ///< topmost row
+    int32_t x2;  ///< rightmost column
+    int32_t y2;  ///< bottom row
 } ZelmRect2;
 
 /// An 8-bit gray image without padding: pixel (x, y) is pixels[y * width + x]. The caller owns the pixels; the library

@@ -1,3 +1,4 @@
+/// @file
 /// Binary images: Otsu thresholds, binarisation, morphology and blobs.
 ///
 /// A pixel is foreground when its value is at or above the threshold. Regions are rectangles of whole pixels. They are

@@ -1,3 +1,4 @@
+/// @file
 /// Homographies, the camera model and the estimation of one camera's parameters.
 #ifndef ZELM_CALIB_H
 #define ZELM_CALIB_H

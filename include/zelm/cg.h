@@ -1,3 +1,4 @@
+/// @file
 /// Computational geometry: point sets, segments and convex polygons.
 ///
 /// Polygons are arrays of vertices in order, either orientation, closed implicitly; a polygon of 2 vertices is one
@@ -69,8 +70,7 @@ ZELM_API int32_t zelmCgPointInConvexPolygon(int32_t iN, const Point2d* taPolygon
 /// @param tLine     [in]  line, any scale; not NULL (not checked)
 /// @param taPoints  [out] room for 2 points; as many are written as are found
 /// @return the number of points 0, 1 or 2; ZELM_ERR_PARAM when iN < 2, a polygon or output pointer is NULL or the
-/// line's
-///         normal is shorter than 1e-13
+///         line's normal is shorter than 1e-13
 ZELM_API int32_t zelmCgIntersectionLineAndConvexPolygon(int32_t iN, const Point2d* taPolygon, const Line2d* tLine,
                                                         Point2d* taPoints);
 

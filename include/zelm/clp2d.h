@@ -1,3 +1,4 @@
+/// @file
 /// Two-dimensional primitives: lines, circles, intersections, feet of perpendiculars, tangents.
 ///
 /// Everything is passed by pointer; pointers are not checked. Status functions return ZELM_OK or ZELM_ERR_DEGENERATE
@@ -58,8 +59,7 @@ ZELM_API int32_t zelmClp2dIntersectionTwoLines(const Line2d* tLine1, const Line2
 /// @param tLine1, tLine2 [in]  lines, any scale
 /// @param dAngle         [out] radians in [0, pi/2]
 /// @return ZELM_OK; ZELM_ERR_DEGENERATE when a normal is shorter than 1e-14 or the lines are parallel (angle below
-/// 1e-14)
-///         and more than 1e-14 apart
+///         1e-14) and more than 1e-14 apart
 ZELM_API int32_t zelmClp2dAngleTwoLines(const Line2d* tLine1, const Line2d* tLine2, double* dAngle);
 
 /// The bisector of two lines whose normals are turned to one side first (the second line is negated when its unit

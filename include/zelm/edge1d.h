@@ -1,3 +1,4 @@
+/// @file
 /// One gray-level edge on a segment, to sub-pixel precision.
 ///
 /// Six entry points over one engine, in four steps.
@@ -68,27 +69,55 @@ ZELM_API int32_t zelmEdge1dDiffMax(const ZelmImage* tImage, const Point2d* tP1, 
                                    Point2d* tEdgePoint, double* dStrength);
 
 /// Finds the edge of the largest difference between the levels of its plateaus. All else as zelmEdge1dDiffMax.
+/// @param tImage [in] the image
+/// @param tP1, tP2 [in] ends of the segment
+/// @param iSign [in] 1, -1 or 0, as there
+/// @param tEdgePoint [out] the edge
+/// @param dStrength [out] its strength
+/// @return as zelmEdge1dDiffMax
 ZELM_API int32_t zelmEdge1dGenDiffMax(const ZelmImage* tImage, const Point2d* tP1, const Point2d* tP2, int32_t iSign,
                                       Point2d* tEdgePoint, double* dStrength);
 
 /// Finds the first edge from p1. All else as zelmEdge1dDiffMax.
+/// @param tImage [in] the image
+/// @param tP1, tP2 [in] ends of the segment
+/// @param iSign [in] 1, -1 or 0, as there
+/// @param tEdgePoint [out] the edge
+/// @param dStrength [out] its strength
+/// @return as zelmEdge1dDiffMax
 ZELM_API int32_t zelmEdge1dGenNearest(const ZelmImage* tImage, const Point2d* tP1, const Point2d* tP2, int32_t iSign,
                                       Point2d* tEdgePoint, double* dStrength);
 
 /// Finds the steepest edge: the largest difference of levels divided by the distance between the plateaus. All else as
 /// zelmEdge1dDiffMax.
+/// @param tImage [in] the image
+/// @param tP1, tP2 [in] ends of the segment
+/// @param iSign [in] 1, -1 or 0, as there
+/// @param tEdgePoint [out] the edge
+/// @param dStrength [out] its strength
+/// @return as zelmEdge1dDiffMax
 ZELM_API int32_t zelmEdge1dGenGradMax(const ZelmImage* tImage, const Point2d* tP1, const Point2d* tP2, int32_t iSign,
                                       Point2d* tEdgePoint, double* dStrength);
 
 /// Finds the edge whose middle lies closest to the middle of the segment. All else as zelmEdge1dDiffMax.
+/// @param tImage [in] the image
+/// @param tP1, tP2 [in] ends of the segment
+/// @param iSign [in] 1, -1 or 0, as there
+/// @param tEdgePoint [out] the edge
+/// @param dStrength [out] its strength
+/// @return as zelmEdge1dDiffMax
 ZELM_API int32_t zelmEdge1dGenNearestC(const ZelmImage* tImage, const Point2d* tP1, const Point2d* tP2, int32_t iSign,
                                        Point2d* tEdgePoint, double* dStrength);
 
 /// Finds an edge by the caller's own parameters. Selectors 0 to 4 choose as zelmEdge1dDiffMax, GenDiffMax, GenNearest,
 /// GenGradMax and GenNearestC do.
+/// @param tImage [in] the image
+/// @param tP1, tP2 [in] ends of the segment
+/// @param iSign [in] 1, -1 or 0, as there
+/// @param tEdgePoint [out] the edge
+/// @param dStrength [out] its strength
 /// @param tParam [in] the parameters
-/// The other arguments and results are those of zelmEdge1dDiffMax; ZELM_ERR_PARAM also when tParam is NULL or its
-/// selector is outside 0..4.
+/// @return as zelmEdge1dDiffMax; ZELM_ERR_PARAM also when tParam is NULL or its selector is outside 0..4
 ZELM_API int32_t zelmEdge1dManual(const ZelmImage* tImage, const Point2d* tP1, const Point2d* tP2, int32_t iSign,
                                   const ZelmEdge1dParam* tParam, Point2d* tEdgePoint, double* dStrength);
 

@@ -1,3 +1,4 @@
+/// @file
 /// Robust least-squares fits of means, lines, planes and conics.
 ///
 /// All fits take the same five arguments. The points are moved into a normalised frame first (centred on their mean,

@@ -1,3 +1,4 @@
+/// @file
 /// Pixel-format conversion.
 #ifndef ZELM_IMAGE_H
 #define ZELM_IMAGE_H
@@ -15,8 +16,7 @@ ZELM_BEGIN_DECLS
 /// values.
 ///                   Each buffer keeps its own rowBytes, which is not checked; padding bytes are left as they are.
 /// @return ZELM_OK; ZELM_ERR_PARAM, nothing written, if a pointer is NULL, the source is empty, data is missing in
-/// either
-///         buffer, or the widths or heights differ
+///         either buffer, or the widths or heights differ
 /// Memory: none. Reentrant: yes.
 ZELM_API int32_t zelmConvertColorToGray_vImageARGB8888toPlanar8(const vImage_Buffer* tSrc, const vImage_Buffer* tDst);
 

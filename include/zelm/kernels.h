@@ -1,3 +1,4 @@
+/// @file
 /// Image kernels: perspective warp with lens distortion, and remapping through precomputed maps.
 ///
 /// Single-precision arithmetic. On processors with AVX2, FMA, BMI, LZCNT and MOVBE a vector variant runs, chosen on
@@ -15,10 +16,11 @@ ZELM_BEGIN_DECLS
 
 /// Warps an 8-bit image: every destination pixel is carried by the homography to its ideal source position, pushed
 /// through the camera's radial distortion and sampled there bilinearly.
+/// @param iSrcWidth, iSrcHeight [in] size of the source in pixels
+/// @param iDstWidth, iDstHeight [in] size of the destination in pixels
 /// @param daHom      [in]  3x3 homography, row-major: destination pixel (x, y, 1) to ideal source position
 /// @param daCamera   [in]  22 doubles of the camera's ZelmCameraIntrinsics (alpha, beta, gamma, cx, cy, theta, k1, k2
-/// are
-///                         used)
+///                         are used)
 /// @param ucSrc      [in]  source, iSrcHeight rows of iSrcWidth bytes
 /// @param iSrcStride [in]  bytes from one source row to the next, >= iSrcWidth
 /// @param ucDst      [out] destination, iDstHeight rows of iDstWidth bytes
@@ -29,12 +31,21 @@ ZELM_API void perspectiveTransAndDistortImage_8uC1(const double* daHom, const do
                                                    int32_t iDstHeight);
 
 /// As perspectiveTransAndDistortImage_8uC1 with four interleaved channels, all treated alike; strides >= 4 x width.
+/// @param daHom [in] as there
+/// @param daCamera [in] as there
+/// @param ucSrc [in] source, four bytes a pixel
+/// @param iSrcStride [in] bytes from one source row to the next
+/// @param iSrcWidth, iSrcHeight [in] size of the source in pixels
+/// @param ucDst [out] destination, four bytes a pixel
+/// @param iDstStride [in] bytes from one destination row to the next
+/// @param iDstWidth, iDstHeight [in] size of the destination in pixels
 ZELM_API void perspectiveTransAndDistortImage_8uC4(const double* daHom, const double* daCamera, const uint8_t* ucSrc,
                                                    int32_t iSrcStride, int32_t iSrcWidth, int32_t iSrcHeight,
                                                    uint8_t* ucDst, int32_t iDstStride, int32_t iDstWidth,
                                                    int32_t iDstHeight);
 
 /// Samples an 8-bit image bilinearly at the positions held in two maps, inside a rectangle of the destination.
+/// @param iSrcWidth, iSrcHeight [in] size of the source in pixels
 /// @param ucSrc           [in]  source, iSrcHeight rows of iSrcWidth bytes
 /// @param iSrcStride      [in]  bytes from one source row to the next, >= iSrcWidth
 /// @param ucDst           [out] destination; pixels outside the rectangle are not touched
@@ -50,6 +61,15 @@ ZELM_API void remapImage_8uC1(const uint8_t* ucSrc, int32_t iSrcStride, int32_t 
                               int32_t iX0, int32_t iY0, int32_t iX1, int32_t iY1);
 
 /// As remapImage_8uC1 with four interleaved channels.
+/// @param ucSrc [in] source, four bytes a pixel
+/// @param iSrcStride [in] bytes from one source row to the next, >= 4 x iSrcWidth
+/// @param iSrcWidth, iSrcHeight [in] size of the source in pixels
+/// @param ucDst [out] destination, four bytes a pixel
+/// @param iDstStride [in] bytes from one destination row to the next
+/// @param iDstWidth, iDstHeight [in] ignored
+/// @param faMapX, faMapY [in] source column and row of each destination pixel
+/// @param iMapXStride, iMapYStride [in] bytes from one map row to the next
+/// @param iX0, iY0, iX1, iY1 [in] rectangle, inclusive
 ZELM_API void remapImage_8uC4(const uint8_t* ucSrc, int32_t iSrcStride, int32_t iSrcWidth, int32_t iSrcHeight,
                               uint8_t* ucDst, int32_t iDstStride, int32_t iDstWidth, int32_t iDstHeight,
                               const float* faMapX, int32_t iMapXStride, const float* faMapY, int32_t iMapYStride,

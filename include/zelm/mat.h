@@ -1,3 +1,4 @@
+/// @file
 /// Dense matrices of doubles: storage, products, linear solvers and decompositions.
 ///
 /// A matrix is one flat row-major block: entry (i, j) of an r x c matrix is at index i * c + j. Row and column counts
@@ -19,45 +20,82 @@ ZELM_BEGIN_DECLS
 // Storage
 
 /// Allocates a vector of iN doubles, uninitialised.
+/// @param iN [in] entries
 /// @return the vector, to be freed with zelmMatFreeVector; NULL if memory is short or iN is below 1
 ZELM_API double* zelmMatMallocVector(int32_t iN);
 
 /// Frees a vector of zelmMatMallocVector; NULL is allowed.
+/// @param daV [in] the vector, or NULL
 ZELM_API void zelmMatFreeVector(double* daV);
 
 /// Allocates an iRows x iCols matrix, uninitialised, with an array of pointers to its rows.
 ///
 /// The result M can be indexed as M[i][j], and M[0] is the flat block that every other function takes.
+/// @param iRows [in] rows
+/// @param iCols [in] columns
 /// @return the row pointers, to be freed with zelmMatFreeMatrix; NULL if memory is short or a count is below 1
 ZELM_API double** zelmMatMallocMatrix(int32_t iRows, int32_t iCols);
 
 /// Frees a matrix of zelmMatMallocMatrix, the block that its first row pointer names and the pointers; NULL is allowed.
+/// @param daM [in] the row pointers, or NULL
 ZELM_API void zelmMatFreeMatrix(double** daM);
 
 // Element-wise operations: they may run in place (an output equal to an input), except zelmMatTranspose.
 
 /// A = 0, iRows x iCols.
+/// @param iRows [in]  rows
+/// @param iCols [in]  columns
+/// @param daA   [out] iRows x iCols
 ZELM_API void zelmMatZero(int32_t iRows, int32_t iCols, double* daA);
 
 /// A = dValue * identity, iN x iN. Note that the scalar comes first.
+/// @param dValue [in]  value of the diagonal
+/// @param iN     [in]  rows and columns
+/// @param daA    [out] iN x iN
 ZELM_API void zelmMatDiagonal(double dValue, int32_t iN, double* daA);
 
 /// Dst = Src, iRows x iCols.
+/// @param iRows [in]  rows
+/// @param iCols [in]  columns
+/// @param daSrc [in]  iRows x iCols
+/// @param daDst [out] iRows x iCols
 ZELM_API void zelmMatCopy(int32_t iRows, int32_t iCols, const double* daSrc, double* daDst);
 
 /// C = A + B, iRows x iCols.
+/// @param iRows [in]  rows
+/// @param iCols [in]  columns
+/// @param daA   [in]  iRows x iCols
+/// @param daB   [in]  iRows x iCols
+/// @param daC   [out] iRows x iCols; may be A or B
 ZELM_API void zelmMatAdd(int32_t iRows, int32_t iCols, const double* daA, const double* daB, double* daC);
 
 /// C = A - B, iRows x iCols.
+/// @param iRows [in]  rows
+/// @param iCols [in]  columns
+/// @param daA   [in]  iRows x iCols
+/// @param daB   [in]  iRows x iCols
+/// @param daC   [out] iRows x iCols; may be A or B
 ZELM_API void zelmMatSub(int32_t iRows, int32_t iCols, const double* daA, const double* daB, double* daC);
 
 /// B = dS * A, iRows x iCols. Note that the scalar comes first.
+/// @param dS    [in]  factor
+/// @param iRows [in]  rows
+/// @param iCols [in]  columns
+/// @param daA   [in]  iRows x iCols
+/// @param daB   [out] iRows x iCols; may be A
 ZELM_API void zelmMatMulScalar(double dS, int32_t iRows, int32_t iCols, const double* daA, double* daB);
 
 /// B (iCols x iRows) = transpose of A (iRows x iCols); they must not overlap.
+/// @param iRows [in]  rows of A
+/// @param iCols [in]  columns of A
+/// @param daA   [in]  iRows x iCols
+/// @param daB   [out] iCols x iRows
 ZELM_API void zelmMatTranspose(int32_t iRows, int32_t iCols, const double* daA, double* daB);
 
 /// The sum of the diagonal of A (iN x iN), from 0.0 in increasing order; 0.0 for iN below 1.
+/// @param iN  [in] rows and columns
+/// @param daA [in] iN x iN
+/// @return the trace
 ZELM_API double zelmMatTrace(int32_t iN, const double* daA);
 
 // Products. Every entry is summed from 0.0 in increasing order of the inner index, one product at a time; no use is
@@ -124,9 +162,8 @@ ZELM_API int32_t zelmMatMulTransposed2(int32_t iFlag, int32_t iM, int32_t iN, co
 /// @param daA    [in]  iN x iN
 /// @param daAinv [out] iN x iN, written only on success; may be the same block as A
 /// @return ZELM_OK; ZELM_ERR_MEMORY; ZELM_ERR_SINGULAR if a row holds only zeros, a pivot is exactly zero, the product
-/// of
-///         all pivots is exactly zero (deliberately also when it merely underflows, as for diag(1e-200, 1e-200)), or an
-///         entry of A is not finite
+///         of all pivots is exactly zero (deliberately also when it merely underflows, as for diag(1e-200, 1e-200)), or
+///         an entry of A is not finite
 ZELM_API int32_t zelmMatInvert(int32_t iN, const double* daA, double* daAinv);
 
 /// Solves A * x = b for a square A, by the factorisation of zelmMatInvert and with the same refusals.

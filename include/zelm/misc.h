@@ -1,3 +1,4 @@
+/// @file
 /// Small image and integer helpers.
 #ifndef ZELM_MISC_H
 #define ZELM_MISC_H
@@ -8,8 +9,8 @@ ZELM_BEGIN_DECLS
 
 /// A point with integer coordinates.
 typedef struct Point2i {
-    int32_t x;
-    int32_t y;
+    int32_t x;  ///< column
+    int32_t y;  ///< row
 } Point2i;
 
 /// A rectangle by its inclusive corners.

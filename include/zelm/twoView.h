@@ -1,3 +1,4 @@
+/// @file
 /// The stereo pair: calibration object, pattern reading and stereo calibration.
 ///
 /// One object describes a pair of cameras, left and right, that see a flat dot plate together in several views. Calling
@@ -95,10 +96,12 @@ ZELM_API int32_t zelm2ViewCalibOpen(int32_t iViews, const Zelm2ViewPatternDesc* 
                                     const Zelm2ViewCameraDesc* tCameras, Zelm2ViewCalib** tHandle);
 
 /// Size of the calibration data block in bytes.
+/// @param tHandle [in] an opened or loaded object
 /// @return n * 240 + 812; ZELM_ERR_PARAM: NULL handle, or a loaded block whose n gives no size that an int32 can hold
 ZELM_API int32_t zelm2ViewGetCalibDataSize(const Zelm2ViewCalib* tHandle);
 
 /// Copies the calibration data block out. The dots that were read are not part of it.
+/// @param tHandle [in] an opened or loaded object
 /// @param ucBuffer [out] zelm2ViewGetCalibDataSize bytes
 /// @return ZELM_OK; ZELM_ERR_PARAM: a NULL pointer, or a block without a size
 ZELM_API int32_t zelm2ViewSaveCalibData(const Zelm2ViewCalib* tHandle, unsigned char* ucBuffer);
@@ -115,6 +118,7 @@ ZELM_API int32_t zelm2ViewSaveCalibData(const Zelm2ViewCalib* tHandle, unsigned 
 ZELM_API int32_t zelm2ViewLoadCalibData(int32_t iSize, const unsigned char* ucBuffer, Zelm2ViewCalib** tHandle);
 
 /// Frees an object with all it holds and sets the handle to NULL. A NULL pointer or handle is accepted.
+/// @param tHandle [in/out] the handle, set to NULL
 ZELM_API void zelm2ViewCalibClose(Zelm2ViewCalib** tHandle);
 
 /// The rectifying pair of a camera: M, row-major, then its inverse.
@@ -123,30 +127,46 @@ ZELM_API void zelm2ViewCalibClose(Zelm2ViewCalib** tHandle);
 /// with a camera of model 2, whose left block has a zero third row and no inverse, both M are the homographies from the
 /// plane of view 0 to the image: columns 1, 2 and 4 of the projection matrix. Adding d times its column 3 to the last
 /// column moves that plane to height d.
+/// @param tHandle [in] calibrated pair, opened or loaded
 /// @param iCamera [in]  'L' or 'R'
 /// @param daOut   [out] 18 doubles
 /// @return ZELM_OK; ZELM_ERR_PARAM: a NULL pointer, another camera
 ZELM_API int32_t zelm2ViewGetCamHomMat(const Zelm2ViewCalib* tHandle, int32_t iCamera, double* daOut);
 
 /// The fundamental matrix F, row-major, then its transpose: xL' * F * xR = 0 for undistorted homogeneous pixels.
+/// @param tHandle [in] calibrated pair, opened or loaded
 /// @param daOut [out] 18 doubles
 /// @return ZELM_OK; ZELM_ERR_PARAM: a NULL pointer
 ZELM_API int32_t zelm2ViewGetCamFndMat(const Zelm2ViewCalib* tHandle, double* daOut);
 
 /// The intrinsic parameters of a camera.
+/// @param tHandle [in] calibrated pair, opened or loaded
+/// @param iCamera [in] 'L' or 'R'
+/// @param tOut [out] the parameters
 /// @return ZELM_OK; ZELM_ERR_PARAM: a NULL pointer, another camera than 'L' or 'R'
 ZELM_API int32_t zelm2ViewGetCamIntParam(const Zelm2ViewCalib* tHandle, int32_t iCamera, ZelmCameraIntrinsics* tOut);
 
 /// The pose of a camera relative to the plate of a view; all zeros for a camera of model 2 in views from 1 on.
+/// @param tHandle [in] calibrated pair, opened or loaded
+/// @param iCamera [in] 'L' or 'R'
+/// @param iView [in] 0..n - 1
+/// @param tOut [out] the pose
 /// @return ZELM_OK; ZELM_ERR_PARAM: a NULL pointer, a view outside 0..n - 1, another camera than 'L' or 'R'
 ZELM_API int32_t zelm2ViewGetCamExtParam(const Zelm2ViewCalib* tHandle, int32_t iCamera, int32_t iView,
                                          ZelmCameraExtrinsics* tOut);
 
 /// How many dots were read for a camera and view; 0 before reading.
+/// @param tHandle [in] an opened object
+/// @param iCamera [in] 'L' or 'R'
+/// @param iView [in] 0..n - 1
+/// @param iCount [out] the number of dots
 /// @return ZELM_OK; ZELM_ERR_PARAM: a NULL pointer, a loaded object, a view outside 0..n - 1, another camera
 ZELM_API int32_t zelm2ViewGetPtnNum(const Zelm2ViewCalib* tHandle, int32_t iCamera, int32_t iView, int32_t* iCount);
 
 /// The image points (not the plane points) of the dots that were read, in the order in which they were found.
+/// @param tHandle [in] an opened object
+/// @param iCamera [in] 'L' or 'R'
+/// @param iView [in] 0..n - 1
 /// @param taOut [out] as many points as zelm2ViewGetPtnNum says
 /// @return ZELM_OK; ZELM_ERR_PARAM: a NULL pointer, a loaded object, a view outside 0..n - 1, another camera
 ZELM_API int32_t zelm2ViewGetPattern(const Zelm2ViewCalib* tHandle, int32_t iCamera, int32_t iView, Point2d* taOut);
@@ -172,8 +192,7 @@ ZELM_API int32_t zelm2ViewGetPattern(const Zelm2ViewCalib* tHandle, int32_t iCam
 /// @param tHandle      [in/out] an opened object
 /// @param iView        [in] 0..n - 1
 /// @param ucaImages    [in] left and right gray image of the sizes given at open, stride = width. A camera of model 2
-/// is
-///                          read in view 0 alone; in later views its image and region are not looked at
+///                          is read in view 0 alone; in later views its image and region are not looked at
 /// @param tRegionLeft  [in] where to look for dots in the left image, or NULL to look for the plate
 /// @param tRegionRight [in] the same for the right image
 /// @return ZELM_OK, or of the first image that fails, the left one being read first:
@@ -194,6 +213,10 @@ ZELM_API int32_t zelm2ViewReadPtnImg(Zelm2ViewCalib* tHandle, int32_t iView, con
                                      const ZelmRect* tRegionLeft, const ZelmRect* tRegionRight);
 
 /// The same for gray platform buffers. Rows without padding are read in place, others are packed first.
+/// @param tHandle [in/out] an opened object
+/// @param iView [in] 0..n - 1
+/// @param tRegionLeft [in] where to look for dots in the left image, or NULL
+/// @param tRegionRight [in] the same for the right image
 /// @param tLeft  [in] Planar8 buffer of the size given at open; one of the two may be NULL where its image is not
 /// needed
 /// @param tRight [in] the same of the right camera
@@ -204,6 +227,10 @@ ZELM_API int32_t zelm2ViewReadPtnImg_vImagePlanar8(Zelm2ViewCalib* tHandle, int3
                                                    const ZelmRect* tRegionRight);
 
 /// The same for colour platform buffers; a pixel's gray is the truncated mean of its R, G and B.
+/// @param tHandle [in/out] an opened object
+/// @param iView [in] 0..n - 1
+/// @param tRegionLeft [in] where to look for dots in the left image, or NULL
+/// @param tRegionRight [in] the same for the right image
 /// @param tLeft  [in] ARGB8888 buffer of the size given at open; one of the two may be NULL where its image is not
 /// needed
 /// @param tRight [in] the same of the right camera

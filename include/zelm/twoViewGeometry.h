@@ -1,3 +1,4 @@
+/// @file
 /// Measuring with a calibrated pair: 3-D points, projections, epipolar lines, rectified and undistorted images, point
 /// mappings.
 ///
@@ -42,8 +43,7 @@ typedef struct Zelm2ViewHomParam {
 /// @param tRight  [in]  corresponding raw pixel of the right image
 /// @param tOut    [out] point in the world frame, written on success
 /// @return ZELM_OK; ZELM_ERR_PARAM for a NULL pointer or two model-2 cameras; ZELM_ERR_UNDISTORT when a pixel's
-/// distortion
-///         cannot be removed; ZELM_ERR_DEGENERATE when the linear system cannot be solved; ZELM_ERR_MEMORY
+///         distortion cannot be removed; ZELM_ERR_DEGENERATE when the linear system cannot be solved; ZELM_ERR_MEMORY
 ZELM_API int32_t zelm2ViewChange2Dto3D(const Zelm2ViewCalib* tHandle, const Point2d* tLeft, const Point2d* tRight,
                                        Point3d* tOut);
 
@@ -61,8 +61,7 @@ ZELM_API int32_t zelm2ViewChange3Dto2D(const Zelm2ViewCalib* tHandle, int32_t iC
 /// @param iCamera [in]  the image in which the line is wanted, 'L' or 'R'
 /// @param tPoint  [in]  raw pixel of the other image
 /// @param tOut    [out] line and segment; the end points are set to 0 even when the camera is refused. The epipole
-/// itself
-///                      gives a line that is not finite.
+///                      itself gives a line that is not finite.
 /// @return ZELM_OK; ZELM_ERR_PARAM for a NULL pointer or another camera; ZELM_ERR_UNDISTORT when the pixel's distortion
 ///         cannot be removed
 ZELM_API int32_t zelm2ViewCalcEpiLine(const Zelm2ViewCalib* tHandle, int32_t iCamera, const Point2d* tPoint,
@@ -75,8 +74,7 @@ ZELM_API int32_t zelm2ViewCalcEpiLine(const Zelm2ViewCalib* tHandle, int32_t iCa
 /// @param daLine  [in]  3 doubles a, b, c
 /// @param tOut    [out] line and segment in the rectified image
 /// @return ZELM_OK; ZELM_ERR_PARAM for a NULL pointer or another camera; ZELM_ERR_DEGENERATE when the rectifying
-/// transform
-///         cannot be formed
+///         transform cannot be formed
 ZELM_API int32_t zelm2ViewChangeHomEpiLine(const Zelm2ViewCalib* tHandle, int32_t iCamera,
                                            const Zelm2ViewHomParam* tParams, const double* daLine,
                                            Zelm2ViewEpiLine* tOut);
@@ -90,41 +88,48 @@ ZELM_API int32_t zelm2ViewChangeHomEpiLine(const Zelm2ViewCalib* tHandle, int32_
 /// @param tParams [in]  rectification
 /// @param ucDst   [out] rectified image, H rows of W bytes; must not overlap the source
 /// @return ZELM_OK; ZELM_ERR_PARAM for a NULL pointer or another camera; ZELM_ERR_DEGENERATE when the rectifying
-/// transform
-///         cannot be formed
+///         transform cannot be formed
 ZELM_API int32_t zelm2ViewMakeHomImage(const Zelm2ViewCalib* tHandle, int32_t iCamera, const unsigned char* ucSrc,
                                        const Zelm2ViewHomParam* tParams, unsigned char* ucDst);
 
 /// As zelm2ViewMakeHomImage for ARGB8888 buffers; all four bytes of a pixel are treated alike.
+/// @param tHandle [in] calibrated pair, opened or loaded
+/// @param iCamera [in] 'L' or 'R'
+/// @param tParams [in] rectification
 /// @param tSrc [in]  raw image of the camera's size
 /// @param tDst [out] rectified image of the same size; its data is written
 /// @return as zelm2ViewMakeHomImage; also ZELM_ERR_PARAM when a buffer has no data, a row longer than 2^31 - 1 bytes,
-/// or
-///         another size than the camera's image
+///         or another size than the camera's image
 ZELM_API int32_t zelm2ViewMakeHomImage_vImageARGB8888(const Zelm2ViewCalib* tHandle, int32_t iCamera,
                                                       const vImage_Buffer* tSrc, const Zelm2ViewHomParam* tParams,
                                                       const vImage_Buffer* tDst);
 
 /// Maps a raw pixel into the rectified image.
+/// @param tHandle [in] calibrated pair, opened or loaded
+/// @param iCamera [in] 'L' or 'R'
+/// @param tParams [in] rectification
 /// @param tIn  [in]  raw pixel
 /// @param tOut [out] rectified pixel
 /// @return ZELM_OK; ZELM_ERR_PARAM for a NULL pointer or another camera; ZELM_ERR_DEGENERATE when the rectifying
-/// transform
-///         cannot be formed; ZELM_ERR_UNDISTORT when the pixel's distortion cannot be removed
+///         transform cannot be formed; ZELM_ERR_UNDISTORT when the pixel's distortion cannot be removed
 ZELM_API int32_t zelm2ViewCalcHomImgPoint(const Zelm2ViewCalib* tHandle, int32_t iCamera, const Point2d* tIn,
                                           const Zelm2ViewHomParam* tParams, Point2d* tOut);
 
 /// Maps a rectified pixel back to the raw image.
+/// @param tHandle [in] calibrated pair, opened or loaded
+/// @param iCamera [in] 'L' or 'R'
+/// @param tParams [in] rectification
 /// @param tIn  [in]  rectified pixel
 /// @param tOut [out] raw pixel
 /// @return ZELM_OK; ZELM_ERR_PARAM for a NULL pointer or another camera; ZELM_ERR_DEGENERATE when the rectifying
-/// transform
-///         cannot be formed
+///         transform cannot be formed
 ZELM_API int32_t zelm2ViewInvHomImgPoint(const Zelm2ViewCalib* tHandle, int32_t iCamera, const Point2d* tIn,
                                          const Zelm2ViewHomParam* tParams, Point2d* tOut);
 
 /// Removes the lens distortion from a raw gray image of the camera's size W x H. Every pixel is the bilinear gray level
 /// of the source at its distorted position, rounded half up; 0 outside the source.
+/// @param tHandle [in] calibrated pair, opened or loaded
+/// @param iCamera [in] 'L' or 'R'
 /// @param ucSrc [in]  raw image, H rows of W bytes
 /// @param ucDst [out] undistorted image, H rows of W bytes; must not overlap the source
 /// @return ZELM_OK; ZELM_ERR_PARAM for a NULL pointer or another camera
@@ -133,17 +138,28 @@ ZELM_API int32_t zelm2ViewUnDistortImage(const Zelm2ViewCalib* tHandle, int32_t 
 
 /// As zelm2ViewUnDistortImage for ARGB8888 buffers; alpha becomes 255 everywhere. A position beyond the centre of the
 /// last column or row gives R = G = B = 0.
+/// @param tHandle [in] calibrated pair, opened or loaded
+/// @param iCamera [in] 'L' or 'R'
+/// @param tSrc [in] raw image of the camera's size
+/// @param tDst [out] undistorted image of the same size; its data is written
 /// @return as zelm2ViewUnDistortImage; also ZELM_ERR_PARAM when a buffer has no data, a row longer than 2^31 - 1 bytes,
 /// or another size than the camera's image
 ZELM_API int32_t zelm2ViewUnDistortImage_vImageARGB8888(const Zelm2ViewCalib* tHandle, int32_t iCamera,
                                                         const vImage_Buffer* tSrc, const vImage_Buffer* tDst);
 
 /// Applies a camera's lens distortion to an undistorted pixel.
+/// @param tHandle [in] calibrated pair, opened or loaded
+/// @param iCamera [in] 'L' or 'R'
+/// @param tIn [in] undistorted pixel
+/// @param tOut [out] raw pixel
 /// @return ZELM_OK; ZELM_ERR_PARAM for a NULL pointer or another camera
 ZELM_API int32_t zelm2ViewDistortPoint(const Zelm2ViewCalib* tHandle, int32_t iCamera, const Point2d* tIn,
                                        Point2d* tOut);
 
 /// Removes a camera's lens distortion from a raw pixel.
+/// @param tHandle [in] calibrated pair, opened or loaded
+/// @param iCamera [in] 'L' or 'R'
+/// @param tIn [in] raw pixel
 /// @param tOut [out] undistorted pixel; on ZELM_ERR_UNDISTORT it is left as it was
 /// @return ZELM_OK (never the count of Newton steps); ZELM_ERR_PARAM for a NULL pointer or another camera;
 ///         ZELM_ERR_UNDISTORT
