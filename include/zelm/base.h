@@ -91,6 +91,12 @@ typedef struct Point2d {
     double y;  ///< downwards
 } Point2d;
 
+/// A point with integer coordinates.
+typedef struct Point2i {
+    int32_t x;  ///< column
+    int32_t y;  ///< row
+} Point2i;
+
 /// A point in space.
 typedef struct Point3d {
     double x;  ///< along the frame's first axis

@@ -7,12 +7,6 @@
 
 ZELM_BEGIN_DECLS
 
-/// A point with integer coordinates.
-typedef struct Point2i {
-    int32_t x;  ///< column
-    int32_t y;  ///< row
-} Point2i;
-
 /// A rectangle by its inclusive corners.
 /// @param tRect  [in]  rectangle by corner and size
 /// @param tRect2 [out] (x, y, x + width - 1, y + height - 1), wrapping around at the ends of the 32-bit range

@@ -1,0 +1,166 @@
+// The twelve entry points: sums by the tier of the processor, then the score.
+#include <cmath>
+
+#include "corrKernels.h"
+#include "correlation.h"
+#include "cpuFeatures.h"
+
+#if defined(__AVX__)
+#error "the dispatch must run on every processor: build this file without AVX flags"
+#endif
+
+namespace zelm {
+namespace {
+
+constexpr float kFlat = 1e-9F;
+constexpr float kNoPixel = -2.0F;
+
+// Number of pixels, n * sum(TT) - sum(T)^2, and sum(T) of a template.
+struct TemplateStatistics {
+    std::int64_t n;
+    std::int64_t variance;
+    std::int64_t sumT;
+};
+
+// a * b - c * d modulo 2^64: sums that overflowed must not make undefined behaviour.
+std::int64_t productDifference(std::int64_t a, std::int64_t b, std::int64_t c, std::int64_t d) {
+    const auto word = [](std::int64_t v) { return static_cast<std::uint64_t>(v); };
+    return static_cast<std::int64_t>(word(a) * word(b) - word(c) * word(d));
+}
+
+float scoreOf(const TemplateStatistics& tmpl, const CorrSums& sums) {
+    const std::int64_t imgVariance = productDifference(tmpl.n, sums.ii, sums.i, sums.i);
+    const float d = static_cast<float>(tmpl.variance) * static_cast<float>(imgVariance);
+    if (d < kFlat) {
+        return 0.0F;
+    }
+    const auto covariance = static_cast<float>(productDifference(tmpl.n, sums.it, sums.i, tmpl.sumT));
+    return static_cast<float>(static_cast<double>(covariance) / std::sqrt(static_cast<double>(d)));
+}
+
+// The modes whose template statistics the caller gives.
+float scoreByGiven(CorrPattern pattern, CorrMode mode, const CorrWindows& windows, const TemplateStatistics& tmpl) {
+    CorrSums sums;
+    corrTierOfProcessor().sums[pattern][mode](windows, sums);
+    return scoreOf(tmpl, sums);
+}
+
+// The modes that compute them.
+float scoreByOwn(CorrPattern pattern, CorrMode mode, const CorrWindows& windows) {
+    if (windows.h < 1) {
+        return kNoPixel;
+    }
+    CorrSums sums;
+    corrTierOfProcessor().sums[pattern][mode](windows, sums);
+    if (sums.count == 0) {
+        return kNoPixel;
+    }
+    return scoreOf({sums.count, productDifference(sums.count, sums.tt, sums.t, sums.t), sums.t}, sums);
+}
+
+}  // namespace
+
+const CorrTier& corrTierOfProcessor() {
+#ifdef ZELM_CORR_AVX2
+    if (cpuHasAvx2Set() != 0) {
+        return kCorrAvx2Tier;
+    }
+#endif
+#ifdef ZELM_SSE41_TIER
+    if (cpuHasSse41() != 0) {
+        return kCorrSse41Tier;
+    }
+#endif
+    return kCorrPlainTier;
+}
+
+float nccFull(const std::uint8_t* tmpl, std::int32_t tmplStride, std::int32_t w, std::int32_t h, std::int32_t N,
+              std::int64_t variance, std::int32_t sumT, const std::uint8_t* img, std::int32_t imgStride) {
+    return scoreByGiven(kCorrFull, kCorrNoMask, {{tmpl, tmplStride}, {img, imgStride}, {}, {}, w, h},
+                        {N, variance, sumT});
+}
+
+float nccChecker(const std::uint8_t* tmpl, std::int32_t tmplStride, std::int32_t w, std::int32_t h, std::int32_t N,
+                 std::int64_t variance, std::int32_t sumT, const std::uint8_t* img, std::int32_t imgStride) {
+    return scoreByGiven(kCorrChecker, kCorrNoMask, {{tmpl, tmplStride}, {img, imgStride}, {}, {}, w, h},
+                        {N, variance, sumT});
+}
+
+float nccQuarter(const std::uint8_t* tmpl, std::int32_t tmplStride, std::int32_t w, std::int32_t h, std::int32_t N,
+                 std::int64_t variance, std::int32_t sumT, const std::uint8_t* img, std::int32_t imgStride) {
+    return scoreByGiven(kCorrQuarter, kCorrNoMask, {{tmpl, tmplStride}, {img, imgStride}, {}, {}, w, h},
+                        {N, variance, sumT});
+}
+
+float nccFullRefMask(const std::uint8_t* tmpl, std::int32_t tmplStride, std::int32_t w, std::int32_t h,
+                     const std::uint8_t* tmplMask, std::int32_t tmplMaskStride, std::int32_t N, std::int64_t variance,
+                     std::int32_t sumT, const std::uint8_t* img, std::int32_t imgStride) {
+    return scoreByGiven(kCorrFull, kCorrRefMask,
+                        {{tmpl, tmplStride}, {img, imgStride}, {tmplMask, tmplMaskStride}, {}, w, h},
+                        {N, variance, sumT});
+}
+
+float nccCheckerRefMask(const std::uint8_t* tmpl, std::int32_t tmplStride, std::int32_t w, std::int32_t h,
+                        const std::uint8_t* tmplMask, std::int32_t tmplMaskStride, std::int32_t N,
+                        std::int64_t variance, std::int32_t sumT, const std::uint8_t* img, std::int32_t imgStride) {
+    return scoreByGiven(kCorrChecker, kCorrRefMask,
+                        {{tmpl, tmplStride}, {img, imgStride}, {tmplMask, tmplMaskStride}, {}, w, h},
+                        {N, variance, sumT});
+}
+
+float nccQuarterRefMask(const std::uint8_t* tmpl, std::int32_t tmplStride, std::int32_t w, std::int32_t h,
+                        const std::uint8_t* tmplMask, std::int32_t tmplMaskStride, std::int32_t N,
+                        std::int64_t variance, std::int32_t sumT, const std::uint8_t* img, std::int32_t imgStride) {
+    return scoreByGiven(kCorrQuarter, kCorrRefMask,
+                        {{tmpl, tmplStride}, {img, imgStride}, {tmplMask, tmplMaskStride}, {}, w, h},
+                        {N, variance, sumT});
+}
+
+float nccFullMask(const std::uint8_t* tmpl, std::int32_t tmplStride, std::int32_t w, std::int32_t h,
+                  const std::uint8_t* img, std::int32_t imgStride, std::int32_t, std::int32_t, const std::uint8_t* mask,
+                  std::int32_t maskStride) {
+    return scoreByOwn(kCorrFull, kCorrSharedMask, {{tmpl, tmplStride}, {img, imgStride}, {mask, maskStride}, {}, w, h});
+}
+
+float nccCheckerMask(const std::uint8_t* tmpl, std::int32_t tmplStride, std::int32_t w, std::int32_t h,
+                     const std::uint8_t* img, std::int32_t imgStride, std::int32_t, std::int32_t,
+                     const std::uint8_t* mask, std::int32_t maskStride) {
+    return scoreByOwn(kCorrChecker, kCorrSharedMask,
+                      {{tmpl, tmplStride}, {img, imgStride}, {mask, maskStride}, {}, w, h});
+}
+
+float nccQuarterMask(const std::uint8_t* tmpl, std::int32_t tmplStride, std::int32_t w, std::int32_t h,
+                     const std::uint8_t* img, std::int32_t imgStride, std::int32_t, std::int32_t,
+                     const std::uint8_t* mask, std::int32_t maskStride) {
+    return scoreByOwn(kCorrQuarter, kCorrSharedMask,
+                      {{tmpl, tmplStride}, {img, imgStride}, {mask, maskStride}, {}, w, h});
+}
+
+float nccFullTwoMasks(const std::uint8_t* tmpl, std::int32_t tmplStride, std::int32_t w, std::int32_t h,
+                      const std::uint8_t* tmplMask, std::int32_t tmplMaskStride, const std::uint8_t* img,
+                      std::int32_t imgStride, std::int32_t, std::int32_t, const std::uint8_t* imgMask,
+                      std::int32_t imgMaskStride) {
+    return scoreByOwn(
+        kCorrFull, kCorrTwoMasks,
+        {{tmpl, tmplStride}, {img, imgStride}, {tmplMask, tmplMaskStride}, {imgMask, imgMaskStride}, w, h});
+}
+
+float nccCheckerTwoMasks(const std::uint8_t* tmpl, std::int32_t tmplStride, std::int32_t w, std::int32_t h,
+                         const std::uint8_t* tmplMask, std::int32_t tmplMaskStride, const std::uint8_t* img,
+                         std::int32_t imgStride, std::int32_t, std::int32_t, const std::uint8_t* imgMask,
+                         std::int32_t imgMaskStride) {
+    return scoreByOwn(
+        kCorrChecker, kCorrTwoMasks,
+        {{tmpl, tmplStride}, {img, imgStride}, {tmplMask, tmplMaskStride}, {imgMask, imgMaskStride}, w, h});
+}
+
+float nccQuarterTwoMasks(const std::uint8_t* tmpl, std::int32_t tmplStride, std::int32_t w, std::int32_t h,
+                         const std::uint8_t* tmplMask, std::int32_t tmplMaskStride, const std::uint8_t* img,
+                         std::int32_t imgStride, std::int32_t, std::int32_t, const std::uint8_t* imgMask,
+                         std::int32_t imgMaskStride) {
+    return scoreByOwn(
+        kCorrQuarter, kCorrTwoMasks,
+        {{tmpl, tmplStride}, {img, imgStride}, {tmplMask, tmplMaskStride}, {imgMask, imgMaskStride}, w, h});
+}
+
+}  // namespace zelm
