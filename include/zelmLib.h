@@ -13,6 +13,7 @@
 #include "zelm/calib.h"
 #include "zelm/cg.h"
 #include "zelm/clp2d.h"
+#include "zelm/cstmGeometry.h"
 #include "zelm/edge1d.h"
 #include "zelm/fit.h"
 #include "zelm/image.h"

@@ -41,7 +41,12 @@ check_layer src/kernels 'kernels'
 check_layer src/bin 'bin'
 check_layer src/edge 'edge1d'
 check_layer src/calib 'calib|mat|math'
-check_layer 3DLib/zelmLib/zelm2View 'twoView|twoViewGeometry|calib|cg|clp2d|misc|kernels|fit|bin|edge1d|mat|math|image'
+check_layer 3DLib/zelmLib/zelm2View 'cstmGeometry|cstmSearch|twoView|twoViewGeometry|calib|cg|clp2d|misc|kernels|fit|bin|edge1d|mat|math|image'
+
+# The custom stereo search lies in the folder of the stereo pair, a layer above it.
+pair_sources=$(find 3DLib/zelmLib/zelm2View -name '*.cpp' -o -name '*.h' | grep -v '/zelmCstmDrovn')
+# shellcheck disable=SC2086
+refuse "the stereo pair reaches up to the custom search" '#include "(zelm/cstm|zelmCstmDrovn)' $pair_sources
 
 sources=$(find src 3DLib -name '*.cpp' -o -name '*.h')
 outside_frame=$(echo "$sources" | grep -vE '^src/frame/(alloc|assertion)\.cpp$')

@@ -27,6 +27,16 @@ std::int32_t modelOf(const unsigned char* data, Camera camera);
 ImageSize imageSizeOf(const unsigned char* data, Camera camera);
 CalibratedCamera calibratedCamera(const unsigned char* data, Camera camera);
 
+// The intrinsics as the array of 22 doubles that the image kernels read.
+struct KernelCamera {
+    double elements[22];
+};
+static_assert(sizeof(KernelCamera) == sizeof(ZelmCameraIntrinsics));
+
+inline KernelCamera kernelCamera(const unsigned char* data, Camera camera) {
+    return block::read<KernelCamera>(data, block::intrinsics(camera));
+}
+
 constexpr Camera otherOf(Camera camera) {
     return isLeft(camera) ? Camera::right : Camera::left;
 }

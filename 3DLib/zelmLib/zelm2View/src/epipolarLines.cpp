@@ -3,19 +3,18 @@
 
 #include "calibObject.h"
 #include "calibratedCamera.h"
+#include "epipolarSegment.h"
 #include "rectifyingTransform.h"
 #include "zelm/cg.h"
 #include "zelm/mat.h"
 #include "zelm/twoViewGeometry.h"
 
 namespace zelm {
-namespace {
 
 void clearEndPoints(Zelm2ViewEpiLine* line) {
     line->x0 = line->y0 = line->x1 = line->y1 = 0.0;
 }
 
-// No guard: the epipole has no line, its coefficients come out not finite.
 void setNormalised(const double l[3], Zelm2ViewEpiLine* line) {
     const double norm = std::sqrt(l[0] * l[0] + l[1] * l[1]);
     line->a = l[0] / norm;
@@ -23,10 +22,9 @@ void setNormalised(const double l[3], Zelm2ViewEpiLine* line) {
     line->c = l[2] / norm;
 }
 
-// Clips the line to an image of the given size inset by one pixel on every side.
 std::int32_t setEndPoints(const ImageSize& size, Zelm2ViewEpiLine* line) {
-    const double right = size.width - 2;
-    const double bottom = size.height - 2;
+    const double right = size.width - 2.0;
+    const double bottom = size.height - 2.0;
     const Point2d inset[4] = {{1.0, 1.0}, {right, 1.0}, {right, bottom}, {1.0, bottom}};
     const Line2d clipped{line->a, line->b, line->c};
     Point2d ends[2] = {{0.0, 0.0}, {0.0, 0.0}};
@@ -44,7 +42,6 @@ std::int32_t setEndPoints(const ImageSize& size, Zelm2ViewEpiLine* line) {
     return ZELM_OK;
 }
 
-}  // namespace
 }  // namespace zelm
 
 using namespace zelm;

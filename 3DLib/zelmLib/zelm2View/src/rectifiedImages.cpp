@@ -7,22 +7,6 @@
 #include "zelm/kernels.h"
 #include "zelm/twoViewGeometry.h"
 
-namespace zelm {
-namespace {
-
-// The intrinsics as the array of 22 doubles that the kernels read.
-struct KernelCamera {
-    double elements[22];
-};
-static_assert(sizeof(KernelCamera) == sizeof(ZelmCameraIntrinsics));
-
-KernelCamera kernelCamera(const unsigned char* data, Camera camera) {
-    return block::read<KernelCamera>(data, block::intrinsics(camera));
-}
-
-}  // namespace
-}  // namespace zelm
-
 using namespace zelm;
 
 std::int32_t zelm2ViewMakeHomImage(const Zelm2ViewCalib* tHandle, std::int32_t iCamera, const unsigned char* ucSrc,

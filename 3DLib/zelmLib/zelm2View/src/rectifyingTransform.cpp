@@ -10,11 +10,13 @@ namespace {
 
 constexpr double kNormalisable = 1e-9;  // last element of a transform that may be scaled to 1
 
-// A camera's rectifying matrix with its depth term, and the inverse.
-struct DepthMatrix {
-    double A[9];
-    double Ainv[9];
-};
+// What shifts the reference pixel's image onto the image centre.
+Point2d centringOffset(const double F[9], const Zelm2ViewHomParam& params, const ImageSize& size) {
+    const Point2d w = transformPoint(F, params.px, params.py);
+    return {w.x - size.width / 2, w.y - size.height / 2};
+}
+
+}  // namespace
 
 bool makeDepthMatrix(const unsigned char* data, Camera camera, double s, DepthMatrix* out) {
     const CalibratedCamera calibrated = calibratedCamera(data, camera);
@@ -30,13 +32,14 @@ bool makeDepthMatrix(const unsigned char* data, Camera camera, double s, DepthMa
     return zelmMatInvert(3, out->A, out->Ainv) >= 0;
 }
 
-// What shifts the reference pixel's image onto the image centre.
-Point2d centringOffset(const double F[9], const Zelm2ViewHomParam& params, const ImageSize& size) {
-    const Point2d w = transformPoint(F, params.px, params.py);
-    return {w.x - size.width / 2, w.y - size.height / 2};
+void normaliseTransform(double T[9]) {
+    if (std::fabs(T[8]) > kNormalisable) {
+        const double last = T[8];
+        for (int i = 0; i < 9; ++i) {
+            T[i] /= last;
+        }
+    }
 }
-
-}  // namespace
 
 Point2d transformPoint(const double T[9], double x, double y) {
     const double point[3] = {x, y, 1.0};
@@ -67,12 +70,7 @@ std::int32_t innerCalcHomMatrix(const unsigned char* data, Camera camera, const 
         zelmMatMul(3, 3, own.A, 3, 3, other.Ainv, backward);
         zelmMatMul(3, 3, backward, 3, 3, shift, T);
     }
-    if (std::fabs(T[8]) > kNormalisable) {
-        const double last = T[8];
-        for (int i = 0; i < 9; ++i) {
-            T[i] /= last;
-        }
-    }
+    normaliseTransform(T);
     return ZELM_OK;
 }
 

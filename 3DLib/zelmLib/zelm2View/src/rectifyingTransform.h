@@ -9,6 +9,18 @@
 
 namespace zelm {
 
+// A camera's rectifying matrix with s times column 3 of its projection matrix added to column 3, and the inverse.
+struct DepthMatrix {
+    double A[9];
+    double Ainv[9];
+};
+
+// False when the projection matrix cannot be built or the sum is singular.
+bool makeDepthMatrix(const unsigned char* data, Camera camera, double s, DepthMatrix* out);
+
+// Divides T by its last element when that exceeds 1e-9.
+void normaliseTransform(double T[9]);
+
 enum class RectifyingDirection { toUnrectified, toRectified };
 
 // T, 3x3 row-major, on undistorted pixel coordinates; divided by its last element when that exceeds 1e-9.
