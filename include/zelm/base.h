@@ -127,6 +127,19 @@ typedef struct Ellipse2d {
     double angle;  ///< direction of the major axis in radians, in [-pi/2, pi/2]
 } Ellipse2d;
 
+/// An ellipsoid by its geometry.
+typedef struct Ellipsoid3d {
+    double x;          ///< centre
+    double y;          ///< centre
+    double z;          ///< centre
+    double a;          ///< largest semi-axis, a >= b >= c
+    double b;          ///< middle semi-axis
+    double c;          ///< smallest semi-axis
+    double azimuth;    ///< of the largest axis, radians in [-pi, pi]
+    double elevation;  ///< of the largest axis, radians in [-pi/2, pi/2]
+    double roll;       ///< of the smallest axis about the largest, radians in [-pi/2, pi/2]
+} Ellipsoid3d;
+
 /// A rectangle by its top-left corner and size in pixels.
 typedef struct ZelmRect {
     int32_t x;       ///< leftmost column

@@ -1,27 +1,36 @@
-// What the conic fits share: the scatter matrix of the monomials and the algebraic distance.
+// What the conic fits share: the monomials, their scatter matrix and the algebraic distance.
 //
-// A conic is A x^2 + B x y + C y^2 + D x + E y + F = 0, its coefficients in that order; z = (x^2, x y, y^2, x, y, 1).
+// A conic is A x^2 + B x y + C y^2 + D x + E y + F = 0, its coefficients in that order.
 #ifndef ZELM_CONIC_SCATTER_H
 #define ZELM_CONIC_SCATTER_H
 
 #include <cstddef>
 #include <cstdint>
 
+#include "monomialScatter.h"
+
 namespace zelm {
 
 constexpr size_t kConicTerms = 6;
 constexpr std::int32_t kConicMinPoints = 5;
 
-// The scatter matrix S = sum w z z^T and its eigen decomposition, S = vectors^T diag(values) vectors.
-struct ConicScatter {
-    double S[kConicTerms * kConicTerms];
-    double values[kConicTerms];                 // descending
-    double vectors[kConicTerms * kConicTerms];  // unit vectors as rows
+struct ConicTerms {
+    static constexpr size_t kDim = 2;
+    static constexpr size_t kTerms = kConicTerms;
+    static constexpr std::int32_t kMinPoints = kConicMinPoints;
+    static void monomials(const double* point, double* z) {
+        const double x = point[0];
+        const double y = point[1];
+        z[0] = x * x;
+        z[1] = x * y;
+        z[2] = y * y;
+        z[3] = x;
+        z[4] = y;
+        z[5] = 1.0;
+    }
 };
 
-// Points whose weight is exactly 0 do not take part. Returns ZELM_OK, ZELM_ERR_FIT_DATA when fewer than 5 points
-// remain, or what the eigen-solver returned.
-std::int32_t conicScatter(std::int32_t n, const double* weights, const double* points, ConicScatter* result);
+using ConicScatter = MonomialScatter<kConicTerms>;
 
 // The signed algebraic distance of each point; a ZelmFitResidualFn.
 void fitConicResidual(std::int32_t n, const double* points, const double* conic, double* residuals);

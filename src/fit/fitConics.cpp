@@ -4,26 +4,25 @@
 #include <cmath>
 #include <cstddef>
 
+#include "callersFrame.h"
 #include "conicScatter.h"
 #include "fitEllipse.h"
 #include "robustDriver.h"
 #include "zelm/fit.h"
-#include "zelm/mat.h"
 
 namespace zelm {
 namespace {
 
 int32_t fitConicSolve(int32_t n, const double* weights, const double* points, double* conic) {
     ConicScatter scatter;
-    if (const auto s = conicScatter(n, weights, points, &scatter); s < 0) {
+    if (const auto s = monomialScatter<ConicTerms>(n, weights, points, &scatter); s < 0) {
         return s;
     }
     std::copy_n(scatter.vectors + (kConicTerms - 1) * kConicTerms, kConicTerms, conic);
     return ZELM_OK;
 }
 
-// p in the frame x' = s (x - t), as coefficients in x: Q' = T^T Q T with T = [s 0 -s tx; 0 s -s ty; 0 0 1]. Deliberate:
-// divided by the norm of p, not by the norm of the result.
+// Deliberate: divided by the norm of p, not by the norm of the result.
 void conicInCallersFrame(const double* p, double s, const double* t, double* result) {
     double squares = 0.0;
     for (size_t i = 0; i < kConicTerms; ++i) {
@@ -31,11 +30,8 @@ void conicInCallersFrame(const double* p, double s, const double* t, double* res
     }
     const double norm = std::sqrt(squares);
     const double Q[9] = {p[0], p[1] / 2.0, p[3] / 2.0, p[1] / 2.0, p[2], p[4] / 2.0, p[3] / 2.0, p[4] / 2.0, p[5]};
-    const double T[9] = {s, 0.0, -s * t[0], 0.0, s, -s * t[1], 0.0, 0.0, 1.0};
-    double QT[9];
     double R[9];
-    (void)zelmMatMul(3, 3, Q, 3, 3, T, QT);
-    (void)zelmMatMulTransposed2(1, 3, 3, T, 3, 3, QT, R);
+    formInCallersFrame<2>(Q, s, t, R);
     const double coefficients[kConicTerms] = {R[0], 2.0 * R[1], R[4], 2.0 * R[2], 2.0 * R[5], R[8]};
     std::transform(coefficients, coefficients + kConicTerms, result, [norm](double v) { return v / norm; });
 }

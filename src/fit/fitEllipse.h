@@ -6,7 +6,7 @@
 
 namespace zelm {
 
-// A ZelmFitSolveFn. Returns ZELM_OK, ZELM_ERR_FIT_NOT_ELLIPSE, or what conicScatter(), the eigen-solver or the
+// A ZelmFitSolveFn. Returns ZELM_OK, ZELM_ERR_FIT_NOT_ELLIPSE, or what monomialScatter(), the eigen-solver or the
 // inversion returned.
 std::int32_t fitEllipseSolve(std::int32_t n, const double* weights, const double* points, double* conic);
 

@@ -113,6 +113,32 @@ void digestFit(Digest& digest) {
     }
 }
 
+void digestQuadrics(Digest& digest) {
+    Random random(6);
+    for (int round = 0; round < 300; ++round) {
+        const int n = random.integer(12, 60);
+        std::vector<Point3d> points(static_cast<std::size_t>(n));
+        std::vector<Point3d> cone(points.size());
+        for (std::size_t i = 0; i < points.size(); ++i) {
+            const double azimuth = random.uniform(0.0, 6.28);
+            const double z = random.uniform(-1.0, 1.0);
+            const double r = std::sqrt(1.0 - z * z);
+            points[i] = {10.0 + 9.0 * r * std::cos(azimuth) + 0.1 * random.normal(), 7.0 * r * std::sin(azimuth),
+                         5.0 * z - 3.0 + 0.1 * random.normal()};
+            cone[i] = {0.5 * z * std::cos(azimuth) + 0.01 * random.normal(), 0.5 * z * std::sin(azimuth), z - 2.0};
+        }
+        const int robust = round % 2;
+        Ellipsoid3d ellipsoid{};
+        digest.add(zelmFitEllipsoid(n, points.data(), robust, 3.0, &ellipsoid));
+        digest.add(&ellipsoid, sizeof ellipsoid);
+        std::vector<double> out(10);
+        digest.add(zelmFitCone(n, cone.data(), robust, 3.0, out.data()));
+        digest.add(out);
+        digest.add(zelmFitCone(n, points.data(), robust, 3.0, out.data()));
+        digest.add(out);
+    }
+}
+
 void digestImages(Digest& digest) {
     Random random(4);
     constexpr std::int32_t kSize = 96;
@@ -228,8 +254,8 @@ struct Family {
     void (*run)(Digest&);
 };
 
-constexpr Family kFamilies[] = {
-    {"mat", digestMat}, {"math", digestMath}, {"fit", digestFit}, {"images", digestImages}, {"calib", digestCalib}};
+constexpr Family kFamilies[] = {{"mat", digestMat},           {"math", digestMath},     {"fit", digestFit},
+                                {"quadrics", digestQuadrics}, {"images", digestImages}, {"calib", digestCalib}};
 
 }  // namespace
 

@@ -399,7 +399,7 @@ TEST(FitEllipseSolve, TheNullSpaceIsSearchedForAnEllipse) {
         const std::vector<Point2d> points = {{r, 0}, {0, r}, {-r, 0}, {0, -r}, {r, 0}, {0, r}, {-r, 0}, {0, -r}};
         const std::vector<double> weights(8, 1.0);
         zelm::ConicScatter scatter;
-        ASSERT_EQ(zelm::conicScatter(8, weights.data(), &points[0].x, &scatter), ZELM_OK);
+        ASSERT_EQ(zelm::monomialScatter<zelm::ConicTerms>(8, weights.data(), &points[0].x, &scatter), ZELM_OK);
         EXPECT_LT(std::fabs(scatter.values[4]), 1e-12);
         EXPECT_LT(std::fabs(scatter.values[5]), 1e-12);
         double c[6];

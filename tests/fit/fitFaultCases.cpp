@@ -1,8 +1,10 @@
 // Every exported fit with each of its allocations failing, in a robust fit that re-weights.
 #include <algorithm>
 
+#include "coneGeometry.h"
 #include "faultCase.h"
 #include "fitShapes.h"
+#include "quadricShapes.h"
 #include "zelm/fit.h"
 
 using zelmtest::FaultProbe;
@@ -27,15 +29,23 @@ std::vector<Point3d> spacePoints() {
     return points;
 }
 
-// call: from a result of six doubles to a status.
+// Around an ellipsoid, or a cone about its first axis.
+std::vector<Point3d> quadricPoints(bool cone) {
+    Random random(543);
+    const zelmtest::Frame3 frame = zelmtest::randomFrame(random);
+    return cone ? zelmtest::conePoints({{1, 2, 3}, frame, 1.2}, 40, true, 0.01, random)
+                : zelmtest::ellipsoidPoints({{1, 2, 3, 9, 7, 5, 0, 0, 0}, frame}, 40, 0.1, random);
+}
+
+// call: from a result of up to ten doubles to a status.
 template <class Call>
 void fitCase(FaultProbe& probe, Call call) {
-    double result[6];
-    std::fill(result, result + 6, kUntouched);
+    double result[10];
+    std::fill(result, result + 10, kUntouched);
     const int32_t status = probe.call([&] { return call(result); });
     if (probe.failed()) {
         EXPECT_EQ(status, ZELM_ERR_MEMORY);
-        EXPECT_TRUE(std::all_of(result, result + 6, [](double v) { return v == kUntouched; }));
+        EXPECT_TRUE(std::all_of(result, result + 10, [](double v) { return v == kUntouched; }));
     } else {
         EXPECT_EQ(status, ZELM_OK);
         EXPECT_NE(result[0], kUntouched);
@@ -91,6 +101,17 @@ ZELM_FAULT_CASE(zelmFitEllipseC) {
 ZELM_FAULT_CASE(zelmFitConics) {
     const auto points = planePoints();
     fitCase(probe, [&](double* r) { return zelmFitConics(kPoints, points.data(), 1, 3.0, r); });
+}
+
+ZELM_FAULT_CASE(zelmFitEllipsoid) {
+    const auto points = quadricPoints(false);
+    fitCase(probe,
+            [&](double* r) { return zelmFitEllipsoid(40, points.data(), 1, 3.0, reinterpret_cast<Ellipsoid3d*>(r)); });
+}
+
+ZELM_FAULT_CASE(zelmFitCone) {
+    const auto points = quadricPoints(true);
+    fitCase(probe, [&](double* r) { return zelmFitCone(40, points.data(), 1, 3.0, r); });
 }
 
 // Deliberate: inside its robust loop the circle reports a failed allocation as ZELM_ERR_FIT_DATA. Nine blocks come

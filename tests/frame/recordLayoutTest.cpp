@@ -47,6 +47,17 @@ PIN_FIELD(Ellipse2d, a, 16);
 PIN_FIELD(Ellipse2d, b, 24);
 PIN_FIELD(Ellipse2d, angle, 32);
 
+PIN_SIZE(Ellipsoid3d, 72);
+PIN_FIELD(Ellipsoid3d, x, 0);
+PIN_FIELD(Ellipsoid3d, y, 8);
+PIN_FIELD(Ellipsoid3d, z, 16);
+PIN_FIELD(Ellipsoid3d, a, 24);
+PIN_FIELD(Ellipsoid3d, b, 32);
+PIN_FIELD(Ellipsoid3d, c, 40);
+PIN_FIELD(Ellipsoid3d, azimuth, 48);
+PIN_FIELD(Ellipsoid3d, elevation, 56);
+PIN_FIELD(Ellipsoid3d, roll, 64);
+
 PIN_SIZE(ZelmRect, 16);
 PIN_FIELD(ZelmRect, x, 0);
 PIN_FIELD(ZelmRect, y, 4);
