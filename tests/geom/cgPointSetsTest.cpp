@@ -3,8 +3,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
+#include <limits>
 #include <vector>
 
+#include "cgCommon.h"
 #include "random.h"
 #include "zelm/cg.h"
 
@@ -46,6 +49,20 @@ bool isPermutation(Points a, Points b) {
     return std::equal(a.begin(), a.end(), b.begin(), b.end(), same);
 }
 
+TEST(CompareByArgument, OrdersByAngleThenByDistance) {
+    const Point2d o{1.0, 2.0};
+    EXPECT_EQ(zelm::compareByArgument(o, {3.0, 2.0}, {1.0, 5.0}), 6.0) << "the cross product";
+    EXPECT_EQ(zelm::compareByArgument(o, {1.0, 5.0}, {3.0, 2.0}), -6.0);
+    EXPECT_EQ(zelm::compareByArgument(o, {2.0, 2.0}, {4.0, 2.0}), 8.0) << "farther on the same ray: squared lengths";
+    EXPECT_EQ(zelm::compareByArgument(o, {4.0, 2.0}, {2.0, 2.0}), -8.0);
+    EXPECT_EQ(zelm::compareByArgument(o, o, {3.0, 2.0}), 4.0);
+    EXPECT_EQ(zelm::compareByArgument(o, {3.0, 2.0}, {-2.0, 2.0}), 6.0) << "opposite: positive either way round";
+    EXPECT_EQ(zelm::compareByArgument(o, {-2.0, 2.0}, {3.0, 2.0}), 6.0);
+    EXPECT_EQ(zelm::compareByArgument(o, {3.0, 2.0}, {3.0, 2.0}), 0.0);
+    // Products that overflow: the cross product is no number and is returned as such.
+    EXPECT_TRUE(std::isnan(zelm::compareByArgument({0.0, 0.0}, {1e155, 1e155}, {-1e155, -1e155})));
+}
+
 TEST(CgSortByArgument, BadArgumentsAreRefused) {
     Point2d p[2] = {};
     EXPECT_EQ(zelmCgSortByArgument(1, p, p), ZELM_ERR_PARAM);
@@ -78,6 +95,56 @@ TEST(CgSortByArgument, AnglesGrowAndNearerComesFirstOnARay) {
                 }
             }
         }
+    }
+}
+
+// The heap sort written down once more, position by position.
+Points literalSort(Points points) {
+    const std::size_t n = points.size();
+    std::size_t pivot = 0;
+    for (std::size_t i = 1; i < n; ++i) {
+        if (points[i].y < points[pivot].y || (points[i].y == points[pivot].y && points[i].x < points[pivot].x)) {
+            pivot = i;
+        }
+    }
+    std::swap(points[0], points[pivot]);
+    const auto sift = [&points](Point2d moving, std::size_t k, std::size_t last) {
+        for (std::size_t child = 2 * k; child <= last; child = 2 * k) {
+            if (child < last && zelm::compareByArgument(points[0], points[child], points[child + 1]) > 0.0) {
+                ++child;
+            }
+            if (zelm::compareByArgument(points[0], points[child], moving) >= 0.0) {
+                break;
+            }
+            points[k] = points[child];
+            k = child;
+        }
+        points[k] = moving;
+    };
+    for (std::size_t k = (n - 1) / 2; k >= 1; --k) {
+        sift(points[k], k, n - 1);
+    }
+    for (std::size_t i = n - 1; i >= 2; --i) {
+        const Point2d taken = points[i];
+        points[i] = points[1];
+        sift(taken, 1, i - 1);
+    }
+    return points;
+}
+
+// Equal points are told apart by the signs of their zeros, which no comparison sees.
+TEST(CgSortByArgument, TiesFollowTheHeapToTheBit) {
+    Random random(55);
+    for (int round = 0; round < 2000; ++round) {
+        Points in = randomPoints(random, random.integer(2, 40), true);
+        for (Point2d& p : in) {
+            p.x = p.x == 0.0 && random.integer(0, 1) == 1 ? -0.0 : p.x;
+            p.y = p.y == 0.0 && random.integer(0, 1) == 1 ? -0.0 : p.y;
+        }
+        Points out(in.size());
+        ASSERT_EQ(zelmCgSortByArgument(count(in), in.data(), out.data()), ZELM_OK);
+        const Points expected = literalSort(in);
+        ASSERT_EQ(std::memcmp(out.data(), expected.data(), out.size() * sizeof(Point2d)), 0) << "round " << round;
     }
 }
 
@@ -138,6 +205,40 @@ TEST(CgConvexHull, TurnsLeftAndHoldsEveryPoint) {
     }
 }
 
+// Far more points than a hull has vertices, all on one line: dropped in one go, not one by one.
+TEST(CgConvexHull, ManyCollinearPointsLeaveTheTwoEnds) {
+    Points in;
+    for (int i = 200000; i >= 0; --i) {
+        in.push_back({3.0 * i, 4.0 * i});
+    }
+    const Points hull = hullOf(in);
+    ASSERT_EQ(hull.size(), 2U);
+    EXPECT_TRUE(same(hull[0], {0.0, 0.0}));
+    EXPECT_TRUE(same(hull[1], {600000.0, 800000.0}));
+}
+
+TEST(CgConvexHull, WhatIsNotANumberEndsWithACountWithinThePoints) {
+    constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+    constexpr double kInfinity = std::numeric_limits<double>::infinity();
+    Random random(56);
+    for (int round = 0; round < 1000; ++round) {
+        Points in = randomPoints(random, random.integer(1, 20), round % 2 == 0);
+        const std::int32_t bad = random.integer(1, 4);
+        for (std::int32_t k = 0; k < bad; ++k) {
+            Point2d& p = in[static_cast<std::size_t>(random.integer(0, count(in) - 1))];
+            (random.integer(0, 1) == 0 ? p.x : p.y) = random.integer(0, 1) == 0 ? kNan : kInfinity;
+        }
+        Points out(in.size());
+        std::int32_t n = 0;
+        ASSERT_EQ(zelmCgConvexHull(count(in), in.data(), &n, out.data()), ZELM_OK);
+        ASSERT_GE(n, 1);
+        ASSERT_LE(n, count(in));
+        Point2d centre{};
+        double radius = 0.0;
+        ASSERT_EQ(zelmCgSmallestEnclosingCircle(count(in), in.data(), &centre, &radius), ZELM_OK);
+    }
+}
+
 // The procedure written down once more, step by step.
 Circle2d literalEnclosingCircle(const Points& in) {
     const Points hull = hullOf(in);
@@ -193,7 +294,12 @@ TEST(CgSmallestEnclosingCircle, OneAndTwoPoints) {
 TEST(CgSmallestEnclosingCircle, FollowsTheProcedureToTheBit) {
     Random random(53);
     for (int round = 0; round < 1000; ++round) {
-        const Points in = randomPoints(random, random.integer(3, 25), false);
+        Points in = randomPoints(random, random.integer(3, 25), false);
+        // Small sets settle; large ones walk until the step is used up.
+        const double scale = round % 2 == 0 ? 1.0 : 1e6;
+        for (Point2d& p : in) {
+            p = {p.x * scale, p.y * scale};
+        }
         Point2d centre{};
         double radius = 0.0;
         ASSERT_EQ(zelmCgSmallestEnclosingCircle(count(in), in.data(), &centre, &radius), ZELM_OK);

@@ -8,6 +8,7 @@
 
 #include "random.h"
 #include "zelm/cg.h"
+#include "zelm/clp2d.h"
 
 namespace {
 
@@ -76,6 +77,27 @@ TEST(CgPointInConvexPolygon, InsideOutsideAndOnTheBoundary) {
     EXPECT_EQ(where(kSquare, {0.25, 0.75}), 1);
 }
 
+TEST(CgPointInConvexPolygon, CornersAreOnTheBoundaryAndWhatLiesBehindThemIsOutside) {
+    for (const Point2d& corner : kSquare) {
+        EXPECT_EQ(where(kSquare, corner), 2);
+        EXPECT_EQ(where(kSquare, {0.5 + 3.0 * (corner.x - 0.5), 0.5 + 3.0 * (corner.y - 0.5)}), 0);
+    }
+}
+
+TEST(CgPointInConvexPolygon, OnAPolygonWithoutAreaIsOnTheBoundary) {
+    const Polygon flat{{0.0, 0.0}, {1.0, 0.0}, {2.0, 0.0}};
+    EXPECT_EQ(where(flat, {0.5, 0.0}), 2);
+}
+
+// The segments' tolerance holds for products of areas, so that polygons of less than a thousandth of a unit are too
+// small to tell inside from outside; the first edge that reports anything decides.
+TEST(CgPointInConvexPolygon, TinyPolygonsAreBelowTheTolerance) {
+    const auto square = [](double side) { return Polygon{{0.0, 0.0}, {side, 0.0}, {side, side}, {0.0, side}}; };
+    EXPECT_EQ(where(square(1e-3), {0.5e-3, 0.5e-3}), 1);
+    EXPECT_EQ(where(square(5e-4), {2.5e-4, 2.5e-4}), 0);
+    EXPECT_EQ(where(square(1e-4), {0.0, 0.5e-4}), 0) << "on the last edge, but the first one speaks first";
+}
+
 TEST(CgPointInConvexPolygon, AgreesWithSignedDistances) {
     Random random(71);
     int seen[2] = {};
@@ -115,6 +137,8 @@ TEST(CgIntersectionLineAndConvexPolygon, BadArgumentsAreRefused) {
     EXPECT_EQ(zelmCgIntersectionLineAndConvexPolygon(4, kSquare.data(), &line, nullptr), ZELM_ERR_PARAM);
     EXPECT_EQ(zelmCgIntersectionLineAndConvexPolygon(4, kSquare.data(), &none, out), ZELM_ERR_PARAM)
         << "a normal shorter than 1e-13 is a bad argument here";
+    const Line2d faint{1.001e-13, 0.0, -0.5e-13};
+    EXPECT_EQ(zelmCgIntersectionLineAndConvexPolygon(4, kSquare.data(), &faint, out), 2);
 }
 
 TEST(CgIntersectionLineAndConvexPolygon, KnownCuts) {
@@ -132,11 +156,50 @@ TEST(CgIntersectionLineAndConvexPolygon, KnownCuts) {
     EXPECT_EQ(cutByLine(kSquare, {0.0, 1.0, -5.0}).count, 0) << "misses";
 }
 
-// The line y = 1 meets the edge x = 1 in (1, 1) first (a stored point), then runs along the edge y = 1.
+// The line y = 1 - 0.5e-13 crosses the edge x = 1 (a point is stored), then runs along the edge y = 1.
 TEST(CgIntersectionLineAndConvexPolygon, ALineAlongALaterEdgeGivesNoPointEvenAfterOneWasFound) {
-    const Polygon skewed{{0.0, 0.0}, {2.0, 1e-14}, {2.0, 1.0}, {0.0, 1.0}};
-    EXPECT_EQ(cutByLine(skewed, {0.0, 1.0, -1.0}).count, 0);
+    const Cut cut = cutByLine(kSquare, {0.0, 1.0, -(1.0 - 0.5e-13)});
+    EXPECT_EQ(cut.count, 0);
+    EXPECT_EQ(cut.points[0].x, 1.0);
     EXPECT_EQ(cutByLine(kSquare, {0.0, -1.0, 1.0}).count, 0);
+}
+
+// Within 1e-13 of both its ends a line runs along an edge, at any scale of the line.
+TEST(CgIntersectionLineAndConvexPolygon, TheToleranceOfALineAlongAnEdge) {
+    for (const double scale : {1.0, -1.0, 50.0, 0.02}) {
+        EXPECT_EQ(cutByLine(kSquare, {0.0, scale, -0.9e-13 * scale}).count, 0) << scale;
+        EXPECT_EQ(cutByLine(kSquare, {0.0, scale, 0.9e-13 * scale}).count, 0) << scale;
+        EXPECT_EQ(cutByLine(kSquare, {0.0, scale, -1.1e-13 * scale}).count, 2) << scale;
+        EXPECT_EQ(cutByLine(kSquare, {0.0, scale, 1.1e-13 * scale}).count, 0) << "outside, " << scale;
+    }
+}
+
+// A corner counts for one edge only when it lies on the line exactly; a hair inside, both its edges are cut.
+TEST(CgIntersectionLineAndConvexPolygon, ACornerOnTheLineIsCountedOnceOnlyWhenItIsExactlyOnIt) {
+    EXPECT_EQ(cutByLine(kSquare, {1.0, 1.0, -2.0}).count, 1);
+    EXPECT_EQ(cutByLine(kSquare, {1.0, 1.0, -2.0 + 0.5e-13}).count, 2);
+    const Polygon triangle{{0.0, 0.0}, {2.0, 0.0}, {1.0, 1.0}};
+    EXPECT_EQ(cutByLine(triangle, {0.0, 1.0, -1.0}).count, 1);
+}
+
+TEST(CgIntersectionLineAndConvexPolygon, PointsAreThoseOfTheLineAndTheEdgesLineToTheBit) {
+    Random random(74);
+    for (int round = 0; round < 500; ++round) {
+        const Polygon triangle{{random.uniform(-9.0, -5.0), random.uniform(-9.0, -5.0)},
+                               {random.uniform(5.0, 9.0), random.uniform(-9.0, -5.0)},
+                               {random.uniform(-1.0, 1.0), random.uniform(5.0, 9.0)}};
+        const Line2d line{random.uniform(-0.2, 0.2), random.uniform(0.5, 3.0), random.uniform(-1.0, 1.0)};
+        const Cut cut = cutByLine(triangle, line);
+        ASSERT_EQ(cut.count, 2);
+        for (std::size_t i = 0; i < 2; ++i) {
+            Line2d edge{};
+            Point2d expected{};
+            ASSERT_EQ(zelmClp2dLineTwoPoints(&triangle[i + 1], &triangle[(i + 2) % 3], &edge), ZELM_OK);
+            ASSERT_EQ(zelmClp2dIntersectionTwoLines(&line, &edge, &expected), ZELM_OK);
+            ASSERT_EQ(cut.points[i].x, expected.x);
+            ASSERT_EQ(cut.points[i].y, expected.y);
+        }
+    }
 }
 
 TEST(CgIntersectionLineAndConvexPolygon, ADiagonalCountsEachCornerOnce) {
@@ -157,6 +220,17 @@ TEST(CgIntersectionLineAndConvexPolygon, TwoVerticesAreOneSegment) {
 TEST(CgIntersectionLineAndConvexPolygon, ZeroLengthEdgesAreSkipped) {
     const Polygon doubled{{0.0, 0.0}, {1.0, 0.0}, {1.0, 0.0}, {1.0, 1.0}, {0.0, 1.0}};
     EXPECT_EQ(cutByLine(doubled, {0.0, 1.0, -0.5}).count, 2);
+}
+
+// A polygon whose right tip is an edge of the given length; cut half-way up that edge.
+Polygon withShortEdge(double length) {
+    return {{-1.0, -1.0}, {0.0, -1.0}, {1.0, 0.0}, {1.0, length}, {0.0, 1.0}, {-1.0, 1.0}};
+}
+
+// Both sides of 1e-13. A line within it of both ends of the tip runs along it, unless the tip is skipped.
+TEST(CgIntersectionLineAndConvexPolygon, TheLengthOfAnEdgeThatIsSkipped) {
+    EXPECT_EQ(cutByLine(withShortEdge(0.9e-13), {0.0, 1.0, -0.45e-13}).count, 1);
+    EXPECT_EQ(cutByLine(withShortEdge(1.1e-13), {0.0, 1.0, -0.55e-13}).count, 0);
 }
 
 TEST(CgIntersectionLineAndConvexPolygon, ALineThatIsNotFiniteFindsNothing) {
@@ -217,6 +291,41 @@ TEST(CgIntersectionSegmentAndConvexPolygon, KnownCuts) {
     const Cut corner = cutBySegment(kSquare, {0.0, 2.0}, {2.0, 0.0});
     ASSERT_EQ(corner.count, 1);
     EXPECT_NEAR(corner.points[0].x, 1.0, 1e-15);
+}
+
+TEST(CgIntersectionSegmentAndConvexPolygon, TheLengthOfAnEdgeThatIsSkipped) {
+    EXPECT_EQ(cutBySegment(withShortEdge(0.9e-13), {0.0, 0.45e-13}, {2.0, 0.45e-13}).count, 0);
+    EXPECT_EQ(cutBySegment(withShortEdge(1.1e-13), {0.0, 0.55e-13}, {2.0, 0.55e-13}).count, 1);
+}
+
+// The segment finds the corner (1, 1) on the edge x = 1 first, then runs along the edge y = 1.
+TEST(CgIntersectionSegmentAndConvexPolygon, ASegmentAlongALaterEdgeGivesNoPointEvenAfterOneWasFound) {
+    const Cut cut = cutBySegment(kSquare, {-1.0, 1.0}, {2.0, 1.0});
+    EXPECT_EQ(cut.count, 0);
+    EXPECT_EQ(cut.points[0].x, 1.0);
+}
+
+// A segment across a corner, cutting its edges the given distance from each other.
+std::int32_t cutsAtACorner(double apart) {
+    const double off = apart / std::sqrt(2.0);
+    return cutBySegment(kSquare, {1.5, 0.5 - off}, {0.5, 1.5 - off}).count;
+}
+
+TEST(CgIntersectionSegmentAndConvexPolygon, PointsWithinTheToleranceAreOne) {
+    EXPECT_EQ(cutsAtACorner(0.8e-13), 1);
+    EXPECT_EQ(cutsAtACorner(1.2e-13), 2);
+}
+
+// The point is taken on the edge, so that it keeps an axis-parallel edge's coordinate exactly.
+TEST(CgIntersectionSegmentAndConvexPolygon, PointsLieOnTheEdgesTheyWereFoundOn) {
+    Random random(75);
+    for (int round = 0; round < 500; ++round) {
+        const Cut cut = cutBySegment(kSquare, {random.uniform(-3.0, -1.0), random.uniform(0.4, 0.6)},
+                                     {random.uniform(2.0, 3.0), random.uniform(0.4, 0.6)});
+        ASSERT_EQ(cut.count, 2);
+        ASSERT_EQ(cut.points[0].x, 1.0);
+        ASSERT_EQ(cut.points[1].x, 0.0);
+    }
 }
 
 TEST(CgIntersectionSegmentAndConvexPolygon, AgreesWithTheLineWhereTheSegmentIsLong) {

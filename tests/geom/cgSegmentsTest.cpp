@@ -131,6 +131,68 @@ TEST(CgIntersectionOfTwoSegments, TheToleranceAppliesToTheCrossProduct) {
     EXPECT_EQ(meet({0, 0}, {1, 0}, {0.5, -1.1e-13}, {0.5, 1}).kind, ZELM_SEGMENTS_CROSS);
 }
 
+// The same for each of the four ends in its turn, and for A's ends against B's line.
+TEST(CgIntersectionOfTwoSegments, EachEndHasTheTolerance) {
+    struct Case {
+        double height;
+        std::int32_t kind;  // of an end of B over A; A's ends over B give the mirrored kind
+    };
+    for (const Case& c : {Case{0.9e-13, ZELM_SEGMENTS_B_ON_A}, Case{1.1e-13, ZELM_SEGMENTS_APART},
+                          Case{-0.9e-13, ZELM_SEGMENTS_B_ON_A}, Case{-1.1e-13, ZELM_SEGMENTS_CROSS}}) {
+        const Point2d left{0.0, 0.0};
+        const Point2d right{1.0, 0.0};
+        const Point2d foot{0.5, c.height};
+        const Point2d top{0.5, 1.0};
+        const std::int32_t mirrored = c.kind == ZELM_SEGMENTS_B_ON_A ? ZELM_SEGMENTS_A_ON_B : c.kind;
+        EXPECT_EQ(meet(left, right, foot, top).kind, c.kind) << c.height;
+        EXPECT_EQ(meet(left, right, top, foot).kind, c.kind) << c.height;
+        EXPECT_EQ(meet(foot, top, left, right).kind, mirrored) << c.height;
+        EXPECT_EQ(meet(top, foot, left, right).kind, mirrored) << c.height;
+    }
+}
+
+// "On one side" is a product of two cross products: segments that end shortly before the other's line count as
+// crossing it, deliberately.
+TEST(CgIntersectionOfTwoSegments, OneSideIsToldByTheProductOfBothEnds) {
+    const Point2d left{0.0, 0.0};
+    const Point2d right{1.0, 0.0};
+    const Point2d low{0.5, 1e-6};
+    const Point2d nearby{0.5, 0.9e-7};
+    const Point2d away{0.5, 1.1e-7};
+    expectMeeting(meet(left, right, low, nearby), ZELM_SEGMENTS_CROSS, 0.5, 0.0);
+    expectMeeting(meet(low, nearby, left, right), ZELM_SEGMENTS_CROSS, 0.5, 0.0);
+    expectMeeting(meet(left, right, low, away), ZELM_SEGMENTS_APART, kUnwritten, kUnwritten);
+    expectMeeting(meet(low, away, left, right), ZELM_SEGMENTS_APART, kUnwritten, kUnwritten);
+}
+
+// The lines of parallel segments that close have no intersection; it is not guarded.
+TEST(CgIntersectionOfTwoSegments, CloseParallelsCrossNowhere) {
+    const Meeting m = meet({0, 0}, {1, 0}, {0, 1e-7}, {1, 1e-7});
+    EXPECT_EQ(m.kind, ZELM_SEGMENTS_CROSS);
+    EXPECT_FALSE(std::isfinite(m.point.x));
+    EXPECT_EQ(meet({0, 0}, {1, 0}, {0, 1e-6}, {1, 1e-6}).kind, ZELM_SEGMENTS_APART);
+}
+
+// Both ends of a short segment lie near the other's line while the long one's do not lie near the short one's: a touch,
+// not an overlap.
+TEST(CgIntersectionOfTwoSegments, CollinearityAsksForAllFourEnds) {
+    EXPECT_EQ(meet({0, 0}, {1e-6, 0}, {0, 5e-8}, {1, 5e-8}).kind, ZELM_SEGMENTS_B_ON_A);
+    EXPECT_EQ(meet({0, 5e-8}, {1, 5e-8}, {0, 0}, {1e-6, 0}).kind, ZELM_SEGMENTS_A_ON_B);
+}
+
+TEST(CgIntersectionOfTwoSegments, CollinearEndsCoincideWithinTheTolerance) {
+    expectMeeting(meet({0, 0}, {1, 0}, {1 + 0.9e-13, 0}, {2, 0}), ZELM_SEGMENTS_ENDPOINTS, 1.0 + 0.45e-13, 0.0);
+    EXPECT_EQ(meet({0, 0}, {1, 0}, {1 + 1.1e-13, 0}, {2, 0}).kind, ZELM_SEGMENTS_APART);
+    EXPECT_EQ(meet({0, 0}, {1, 0}, {1 - 0.9e-13, 0}, {2, 0}).kind, ZELM_SEGMENTS_ENDPOINTS);
+    EXPECT_EQ(meet({0, 0}, {1, 0}, {1 - 1.1e-13, 0}, {2, 0}).kind, ZELM_SEGMENTS_OVERLAP);
+}
+
+// One end near, three beyond: no sum that is named, so it counts as an overlap although the segments are apart.
+TEST(CgIntersectionOfTwoSegments, AnyOtherSumOfScoresIsAnOverlap) {
+    const Meeting m = meet({1.1e-7, 0}, {1, 0}, {0, 0}, {1e-8, 0});
+    expectMeeting(m, ZELM_SEGMENTS_OVERLAP, kUnwritten, kUnwritten);
+}
+
 TEST(CgIntersectionOfTwoSegments, ThePointOfACrossingIsExactToRounding) {
     Random random(62);
     for (int round = 0; round < 5000; ++round) {

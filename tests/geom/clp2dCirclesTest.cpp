@@ -61,6 +61,30 @@ TEST(Clp2dCircleThreePoints, RecoversSeededCircles) {
     }
 }
 
+// Three points much closer to each other than to the origin: cancellation can make the squared radius negative.
+TEST(Clp2dCircleThreePoints, ANegativeSquaredRadiusIsDegenerateNeverNotANumber) {
+    Random random(36);
+    int refused = 0;
+    int found = 0;
+    for (int i = 0; i < kRounds; ++i) {
+        Point2d p[3];
+        const double spread = std::pow(10.0, random.uniform(-8.0, -3.0));
+        for (Point2d& point : p) {
+            point = {1e4 + random.uniform(-spread, spread), 1e4 + random.uniform(-spread, spread)};
+        }
+        Circle2d circle{7.0, 8.0, 9.0};
+        if (zelmClp2dCircleThreePoints(&p[0], &p[1], &p[2], &circle) == ZELM_OK) {
+            ASSERT_GE(circle.r, 0.0);
+            found += 1;
+        } else {
+            ASSERT_EQ(circle.r, 9.0);
+            refused += 1;
+        }
+    }
+    EXPECT_GT(found, 100);
+    EXPECT_GT(refused, 10);
+}
+
 TEST(Clp2dCircleTwoPoints, HasThePointsAsADiameter) {
     const Point2d p{1.0, 2.0};
     const Point2d q{5.0, 5.0};
@@ -191,6 +215,27 @@ TEST(Clp2dTangentPointToCircle, InsideIsRefusedAndOnTheCircleBothTangentsCoincid
     EXPECT_EQ(zelmClp2dTangentPointToCircle(&justInside, &kUnit, &l1, &t1, &l2, &t2), ZELM_ERR_DEGENERATE);
 }
 
+// Distances within 1e-14 of the radius count as on the circle on both sides; farther inside is refused.
+TEST(Clp2dTangentPointToCircle, TheThresholdOnBothSidesOfTheCircle) {
+    // A small circle, so that distances of 1e-15 are resolved.
+    const Circle2d circle{0.0, 0.0, 0.01};
+    Line2d l1{};
+    Line2d l2{};
+    Point2d t1{};
+    Point2d t2{};
+    for (const double gap : {-0.9e-14, -1e-16, 0.0, 1e-16, 0.9e-14}) {
+        const Point2d p{0.01 + gap, 0.0};
+        ASSERT_EQ(zelmClp2dTangentPointToCircle(&p, &circle, &l1, &t1, &l2, &t2), ZELM_OK) << gap;
+        EXPECT_EQ(t1.y, t2.y) << gap;
+        EXPECT_EQ(l1.b, l2.b) << gap;
+    }
+    const Point2d outside{0.01 + 1.1e-14, 0.0};
+    ASSERT_EQ(zelmClp2dTangentPointToCircle(&outside, &circle, &l1, &t1, &l2, &t2), ZELM_OK);
+    EXPECT_GT(t1.y, t2.y);
+    const Point2d inside{0.01 - 1.1e-14, 0.0};
+    EXPECT_EQ(zelmClp2dTangentPointToCircle(&inside, &circle, &l1, &t1, &l2, &t2), ZELM_ERR_DEGENERATE);
+}
+
 TEST(Clp2dClosestToCircle, IsTheProjectionOfThePoint) {
     Random random(34);
     for (int i = 0; i < kRounds; ++i) {
@@ -231,6 +276,8 @@ TEST(Clp2dCircles, RadiiBelowTheThresholdAreRefused) {
     EXPECT_EQ(zelmClp2dClosestToCircle(&p, &none, &q1, &distance), ZELM_ERR_DEGENERATE);
     const Circle2d tiny{0.0, 0.0, 1.001e-14};
     EXPECT_EQ(zelmClp2dClosestToCircle(&p, &tiny, &q1, &distance), ZELM_OK);
+    EXPECT_EQ(zelmClp2dTangentPointToCircle(&p, &tiny, &l1, &q1, &l2, &q2), ZELM_OK);
+    EXPECT_EQ(zelmClp2dIntersectionLineAndCircle(&line, &tiny, &q1, &q2), ZELM_OK);
 }
 
 }  // namespace

@@ -198,7 +198,52 @@ TEST(Clp2dAngleTwoLines, OneLineWrittenWithOpposedNormalsOrScalesIsOneLine) {
         const Line2d same = scaled(line, factor);
         EXPECT_EQ(zelmClp2dAngleTwoLines(&line, &same, &angle), ZELM_OK) << factor;
         EXPECT_NEAR(angle, 0.0, kUnitTolerance);
+        EXPECT_EQ(zelmClp2dAngleTwoLines(&same, &line, &angle), ZELM_OK) << factor;
+        EXPECT_NEAR(angle, 0.0, kUnitTolerance);
     }
+}
+
+// Below 1e-14 rad lines are parallel and must then be one line; above it they are not, however far they are apart.
+TEST(Clp2dAngleTwoLines, LinesThatTurnByLessThanTheThresholdAreParallel) {
+    const Line2d y0{0.0, 1.0, 0.0};
+    const Line2d turnedLess{0.9e-14, 1.0, -1.0};
+    const Line2d turnedMore{1.1e-14, 1.0, -1.0};
+    double angle = 7.0;
+    EXPECT_EQ(zelmClp2dAngleTwoLines(&y0, &turnedLess, &angle), ZELM_ERR_DEGENERATE);
+    EXPECT_EQ(angle, 7.0);
+    EXPECT_EQ(zelmClp2dAngleTwoLines(&y0, &turnedMore, &angle), ZELM_OK);
+    EXPECT_EQ(angle, 1.1e-14);
+}
+
+TEST(Clp2dAngleTwoLines, ParallelsCloserThanTheThresholdAreOneLine) {
+    const Line2d y0{0.0, 1.0, 0.0};
+    for (const double sign : {1.0, -1.0}) {
+        const Line2d nearby{0.0, 1.0, sign * 0.9e-14};
+        const Line2d apart{0.0, 1.0, sign * 1.1e-14};
+        double angle = 7.0;
+        EXPECT_EQ(zelmClp2dAngleTwoLines(&y0, &apart, &angle), ZELM_ERR_DEGENERATE);
+        EXPECT_EQ(angle, 7.0);
+        EXPECT_EQ(zelmClp2dAngleTwoLines(&y0, &nearby, &angle), ZELM_OK);
+        EXPECT_EQ(angle, 0.0);
+    }
+}
+
+// Rounding takes the sine of a right angle above 1, where there is no arc sine, unless it is clamped.
+TEST(Clp2dAngleTwoLines, RightAnglesAtAnyDirectionAndScaleAreNumbers) {
+    Random random(28);
+    int above = 0;
+    for (int i = 0; i < kRounds; ++i) {
+        const double a = random.uniform(-5.0, 5.0);
+        const double b = random.uniform(-5.0, 5.0);
+        const Line2d l1{a, b, 0.0};
+        const Line2d l2{-b, a, 1.0};
+        double angle = 0.0;
+        ASSERT_EQ(zelmClp2dAngleTwoLines(&l1, &l2, &angle), ZELM_OK);
+        ASSERT_NEAR(angle, kPi / 2.0, 5e-8);
+        const double length = std::sqrt(a * a + b * b);
+        above += (a * a + b * b) / (length * length) > 1.0 ? 1 : 0;
+    }
+    EXPECT_GT(above, 100) << "the case at hand";
 }
 
 TEST(Clp2dAngleTwoLines, IsTheAcuteAngleAtAnyScale) {

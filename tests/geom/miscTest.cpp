@@ -95,6 +95,16 @@ TEST(MiscPlotPointsOfLine, KnownCounts) {
     EXPECT_EQ(plot({2, 2}, {2, 2}).size(), 1U);
 }
 
+// Where the error term stands half-way, the longer axis steps alone.
+TEST(MiscPlotPointsOfLine, TiesStepAlongTheLongerAxis) {
+    EXPECT_EQ(plot({0, 0}, {2, 1})[1].x, 1);
+    EXPECT_EQ(plot({0, 0}, {2, 1})[1].y, 0);
+    EXPECT_EQ(plot({0, 0}, {1, 2})[1].x, 0);
+    EXPECT_EQ(plot({0, 0}, {1, 2})[1].y, 1);
+    EXPECT_EQ(plot({5, 5}, {3, 4})[1].y, 5);
+    EXPECT_EQ(plot({5, 5}, {4, 3})[1].x, 5);
+}
+
 TEST(MiscPlotPointsOfLine, NullPointersAreRefused) {
     Point2i p{};
     EXPECT_EQ(zelmMiscPlotPointsOfLine(nullptr, &p, &p), ZELM_ERR_PARAM);

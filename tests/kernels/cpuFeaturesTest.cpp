@@ -60,6 +60,23 @@ TEST(CpuFeatures, SixBasicLeavesHideLeafSevenButNotLeafOne) {
     EXPECT_EQ(cpuFeatures.basicLeaves[7][1], 0U);
 }
 
+// The counts decide, whatever the words beyond them hold.
+TEST(CpuFeatures, LeavesBeyondTheCountAreNotConsulted) {
+    const ForcedProcessor forced{Processor{}};
+    cpuFeatures.basicCount = 6;
+    EXPECT_EQ(zelm::cpuHasAvx2(), 0);
+    EXPECT_EQ(zelm::cpuHasAvx2Set(), 0);
+    EXPECT_EQ(zelm::cpuHasSse41(), 1);
+    cpuFeatures.basicCount = 0;
+    EXPECT_EQ(zelm::cpuHasSse41(), 0);
+    EXPECT_EQ(zelm::cpuHasAvx(), 0);
+    EXPECT_EQ(zelm::cpuHasAvx2Set(), 0);
+    cpuFeatures.basicCount = 13;
+    EXPECT_EQ(zelm::cpuHasAvx2Set(), 1);
+    cpuFeatures.extendedCount = 0;
+    EXPECT_EQ(zelm::cpuHasAvx2Set(), 0);
+}
+
 TEST(CpuFeatures, TwentyBasicLeavesAreCachedUpToSixteen) {
     Processor processor;
     processor.basicMaximum = 20;

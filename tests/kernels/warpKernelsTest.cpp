@@ -258,6 +258,25 @@ TEST(WarpKernels, APositionOfExactlyTheLastColumnIsInvalid) {
     }
 }
 
+// Beyond 2^24 not every column is a float: the last one, 2^24 + 3, rounds up to 2^24 + 4.
+TEST(WarpKernels, VeryWideSourcesAreValidUpToTheLastFloatInside) {
+    constexpr std::int32_t kWidth = (1 << 24) + 4;
+    constexpr auto kInside = static_cast<float>((1 << 24) + 2);
+    constexpr auto kBeyond = static_cast<float>((1 << 24) + 4);
+    TestImage src{kWidth, 2, kWidth, 1, Bytes(bytesOf(kWidth, 2), 0)};
+    for (std::size_t row = 0; row < 2; ++row) {
+        src.pixels[(row + 1) * kWidth - 2] = 200;
+    }
+    for (const Tier& tier : tiers()) {
+        const ForcedProcessor forced{tier.processor};
+        const Maps maps{2, 1, {kInside, kBeyond}, {0.5F, 0.5F}, {}};
+        Bytes dst(2, 9);
+        remap(src, maps, dst.data(), 2, 0, 0, 1, 0);
+        EXPECT_EQ(dst[0], 200) << tier.name;
+        EXPECT_EQ(dst[1], 0) << tier.name;
+    }
+}
+
 TEST(WarpKernels, AOnePixelSourceYieldsAnAllZeroDestination) {
     for (const Tier& tier : tiers()) {
         const ForcedProcessor forced{tier.processor};

@@ -133,7 +133,7 @@ Zelm2ViewEpiLine lineForF(const double F[9], const Point2d& seen) {
     std::vector<unsigned char> data = blockOf(pair);
     setFundamental(&data, F);
     Handle handle;
-    EXPECT_EQ(zelm2ViewLoadCalibData(static_cast<std::int32_t>(data.size()), data.data(), &handle.calib), ZELM_OK);
+    loadBlock(data, &handle);
     Zelm2ViewEpiLine line = kUntouched;
     EXPECT_EQ(zelm2ViewCalcEpiLine(handle.get(), 'L', &seen, &line), ZELM_OK);
     return line;
@@ -148,6 +148,51 @@ TEST(TwoViewCalcEpiLine, ALineThatMissesTheImageHasNoSegment) {
     EXPECT_EQ(outside.b, 1.0);
     EXPECT_EQ(outside.c, -5000.0);
     expectNoSegment(outside);
+}
+
+// Each image has its own size: 1280 x 960 on the left, 640 x 480 on the right.
+TEST(TwoViewCalcEpiLine, EachImageIsInsetByOnePixel) {
+    TruePair pair = makePair(0, 0);
+    for (zelm::CalibratedCamera* camera : {&pair.left, &pair.right}) {
+        camera->intrinsics.k1 = camera->intrinsics.k2 = 0.0;
+    }
+    std::vector<unsigned char> data = blockOf(pair);
+    zelm::block::write(data.data(), zelm::block::kCameras, Zelm2ViewCameraDesc{0, 1280, 960, 0, 640, 480});
+    const double rows[9] = {0.0, 0.0, 0.0, 0.0, 0.0, 1.0, 0.0, -1.0, 0.0};     // the line y = y'
+    const double columns[9] = {0.0, 0.0, 1.0, 0.0, 0.0, 0.0, -1.0, 0.0, 0.0};  // the line x = x'
+    const Point2d seen{300.0, 200.0};
+    for (const char name : {'L', 'R'}) {
+        const double right = name == 'L' ? 1278.0 : 638.0;
+        const double bottom = name == 'L' ? 958.0 : 478.0;
+        Zelm2ViewEpiLine line{};
+        Handle along;
+        setFundamental(&data, rows);
+        loadBlock(data, &along);
+        ASSERT_EQ(zelm2ViewCalcEpiLine(along.get(), name, &seen, &line), ZELM_OK);
+        EXPECT_EQ(std::min(line.x0, line.x1), 1.0) << name;
+        EXPECT_EQ(std::max(line.x0, line.x1), right) << name;
+        Handle down;
+        setFundamental(&data, columns);
+        loadBlock(data, &down);
+        ASSERT_EQ(zelm2ViewCalcEpiLine(down.get(), name, &seen, &line), ZELM_OK);
+        EXPECT_EQ(std::min(line.y0, line.y1), 1.0) << name;
+        EXPECT_EQ(std::max(line.y0, line.y1), bottom) << name;
+    }
+}
+
+// Sizes that no image has, from a foreign block, must not overflow.
+TEST(TwoViewCalcEpiLine, ImageSizesAtTheEndsOfTheRangeEndInAStatus) {
+    std::vector<unsigned char> data = blockOf(makePair(0, 0));
+    constexpr std::int32_t kLeast = std::numeric_limits<std::int32_t>::min();
+    zelm::block::write(data.data(), zelm::block::kCameras, Zelm2ViewCameraDesc{0, kLeast, kLeast, 0, kLeast, kLeast});
+    Handle handle;
+    loadBlock(data, &handle);
+    const Point2d seen{640.0, 480.0};
+    Zelm2ViewEpiLine line{};
+    EXPECT_EQ(zelm2ViewCalcEpiLine(handle.get(), 'L', &seen, &line), ZELM_OK);
+    unsigned char pixel = 5;
+    EXPECT_EQ(zelm2ViewUnDistortImage(handle.get(), 'L', &pixel, &pixel), ZELM_OK);
+    EXPECT_EQ(pixel, 5);
 }
 
 TEST(TwoViewCalcEpiLine, ALineThroughOneCornerHasItTwice) {
@@ -215,12 +260,23 @@ TEST(TwoViewChangeHomEpiLine, CarriesThePointsOfALineOntoTheRectifiedLine) {
     }
 }
 
+TEST(TwoViewChangeHomEpiLine, ALineThatMissesTheRectifiedImageHasNoSegment) {
+    Handle handle;
+    loadPair(makePair(0, 0), &handle);
+    const Zelm2ViewHomParam params{640.0, 480.0, 0.0};
+    const double farBelow[3] = {0.0, 1.0, -50000.0};
+    Zelm2ViewEpiLine out = kUntouched;
+    EXPECT_EQ(zelm2ViewChangeHomEpiLine(handle.get(), 'L', &params, farBelow, &out), ZELM_OK);
+    EXPECT_NEAR(std::hypot(out.a, out.b), 1.0, 1e-14);
+    expectNoSegment(out);
+}
+
 TEST(TwoViewChangeHomEpiLine, ASingularRectifyingMatrixIsDegenerate) {
     const TruePair pair = makePair(0, 0);
     std::vector<unsigned char> data = blockOf(pair);
     zelm::block::write(data.data(), zelm::block::rectifying(zelm::Camera::right), zelm::RectifyingPair{});
     Handle handle;
-    ASSERT_EQ(zelm2ViewLoadCalibData(static_cast<std::int32_t>(data.size()), data.data(), &handle.calib), ZELM_OK);
+    loadBlock(data, &handle);
     const Zelm2ViewHomParam params{640.0, 480.0, 0.0};
     const double line[3] = {0.0, 1.0, -400.0};
     Zelm2ViewEpiLine out{};

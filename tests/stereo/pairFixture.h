@@ -102,9 +102,12 @@ inline std::vector<unsigned char> blockOf(const TruePair& pair) {
     return data;
 }
 
-inline void loadPair(const TruePair& pair, Handle* handle) {
-    const std::vector<unsigned char> data = blockOf(pair);
+inline void loadBlock(const std::vector<unsigned char>& data, Handle* handle) {
     ASSERT_EQ(zelm2ViewLoadCalibData(static_cast<std::int32_t>(data.size()), data.data(), &handle->calib), ZELM_OK);
+}
+
+inline void loadPair(const TruePair& pair, Handle* handle) {
+    loadBlock(blockOf(pair), handle);
 }
 
 // A world point near the plate that both cameras see well inside their images.

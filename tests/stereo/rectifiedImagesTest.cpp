@@ -1,11 +1,15 @@
 // Rectified and undistorted images and the point mappings between raw, undistorted and rectified pixels.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <limits>
+#include <utility>
 
 #include "bufferSampling.h"
+#include "guardedBuffer.h"
 #include "pairFixture.h"
 #include "rectifyingTransform.h"
 #include "zelm/twoViewGeometry.h"
@@ -111,6 +115,23 @@ TEST(TwoViewHomImgPoint, TheReferencePixelLandsOnTheImageCentre) {
     }
 }
 
+TEST(TwoViewHomImgPoint, TheCentreIsThatOfTheCamerasOwnImage) {
+    std::vector<unsigned char> data = blockOf(makePair(0, 0));
+    zelm::block::write(data.data(), zelm::block::kCameras, Zelm2ViewCameraDesc{0, 1280, 960, 0, 641, 483});
+    Handle handle;
+    loadBlock(data, &handle);
+    const Zelm2ViewHomParam params{500.0, 400.0, 0.0};
+    const Point2d reference{params.px, params.py};
+    for (const char name : kNames) {
+        Point2d raw{};
+        Point2d rectified{};
+        ASSERT_EQ(zelm2ViewDistortPoint(handle.get(), name, &reference, &raw), ZELM_OK);
+        ASSERT_EQ(zelm2ViewCalcHomImgPoint(handle.get(), name, &raw, &params, &rectified), ZELM_OK);
+        EXPECT_NEAR(rectified.x, name == 'L' ? 640.0 : 320.0, 1e-8);
+        EXPECT_NEAR(rectified.y, name == 'L' ? 480.0 : 241.0, 1e-8);
+    }
+}
+
 // The left image is carried into the right camera's frame: points at infinity land, up to the shift, where the right
 // camera sees them.
 TEST(TwoViewHomImgPoint, FarPointsAreSeenAsTheOtherCameraSeesThem) {
@@ -194,6 +215,23 @@ TEST(RectifyingTransform, ItsLastElementIsOneUnlessItIsTiny) {
     ASSERT_EQ(zelmMatMul(3, 3, T, 3, 3, inverse, product), ZELM_OK);
     for (int i = 0; i < 9; ++i) {
         EXPECT_NEAR(product[i] / product[8], i % 4 == 0 ? 1.0 : 0.0, 1e-9) << i;
+    }
+}
+
+// The last element as given by the right camera's matrix, the left one being the identity.
+TEST(RectifyingTransform, IsScaledOnlyWhereItsLastElementExceedsTheThreshold) {
+    std::vector<unsigned char> data = blockOf(makePair(0, 0));
+    zelm::RectifyingPair identity{{1.0, 0.0, 0.0, 0.0, 1.0, 0.0, 0.0, 0.0, 1.0}, {}};
+    zelm::block::write(data.data(), zelm::block::rectifying(zelm::Camera::left), identity);
+    for (const double last : {0.9e-9, 1.1e-9, -0.9e-9, -1.1e-9}) {
+        zelm::RectifyingPair right{{1.0, 0.0, 0.0, 0.0, 0.0, 1.0, 0.0, 1.0, last}, {}};
+        zelm::block::write(data.data(), zelm::block::rectifying(zelm::Camera::right), right);
+        double T[9];
+        ASSERT_EQ(zelm::innerCalcHomMatrix(data.data(), zelm::Camera::left, {640.0, 480.0, 0.0},
+                                           zelm::RectifyingDirection::toRectified, T),
+                  ZELM_OK);
+        EXPECT_EQ(T[8], std::fabs(last) > 1e-9 ? 1.0 : last);
+        EXPECT_EQ(T[7], std::fabs(last) > 1e-9 ? 1.0 / last : 1.0);
     }
 }
 
@@ -307,7 +345,9 @@ TEST(TwoViewMakeHomImage, BadArgumentsAndBuffersOfAnotherSizeAreRefused) {
     const auto undistort = [&](const vImage_Buffer* src, const vImage_Buffer* dst) {
         return zelm2ViewUnDistortImage_vImageARGB8888(handle.get(), 'L', src, dst);
     };
-    const vImage_Buffer* const bad[] = {nullptr, &narrow.buffer, &low.buffer, &empty};
+    vImage_Buffer longRows = good.buffer;
+    longRows.rowBytes = static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max()) + 1;
+    const vImage_Buffer* const bad[] = {nullptr, &narrow.buffer, &low.buffer, &empty, &longRows};
     for (const vImage_Buffer* const buffer : bad) {
         EXPECT_EQ(make(buffer, &good.buffer), ZELM_ERR_PARAM);
         EXPECT_EQ(make(&good.buffer, buffer), ZELM_ERR_PARAM);
@@ -328,7 +368,9 @@ TEST(TwoViewMakeHomImage, BadArgumentsAndBuffersOfAnotherSizeAreRefused) {
 // The formula pixel by pixel: the distorted position of each pixel, its bilinear gray level, rounded half up.
 TEST(TwoViewUnDistortImage, EqualsTheFormulaToTheBit) {
     for (const std::int32_t model : {0, 1}) {
-        const TruePair pair = makePair(model, model);
+        TruePair pair = makePair(model, model);
+        // One lens shrinks the picture, so that positions stay inside; the other one reaches beyond the border.
+        pair.right.intrinsics.k1 = -pair.right.intrinsics.k1;
         Handle handle;
         loadPair(pair, &handle);
         Random random(105);
@@ -361,6 +403,28 @@ TEST(TwoViewUnDistortImage, EqualsTheFormulaToTheBit) {
                                 argbOut.at(x, y, 3) == b);
                 }
             }
+        }
+    }
+}
+
+// Without distortion every pixel is its own source, the last column and row too; their neighbours lie outside.
+TEST(TwoViewUnDistortImage, ReadsNothingOutsideTheSource) {
+    for (const auto& [width, height] : {std::pair(1, 1), std::pair(5, 3), std::pair(1, 4), std::pair(300, 1)}) {
+        TruePair pair = makePair(0, 0);
+        pair.left.intrinsics.k1 = pair.left.intrinsics.k2 = 0.0;
+        pair.width = width;
+        pair.height = height;
+        Handle handle;
+        loadPair(pair, &handle);
+        const auto pixels = static_cast<std::size_t>(width) * static_cast<std::size_t>(height);
+        for (const Guard guard : {Guard::atStart, Guard::atEnd}) {
+            GuardedBuffer<unsigned char> src(pixels, guard);
+            GuardedBuffer<unsigned char> dst(pixels, guard);
+            for (std::size_t i = 0; i < pixels; ++i) {
+                src.data()[i] = static_cast<unsigned char>(3 * i + 1);
+            }
+            ASSERT_EQ(zelm2ViewUnDistortImage(handle.get(), 'L', src.data(), dst.data()), ZELM_OK);
+            EXPECT_TRUE(std::equal(src.begin(), src.end(), dst.begin()));
         }
     }
 }

@@ -186,11 +186,104 @@ TEST(OptimalCorrection, EqualsTheGlobalOptimum) {
     EXPECT_LT(worst, 1e-6);
 }
 
+// The correction written down once more, with the 9 x 9 matrix in full. Returns the pair used and the round in which it
+// settled, 0 for a pair used as it is.
+struct LiteralCorrection {
+    zelm::PointPair pair;
+    int round;
+};
+
+LiteralCorrection literalCorrection(const double F[9], const zelm::PointPair& observed) {
+    constexpr double f0 = 600.0;
+    const double D[3] = {f0, f0, 1.0};
+    double u[9];
+    for (int i = 0; i < 9; ++i) {
+        u[i] = D[i / 3] * F[i] * D[i % 3];
+    }
+    const double x[3] = {observed.left.x / f0, observed.left.y / f0, 1.0};
+    const double y[3] = {observed.right.x / f0, observed.right.y / f0, 1.0};
+    double h[3] = {x[0], x[1], 1.0};
+    double k[3] = {y[0], y[1], 1.0};
+    double dh[3] = {};
+    double dk[3] = {};
+    double E0 = 1e20;
+    for (int round = 1; round <= 20; ++round) {
+        double xi[9];
+        for (int i = 0; i < 9; ++i) {
+            xi[i] = h[i / 3] * k[i % 3] + k[i % 3] * dh[i / 3] + h[i / 3] * dk[i % 3];
+        }
+        // The covariance of the products h_i k_j for unit noise of h and k without their third elements.
+        double variance = 0.0;
+        for (int i = 0; i < 9; ++i) {
+            for (int j = 0; j < 9; ++j) {
+                const double ofK = i % 3 != 2 && i % 3 == j % 3 ? h[i / 3] * h[j / 3] : 0.0;
+                const double ofH = i / 3 != 2 && i / 3 == j / 3 ? k[i % 3] * k[j % 3] : 0.0;
+                variance += u[i] * (ofK + ofH) * u[j];
+            }
+        }
+        double Fk[3] = {};
+        double Fh[3] = {};
+        double residual = 0.0;
+        for (int i = 0; i < 9; ++i) {
+            Fk[i / 3] += u[i] * k[i % 3];
+            Fh[i % 3] += u[i] * h[i / 3];
+            residual += u[i] * xi[i];
+        }
+        if (Fk[0] * Fk[0] + Fk[1] * Fk[1] + Fk[2] * Fk[2] < 1e-13 &&
+            Fh[0] * Fh[0] + Fh[1] * Fh[1] + Fh[2] * Fh[2] < 1e-13) {
+            return {observed, 0};
+        }
+        const double s = residual / variance;
+        for (int i = 0; i < 2; ++i) {
+            dh[i] = s * Fk[i];
+            dk[i] = s * Fh[i];
+            h[i] = x[i] - dh[i];
+            k[i] = y[i] - dk[i];
+        }
+        const double E = dh[0] * dh[0] + dh[1] * dh[1] + dk[0] * dk[0] + dk[1] * dk[1];
+        if (std::fabs(E - E0) / E < 1e-9) {
+            return {{{h[0] * f0, h[1] * f0}, {k[0] * f0, k[1] * f0}}, round};
+        }
+        E0 = E;
+    }
+    return {observed, 0};
+}
+
+double largestDifference(const zelm::PointPair& a, const zelm::PointPair& b) {
+    return std::max({std::fabs(a.left.x - b.left.x), std::fabs(a.left.y - b.left.y), std::fabs(a.right.x - b.right.x),
+                     std::fabs(a.right.y - b.right.y)});
+}
+
+// Pairs from nearly exact to hopeless, so that every round is the last one for some of them.
+TEST(OptimalCorrection, FollowsTheIteration) {
+    Random random(85);
+    int settledIn[21] = {};
+    for (int round = 0; round < 20000; ++round) {
+        const TruePair pair = makePair(0, 0, &random);
+        zelm::FundamentalPair fundamental{};
+        ASSERT_EQ(zelm::innerFundamentalPair(pair.left, pair.right, &fundamental), ZELM_OK);
+        const double noise = std::pow(10.0, random.uniform(-2.0, 3.6));
+        const Point3d X = randomWorldPoint(random);
+        zelm::PointPair observed{pair.projectIdeal('L', X), pair.projectIdeal('R', X)};
+        for (double* value : {&observed.left.x, &observed.left.y, &observed.right.x, &observed.right.y}) {
+            *value += noise * random.normal();
+        }
+        const LiteralCorrection expected = literalCorrection(fundamental.F, observed);
+        const zelm::PointPair corrected = zelm::correctOptimally(fundamental.F, observed);
+        settledIn[expected.round] += 1;
+        // Rounding of sums of products of order 1, times f0; a round more or less moves a pair by the root of 1e-9.
+        ASSERT_LT(largestDifference(corrected, expected.pair), 1e-9) << "round " << round << ", noise " << noise;
+    }
+    for (const int settled : {0, 2, 3, 5, 10, 20}) {
+        EXPECT_GT(settledIn[settled], 0) << "no pair settled in round " << settled;
+    }
+}
+
 // F of two cameras side by side: matching pixels share their row.
 constexpr double kRowF[9] = {0.0, 0.0, 0.0, 0.0, 0.0, -1.0, 0.0, 1.0, 0.0};
 
 TEST(OptimalCorrection, AnExactPairComesBackAsItIs) {
-    const zelm::PointPair exact{{100.0, 50.0}, {130.0, 50.0}};
+    const zelm::PointPair exact{{75.0, 150.0}, {300.0, 150.0}};  // multiples of f0 / 8: scaling there and back is exact
     const zelm::PointPair out = zelm::correctOptimally(kRowF, exact);
     EXPECT_EQ(out.left.x, exact.left.x);
     EXPECT_EQ(out.left.y, exact.left.y);
@@ -214,10 +307,96 @@ TEST(OptimalCorrection, APairAtBothEpipolesIsUsedUncorrected) {
     EXPECT_EQ(out.right.y, 0.0);
 }
 
+// Lines of squared length below 1e-13, f0 being 600, are none. Both must be; F scaled takes both there at once.
+TEST(OptimalCorrection, TheLengthOfALineThatCountsAsNone) {
+    const zelm::PointPair observed{{75.0, 150.0}, {300.0, 225.0}};
+    // The longer line is (0, -600, 225) times the scale.
+    const double threshold = std::sqrt(1e-13) / std::hypot(600.0, 225.0);
+    for (const double share : {0.98, 1.02}) {
+        double F[9];
+        for (int i = 0; i < 9; ++i) {
+            F[i] = kRowF[i] * threshold * share;
+        }
+        const zelm::PointPair out = zelm::correctOptimally(F, observed);
+        EXPECT_NEAR(out.left.y, share < 1.0 ? 150.0 : 187.5, 1e-6) << share;
+    }
+}
+
+// A right point that is next to its epipole while the left one is far from its own is corrected.
+TEST(OptimalCorrection, APairAtOneEpipoleIsCorrected) {
+    const double F[9] = {0.0, 1.0 / 360000.0, 0.0, -1.0 / 360000.0, 0.0, 0.0, 0.0, 0.0, 0.0};
+    const zelm::PointPair out = zelm::correctOptimally(F, {{300.0, 0.0}, {0.0, 6e-5}});
+    EXPECT_NEAR(out.right.y, 0.0, 1e-9);
+}
+
 TEST(OptimalCorrection, WhatIsNotANumberComesBackWithoutHanging) {
     constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
     const zelm::PointPair out = zelm::correctOptimally(kRowF, {{kNan, 1.0}, {2.0, 3.0}});
     EXPECT_EQ(out.right.x, 2.0);
+}
+
+// The point found projects onto the corrected pair, which differs from the given one.
+TEST(TwoViewChange2Dto3D, CorrectsThePairFirst) {
+    Random random(86);
+    double moved = 0.0;
+    for (int i = 0; i < 200; ++i) {
+        TruePair pair = makePair(0, 0, &random);
+        for (zelm::CalibratedCamera* camera : {&pair.left, &pair.right}) {
+            camera->intrinsics.k1 = camera->intrinsics.k2 = 0.0;
+        }
+        Handle handle;
+        loadPair(pair, &handle);
+        zelm::FundamentalPair fundamental{};
+        ASSERT_EQ(zelm::innerFundamentalPair(pair.left, pair.right, &fundamental), ZELM_OK);
+        const Point3d X = randomWorldPoint(random);
+        zelm::PointPair observed{pair.project('L', X), pair.project('R', X)};
+        observed.left.y += random.uniform(1.0, 3.0);
+        const zelm::PointPair corrected = zelm::correctOptimally(fundamental.F, observed);
+        Point3d out{};
+        ASSERT_EQ(zelm2ViewChange2Dto3D(handle.get(), &observed.left, &observed.right, &out), ZELM_OK);
+        ASSERT_LT(largestDifference({pair.project('L', out), pair.project('R', out)}, corrected), 1e-7);
+        moved = std::max(moved, largestDifference(observed, corrected));
+    }
+    EXPECT_GT(moved, 0.5);
+}
+
+TEST(TwoViewChange2Dto3D, ASystemThatIsNotFiniteIsDegenerate) {
+    for (const zelm::Camera which : {zelm::Camera::left, zelm::Camera::right}) {
+        TruePair pair = makePair(0, 0);
+        std::vector<unsigned char> data = blockOf(pair);
+        ZelmCameraExtrinsics pose = zelm::isLeft(which) ? pair.left.pose : pair.right.pose;
+        pose.R[0] = std::numeric_limits<double>::quiet_NaN();
+        zelm::block::write(data.data(), zelm::block::pose(3, which, 0), pose);
+        Handle handle;
+        loadBlock(data, &handle);
+        const Point2d p{640.0, 480.0};
+        Point3d out{7.0, 8.0, 9.0};
+        EXPECT_EQ(zelm2ViewChange2Dto3D(handle.get(), &p, &p, &out), ZELM_ERR_DEGENERATE);
+        EXPECT_EQ(out.x, 7.0);
+    }
+}
+
+// A camera model that does not exist cannot be projected with; the status of the projection matrix passes through.
+TEST(TwoViewChange2Dto3D, AnUnknownModelIsRefusedByTheProjection) {
+    for (const bool onTheLeft : {true, false}) {
+        TruePair pair = makePair(0, 0);
+        std::vector<unsigned char> data = blockOf(pair);
+        const Zelm2ViewCameraDesc cameras{onTheLeft ? 7 : 0, pair.width, pair.height,
+                                          onTheLeft ? 0 : 7, pair.width, pair.height};
+        zelm::block::write(data.data(), zelm::block::kCameras, cameras);
+        Handle handle;
+        loadBlock(data, &handle);
+        const Point2d p{640.0, 480.0};
+        Point3d X{7.0, 8.0, 9.0};
+        EXPECT_EQ(zelm2ViewChange2Dto3D(handle.get(), &p, &p, &X), ZELM_ERR_PARAM);
+        EXPECT_EQ(X.x, 7.0);
+        Point2d q{7.0, 8.0};
+        EXPECT_EQ(zelm2ViewChange3Dto2D(handle.get(), onTheLeft ? 'L' : 'R', &X, &q), ZELM_ERR_PARAM);
+        EXPECT_EQ(q.x, 7.0);
+        const Zelm2ViewHomParam params{640.0, 480.0, 0.0};
+        EXPECT_EQ(zelm2ViewCalcHomImgPoint(handle.get(), onTheLeft ? 'R' : 'L', &p, &params, &q), ZELM_ERR_DEGENERATE);
+        EXPECT_EQ(q.x, 7.0);
+    }
 }
 
 TEST(TwoViewChange2Dto3D, ABlockThatIsNotFiniteEndsInAStatus) {
@@ -226,7 +405,7 @@ TEST(TwoViewChange2Dto3D, ABlockThatIsNotFiniteEndsInAStatus) {
     pair.left.pose.t[0] = std::numeric_limits<double>::quiet_NaN();
     zelm::block::write(data.data(), zelm::block::pose(3, zelm::Camera::left, 0), pair.left.pose);
     Handle handle;
-    ASSERT_EQ(zelm2ViewLoadCalibData(static_cast<std::int32_t>(data.size()), data.data(), &handle.calib), ZELM_OK);
+    loadBlock(data, &handle);
     const Point2d p{640.0, 480.0};
     Point3d out{7.0, 8.0, 9.0};
     const std::int32_t status = zelm2ViewChange2Dto3D(handle.get(), &p, &p, &out);
@@ -243,7 +422,7 @@ TEST(TwoViewChange2Dto3D, ACameraSeenTwiceYieldsAFinitePoint) {
     zelm::block::write(data.data(), zelm::block::pose(3, zelm::Camera::right, 0), apart.right.pose);
     zelm::block::write(data.data(), zelm::block::intrinsics(zelm::Camera::right), apart.right.intrinsics);
     Handle handle;
-    ASSERT_EQ(zelm2ViewLoadCalibData(static_cast<std::int32_t>(data.size()), data.data(), &handle.calib), ZELM_OK);
+    loadBlock(data, &handle);
     const Point2d p{640.0, 480.0};
     Point3d out{};
     EXPECT_EQ(zelm2ViewChange2Dto3D(handle.get(), &p, &p, &out), ZELM_OK);

@@ -23,6 +23,7 @@ void setNormalised(const double l[3], Zelm2ViewEpiLine* line) {
 }
 
 std::int32_t setEndPoints(const ImageSize& size, Zelm2ViewEpiLine* line) {
+    // Not integers, which the sizes of a foreign block would overflow.
     const double right = size.width - 2.0;
     const double bottom = size.height - 2.0;
     const Point2d inset[4] = {{1.0, 1.0}, {right, 1.0}, {right, bottom}, {1.0, bottom}};
@@ -70,20 +71,15 @@ std::int32_t zelm2ViewCalcEpiLine(const Zelm2ViewCalib* tHandle, std::int32_t iC
 
 std::int32_t zelm2ViewChangeHomEpiLine(const Zelm2ViewCalib* tHandle, std::int32_t iCamera,
                                        const Zelm2ViewHomParam* tParams, const double* daLine, Zelm2ViewEpiLine* tOut) {
-    Camera camera{};
-    if (tHandle == nullptr || tParams == nullptr || daLine == nullptr || tOut == nullptr ||
-        !selectCamera(iCamera, &camera)) {
-        return ZELM_ERR_PARAM;
-    }
-    double T[9];
+    Rectification r;
     const std::int32_t status =
-        innerCalcHomMatrix(tHandle->data, camera, *tParams, RectifyingDirection::toUnrectified, T);
+        beginRectification(tHandle, iCamera, tParams, {daLine, tOut}, RectifyingDirection::toUnrectified, &r);
     if (status < 0) {
         return status;
     }
     double line[3];
-    zelmMatMul(1, 3, daLine, 3, 3, T, line);
+    zelmMatMul(1, 3, daLine, 3, 3, r.T, line);
     setNormalised(line, tOut);
     clearEndPoints(tOut);
-    return setEndPoints(imageSizeOf(tHandle->data, camera), tOut);
+    return setEndPoints(imageSizeOf(tHandle->data, r.camera), tOut);
 }

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <limits>
 
+#include "calibObject.h"
 #include "calibratedCamera.h"
 #include "zelm/base.h"
 
@@ -16,6 +17,16 @@ inline bool isBufferOf(const vImage_Buffer& buffer, const ImageSize& size) {
     constexpr auto kLongestRow = static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max());
     return buffer.data != nullptr && buffer.width == static_cast<std::size_t>(size.width) &&
            buffer.height == static_cast<std::size_t>(size.height) && buffer.rowBytes <= kLongestRow;
+}
+
+// Whether both buffers hold images of the camera that the selector names; false for NULL pointers too.
+inline bool areBuffersOf(const Zelm2ViewCalib* calib, std::int32_t selector, const vImage_Buffer* src,
+                         const vImage_Buffer* dst, Camera* camera) {
+    if (calib == nullptr || src == nullptr || dst == nullptr || !selectCamera(selector, camera)) {
+        return false;
+    }
+    const ImageSize size = imageSizeOf(calib->data, *camera);
+    return isBufferOf(*src, size) && isBufferOf(*dst, size);
 }
 
 }  // namespace zelm

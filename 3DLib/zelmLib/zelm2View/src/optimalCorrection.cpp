@@ -83,19 +83,19 @@ PointPair correctOptimally(const double F[9], const PointPair& observed) {
         const Epipolar left = leftLine(u, corrected.right);
         const Epipolar right = rightLine(u, corrected.left);
         if (left.squared() < kEpipoleSquared && right.squared() < kEpipoleSquared) {
-            return observed;
+            break;
         }
         const double s = constraint(u, corrected, correction) / variance(u, corrected);
         correction = {{s * left.v[0], s * left.v[1]}, {s * right.v[0], s * right.v[1]}};
         corrected = moved(x, correction);
         const double now = squaredLength(correction);
-        // An exact pair gives 0 / 0 here, never settles and comes back as it is.
+        // An exact pair gives 0 / 0 here, never settles and is used as it is.
         if (std::fabs(now - residual) / now < kSettled) {
             return scaled(corrected, kScale);
         }
         residual = now;
     }
-    return observed;
+    return scaled(x, kScale);
 }
 
 }  // namespace zelm

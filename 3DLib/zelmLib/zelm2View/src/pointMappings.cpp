@@ -17,41 +17,32 @@ ZelmCameraIntrinsics intrinsicsOf(const Zelm2ViewCalib& calib, Camera camera) {
 
 std::int32_t zelm2ViewCalcHomImgPoint(const Zelm2ViewCalib* tHandle, std::int32_t iCamera, const Point2d* tIn,
                                       const Zelm2ViewHomParam* tParams, Point2d* tOut) {
-    Camera camera{};
-    if (tHandle == nullptr || tIn == nullptr || tParams == nullptr || tOut == nullptr ||
-        !selectCamera(iCamera, &camera)) {
-        return ZELM_ERR_PARAM;
-    }
-    double T[9];
-    std::int32_t status = innerCalcHomMatrix(tHandle->data, camera, *tParams, RectifyingDirection::toRectified, T);
+    Rectification r;
+    std::int32_t status =
+        beginRectification(tHandle, iCamera, tParams, {tIn, tOut}, RectifyingDirection::toRectified, &r);
     if (status < 0) {
         return status;
     }
-    const ZelmCameraIntrinsics intrinsics = intrinsicsOf(*tHandle, camera);
+    const ZelmCameraIntrinsics intrinsics = intrinsicsOf(*tHandle, r.camera);
     Point2d ideal{};
     status = zelmCalibUnDistortPoint(&intrinsics, tIn->x, tIn->y, &ideal.x, &ideal.y);
     if (status < 0) {
         return status;
     }
-    *tOut = transformPoint(T, ideal.x, ideal.y);
+    *tOut = transformPoint(r.T, ideal.x, ideal.y);
     return ZELM_OK;
 }
 
 std::int32_t zelm2ViewInvHomImgPoint(const Zelm2ViewCalib* tHandle, std::int32_t iCamera, const Point2d* tIn,
                                      const Zelm2ViewHomParam* tParams, Point2d* tOut) {
-    Camera camera{};
-    if (tHandle == nullptr || tIn == nullptr || tParams == nullptr || tOut == nullptr ||
-        !selectCamera(iCamera, &camera)) {
-        return ZELM_ERR_PARAM;
-    }
-    double T[9];
+    Rectification r;
     const std::int32_t status =
-        innerCalcHomMatrix(tHandle->data, camera, *tParams, RectifyingDirection::toUnrectified, T);
+        beginRectification(tHandle, iCamera, tParams, {tIn, tOut}, RectifyingDirection::toUnrectified, &r);
     if (status < 0) {
         return status;
     }
-    const ZelmCameraIntrinsics intrinsics = intrinsicsOf(*tHandle, camera);
-    const Point2d ideal = transformPoint(T, tIn->x, tIn->y);
+    const ZelmCameraIntrinsics intrinsics = intrinsicsOf(*tHandle, r.camera);
+    const Point2d ideal = transformPoint(r.T, tIn->x, tIn->y);
     return zelmCalibDistortPoint(&intrinsics, ideal.x, ideal.y, &tOut->x, &tOut->y);
 }
 

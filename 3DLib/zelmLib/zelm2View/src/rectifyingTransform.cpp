@@ -1,7 +1,9 @@
 #include "rectifyingTransform.h"
 
+#include <algorithm>
 #include <cmath>
 
+#include "calibObject.h"
 #include "calibratedCamera.h"
 #include "zelm/mat.h"
 
@@ -72,6 +74,17 @@ std::int32_t innerCalcHomMatrix(const unsigned char* data, Camera camera, const 
     }
     normaliseTransform(T);
     return ZELM_OK;
+}
+
+std::int32_t beginRectification(const Zelm2ViewCalib* calib, std::int32_t selector, const Zelm2ViewHomParam* params,
+                                std::initializer_list<const void*> pointers, RectifyingDirection direction,
+                                Rectification* out) {
+    if (calib == nullptr || params == nullptr ||
+        std::find(pointers.begin(), pointers.end(), nullptr) != pointers.end() ||
+        !selectCamera(selector, &out->camera)) {
+        return ZELM_ERR_PARAM;
+    }
+    return innerCalcHomMatrix(calib->data, out->camera, *params, direction, out->T);
 }
 
 }  // namespace zelm

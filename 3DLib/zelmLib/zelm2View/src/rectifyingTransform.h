@@ -3,6 +3,7 @@
 #define ZELM_RECTIFYING_TRANSFORM_H
 
 #include <cstdint>
+#include <initializer_list>
 
 #include "calibBlock.h"
 #include "zelm/twoViewGeometry.h"
@@ -27,6 +28,18 @@ enum class RectifyingDirection { toUnrectified, toRectified };
 // Returns ZELM_OK, or ZELM_ERR_DEGENERATE when a matrix cannot be built or inverted.
 std::int32_t innerCalcHomMatrix(const unsigned char* data, Camera camera, const Zelm2ViewHomParam& params,
                                 RectifyingDirection direction, double T[9]);
+
+// What an operation on a rectified image works with.
+struct Rectification {
+    Camera camera{};
+    double T[9];
+};
+
+// How these operations begin: ZELM_ERR_PARAM for a NULL handle, a NULL among the record and the further pointers, or a
+// selector that names no camera; then the transform, with the statuses of innerCalcHomMatrix.
+std::int32_t beginRectification(const Zelm2ViewCalib* calib, std::int32_t selector, const Zelm2ViewHomParam* params,
+                                std::initializer_list<const void*> pointers, RectifyingDirection direction,
+                                Rectification* out);
 
 // (x, y) carried by T.
 Point2d transformPoint(const double T[9], double x, double y);

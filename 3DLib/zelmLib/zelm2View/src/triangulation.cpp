@@ -9,9 +9,8 @@
 namespace zelm {
 namespace {
 
-std::int32_t undistort(const CalibratedCamera& camera, const Point2d& raw, Point2d* ideal) {
-    return zelmCalibUnDistortPoint(&camera.intrinsics, raw.x, raw.y, &ideal->x, &ideal->y) < 0 ? ZELM_ERR_UNDISTORT
-                                                                                               : ZELM_OK;
+bool undistort(const CalibratedCamera& camera, const Point2d& raw, Point2d* ideal) {
+    return zelmCalibUnDistortPoint(&camera.intrinsics, raw.x, raw.y, &ideal->x, &ideal->y) >= 0;
 }
 
 // Two rows of A X = b: the point's projection by P (3x4) is p.
@@ -63,7 +62,7 @@ std::int32_t zelm2ViewChange2Dto3D(const Zelm2ViewCalib* tHandle, const Point2d*
         return ZELM_ERR_PARAM;
     }
     PointPair ideal{};
-    if (undistort(left, *tLeft, &ideal.left) < 0 || undistort(right, *tRight, &ideal.right) < 0) {
+    if (!undistort(left, *tLeft, &ideal.left) || !undistort(right, *tRight, &ideal.right)) {
         return ZELM_ERR_UNDISTORT;
     }
     const auto fundamental = block::read<FundamentalPair>(tHandle->data, block::kFundamental);

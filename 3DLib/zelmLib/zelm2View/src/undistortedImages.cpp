@@ -67,8 +67,8 @@ std::int32_t zelm2ViewUnDistortImage(const Zelm2ViewCalib* tHandle, std::int32_t
     const LensDistortion lens(intrinsics, intrinsics.theta);
     // The record has no const pixels; nothing writes through it here.
     const ZelmImage image{const_cast<unsigned char*>(ucSrc), size.width, size.height};
-    const double lastX = size.width - 1;
-    const double lastY = size.height - 1;
+    const double lastX = static_cast<double>(size.width) - 1.0;
+    const double lastY = static_cast<double>(size.height) - 1.0;
     for (std::int32_t y = 0; y < size.height; ++y) {
         unsigned char* const row = ucDst + static_cast<std::ptrdiff_t>(y) * size.width;
         forEachPosition(lens, y, size.width, [=](std::int32_t x, double xd, double yd) {
@@ -81,13 +81,10 @@ std::int32_t zelm2ViewUnDistortImage(const Zelm2ViewCalib* tHandle, std::int32_t
 std::int32_t zelm2ViewUnDistortImage_vImageARGB8888(const Zelm2ViewCalib* tHandle, std::int32_t iCamera,
                                                     const vImage_Buffer* tSrc, const vImage_Buffer* tDst) {
     Camera camera{};
-    if (tHandle == nullptr || tSrc == nullptr || tDst == nullptr || !selectCamera(iCamera, &camera)) {
+    if (!areBuffersOf(tHandle, iCamera, tSrc, tDst, &camera)) {
         return ZELM_ERR_PARAM;
     }
     const ImageSize size = imageSizeOf(tHandle->data, camera);
-    if (!isBufferOf(*tSrc, size) || !isBufferOf(*tDst, size)) {
-        return ZELM_ERR_PARAM;
-    }
     const auto intrinsics = block::read<ZelmCameraIntrinsics>(tHandle->data, block::intrinsics(camera));
     const LensDistortion lens(intrinsics, intrinsics.theta);
     for (std::int32_t y = 0; y < size.height; ++y) {
