@@ -1,3 +1,4 @@
+/// @file
 /// Expanded images: one camera's image carried into the other camera's image plane and magnified about a chosen point,
 /// so that a small region fills a working image in which correspondences are searched.
 ///
@@ -85,8 +86,8 @@ ZELM_API int32_t zelmCstmDrovnCalcMagnification(const Zelm2ViewCalib* tHandle, d
 /// @param tRoi    [in]  region of the raw image; x, y >= 0, width, height > 0; need not lie inside the image
 /// @param tExpPrm [in]  expansion; dVal is used, and not tested
 /// @param iWidth, iHeight [out] size, multiples of 4, >= 4
-/// @param tCentre [out] undistorted source point in the middle of the box: (dX, dY) of the target record that shows the
-///                      region in full. May be NULL
+/// @param tCentre [out] undistorted source point in the middle of the box: as (dX, dY) of a target record of that size
+///                      it shows the region to a pixel. May be NULL
 /// @param dD      [in]  plane term d
 /// @return ZELM_OK; ZELM_ERR_PARAM for a NULL pointer, a bad region or another camera; ZELM_ERR_DEGENERATE when the
 ///         homography cannot be formed, a corner is carried to infinity or the size exceeds 32 bits;
@@ -115,7 +116,11 @@ ZELM_API int32_t zelmCstmDrovnChangeOrg2DtoHom2D(const Zelm2ViewCalib* tHandle, 
                                                  const ZelmCstmExpPrm* tHomPrm, const Point2d* tIn, Point2d* tOut);
 
 /// Maps a raw pixel into the expanded image.
+/// @param tHandle [in]  calibrated pair
+/// @param iCamera [in]  'L' or 'R'
+/// @param tHomPrm [in]  target
 /// @param tExpPrm [in]  expansion; dVal is used, and not tested
+/// @param tIn [in]  raw pixel of the source image
 /// @param tOut    [out] pixel of the expanded image
 /// @return as zelmCstmDrovnChangeOrg2DtoHom2D
 ZELM_API int32_t zelmCstmDrovnChangeOrg2DtoHom2DExp(const Zelm2ViewCalib* tHandle, int32_t iCamera,
@@ -167,7 +172,11 @@ ZELM_API int32_t zelmCstmDrovnMakeHomImageExp(const Zelm2ViewCalib* tHandle, int
                                               const ZelmCstmExpPrm* tExpPrm, unsigned char* ucDst);
 
 /// As zelmCstmDrovnMakeHomImageExp for Planar8 buffers.
+/// @param tHandle [in]  calibrated pair
+/// @param iCamera [in]  'L' or 'R'
 /// @param tSrc [in]  raw image of the camera's size
+/// @param tHomPrm [in]  target
+/// @param tExpPrm [in]  expansion; size >= 0 and dVal >= 1, of which dVal is used
 /// @param tDst [out] expanded image of the target record's size; its data is written
 /// @return as zelmCstmDrovnMakeHomImageExp; then ZELM_ERR_PARAM when a buffer is NULL, has no data, a row longer than
 ///         2^31 - 1 bytes or another size
@@ -176,6 +185,12 @@ ZELM_API int32_t zelmCstmDrovnMakeHomImageExp_vImagePlanar8(const Zelm2ViewCalib
                                                             const ZelmCstmExpPrm* tExpPrm, const vImage_Buffer* tDst);
 
 /// As zelmCstmDrovnMakeHomImageExp for ARGB8888 buffers; all four bytes of a pixel are treated alike.
+/// @param tHandle [in]  calibrated pair
+/// @param iCamera [in]  'L' or 'R'
+/// @param tSrc [in]  raw image of the camera's size
+/// @param tHomPrm [in]  target
+/// @param tExpPrm [in]  expansion; size >= 0 and dVal >= 1, of which dVal is used
+/// @param tDst [out] expanded image of the target record's size; its data is written
 /// @return as zelmCstmDrovnMakeHomImageExp_vImagePlanar8
 ZELM_API int32_t zelmCstmDrovnMakeHomImageExp_vImageARGB8888(const Zelm2ViewCalib* tHandle, int32_t iCamera,
                                                              const vImage_Buffer* tSrc, const ZelmCstmExpPrm* tHomPrm,
@@ -197,7 +212,11 @@ ZELM_API int32_t zelmCstmDrovnMakeHomImageMap(const Zelm2ViewCalib* tHandle, int
 /// destination first.
 /// @param tMap [in]  maps and box. An empty box, or maps of no size, write nothing
 /// @param ucSrc [in]  source, iSrcHeight rows of iSrcWidth bytes; the size of the camera's image
+/// @param iSrcWidth [in]  width of the source
+/// @param iSrcHeight [in]  height of the source
 /// @param ucDst [out] destination, iDstHeight rows of iDstWidth bytes; must not overlap the source
+/// @param iDstWidth [in]  width of the destination
+/// @param iDstHeight [in]  height of the destination
 /// @return ZELM_OK; ZELM_ERR_PARAM when a pointer is NULL, a size is not positive, or the box is not empty and reaches
 ///         outside the maps or the destination
 ZELM_API int32_t zelmCstmDrovnRemapImage(const ZelmCstmHomMap* tMap, const unsigned char* ucSrc, int32_t iSrcWidth,
@@ -205,11 +224,17 @@ ZELM_API int32_t zelmCstmDrovnRemapImage(const ZelmCstmHomMap* tMap, const unsig
                                          int32_t iDstHeight);
 
 /// As zelmCstmDrovnRemapImage for Planar8 buffers.
+/// @param tMap [in]  maps and box
+/// @param tSrc [in]  source, of the size of the camera's image
+/// @param tDst [out] destination; its data is written
 /// @return as zelmCstmDrovnRemapImage; also ZELM_ERR_PARAM when a buffer has no data or a row or size beyond 2^31 - 1
 ZELM_API int32_t zelmCstmDrovnRemapImage_vImagePlanar8(const ZelmCstmHomMap* tMap, const vImage_Buffer* tSrc,
                                                        const vImage_Buffer* tDst);
 
 /// As zelmCstmDrovnRemapImage for ARGB8888 buffers; all four bytes of a pixel are treated alike.
+/// @param tMap [in]  maps and box
+/// @param tSrc [in]  source, of the size of the camera's image
+/// @param tDst [out] destination; its data is written
 /// @return as zelmCstmDrovnRemapImage_vImagePlanar8
 ZELM_API int32_t zelmCstmDrovnRemapImage_vImageARGB8888(const ZelmCstmHomMap* tMap, const vImage_Buffer* tSrc,
                                                         const vImage_Buffer* tDst);
@@ -228,7 +253,10 @@ ZELM_API int32_t zelmCstmDrovnExpandImage(const Zelm2ViewCalib* tHandle, int32_t
                                           const ZelmCstmExpPrm* tExpPrm, unsigned char* ucDst);
 
 /// As zelmCstmDrovnExpandImage for Planar8 buffers.
+/// @param tHandle [in]  calibrated pair
+/// @param iCamera [in]  'L' or 'R'
 /// @param tSrc [in]  raw image of the camera's size
+/// @param tExpPrm [in]  expansion; all fields
 /// @param tDst [out] image of the expansion's size; its data is written
 /// @return as zelmCstmDrovnExpandImage; also ZELM_ERR_PARAM when a buffer has no data, a row longer than 2^31 - 1 bytes
 ///         or another size
@@ -238,6 +266,11 @@ ZELM_API int32_t zelmCstmDrovnExpandImage_vImagePlanar8(const Zelm2ViewCalib* tH
 
 /// As zelmCstmDrovnExpandImage for ARGB8888 buffers; alpha becomes 255 everywhere. A position beyond the centre of the
 /// last column or row gives R = G = B = 0.
+/// @param tHandle [in]  calibrated pair
+/// @param iCamera [in]  'L' or 'R'
+/// @param tSrc [in]  raw image of the camera's size
+/// @param tExpPrm [in]  expansion; all fields
+/// @param tDst [out] image of the expansion's size; its data is written
 /// @return as zelmCstmDrovnExpandImage_vImagePlanar8
 ZELM_API int32_t zelmCstmDrovnExpandImage_vImageARGB8888(const Zelm2ViewCalib* tHandle, int32_t iCamera,
                                                          const vImage_Buffer* tSrc, const ZelmCstmExpPrm* tExpPrm,

@@ -155,6 +155,34 @@ PIN_FIELD(Zelm2ViewCalibResult, errorL, kTight ? 4 : 8);
 PIN_FIELD(Zelm2ViewCalibResult, statusR, kTight ? 12 : 16);
 PIN_FIELD(Zelm2ViewCalibResult, errorR, kTight ? 16 : 24);
 
+PIN_SIZE(Zelm2ViewEpiLine, sizeof(Line2d) + 2 * sizeof(Point2d));
+PIN_FIELD(Zelm2ViewEpiLine, a, 0);
+PIN_FIELD(Zelm2ViewEpiLine, b, 8);
+PIN_FIELD(Zelm2ViewEpiLine, c, 16);
+PIN_FIELD(Zelm2ViewEpiLine, x0, 24);
+PIN_FIELD(Zelm2ViewEpiLine, y0, 32);
+PIN_FIELD(Zelm2ViewEpiLine, x1, 40);
+PIN_FIELD(Zelm2ViewEpiLine, y1, 48);
+
+PIN_SIZE(ZelmCstmExpPrm, 32);
+PIN_FIELD(ZelmCstmExpPrm, iWidth, 0);
+PIN_FIELD(ZelmCstmExpPrm, iHeight, 4);
+PIN_FIELD(ZelmCstmExpPrm, dX, 8);
+PIN_FIELD(ZelmCstmExpPrm, dY, 16);
+PIN_FIELD(ZelmCstmExpPrm, dVal, 24);
+
+PIN_SIZE(ZelmCstmHomMap, kTight ? 40 : 56);
+PIN_FIELD(ZelmCstmHomMap, iWidth, 0);
+PIN_FIELD(ZelmCstmHomMap, iHeight, 4);
+PIN_FIELD(ZelmCstmHomMap, mapX, 8);
+PIN_FIELD(ZelmCstmHomMap, mapXStride, kTight ? 12 : 16);
+PIN_FIELD(ZelmCstmHomMap, mapY, kTight ? 16 : 24);
+PIN_FIELD(ZelmCstmHomMap, mapYStride, kTight ? 20 : 32);
+PIN_FIELD(ZelmCstmHomMap, minX, kTight ? 24 : 36);
+PIN_FIELD(ZelmCstmHomMap, minY, kTight ? 28 : 40);
+PIN_FIELD(ZelmCstmHomMap, maxX, kTight ? 32 : 44);
+PIN_FIELD(ZelmCstmHomMap, maxY, kTight ? 36 : 48);
+
 static_assert(kTight == (sizeof(void*) == 4), "32-bit x86 packs doubles to 4 bytes, 64-bit x86 does not");
 
 struct StatusCode {
