@@ -84,6 +84,76 @@ void digestMath(Digest& digest) {
     }
 }
 
+// Four roots, then two beside a complex pair: both within what the methods keep.
+std::vector<double> randomQuartic(Random& random, int round) {
+    const auto r = randomValues(random, 4, -5.0, 5.0);
+    const double p1 = r[0] * r[1];
+    const double p2 = round % 2 == 0 ? r[2] * r[3] : r[2] * r[2] / 4.0 + 1.0 + r[3] * r[3];
+    const double s1 = r[0] + r[1];
+    const double s2 = round % 2 == 0 ? r[2] + r[3] : r[2];
+    return {1.0, -(s1 + s2), p1 + p2 + s1 * s2, -(p1 * s2 + p2 * s1), p1 * p2};
+}
+
+void digestRoots(Digest& digest) {
+    Random random(6);
+    for (int round = 0; round < 2000; ++round) {
+        const auto quartic = randomQuartic(random, round);
+        std::vector<double> out(4);
+        digest.add(zelmMathQuadraticRoots(quartic.data(), out.data()));
+        digest.add(zelmMathCubicRoots(quartic.data(), out.data()));
+        digest.add(out);
+        digest.add(zelmMathQuarticRoots(quartic.data(), out.data()));
+        digest.add(out);
+        const auto e = randomValues(random, 5, -5.0, 5.0);
+        digest.add(
+            zelmMathGetDistFromPointToEllipse(e[0], e[1], 4.0, 2.5, e[2], e[3], e[4], &out[0], &out[1], &out[2]));
+        digest.add(out);
+    }
+}
+
+void digestCorrelation(Digest& digest) {
+    Random random(7);
+    for (int round = 0; round < 300; ++round) {
+        const int n = random.integer(1, 60);
+        const int m = random.integer(1, n);
+        const auto signal = randomValues(random, n, -1.0, 1.0);
+        std::vector<double> out(static_cast<std::size_t>(m));
+        digest.add(zelmMathAutoCorrelation(n, signal.data(), m, out.data()));
+        digest.add(out);
+        digest.add(zelmMathNormAutoCorrelation(n, signal.data(), m, out.data()));
+        digest.add(out);
+        std::int32_t index = 0;
+        double score = 0.0;
+        digest.add(zelmMathSearchOf1DWithNormCorrelation(n, signal.data(), m, out.data(), &index, &score));
+        digest.add(index);
+        digest.add(score);
+        digest.add(zelmMathOtsuThreshold1d(n, signal.data(), &score));
+        digest.add(score);
+    }
+}
+
+void digestClp3d(Digest& digest) {
+    Random random(8);
+    for (int round = 0; round < 2000; ++round) {
+        const auto v = randomValues(random, 14, -5.0, 5.0);
+        const Line3d line1{v[0], v[1], v[2], v[3], v[4], v[5]};
+        const Line3d line2{v[6], v[7], v[8], v[9], v[10], v[11]};
+        const Plane3d plane1{v[0], v[1], v[2], v[12]};
+        const Plane3d plane2{v[3], v[4], v[5], v[13]};
+        double values[3] = {};
+        Point3d point{};
+        Line3d line{};
+        digest.add(zelmClp3dDistanceTwoLines(&line1, &line2, &values[0]));
+        digest.add(zelmClp3dAngleLineAndPlane(&line2, &plane1, &values[1]));
+        digest.add(zelmClp3dAngleTwoPlanes(&plane1, &plane2, &values[2]));
+        digest.add(values, sizeof values);
+        digest.add(zelmClp3dIntersectionLineAndPlane(&line2, &plane1, &point));
+        digest.add(&point, sizeof point);
+        digest.add(zelmClp3dIntersectionTwoPlanes(&plane1, &plane2, &line));
+        digest.add(&line, sizeof line);
+    }
+}
+
 void digestFit(Digest& digest) {
     Random random(3);
     for (int round = 0; round < 300; ++round) {
@@ -254,8 +324,10 @@ struct Family {
     void (*run)(Digest&);
 };
 
-constexpr Family kFamilies[] = {{"mat", digestMat},           {"math", digestMath},     {"fit", digestFit},
-                                {"quadrics", digestQuadrics}, {"images", digestImages}, {"calib", digestCalib}};
+constexpr Family kFamilies[] = {
+    {"mat", digestMat},     {"math", digestMath}, {"roots", digestRoots},       {"correl", digestCorrelation},
+    {"clp3d", digestClp3d}, {"fit", digestFit},   {"quadrics", digestQuadrics}, {"images", digestImages},
+    {"calib", digestCalib}};
 
 }  // namespace
 

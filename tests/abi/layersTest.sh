@@ -34,8 +34,8 @@ check_layer() {
 
 check_layer src/frame 'image'
 check_layer src/mat 'mat'
-check_layer src/math 'math'
-check_layer src/geom 'clp2d|cg|misc|mat'
+check_layer src/math 'math|mathCorrelation|mathRoots|mat'
+check_layer src/geom 'clp2d|clp3d|cg|misc|mat'
 check_layer src/fit 'fit|mat|math'
 check_layer src/kernels 'kernels'
 check_layer src/bin 'bin'

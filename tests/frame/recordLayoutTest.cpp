@@ -40,6 +40,20 @@ PIN_FIELD(Circle2d, x, 0);
 PIN_FIELD(Circle2d, y, 8);
 PIN_FIELD(Circle2d, r, 16);
 
+PIN_SIZE(Line3d, 48);
+PIN_FIELD(Line3d, x, 0);
+PIN_FIELD(Line3d, y, 8);
+PIN_FIELD(Line3d, z, 16);
+PIN_FIELD(Line3d, dx, 24);
+PIN_FIELD(Line3d, dy, 32);
+PIN_FIELD(Line3d, dz, 40);
+
+PIN_SIZE(Plane3d, 32);
+PIN_FIELD(Plane3d, a, 0);
+PIN_FIELD(Plane3d, b, 8);
+PIN_FIELD(Plane3d, c, 16);
+PIN_FIELD(Plane3d, d, 24);
+
 PIN_SIZE(Ellipse2d, 40);
 PIN_FIELD(Ellipse2d, x, 0);
 PIN_FIELD(Ellipse2d, y, 8);

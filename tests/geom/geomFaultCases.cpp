@@ -2,6 +2,7 @@
 #include "faultCase.h"
 #include "zelm/cg.h"
 #include "zelm/clp2d.h"
+#include "zelm/clp3d.h"
 #include "zelm/misc.h"
 
 namespace {
@@ -12,6 +13,13 @@ const Point2d kR{0.0, 3.0};
 const Line2d kLine{0.0, 1.0, -0.5};
 const Line2d kOther{1.0, 0.0, -0.5};
 const Circle2d kCircle{0.0, 0.0, 1.0};
+const Point3d kP3{0.0, 0.0, 0.0};
+const Point3d kQ3{2.0, 1.0, 0.0};
+const Point3d kR3{0.0, 3.0, 1.0};
+const Line3d kLine3{0.0, 1.0, 2.0, 1.0, 0.0, 1.0};
+const Line3d kOther3{0.0, 0.0, 1.0, 0.0, 1.0, 0.0};
+const Plane3d kPlane{0.0, 0.0, 1.0, -1.0};
+const Plane3d kOtherPlane{1.0, 0.0, 0.0, -1.0};
 const Point2d kSquare[4] = {{0.0, 0.0}, {1.0, 0.0}, {1.0, 1.0}, {0.0, 1.0}};
 
 // A function that needs a linear solve: ZELM_ERR_DEGENERATE when its memory fails, outputs untouched.
@@ -29,6 +37,9 @@ void expectSolveStatus(const zelmtest::FaultProbe& probe, std::int32_t status, d
         [[maybe_unused]] Point2d points[4] = {};  \
         [[maybe_unused]] Line2d line{};           \
         [[maybe_unused]] Circle2d circle{};       \
+        [[maybe_unused]] Point3d point3{};        \
+        [[maybe_unused]] Line3d line3{};          \
+        [[maybe_unused]] Plane3d plane{};         \
         [[maybe_unused]] double value = 0.0;      \
         [[maybe_unused]] std::int32_t number = 0; \
         probe.call([&] {                          \
@@ -51,6 +62,22 @@ ZELM_GEOM_NO_ALLOCATION(zelmClp2dAreaTriangle, &kP, &kQ, &kR, &value)
 ZELM_GEOM_NO_ALLOCATION(zelmClp2dSignAreaTriangle, &kP, &kQ, &kR, &value)
 ZELM_GEOM_NO_ALLOCATION(zelmClp2dCircleTwoPoints, &kP, &kQ, &circle)
 ZELM_GEOM_NO_ALLOCATION(zelmClp2dClosestToCircle, &kQ, &kCircle, points, &value)
+ZELM_GEOM_NO_ALLOCATION(zelmClp3dDistanceTwoPoints, &kP3, &kQ3, &value)
+ZELM_GEOM_NO_ALLOCATION(zelmClp3dCenterTwoPoints, &kP3, &kQ3, &point3)
+ZELM_GEOM_NO_ALLOCATION(zelmClp3dLineTwoPoints, &kP3, &kQ3, &line3)
+ZELM_GEOM_NO_ALLOCATION(zelmClp3dFootOfPerpendicularToLine, &kP3, &kLine3, &point3)
+ZELM_GEOM_NO_ALLOCATION(zelmClp3dVerticalLinePointAndLine, &kP3, &kLine3, &line3)
+ZELM_GEOM_NO_ALLOCATION(zelmClp3dDistancePointToLine, &kP3, &kLine3, &value)
+ZELM_GEOM_NO_ALLOCATION(zelmClp3dDistanceTwoLines, &kLine3, &kOther3, &value)
+ZELM_GEOM_NO_ALLOCATION(zelmClp3dPlaneThreePoints, &kP3, &kQ3, &kR3, &plane)
+ZELM_GEOM_NO_ALLOCATION(zelmClp3dVerticalPlanePointAndVector, &kP3, &kQ3, &plane)
+ZELM_GEOM_NO_ALLOCATION(zelmClp3dVerticalLinePointAndPlane, &kP3, &kPlane, &line3)
+ZELM_GEOM_NO_ALLOCATION(zelmClp3dDistancePointToPlane, &kP3, &kPlane, &value)
+ZELM_GEOM_NO_ALLOCATION(zelmClp3dIntersectionLineAndPlane, &kLine3, &kPlane, &point3)
+ZELM_GEOM_NO_ALLOCATION(zelmClp3dFootOfPerpendicularToPlane, &kP3, &kPlane, &point3)
+ZELM_GEOM_NO_ALLOCATION(zelmClp3dAngleLineAndPlane, &kLine3, &kPlane, &value)
+ZELM_GEOM_NO_ALLOCATION(zelmClp3dIntersectionTwoPlanes, &kPlane, &kOtherPlane, &line3)
+ZELM_GEOM_NO_ALLOCATION(zelmClp3dAngleTwoPlanes, &kPlane, &kOtherPlane, &value)
 ZELM_GEOM_NO_ALLOCATION(zelmCgSortByArgument, 4, kSquare, points)
 ZELM_GEOM_NO_ALLOCATION(zelmCgConvexHull, 4, kSquare, &number, points)
 ZELM_GEOM_NO_ALLOCATION(zelmCgIntersectionOfTwoSegments, &kP, &kQ, &kR, &kQ, &number, points)

@@ -1,14 +1,17 @@
-// No function of this family allocates.
+// Only the auto-correlations and the threshold of a list allocate.
 #include <array>
 
 #include "faultCase.h"
 #include "zelm/math.h"
+#include "zelm/mathCorrelation.h"
+#include "zelm/mathRoots.h"
 
 namespace {
 
 constexpr std::array<double, 3> kU = {1, 2, 3};
 constexpr std::array<double, 3> kV = {3, -1, 2};
 constexpr Point2d kPoint = {1, 2};
+constexpr std::array<double, 5> kQuartic = {1, 0, -5, 0, 4};
 
 }  // namespace
 
@@ -58,3 +61,38 @@ MATH_CASE(zelmMathTransAbcToRq, 1, 2, 3, &p, &q)
 MATH_CASE(zelmMathGetDistFromPointToCircle, 1, 2, 3, 4, 5, &p, &q)
 MATH_CASE(zelmMathExtremumOfQuadraticCurves, 1, 2, 3, &p)
 MATH_CASE(zelmMathExtremumOfQuadraticSurface, 1, 0, 1, 2, 3, 4, &p, &q)
+MATH_CASE(zelmMathQuadraticRoots, kQuartic.data(), out.data())
+MATH_CASE(zelmMathCubicRoots, kQuartic.data(), out.data())
+MATH_CASE(zelmMathQuarticRoots, kQuartic.data(), out.data())
+MATH_CASE(zelmMathGetDistFromPointToEllipse, 0, 0, 2, 1, 0.5, 3, 4, &p, &q, &r)
+MATH_CASE(zelmMathCrossCorrelation, 3, kU.data(), kV.data())
+MATH_CASE(zelmMathNormCorrelation, 3, kU.data(), kV.data())
+ZELM_NO_ALLOCATION_CASE(zelmMathSearchOf1DWithNormCorrelation) {
+    std::int32_t index = -1;
+    double score = 0.0;
+    probe.call([&] { return zelmMathSearchOf1DWithNormCorrelation(3, kU.data(), 2, kV.data(), &index, &score); });
+    EXPECT_EQ(index, 1);
+}
+
+// Without memory the auto-correlations report success and write nothing: deliberate.
+ZELM_FAULT_CASE(zelmMathAutoCorrelation) {
+    std::array<double, 2> out = {77.0, 77.0};
+    EXPECT_EQ(probe.call([&] { return zelmMathAutoCorrelation(3, kU.data(), 2, out.data()); }), ZELM_OK);
+    EXPECT_EQ(out[0], probe.failed() ? 77.0 : 14.0);
+    EXPECT_EQ(out[1], probe.failed() ? 77.0 : 11.0);
+}
+
+ZELM_FAULT_CASE(zelmMathNormAutoCorrelation) {
+    std::array<double, 2> out = {77.0, 77.0};
+    EXPECT_EQ(probe.call([&] { return zelmMathNormAutoCorrelation(3, kU.data(), 2, out.data()); }), ZELM_OK);
+    EXPECT_EQ(out[0] == 77.0, probe.failed());
+    EXPECT_EQ(out[1] == 77.0, probe.failed());
+}
+
+// Without memory the threshold reports what it reports of bad arguments: deliberate.
+ZELM_FAULT_CASE(zelmMathOtsuThreshold1d) {
+    double threshold = 77.0;
+    const std::int32_t status = probe.call([&] { return zelmMathOtsuThreshold1d(3, kU.data(), &threshold); });
+    EXPECT_EQ(status, probe.failed() ? ZELM_ERR_DEGENERATE : ZELM_OK);
+    EXPECT_EQ(threshold, probe.failed() ? 77.0 : 1.5);
+}
