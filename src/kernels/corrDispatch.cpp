@@ -61,7 +61,7 @@ float scoreByOwn(CorrPattern pattern, CorrMode mode, const CorrWindows& windows)
 }  // namespace
 
 const CorrTier& corrTierOfProcessor() {
-#ifdef ZELM_CORR_AVX2
+#ifdef ZELM_AVX2_TIER
     if (cpuHasAvx2Set() != 0) {
         return kCorrAvx2Tier;
     }

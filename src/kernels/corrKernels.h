@@ -27,7 +27,7 @@ struct CorrWindows {
 };
 
 // Sums modulo 2^32 of the template T and the search window I over the participating pixels. The modes whose template
-// statistics the caller gives leave count, t and tt alone.
+// statistics the caller gives leave count, t and tt alone or clear them. Vector tiers store four words at a time.
 struct CorrSums {
     std::uint32_t i;
     std::uint32_t ii;
@@ -35,6 +35,7 @@ struct CorrSums {
     std::uint32_t count;
     std::uint32_t t;
     std::uint32_t tt;
+    std::uint32_t unused[2];
 };
 
 using CorrSumsFunction = void (*)(const CorrWindows& windows, CorrSums& sums);

@@ -63,6 +63,23 @@ inline Processor plainProcessor() {
     return p;
 }
 
+// SSE4.1 without the AVX2 set.
+inline Processor sse41Processor() {
+    Processor p = plainProcessor();
+    p.leaf1Ecx = 1U << 19;
+    return p;
+}
+
+// Whether this machine can run the SSE4.1 tier at all.
+inline bool machineHasSse41Tier() {
+    std::memset(&zelm::cpuFeatures, 0, sizeof zelm::cpuFeatures);
+#if defined(__x86_64__) || defined(__i386__)
+    return zelm::cpuHasSse41() != 0;
+#else
+    return false;
+#endif
+}
+
 // Whether this machine can run the AVX2 tier at all.
 inline bool machineHasAvx2Tier() {
     std::memset(&zelm::cpuFeatures, 0, sizeof zelm::cpuFeatures);
