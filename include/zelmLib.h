@@ -15,6 +15,7 @@
 #include "zelm/clp2d.h"
 #include "zelm/clp3d.h"
 #include "zelm/cstmGeometry.h"
+#include "zelm/cstmSearch.h"
 #include "zelm/edge1d.h"
 #include "zelm/fit.h"
 #include "zelm/image.h"

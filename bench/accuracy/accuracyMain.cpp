@@ -1,9 +1,10 @@
 // zelm_accuracy: prints the tables of docs/accuracy.md.
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
 #include <exception>
+#include <string>
 
+#include "matchingTables.h"
 #include "readingAccuracy.h"
 
 namespace {
@@ -85,21 +86,43 @@ void printMisses() {
     }
 }
 
+void printReading() {
+    printErrors("Contrast 120, even light", 120.0, 0.0);
+    printErrors("Contrast 120, 40 % of the light lost at the outermost dot", 120.0, 0.4);
+    printErrors("Contrast 220, 60 % of the light lost at the outermost dot", 220.0, 0.6);
+    printShares();
+    printMisses();
+}
+
+int usage() {
+    std::fprintf(stderr,
+                 "usage: zelm_accuracy [reading|matching] [--views N]\n"
+                 "  --views N   views of each reading setting and hundreds of trials of each matching setting, "
+                 "default 4\n");
+    return 2;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-    if (argc == 3 && std::strcmp(argv[1], "--views") == 0 && std::atoi(argv[2]) > 0) {
-        views = std::atoi(argv[2]);
-    } else if (argc != 1) {
-        std::fprintf(stderr, "usage: zelm_accuracy [--views N]   (views of each setting, default 4)\n");
-        return 2;
+    std::string subject;
+    for (int i = 1; i < argc; ++i) {
+        const std::string word = argv[i];
+        if (word == "--views" && i + 1 < argc && std::atoi(argv[i + 1]) > 0) {
+            views = std::atoi(argv[++i]);
+        } else if (subject.empty() && (word == "reading" || word == "matching")) {
+            subject = word;
+        } else {
+            return usage();
+        }
     }
     try {
-        printErrors("Contrast 120, even light", 120.0, 0.0);
-        printErrors("Contrast 120, 40 % of the light lost at the outermost dot", 120.0, 0.4);
-        printErrors("Contrast 220, 60 % of the light lost at the outermost dot", 220.0, 0.6);
-        printShares();
-        printMisses();
+        if (subject != "matching") {
+            printReading();
+        }
+        if (subject != "reading") {
+            zelm::accuracy::printMatchingTables(100 * views);
+        }
     } catch (const std::exception& e) {
         std::fprintf(stderr, "zelm_accuracy: %s\n", e.what());
         return 1;

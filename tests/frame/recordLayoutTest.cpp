@@ -199,6 +199,40 @@ PIN_FIELD(ZelmCstmHomMap, maxY, kTight ? 36 : 48);
 
 static_assert(kTight == (sizeof(void*) == 4), "32-bit x86 packs doubles to 4 bytes, 64-bit x86 does not");
 
+// Two integers, two pointers, eight doubles.
+PIN_SIZE(ZelmCstmRefImg, 8 + 2 * kPointer + 64);
+PIN_FIELD(ZelmCstmRefImg, width, 0);
+PIN_FIELD(ZelmCstmRefImg, height, 4);
+PIN_FIELD(ZelmCstmRefImg, pixels, 8);
+PIN_FIELD(ZelmCstmRefImg, mask, 8 + kPointer);
+PIN_FIELD(ZelmCstmRefImg, mean, 8 + 2 * kPointer);
+PIN_FIELD(ZelmCstmRefImg, sigma, 32 + 2 * kPointer);
+PIN_FIELD(ZelmCstmRefImg, anchorX, 56 + 2 * kPointer);
+PIN_FIELD(ZelmCstmRefImg, anchorY, 64 + 2 * kPointer);
+
+// The 4 bytes before minScore are padding where doubles are aligned to 8.
+constexpr std::size_t kAfterMaxResults = (kTight ? 84 : 88) + 2 * kPointer;
+PIN_SIZE(ZelmCstmSearchPrm, kAfterMaxResults + 16);
+PIN_FIELD(ZelmCstmSearchPrm, width, 0);
+PIN_FIELD(ZelmCstmSearchPrm, height, 4);
+PIN_FIELD(ZelmCstmSearchPrm, pixels, 8);
+PIN_FIELD(ZelmCstmSearchPrm, mask, 8 + kPointer);
+PIN_FIELD(ZelmCstmSearchPrm, roiX, 8 + 2 * kPointer);
+PIN_FIELD(ZelmCstmSearchPrm, roiY, 12 + 2 * kPointer);
+PIN_FIELD(ZelmCstmSearchPrm, roiWidth, 16 + 2 * kPointer);
+PIN_FIELD(ZelmCstmSearchPrm, roiHeight, 20 + 2 * kPointer);
+PIN_FIELD(ZelmCstmSearchPrm, epiLine, 24 + 2 * kPointer);
+PIN_FIELD(ZelmCstmSearchPrm, reserved, 48 + 2 * kPointer);
+PIN_FIELD(ZelmCstmSearchPrm, maxResults, 80 + 2 * kPointer);
+PIN_FIELD(ZelmCstmSearchPrm, minScore, kAfterMaxResults);
+PIN_FIELD(ZelmCstmSearchPrm, minDistance, kAfterMaxResults + 8);
+PIN_FIELD(ZelmCstmSearchPrm, mode, kAfterMaxResults + 12);
+
+PIN_SIZE(ZelmCstmMatch, 24);
+PIN_FIELD(ZelmCstmMatch, score, 0);
+PIN_FIELD(ZelmCstmMatch, x, 8);
+PIN_FIELD(ZelmCstmMatch, y, 16);
+
 struct StatusCode {
     const char* name;
     int32_t actual;
