@@ -6,7 +6,6 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <map>
 #include <opencv2/calib3d.hpp>
 #include <opencv2/core.hpp>
 #include <opencv2/core/utility.hpp>
@@ -15,10 +14,12 @@
 #include <vector>
 
 #include "random.h"
+#include "ratioReporter.h"
 #include "zelmLib.h"
 
 namespace {
 
+using zelmbench::RatioReporter;
 using zelmtest::Random;
 
 // A camera of the sample's kind, scaled to the image width, with radial distortion alone so that both libraries can
@@ -328,38 +329,6 @@ void triangulatePeer(benchmark::State& state) {
     }
     state.SetItemsProcessed(state.iterations() * kPairs);
 }
-
-// Keeps every repetition's time, to print the ratios at the end.
-class RatioReporter : public benchmark::ConsoleReporter {
-public:
-    void ReportRuns(const std::vector<Run>& runs) override {
-        for (const Run& run : runs) {
-            if (run.run_type == Run::RT_Iteration && !run.error_occurred) {
-                times[run.run_name.function_name].push_back(run.GetAdjustedRealTime());
-            }
-        }
-        ConsoleReporter::ReportRuns(runs);
-    }
-    void printRatio(const std::string& what, const std::string& ours, const std::string& peer) {
-        if (times[ours].empty() || times[peer].empty()) {
-            return;
-        }
-        std::printf("%-52s %5.2f x the speed of the peer  (ours %.4g, peer %.4g, spread %.0f %% and %.0f %%)\n",
-                    what.c_str(), median(peer) / median(ours), median(ours), median(peer), spread(ours), spread(peer));
-    }
-
-private:
-    double median(const std::string& name) {
-        std::vector<double>& list = times[name];
-        std::sort(list.begin(), list.end());
-        return list[list.size() / 2];
-    }
-    double spread(const std::string& name) {
-        const std::vector<double>& list = times[name];
-        return 100.0 * (list.back() - list.front()) / median(name);
-    }
-    std::map<std::string, std::vector<double>> times;
-};
 
 struct Size {
     int width;

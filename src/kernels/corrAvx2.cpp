@@ -29,7 +29,7 @@ inline Vector multiplyAdd(Vector a, Vector b) {
     return _mm256_madd_epi16(a, b);
 }
 inline Vector sumBytes(Vector v) {
-    return _mm256_sad_epu8(v, _mm256_setzero_si256());
+    return _mm256_sad_epu8(_mm256_setzero_si256(), v);
 }
 inline Vector lowBytes(Vector v) {
     return _mm256_unpacklo_epi8(v, _mm256_setzero_si256());

@@ -29,7 +29,7 @@ inline Vector multiplyAdd(Vector a, Vector b) {
     return _mm_madd_epi16(a, b);
 }
 inline Vector sumBytes(Vector v) {
-    return _mm_sad_epu8(v, _mm_setzero_si128());
+    return _mm_sad_epu8(_mm_setzero_si128(), v);
 }
 inline Vector lowBytes(Vector v) {
     return _mm_unpacklo_epi8(v, _mm_setzero_si128());

@@ -5,6 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "corrAlongPoints.h"
+#include "correlation.h"
 #include "random.h"
 #include "zelmLib.h"
 
@@ -319,15 +321,48 @@ void digestCalib(Digest& digest) {
     }
 }
 
+void digestWindowScores(Digest& digest) {
+    Random random(11);
+    constexpr std::int32_t kWidth = 120;
+    constexpr std::int32_t kHeight = 60;
+    std::vector<std::uint8_t> img(kWidth * kHeight);
+    std::vector<std::uint8_t> mask(img.size());
+    for (std::size_t k = 0; k < img.size(); ++k) {
+        img[k] = static_cast<std::uint8_t>(random.integer(0, 255));
+        mask[k] = static_cast<std::uint8_t>(random.integer(0, 3));
+    }
+    for (int round = 0; round < 60; ++round) {
+        const std::int32_t w = random.integer(1, 50);
+        const std::int32_t h = random.integer(1, 40);
+        std::vector<Point2i> positions;
+        for (int k = 0; k < 100; ++k) {
+            const std::int32_t x = random.integer(0, kWidth - 1);
+            positions.push_back({x, random.integer(0, kHeight - 1)});
+        }
+        const std::uint8_t* const tmplMask = round % 2 == 0 ? nullptr : mask.data();
+        const std::uint8_t* const imgMask = round % 4 < 2 ? nullptr : mask.data();
+        const double mean = random.uniform(100.0, 150.0);
+        const double sigma = random.uniform(1.0, 80.0);
+        for (const auto routine :
+             {zelm::innerCorrAlongPointsFull, zelm::innerCorrAlongPointsQuarter, zelm::innerCorrAlongPointsChecker}) {
+            std::vector<zelm::CorrScore> scores(positions.size(), zelm::CorrScore{-1, 0, -2.0});
+            digest.add(routine(w, h, img.data() + 7, kWidth, tmplMask, kWidth, kWidth, kHeight, img.data(), kWidth,
+                               imgMask, kWidth, positions.data(), 0, 99, scores.data(), mean, sigma, w * 0.5, h * 0.5));
+            digest.add(scores.data(), scores.size() * sizeof scores[0]);
+        }
+    }
+}
+
 struct Family {
     const char* name;
     void (*run)(Digest&);
 };
 
-constexpr Family kFamilies[] = {
-    {"mat", digestMat},     {"math", digestMath}, {"roots", digestRoots},       {"correl", digestCorrelation},
-    {"clp3d", digestClp3d}, {"fit", digestFit},   {"quadrics", digestQuadrics}, {"images", digestImages},
-    {"calib", digestCalib}};
+constexpr Family kFamilies[] = {{"mat", digestMat},           {"math", digestMath},
+                                {"roots", digestRoots},       {"correl", digestCorrelation},
+                                {"clp3d", digestClp3d},       {"fit", digestFit},
+                                {"quadrics", digestQuadrics}, {"images", digestImages},
+                                {"calib", digestCalib},       {"windows", digestWindowScores}};
 
 }  // namespace
 
