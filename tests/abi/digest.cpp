@@ -353,6 +353,81 @@ void digestWindowScores(Digest& digest) {
     }
 }
 
+// Block of a pair of perspective cameras, in its documented layout.
+std::vector<unsigned char> pairBlock(Random& random) {
+    constexpr std::size_t kViews = 3;
+    std::vector<unsigned char> block(kViews * 240 + 812);
+    const auto put = [&](std::size_t offset, const void* data, std::size_t bytes) {
+        std::memcpy(block.data() + offset, data, bytes);
+    };
+    const std::int32_t head[7] = {kViews, 0, 1280, 960, 1, 1280, 960};
+    put(0, head, sizeof head);
+    for (std::size_t i = 0; i < 2; ++i) {
+        const double alpha = random.uniform(1600.0, 1800.0);
+        ZelmCameraIntrinsics camera{{alpha, 0.1, 640.0, 0.0, 1690.0, 480.0, 0.0, 0.0, 1.0},
+                                    alpha,
+                                    1690.0,
+                                    0.0,
+                                    640.0,
+                                    480.0,
+                                    0.001,
+                                    -0.1,
+                                    0.04,
+                                    {}};
+        ZelmCameraExtrinsics pose{};
+        pose.r[0] = random.uniform(-0.1, 0.1);
+        pose.r[1] = i == 0 ? 0.17 : -0.17;
+        zelmCalibRodrigues(0, pose.r, pose.R);
+        pose.t[0] = random.uniform(-9.0, 9.0);
+        pose.t[2] = 450.0;
+        double P[12];
+        zelmCalibCameraMatrix(camera.A, &pose, P, 0);
+        const double M[9] = {P[0], P[1], P[2], P[4], P[5], P[6], P[8], P[9], P[10]};
+        put(28 + i * 144, M, sizeof M);
+        put(460 + i * 176, &camera, sizeof camera);
+        put(812 + i * kViews * 120, &pose, sizeof pose);
+    }
+    return block;
+}
+
+void digestExpanded(Digest& digest) {
+    Random random(6);
+    std::vector<std::uint8_t> source(1280 * 960);
+    for (std::uint8_t& pixel : source) {
+        pixel = static_cast<std::uint8_t>(random.integer(0, 255));
+    }
+    for (int round = 0; round < 20; ++round) {
+        const std::vector<unsigned char> block = pairBlock(random);
+        Zelm2ViewCalib* pair = nullptr;
+        digest.add(zelm2ViewLoadCalibData(static_cast<std::int32_t>(block.size()), block.data(), &pair));
+        const std::int32_t camera = round % 2 == 0 ? 'L' : 'R';
+        ZelmCstmExpPrm target{120, 90, 0.0, 0.0, 0.1};
+        target.dX = random.uniform(500.0, 700.0);
+        target.dY = random.uniform(400.0, 600.0);
+        const ZelmCstmExpPrm expansion{120, 90, target.dX, target.dY, random.uniform(1.0, 6.0)};
+        const ZelmRect roi{random.integer(0, 900), random.integer(0, 600), random.integer(1, 200), 77};
+        std::int32_t size[2] = {0, 0};
+        std::vector<Point2d> points(3);
+        digest.add(zelmCstmDrovnCalcHomImgMemSize(pair, camera, &roi, &expansion, &size[0], &size[1], &points[0],
+                                                  target.dVal));
+        digest.add(size, sizeof size);
+        digest.add(zelmCstmDrovnChangeOrg2DtoHom2DExp(pair, camera, &target, &expansion, &points[0], &points[1]));
+        digest.add(zelmCstmDrovnInvHomImgPointExp(pair, camera, &points[1], &target, &expansion, &points[2]));
+        digest.add(points.data(), points.size() * sizeof(Point2d));
+        const Line2d line{0.6, -0.8, 0.8 * target.dY - 0.6 * target.dX};
+        Zelm2ViewEpiLine carried{};
+        digest.add(zelmCstmDrovnChangeHomEpiLineExp(pair, camera, &target, &expansion, &line, &carried));
+        digest.add(&carried, sizeof carried);
+        double scales[2] = {0.0, 0.0};
+        digest.add(zelmCstmDrovnCalcMagnification(pair, -5000.0, 20000.0, &scales[0], &scales[1]));
+        digest.add(scales, sizeof scales);
+        std::vector<std::uint8_t> expanded(120 * 90);
+        digest.add(zelmCstmDrovnExpandImage(pair, camera, source.data(), &expansion, expanded.data()));
+        digest.add(expanded.data(), expanded.size());
+        zelm2ViewCalibClose(&pair);
+    }
+}
+
 struct Family {
     const char* name;
     void (*run)(Digest&);
@@ -362,7 +437,8 @@ constexpr Family kFamilies[] = {{"mat", digestMat},           {"math", digestMat
                                 {"roots", digestRoots},       {"correl", digestCorrelation},
                                 {"clp3d", digestClp3d},       {"fit", digestFit},
                                 {"quadrics", digestQuadrics}, {"images", digestImages},
-                                {"calib", digestCalib},       {"windows", digestWindowScores}};
+                                {"calib", digestCalib},       {"windows", digestWindowScores},
+                                {"expanded", digestExpanded}};
 
 }  // namespace
 

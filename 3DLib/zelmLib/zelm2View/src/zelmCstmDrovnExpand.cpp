@@ -60,8 +60,8 @@ struct Gray {
     static constexpr std::uint8_t kOutside[kBytes] = {0};
 
     static bool isInside(double position, std::int32_t size) { return position >= 0.0 && position < size; }
-    static void mix(const std::uint8_t* row, const Place& at, double* out) {
-        out[0] = (1.0 - at.fraction) * row[at.near] + at.fraction * row[at.far];
+    static void mix(const double* p, const double* q, double fraction, double* out) {
+        out[0] = (1.0 - fraction) * p[0] + fraction * q[0];
     }
 };
 
@@ -71,13 +71,11 @@ struct Argb {
     static constexpr std::uint8_t kOutside[kBytes] = {255, 0, 0, 0};
 
     static bool isInside(double position, std::int32_t size) { return position >= 0.0 && position <= size - 1.0; }
-    static void mix(const std::uint8_t* row, const Place& at, double* out) {
-        const std::uint8_t* const p = row + static_cast<std::ptrdiff_t>(at.near) * kBytes;
-        const std::uint8_t* const q = row + static_cast<std::ptrdiff_t>(at.far) * kBytes;
-        out[0] = 255.0;  // alpha stays opaque through the blend
-        for (int c = 1; c < kBytes; ++c) {
-            out[c] = (1.0 - at.fraction) * p[c] + at.fraction * q[c];
+    static void mix(const double* p, const double* q, double fraction, double* out) {
+        for (int c = 0; c < kBytes; ++c) {
+            out[c] = (1.0 - fraction) * p[c] + fraction * q[c];
         }
+        out[0] = 255.0;  // alpha stays opaque through the blend
     }
 };
 
@@ -134,10 +132,18 @@ private:
             lowerRow = at.far;
         }
     }
-    void mixRow(std::int32_t row, double* out) const {
-        const std::uint8_t* const pixels = rows.pixels + row * rows.stride;
+    void mixRow(std::int32_t row, double* out) {
+        const std::int32_t first = places[0].near;
+        const std::int32_t bytes = (places[count - 1].far - first + 1) * Pixel::kBytes;
+        const std::uint8_t* const from =
+            rows.pixels + row * rows.stride + static_cast<std::ptrdiff_t>(first) * Pixel::kBytes;
+        for (std::int32_t i = 0; i < bytes; ++i) {
+            unpacked[i] = from[i];
+        }
         for (std::int32_t i = 0; i < count; ++i) {
-            Pixel::mix(pixels, places[i], out + static_cast<std::ptrdiff_t>(i) * Pixel::kBytes);
+            const Place& at = places[i];
+            Pixel::mix(unpacked + (at.near - first) * Pixel::kBytes, unpacked + (at.far - first) * Pixel::kBytes,
+                       at.fraction, out + i * Pixel::kBytes);
         }
     }
     void blend(double fraction, std::uint8_t* out) const {
@@ -157,6 +163,7 @@ private:
     std::int32_t upperRow = -1;
     std::int32_t lowerRow = -1;
     Place places[kStretch];
+    double unpacked[(kStretch + 2) * Pixel::kBytes];  // positions are at most one pixel apart
     double mixed[2][kStretch * Pixel::kBytes];
     double* upper = mixed[0];
     double* lower = mixed[1];
