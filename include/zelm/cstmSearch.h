@@ -6,13 +6,14 @@
 /// normalised cross-correlation of the template with the window around it, local maxima are thinned out, scored in full
 /// and refined by a parabola through the logarithms of three scores. There is no state: all functions are reentrant.
 ///
-/// Sampling patterns. Full takes every pixel of the window, Checker every second one, as the dark fields of a board,
-/// Quarter every second one of every second row. In the coarse pass Checker and Quarter sum over fewer pixels than the
-/// template statistics are scaled for (the count is always that of the full window), so that a perfect match scores
-/// less than 1 there: about n/N for n of N pixels, as long as the window's own mean is that of the template, and
-/// unpredictably less for bright, flat windows. This is kept. It costs matches: with mode 0 or 1 and without a search
-/// mask, choose minScore with it in mind (the threshold of the coarse pass is minScore - 0.2), or use mode 2. With a
-/// search mask all sums are those of the pixels that take part, and a perfect match scores 1 in every mode.
+/// Sampling patterns. Full takes every pixel of the window; Checker every second one, as the dark fields of a board;
+/// Quarter every second one of every second row. On processors with SSE4.1 or AVX2 (64-bit builds) the coarse pass with
+/// Checker takes every pixel as well. Without a search mask, scores of fewer pixels are still scaled for the full
+/// window, so that a perfect match scores less than 1 in the coarse pass, and how much less depends on the images. This
+/// is kept, and it costs matches: with Quarter (and Checker in its plain form) choose a low minScore, for the coarse
+/// pass holds its peaks to minScore - 0.2, or use Full. With a search mask all sums are those of the pixels that take
+/// part, and a perfect match scores 1 in every mode; but a pixel there needs a positive score to count as a neighbour,
+/// so that textures whose detail is as fine as the pixels are lost.
 ///
 /// A template of more than 66,051 pixels may overflow the 32-bit sums of the scores and statistics, unnoticed.
 #ifndef ZELM_CSTM_SEARCH_H
@@ -61,7 +62,7 @@ typedef struct ZelmCstmSearchPrm {
 
 /// A place where the template matches.
 typedef struct ZelmCstmMatch {
-    double score;  ///< correlation over all pixels of the window at the pixel nearest to the match, at most 1
+    double score;  ///< correlation over all pixels of the window at the pixel of the peak; 1 for a perfect match
     double x;      ///< where the template's anchor comes to lie: a point of the line
     double y;      ///< see x
 } ZelmCstmMatch;
@@ -100,7 +101,9 @@ ZELM_API int32_t zelmCstmDrovnCalcBasicStatisticsOfRefImg_vImagePlanar8(const vI
 ///    minDistance to an earlier one is dropped. The search ends when maxResults are listed; worse peaks are not tried,
 ///    even where a full score would have shown them better.
 ///
-/// Accuracy: see docs/accuracy.md. Where the line is oblique, the pixels walked leave it by up to half a pixel.
+/// Accuracy: see docs/accuracy.md. A line parallel to an axis that passes through pixel centres, as in rectified images,
+/// is matched best (to 0.006 pixel there); other lines are left by the pixels walked by up to a pixel, because the ends
+/// of the walk are rounded too, and are matched to about 0.06 pixel.
 /// Cost: one coarse score a pixel of the line, 3 to 5 full scores a peak (mode 2: none).
 /// @param tRef     [in]  template; the statistics are not needed, nor tested, with a search mask
 /// @param tPrm     [in]  search

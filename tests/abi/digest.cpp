@@ -428,6 +428,52 @@ void digestExpanded(Digest& digest) {
     }
 }
 
+void digestSearch(Digest& digest) {
+    Random random(6);
+    constexpr std::int32_t kSize = 60;
+    constexpr std::int32_t kTemplate = 9;
+    for (std::int32_t round = 0; round < 60; ++round) {
+        std::vector<std::uint8_t> pixels(kSize * kSize);
+        std::vector<std::uint8_t> mask(pixels.size());
+        for (std::size_t i = 0; i < pixels.size(); ++i) {
+            const std::int32_t before = i >= kSize + 1 ? pixels[i - 1] + pixels[i - kSize] : 256;
+            pixels[i] = static_cast<std::uint8_t>((before + random.integer(0, 255)) / 3);
+            mask[i] = random.integer(0, 9) == 0 ? 0 : 1;
+        }
+        std::vector<std::uint8_t> tmpl;
+        for (std::int32_t i = 0; i < kTemplate * kTemplate; ++i) {
+            tmpl.push_back(pixels[static_cast<std::size_t>((25 + i / kTemplate) * kSize + 25 + i % kTemplate)]);
+        }
+        ZelmCstmRefImg ref{};
+        ref.width = ref.height = kTemplate;
+        ref.pixels = tmpl.data();
+        ref.anchorX = ref.anchorY = 4.0;
+        digest.add(zelmCstmDrovnCalcBasicStatisticsOfRefImg(&ref));
+        for (int pattern = 0; pattern < 3; ++pattern) {
+            digest.add(ref.mean[pattern]);
+            digest.add(ref.sigma[pattern]);
+        }
+        ZelmCstmSearchPrm prm{};
+        prm.width = prm.height = prm.roiWidth = prm.roiHeight = kSize;
+        prm.pixels = pixels.data();
+        prm.mask = round % 2 == 0 ? nullptr : mask.data();
+        const double slope = random.uniform(-1.0, 1.0);
+        prm.epiLine = {slope, 1.0, -29.0 * (1.0 + slope)};
+        prm.maxResults = 10;
+        prm.minDistance = 3;
+        prm.mode = round % 3;
+        std::int32_t count = 0;
+        ZelmCstmMatch matches[10] = {};
+        digest.add(zelmCstmDrovnSearchOnEpiLine(&ref, &prm, &count, matches));
+        digest.add(count);
+        for (const ZelmCstmMatch& match : matches) {
+            digest.add(match.score);
+            digest.add(match.x);
+            digest.add(match.y);
+        }
+    }
+}
+
 struct Family {
     const char* name;
     void (*run)(Digest&);
@@ -438,7 +484,7 @@ constexpr Family kFamilies[] = {{"mat", digestMat},           {"math", digestMat
                                 {"clp3d", digestClp3d},       {"fit", digestFit},
                                 {"quadrics", digestQuadrics}, {"images", digestImages},
                                 {"calib", digestCalib},       {"windows", digestWindowScores},
-                                {"expanded", digestExpanded}};
+                                {"expanded", digestExpanded}, {"search", digestSearch}};
 
 }  // namespace
 
