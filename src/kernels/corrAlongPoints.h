@@ -29,8 +29,9 @@ static_assert(sizeof(CorrScore) == 16);
 // for the patterns that visit fewer pixels. The sums are trunc(mean * N) and trunc((sigma * N)^2); values beyond their
 // integer types are taken as the nearest end of the range, NaN as 0.
 //
-// An anchor that is not a number or lies beyond every image accepts no position, nor do windows without pixels or with
-// more than 2^31 - 1 of them. Positions may be any integers. Nothing else is checked.
+// An anchor that is not a number or lies beyond every image accepts no position. Windows without pixels give no entry,
+// nor, without a search mask, do those of more than 2^31 - 1 pixels. Positions may be any integers. Nothing else is
+// checked.
 //
 // w, h            [in]  template size, which is the windows' size
 // tmpl            [in]  template, h rows of w bytes, tmplStride apart
