@@ -21,6 +21,7 @@
 #include "zelm/image.h"
 #include "zelm/kernels.h"
 #include "zelm/mat.h"
+#include "zelm/match.h"
 #include "zelm/math.h"
 #include "zelm/mathCorrelation.h"
 #include "zelm/mathRoots.h"

@@ -6,10 +6,6 @@
 
 namespace zelm {
 
-// The middle one of n >= 1 values in ascending order, or the mean of the two middle ones for an even count. Reorders
-// the values. Values that are not numbers count as larger than all others.
-double innerMedian(std::int32_t n, double* values);
-
 // The squared cut-off: (k * 1.4826)^2 times the median of the n squared distances, at least 1e-10. Reorders them.
 double innerSquaredCutOff(std::int32_t n, double* squares, double k);
 

@@ -6,6 +6,7 @@
 
 #include "leastSquaresQr.h"
 #include "normalizeFitData.h"
+#include "robustStatistics.h"
 #include "robustWeights.h"
 #include "workBuffer.h"
 #include "zelm/fit.h"

@@ -4,6 +4,7 @@
 #include <cstddef>
 
 #include "normalizeFitData.h"
+#include "robustStatistics.h"
 #include "robustWeights.h"
 #include "workBuffer.h"
 #include "zelm/fit.h"

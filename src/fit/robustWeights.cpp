@@ -1,10 +1,10 @@
 #include "robustWeights.h"
 
-#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <span>
 
+#include "robustStatistics.h"
 #include "workBuffer.h"
 #include "zelm/fit.h"
 
@@ -15,34 +15,22 @@ constexpr double kNoResidual = 1e-12;      // cut-off below which all residuals 
 constexpr double kNoWeight = 1e-12;        // sum of weights below which every point counts as rejected
 constexpr double kSettledFraction = 0.02;  // of the sum of weights, that may still change
 
-// Same value as the middle of the sorted values, or the mean of the two middle ones. Reorders them.
-double median(std::span<double> values) {
-    const size_t half = values.size() / 2;
-    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(half);
-    std::nth_element(values.begin(), middle, values.end());
-    if (values.size() % 2 == 1) {
-        return *middle;
-    }
-    return (*std::max_element(values.begin(), middle) + *middle) / 2.0;
-}
-
-// Selecting needs an order, which a value that is not a number has not: then false.
+// False when a residual is not a number.
 bool copyMagnitudes(const double* residuals, std::span<double> magnitudes) {
-    bool ordered = true;
+    bool numbers = true;
     for (size_t i = 0; i < magnitudes.size(); ++i) {
         magnitudes[i] = std::fabs(residuals[i]);
-        ordered = ordered && magnitudes[i] >= 0.0;
+        numbers = numbers && magnitudes[i] >= 0.0;
     }
-    return ordered;
+    return numbers;
 }
 
 double newWeight(std::int32_t kind, double magnitude, double k) {
-    if (!(magnitude < k)) {
-        return 0.0;
+    if (kind == kBiweights) {
+        return tukeyWeight(magnitude, k);
     }
     const double u = magnitude / k;
-    const double w = 1.0 - u * u;
-    return kind == kBiweights ? w * w : std::fabs(w);
+    return magnitude < k ? std::fabs(1.0 - u * u) : 0.0;
 }
 
 }  // namespace
@@ -60,7 +48,7 @@ std::int32_t innerCalcRobustWeights(std::int32_t kind, std::int32_t n, const dou
     if (!copyMagnitudes(residuals, magnitudes.span())) {
         return ZELM_ERR_FIT_DATA;
     }
-    const double k = median(magnitudes.span()) * cutoffFactor;
+    const double k = innerMedian(n, magnitudes.data()) * cutoffFactor;
     if (k < kNoResidual) {
         return 1;
     }

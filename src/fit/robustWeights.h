@@ -6,9 +6,6 @@
 
 namespace zelm {
 
-// Makes a median absolute residual the standard deviation of normal residuals.
-constexpr double kMedianToSigma = 1.4826;
-
 enum RobustWeightKind : std::int32_t {
     kParabolicWeights = 0,  // |1 - u^2|
     kBiweights = 1          // (1 - u^2)^2, Beaton and Tukey 1974

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "cgCommon.h"
+#include "enclosingCircle.h"
 #include "workBuffer.h"
 #include "zelm/cg.h"
 
@@ -94,7 +95,28 @@ Circle2d walkToCentre(std::size_t count, const Point2d* hull) {
     return {c.x, c.y, std::sqrt(squaredRadius)};
 }
 
+// About one or two points.
+Circle2d circleOfFew(std::size_t n, const Point2d* points) {
+    const Point2d first = points[0];
+    const Point2d last = points[n - 1];
+    if (n == 1) {
+        return {first.x, first.y, 0.0};
+    }
+    const Point2d centre{(first.x + last.x) * 0.5, (first.y + last.y) * 0.5};
+    const Point2d arm = difference(first, centre);
+    return {centre.x, centre.y, std::sqrt(dot(arm, arm))};
+}
+
 }  // namespace
+
+Circle2d innerSmallestEnclosingCircle(std::size_t n, const Point2d* points, Point2d* work) {
+    if (n <= 2) {
+        return circleOfFew(n, points);
+    }
+    const std::size_t count = convexHull(n, points, work);
+    return walkToCentre(count, work);
+}
+
 }  // namespace zelm
 
 int32_t zelmCgConvexHull(int32_t iN, const Point2d* taPoints, int32_t* iCount, Point2d* taHull) {
@@ -110,20 +132,14 @@ int32_t zelmCgSmallestEnclosingCircle(int32_t iN, const Point2d* taPoints, Point
         return ZELM_ERR_PARAM;
     }
     const auto n = static_cast<std::size_t>(iN);
-    if (n <= 2) {
-        const Point2d first = taPoints[0];
-        const Point2d last = taPoints[n - 1];
-        *tCentre = n == 1 ? first : Point2d{(first.x + last.x) * 0.5, (first.y + last.y) * 0.5};
-        const Point2d arm = zelm::difference(first, *tCentre);
-        *dRadius = n == 1 ? 0.0 : std::sqrt(zelm::dot(arm, arm));
-        return ZELM_OK;
+    zelm::WorkBuffer<Point2d> work;
+    if (n > 2) {
+        work = zelm::WorkBuffer<Point2d>(n);
+        if (!work.ok()) {
+            return ZELM_ERR_MEMORY;
+        }
     }
-    zelm::WorkBuffer<Point2d> hull(n);
-    if (!hull.ok()) {
-        return ZELM_ERR_MEMORY;
-    }
-    const std::size_t count = zelm::convexHull(n, taPoints, hull.data());
-    const Circle2d circle = zelm::walkToCentre(count, hull.data());
+    const Circle2d circle = zelm::innerSmallestEnclosingCircle(n, taPoints, work.data());
     *tCentre = {circle.x, circle.y};
     *dRadius = circle.r;
     return ZELM_OK;

@@ -211,6 +211,33 @@ void digestQuadrics(Digest& digest) {
     }
 }
 
+void digestMatch(Digest& digest) {
+    Random random(7);
+    for (int round = 0; round < 60; ++round) {
+        const int n = random.integer(2, 20);
+        std::vector<Point2d> model(static_cast<std::size_t>(n));
+        std::vector<Point2d> ref(model.size());
+        const double angle = random.uniform(-3.1, 3.1);
+        for (std::size_t i = 0; i < model.size(); ++i) {
+            const double x = random.uniform(-50.0, 50.0);
+            const double y = random.uniform(-50.0, 50.0);
+            model[i] = {x, y};
+            ref[i] = {x * std::cos(angle) - y * std::sin(angle) + 0.2 * random.normal(),
+                      x * std::sin(angle) + y * std::cos(angle) + 0.2 * random.normal()};
+        }
+        const ZelmMatchPose modelPose{1.0, 2.0, 0.3, 1.0};
+        for (int mode = 0; mode <= 5; ++mode) {
+            ZelmMatchPose result{};
+            digest.add(zelmMatchBasic(n, ref.data(), model.data(), &modelPose, mode, 3.0, &result));
+            digest.add(&result, sizeof result);
+            std::vector<Point2d> moved(model.size());
+            std::vector<double> distances(model.size());
+            zelmMatchPoints(n, ref.data(), model.data(), &modelPose, &result, moved.data(), distances.data());
+            digest.add(distances);
+        }
+    }
+}
+
 void digestImages(Digest& digest) {
     Random random(4);
     constexpr std::int32_t kSize = 96;
@@ -479,12 +506,11 @@ struct Family {
     void (*run)(Digest&);
 };
 
-constexpr Family kFamilies[] = {{"mat", digestMat},           {"math", digestMath},
-                                {"roots", digestRoots},       {"correl", digestCorrelation},
-                                {"clp3d", digestClp3d},       {"fit", digestFit},
-                                {"quadrics", digestQuadrics}, {"images", digestImages},
-                                {"calib", digestCalib},       {"windows", digestWindowScores},
-                                {"expanded", digestExpanded}, {"search", digestSearch}};
+constexpr Family kFamilies[] = {
+    {"mat", digestMat},       {"math", digestMath},   {"roots", digestRoots},          {"correl", digestCorrelation},
+    {"clp3d", digestClp3d},   {"fit", digestFit},     {"quadrics", digestQuadrics},    {"match", digestMatch},
+    {"images", digestImages}, {"calib", digestCalib}, {"windows", digestWindowScores}, {"expanded", digestExpanded},
+    {"search", digestSearch}};
 
 }  // namespace
 

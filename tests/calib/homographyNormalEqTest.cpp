@@ -9,6 +9,7 @@
 #include "homographyNormalEq.h"
 #include "isClose.h"
 #include "random.h"
+#include "robustStatistics.h"
 #include "tukey.h"
 
 namespace {

@@ -72,6 +72,12 @@ PIN_FIELD(Ellipsoid3d, azimuth, 48);
 PIN_FIELD(Ellipsoid3d, elevation, 56);
 PIN_FIELD(Ellipsoid3d, roll, 64);
 
+PIN_SIZE(ZelmMatchPose, 32);
+PIN_FIELD(ZelmMatchPose, x, 0);
+PIN_FIELD(ZelmMatchPose, y, 8);
+PIN_FIELD(ZelmMatchPose, angle, 16);
+PIN_FIELD(ZelmMatchPose, scale, 24);
+
 PIN_SIZE(ZelmRect, 16);
 PIN_FIELD(ZelmRect, x, 0);
 PIN_FIELD(ZelmRect, y, 4);
