@@ -389,6 +389,131 @@ TEST(RemapKernels, PositionsThatAreNotNumbersOrHugeGiveZero) {
     }
 }
 
+// The prescribed single-precision arithmetic, rounded as the vector tier rounds: to nearest, ties to even.
+std::uint8_t vectorTierGray(const TestImage& src, float u, float v, int channel) {
+    const bool valid =
+        u >= 0.0F && v >= 0.0F && u < static_cast<float>(src.width - 1) && v < static_cast<float>(src.height - 1);
+    if (!valid) {
+        return 0;
+    }
+    const auto ix = static_cast<std::int32_t>(u);
+    const auto iy = static_cast<std::int32_t>(v);
+    const float fx = u - static_cast<float>(ix);
+    const float fy = v - static_cast<float>(iy);
+    const auto p = [&](std::int32_t x, std::int32_t y) { return static_cast<float>(src.at(x, y, channel)); };
+    const float top = p(ix + 1, iy) * fx + p(ix, iy) * (1.0F - fx);
+    const float bottom = p(ix + 1, iy + 1) * fx + p(ix, iy + 1) * (1.0F - fx);
+    return static_cast<std::uint8_t>(std::lrintf(bottom * fy + top * (1.0F - fy)));
+}
+
+void expectVectorTierBits(const TestImage& src, const Maps& maps, const char* what) {
+    const std::int32_t stride = maps.width * src.channels;
+    Bytes dst(bytesOf(stride, maps.height), 5);
+    remap(src, maps, dst.data(), stride, 0, 0, maps.width - 1, maps.height - 1);
+    for (std::int32_t k = 0; k < maps.width * maps.height; ++k) {
+        const auto i = static_cast<std::size_t>(k);
+        for (int c = 0; c < src.channels; ++c) {
+            ASSERT_EQ(dst[i * static_cast<std::size_t>(src.channels) + static_cast<std::size_t>(c)],
+                      vectorTierGray(src, maps.x[i], maps.y[i], c))
+                << what << ": pixel " << k << " of a row of " << maps.width << ", from " << maps.x[i] << ", "
+                << maps.y[i] << " in " << src.width << " x " << src.height;
+        }
+    }
+}
+
+Maps mapsOf(std::int32_t width, std::int32_t height) {
+    return {width, height, std::vector<float>(bytesOf(width, height)), std::vector<float>(bytesOf(width, height)), {}};
+}
+
+TEST(RemapKernels, TheVectorTierHasTheBitsOfThePrescribedArithmetic) {
+    if (!machineHasAvx2Tier()) {
+        GTEST_SKIP() << "this machine runs the plain tier alone";
+    }
+    Random random(18);
+    for (int round = 0; round < 400; ++round) {
+        const TestImage src =
+            randomImage(random, random.integer(1, 500), random.integer(1, 60), round % 2 == 0 ? 1 : 4, round % 3);
+        Maps maps = mapsOf(random.integer(1, 300), 5);
+        const double step = random.uniform(-2.5, 2.5);
+        const double slope = random.uniform(-0.3, 0.3);
+        // Some groups whose positions jump about, some that jitter around a row, most of them smooth.
+        const double jitter = round % 4 == 0 ? 1e-4 : round % 4 == 1 ? 3.0 : 0.0;
+        const double x0 = random.uniform(-0.2, 1.0) * src.width;
+        const double y0 = std::floor(random.uniform(-0.2, 1.0) * src.height);
+        for (std::size_t k = 0; k < maps.x.size(); ++k) {
+            const auto x = static_cast<double>(k % static_cast<std::size_t>(maps.width));
+            const auto y = static_cast<double>(k / static_cast<std::size_t>(maps.width));
+            maps.x[k] = static_cast<float>(x0 + step * x + slope * y + jitter * random.normal());
+            maps.y[k] = static_cast<float>(y0 + slope * x + y + jitter * random.normal());
+        }
+        expectVectorTierBits(src, maps, "random");
+        if (::testing::Test::HasFatalFailure()) {
+            FAIL() << "round " << round;
+        }
+    }
+}
+
+// Coordinates on both sides of every border that the vector tier treats apart.
+TEST(RemapKernels, CoordinatesAtTheBordersOfFixedPointAndOfTheSourceAreExact) {
+    if (!machineHasAvx2Tier()) {
+        GTEST_SKIP() << "this machine runs the plain tier alone";
+    }
+    const auto below = [](float v) { return std::nextafter(v, -1e9F); };
+    const float coordinates[] = {-1e-30F, -1e-6F, -0.0F, 0.0F, 1e-30F, 1e-6F, 0.5F, 1.0F, below(1.0F), 15.0F,
+                                 below(127.0F), 127.0F, below(128.0F), 128.0F, below(129.0F), 128.5F, below(198.0F),
+                                 198.0F, below(199.0F), 199.0F, 200.0F,
+                                 // The same whole part in 16 bits as a valid one.
+                                 32768.0F, 65536.0F + 140.0F, 131072.0F + 140.0F, -65536.0F + 140.0F, -65400.0F};
+    Random random(19);
+    for (const std::int32_t channels : {1, 4}) {
+        const TestImage src = randomImage(random, 200, 200, channels, 0);
+        for (const float special : coordinates) {
+            for (const float base : {0.25F, 60.25F, 140.25F}) {
+                for (std::int32_t lane = 0; lane < 128; lane += 13) {
+                    // Once as the column of one pixel, once as the row of another, once as the row of all.
+                    Maps maps = mapsOf(128, 3);
+                    for (std::size_t k = 0; k < maps.x.size(); ++k) {
+                        maps.x[k] = base + 0.4F * static_cast<float>(k % 128);
+                        maps.y[k] = base;
+                    }
+                    maps.x[static_cast<std::size_t>(lane)] = special;
+                    maps.y[static_cast<std::size_t>(128 + lane)] = special;
+                    std::fill(maps.y.begin() + 256, maps.y.end(), special);
+                    expectVectorTierBits(src, maps, "border");
+                    ASSERT_FALSE(::testing::Test::HasFatalFailure());
+                }
+            }
+        }
+    }
+}
+
+TEST(RemapKernels, SourcesBeyondTheFixedPointAreSampledToo) {
+    Random random(20);
+    for (const Tier& tier : tiers()) {
+        const ForcedProcessor forced{tier.processor};
+        for (const std::int32_t channels : {1, 4}) {
+            for (const bool wide : {true, false}) {
+                const std::int32_t longSide = 70000;
+                const TestImage src = randomImage(random, wide ? longSide : 20, wide ? 4 : longSide, channels, 0);
+                Maps maps = mapsOf(80, 1);
+                for (std::size_t k = 0; k < 80; ++k) {
+                    const float far = (k % 2 == 0 ? 69900.25F : 32760.5F) + 0.5F * static_cast<float>(k);
+                    maps.x[k] = wide ? far : 7.5F;
+                    maps.y[k] = wide ? 1.5F : far;
+                }
+                Bytes dst(static_cast<std::size_t>(80 * channels), 5);
+                remap(src, maps, dst.data(), 80 * channels, 0, 0, 79, 0);
+                for (std::size_t k = 0; k < 80; ++k) {
+                    const SourcePosition p{static_cast<double>(maps.x[k]), static_cast<double>(maps.y[k])};
+                    // Positions are given, so that half a gray level is left but for the floats' own rounding.
+                    ASSERT_NEAR(dst[k * static_cast<std::size_t>(channels)], modelGray(src, p, 0), 0.5 + 1e-3)
+                        << tier.name << " " << k;
+                }
+            }
+        }
+    }
+}
+
 TEST(WarpKernels, HomographiesThatAreNotFiniteOrHugeNeverLeaveTheSource) {
     constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
     const double hostile[] = {kNan, std::numeric_limits<double>::infinity(), 1e300, -1e300, 1e38, 0.0};
@@ -454,6 +579,9 @@ TEST(WarpKernels, NoTierTouchesMemoryOutsideItsBuffers) {
             for (const Guard guard : {Guard::atStart, Guard::atEnd}) {
                 for (std::int32_t width = 1; width <= 70; ++width) {
                     warpBehindGuards(channels, guard, width, 1 + width % 4, width, width % 3, random);
+                }
+                for (const std::int32_t width : {127, 128, 129, 191, 193, 260}) {
+                    warpBehindGuards(channels, guard, width, 3 + width % 4, width, width % 3, random);
                 }
                 for (std::int32_t srcWidth = 1; srcWidth <= 3; ++srcWidth) {
                     for (std::int32_t srcHeight = 1; srcHeight <= 3; ++srcHeight) {
