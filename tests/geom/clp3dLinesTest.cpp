@@ -1,7 +1,6 @@
 // Points and lines in space, against closed forms on seeded input and on both sides of the 1e-14 threshold.
 #include <gtest/gtest.h>
 
-#include <array>
 #include <cmath>
 #include <limits>
 

@@ -426,6 +426,9 @@ TEST(Clp3dPlanes, NormalsBelowTheThresholdAreRefusedEverywhere) {
         EXPECT_EQ(zelmClp3dAngleLineAndPlane(&noLine, &kZ0, &value), ZELM_ERR_DEGENERATE);
         EXPECT_EQ(zelmClp3dIntersectionTwoPlanes(&none, &kZ0, &line), ZELM_ERR_DEGENERATE);
         EXPECT_EQ(zelmClp3dIntersectionTwoPlanes(&kZ0, &none, &line), ZELM_ERR_DEGENERATE);
+        const Plane3d steep{0, 0, 1e3, 0};  // its cross product with the faint normal is long enough
+        EXPECT_EQ(zelmClp3dIntersectionTwoPlanes(&none, &steep, &line), ZELM_ERR_DEGENERATE);
+        EXPECT_EQ(zelmClp3dIntersectionTwoPlanes(&steep, &none, &line), ZELM_ERR_DEGENERATE);
         EXPECT_EQ(zelmClp3dAngleTwoPlanes(&none, &kZ0, &value), ZELM_ERR_DEGENERATE);
         EXPECT_EQ(zelmClp3dAngleTwoPlanes(&kZ0, &none, &value), ZELM_ERR_DEGENERATE);
         EXPECT_TRUE(isUntouched(point));

@@ -44,6 +44,12 @@ TEST(OtsuThreshold1d, IsHalfwayAcrossTheSplit) {
     EXPECT_EQ(thresholdOf({10, 1, 11, 2}), 6.0) << "in any order";
 }
 
+TEST(OtsuThreshold1d, DoesNotDependOnTheUnit) {
+    for (const double unit : {1e-60, 1e-6, 1e60}) {
+        EXPECT_NEAR(thresholdOf({1 * unit, 2 * unit, 10 * unit, 11 * unit}) / unit, 6.0, 1e-14);
+    }
+}
+
 TEST(OtsuThreshold1d, ASingleValueIsItsOwnThreshold) {
     EXPECT_EQ(thresholdOf({42.5}), 42.5);
 }

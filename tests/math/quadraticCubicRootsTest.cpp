@@ -1,7 +1,6 @@
 // Roots of quadratics and cubics: counts, orders and quirks, and the backward error on seeded polynomials.
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <array>
 #include <cmath>
 #include <limits>
@@ -17,7 +16,6 @@ namespace {
 using zelmtest::isClose;
 using zelmtest::polynomialOf;
 using zelmtest::Random;
-using zelmtest::rootScale;
 using zelmtest::scaledResidual;
 using Coefficients = std::vector<double>;
 
@@ -299,6 +297,32 @@ TEST(CubicRoots, ARootFarSmallerThanTheOthersHasLostDigits) {
     EXPECT_EQ(roots.count, 1);
     EXPECT_NEAR(roots.x[0], -1e-6, 5e-13);
     EXPECT_GT(std::fabs(roots.x[0] + 1e-6), 1e-15) << "no loss any more: say so in the header";
+}
+
+// sigma is -1 for R = 0: the root of x^3 + c x is minus the rounding of A + Q/A.
+TEST(CubicRoots, AnROfZeroTakesTheNegativeSign) {
+    bool sawRounding = false;
+    for (double c = 1.0; c < 100.0; c += 1.0) {
+        const double q = -3.0 * c / 9.0;
+        const double a = std::pow(std::sqrt(-std::pow(q, 3.0)), 0.3333333333333333);
+        const Roots roots = cubicRoots({1, 0, c, 0});
+        EXPECT_EQ(roots.count, 1);
+        EXPECT_EQ(roots.x[0], -(a + q / a));
+        sawRounding = sawRounding || a + q / a != 0.0;
+    }
+    EXPECT_TRUE(sawRounding);
+}
+
+// Where R^2 and Q^3 are denormal the arc cosine's argument may leave [-1, 1] by far more than rounding.
+TEST(CubicRoots, AtTheLowerEndOfTheirRangeTheRootsAreStillNumbers) {
+    Random random(305);
+    for (int i = 0; i < kRounds; ++i) {
+        const double size = std::pow(10.0, random.uniform(-56.0, -50.0));
+        const Roots roots = cubicRoots(randomCubic(random, Cluster::kPair, size));
+        for (std::int32_t k = 0; k < roots.count; ++k) {
+            ASSERT_TRUE(std::isfinite(roots.x[static_cast<std::size_t>(k)])) << i;
+        }
+    }
 }
 
 // Where squares and cubes of the scaled coefficients leave the range of double, the result says so or is a plain mean.

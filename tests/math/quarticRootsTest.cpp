@@ -247,9 +247,11 @@ TEST(QuarticRoots, FourComplexRootsAreNoRoots) {
 }
 
 // Beyond the range the twelfth power of s leaves that of double.
-TEST(QuarticRoots, BeyondTheRangeOfTheirPowersThereAreNoRoots) {
+TEST(QuarticRoots, BeyondTheRangeOfTheirPowersThereAreNoRootsOrWrongOnes) {
     EXPECT_EQ(quarticRoots(polynomialOf(1.0, {1e30, 2e30, 3e30, 5e30})).count, 0);
     EXPECT_EQ(quarticRoots(polynomialOf(1.0, {1e24, 2e24, 3e24, 5e24})).count, 4);
+    const Coefficients tiny = polynomialOf(1.0, {1e-30, 2e-30, 3e-30, 5e-30});
+    EXPECT_GT(worstResidual(tiny, quarticRoots(tiny)), 1e-6) << "found better than the header says";
 }
 
 }  // namespace
