@@ -96,6 +96,7 @@ BENCHMARK_CAPTURE(lens, undistort, zelmCalibUnDistortPoint);
 // Keeps the least time of each benchmark.
 class RatioReporter : public benchmark::ConsoleReporter {
 public:
+    RatioReporter() : ConsoleReporter(OO_Tabular) {}
     void ReportRuns(const std::vector<Run>& runs) override {
         for (const Run& run : runs) {
             if (run.run_type == Run::RT_Iteration && !run.error_occurred) {
@@ -126,6 +127,7 @@ int main(int argc, char** argv) {
     }
     RatioReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
+    std::printf("\nleast processor times\n");
     reporter.printRatio("cameraPlain");
     reporter.printRatio("cameraRobust");
     benchmark::Shutdown();
