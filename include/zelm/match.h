@@ -40,7 +40,7 @@ typedef struct ZelmMatchPose {
 /// The robust modes re-weight by Tukey's biweight (Holland and Welsch 1977; Beaton and Tukey 1974) in at most 20 passes:
 /// w = (1 - (e / k)^2)^2 for distances e below k = threshold * 1.4826 * median e, else 0. They end when the weights
 /// change by less than 0.02 of their sum; those weights are not used for another solve (deliberate). With a threshold of
-/// 4, a third of the points off by many times the noise does not pull the result, if the first solve still tells them
+/// 4, a fifth of the points off by many times the noise does not pull the result, if the first solve still tells them
 /// apart.
 ///
 /// The minimax modes minimise the radius of zelmCgSmallestEnclosingCircle() around the deviations over the angle (mode

@@ -207,6 +207,31 @@ TEST(QuadricAccuracy, Ellipsoids) {
     }
 }
 
+// A known weakness of algebraic distances, which the header tells users about.
+TEST(QuadricAccuracy, CapsOfEllipsoidsComeOutTooSmall) {
+    Random random(733);
+    const auto meanLargestAxis = [&random](double lowest, double sigma) {
+        Spread a;
+        for (int trial = 0; trial < kTrials; ++trial) {
+            std::vector<Point3d> cap;
+            for (int i = 0; i < 200; ++i) {
+                const double z = random.uniform(lowest, 1.0);
+                const double angle = random.uniform(0.0, 2.0 * kPi);
+                const double r = std::sqrt(1.0 - z * z);
+                cap.push_back(zelmtest::withNoise({10.0 * r * std::cos(angle), 8.0 * r * std::sin(angle), 6.0 * z},
+                                                  sigma, random));
+            }
+            Ellipsoid3d e;
+            EXPECT_EQ(zelmFitEllipsoid(200, cap.data(), 0, 0.0, &e), ZELM_OK);
+            a.add(e.a);
+        }
+        return a.mean();
+    };
+    // As the header states them, to half of their last digit and four standard errors.
+    EXPECT_NEAR(meanLargestAxis(0.0, 0.2), 9.9, 0.06);
+    EXPECT_NEAR(meanLargestAxis(0.5, 0.05), 9.5, 0.06);
+}
+
 // Standard deviation at the bound of a cone's aperture among all quadrics, for sigma = 1: a quadric q near the true one
 // has the distance q.z / slope from a point.
 double apertureBound(const double* q, const std::vector<Point3d>& surface) {
