@@ -1,6 +1,6 @@
 # Debian 12 packages that each job needs; sourced by ./demo and ./check.
 build_packages=(cmake ninja-build gcc g++ pkg-config)
-tool_packages=(libcli11-dev nlohmann-json3-dev libfmt-dev libgraphicsmagick1-dev libcairo2-dev)
+tool_packages=(libcli11-dev nlohmann-json3-dev libfmt-dev libgraphicsmagick1-dev libcairo2-dev libtbb-dev)
 test_packages=(libgtest-dev binutils)
 clang_packages=(clang libclang-rt-14-dev)
 docs_packages=(doxygen)

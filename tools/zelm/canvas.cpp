@@ -22,15 +22,6 @@ int heightOf(const AnyPicture& picture) {
     return std::visit([](const auto& p) { return p.height; }, picture);
 }
 
-SurfacePtr blankSurface(int width, int height) {
-    SurfacePtr surface(cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, height), cairo_surface_destroy);
-    if (cairo_surface_status(surface.get()) != CAIRO_STATUS_SUCCESS) {
-        failData("a picture of {} x {} pixels cannot be drawn: {}", width, height,
-                 cairo_status_to_string(cairo_surface_status(surface.get())));
-    }
-    return surface;
-}
-
 // Fills a surface with the colours 0xRRGGBB that `pixel` gives for each index of the picture.
 template <typename Pixel>
 SurfacePtr filledSurface(int pictureWidth, int pictureHeight, Pixel pixel) {
@@ -58,6 +49,15 @@ cairo_status_t append(void* bytes, const unsigned char* data, unsigned int size)
 }
 
 }  // namespace
+
+SurfacePtr blankSurface(int width, int height) {
+    SurfacePtr surface(cairo_image_surface_create(CAIRO_FORMAT_RGB24, width, height), cairo_surface_destroy);
+    if (cairo_surface_status(surface.get()) != CAIRO_STATUS_SUCCESS) {
+        failData("a picture of {} x {} pixels cannot be drawn: {}", width, height,
+                 cairo_status_to_string(cairo_surface_status(surface.get())));
+    }
+    return surface;
+}
 
 SurfacePtr surfaceOf(const Picture& picture) {
     return filledSurface(picture.width, picture.height, [&](std::size_t i) {

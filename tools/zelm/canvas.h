@@ -20,6 +20,9 @@ struct Colour {
     double red, green, blue;
 };
 
+// A black surface. Throws Failure when there is no memory for it.
+SurfacePtr blankSurface(int width, int height);
+
 // A picture as a drawing surface. Throws Failure when there is no memory for it.
 SurfacePtr surfaceOf(const Picture& picture);
 SurfacePtr surfaceOf(const ColourPicture& picture);

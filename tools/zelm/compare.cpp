@@ -8,6 +8,7 @@
 #include <numbers>
 #include <vector>
 
+#include "depthComparison.h"
 #include "failure.h"
 #include "jsonFields.h"
 #include "outputFiles.h"
@@ -97,10 +98,23 @@ std::string comparisonText(const std::vector<Comparison>& list) {
     return text;
 }
 
-void runCompare(const fs::path& rigPath, const fs::path& truthPath, const Console& console) {
+struct CompareOptions {
+    std::string rig;
+    std::string truth;
+    std::string points;
+    double within = 0.2;
+};
+
+void runCompare(const CompareOptions& o, const Console& console) {
+    const fs::path rigPath = o.rig;
+    const fs::path truthPath = o.truth;
     const LoadedRig rig = loadRig(rigPath);
     const nlohmann::json truth =
         parseCommentedJson(truthPath.string(), readWholeFile(truthPath, "the truth of rendered views"));
+    if (!o.points.empty()) {
+        compareDepths(rig, truth, truthPath, o.points, o.within, console);
+        return;
+    }
     if (isSceneTruth(truth)) {
         compareScene(rig, rigPath, truth, truthPath, console);
         return;
@@ -124,12 +138,14 @@ void addCompare(CLI::App& app, Console& console) {
     CLI::App* const sub =
         addSubcommand(app, console, "compare", "Compare a calibration with the truth of rendered views or of a scene",
                       "zelm compare out/rig.zcal samples/desk-rig/truth.json");
-    const auto rig = std::make_shared<std::string>();
-    const auto truth = std::make_shared<std::string>();
-    sub->add_option("rig", *rig, "The calibration (rig.zcal)")->required();
-    sub->add_option("truth", *truth, "The truth of views (truth.json) or of marked points (scene_truth.json)")
-        ->required();
-    sub->callback([rig, truth, &console] { runCompare(*rig, *truth, console); });
+    const auto o = std::make_shared<CompareOptions>();
+    sub->add_option("rig", o->rig, "The calibration (rig.zcal)")->required();
+    sub->add_option("truth", o->truth, "The truth of views (truth.json) or of a scene (scene_truth.json)")->required();
+    sub->add_option("--points", o->points, "CSV of zelm match: compare its depths with the depth map of the scene");
+    sub->add_option("--within", o->within, "With --points: how many are so near to the truth, plane units")
+        ->check(CLI::PositiveNumber)
+        ->capture_default_str();
+    sub->callback([o, &console] { runCompare(*o, console); });
 }
 
 }  // namespace zelm::tool

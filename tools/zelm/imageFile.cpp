@@ -179,7 +179,7 @@ bool hasColour(const ColourPicture& picture) {
     return false;
 }
 
-ColourPicture readColours(const fs::path& path) {
+ImagePtr readImage(const fs::path& path) {
     const std::string bytes = readWholeFile(path, "an image");
     const std::string_view format = formatOf(bytes);
     if (bytes.empty()) {
@@ -189,7 +189,11 @@ ColourPicture readColours(const fs::path& path) {
         failData("{}: not an image that can be read: {} are", path.string(), kKnownFormats);
     }
     startImageLibrary();
-    return toColour(path, *decode(path, format, bytes));
+    return decode(path, format, bytes);
+}
+
+ColourPicture readColours(const fs::path& path) {
+    return toColour(path, *readImage(path));
 }
 
 std::string_view formatForName(const fs::path& path) {
@@ -227,6 +231,18 @@ AnyPicture readAnyPicture(const fs::path& path) {
         return colour;
     }
     return toGray(path, colour);
+}
+
+DeepPicture readDeepPicture(const fs::path& path) {
+    const ImagePtr image = readImage(path);
+    DeepPicture picture{static_cast<int>(image->columns), static_cast<int>(image->rows), {}};
+    picture.pixels.resize(std::size_t{image->columns} * image->rows);
+    Exception exception;
+    if (DispatchImage(image.get(), 0, 0, image->columns, image->rows, "R", ShortPixel, picture.pixels.data(),
+                      &exception) == MagickFail) {
+        failDamaged(path, image->magick, exception);
+    }
+    return picture;
 }
 
 void checkPictureName(const fs::path& path) {

@@ -34,6 +34,16 @@ Picture readPicture(const std::filesystem::path& path);
 // The same, but an image with any pixel that is not gray stays in colour.
 AnyPicture readAnyPicture(const std::filesystem::path& path);
 
+// A gray image of 16 bits a pixel.
+struct DeepPicture {
+    int width = 0;
+    int height = 0;
+    std::vector<std::uint16_t> pixels;
+};
+
+// Reads the first frame of a gray image with all of its 16 bits; 8 bits are scaled up. Throws Failure as readPicture.
+DeepPicture readDeepPicture(const std::filesystem::path& path);
+
 // Encodes a gray picture in the format that the file name's ending asks for. Throws Failure for an unknown ending.
 std::string encodePicture(const Picture& picture, const std::filesystem::path& path);
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <nlohmann/json.hpp>
 #include <numbers>
 #include <span>
 

@@ -7,7 +7,7 @@
 #include <array>
 #include <filesystem>
 #include <memory>
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <vector>
 

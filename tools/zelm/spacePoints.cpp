@@ -28,18 +28,6 @@ bool isFinite(const Point3d& X) {
     return std::isfinite(X.x) && std::isfinite(X.y) && std::isfinite(X.z);
 }
 
-// An id as a field of a CSV file.
-std::string csvField(const std::string& text) {
-    if (text.find_first_of(",\"") == std::string::npos) {
-        return text;
-    }
-    std::string field = "\"";
-    for (const char c : text) {
-        field += c == '"' ? std::string("\"\"") : std::string(1, c);
-    }
-    return field + "\"";
-}
-
 }  // namespace
 
 std::string_view statusWord(PointStatus status) {
@@ -132,6 +120,17 @@ std::string plyOf(const std::vector<SpacePoint>& points) {
         }
     }
     return ply;
+}
+
+std::string csvField(const std::string& text) {
+    if (text.find_first_of(",\"") == std::string::npos) {
+        return text;
+    }
+    std::string field = "\"";
+    for (const char c : text) {
+        field += c == '"' ? std::string("\"\"") : std::string(1, c);
+    }
+    return field + "\"";
 }
 
 std::array<std::size_t, kPointStatuses> countStatuses(const std::vector<SpacePoint>& points) {

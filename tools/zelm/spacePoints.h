@@ -64,6 +64,9 @@ private:
 std::string csvOf(const std::vector<PixelPair>& pairs, const std::vector<SpacePoint>& points);
 std::string plyOf(const std::vector<SpacePoint>& points);
 
+// An id as a field of a CSV file.
+std::string csvField(const std::string& text);
+
 // How many points have each status.
 std::array<std::size_t, kPointStatuses> countStatuses(const std::vector<SpacePoint>& points);
 

@@ -17,6 +17,7 @@ void addSubcommands(CLI::App& app, Console& console) {
     addDetect(app, console);
     addEpiline(app, console);
     addInfo(app, console);
+    addMatch(app, console);
     addRectify(app, console);
     addSimulate(app, console);
     addTriangulate(app, console);

@@ -20,6 +20,7 @@ void addCompare(CLI::App& app, Console& console);
 void addDetect(CLI::App& app, Console& console);
 void addEpiline(CLI::App& app, Console& console);
 void addInfo(CLI::App& app, Console& console);
+void addMatch(CLI::App& app, Console& console);
 void addRectify(CLI::App& app, Console& console);
 void addSimulate(CLI::App& app, Console& console);
 void addTriangulate(CLI::App& app, Console& console);

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <memory>
+#include <nlohmann/json.hpp>
 
 #include "cameraPicture.h"
 #include "dotCentre.h"
