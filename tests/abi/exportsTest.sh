@@ -11,4 +11,6 @@ if [ "$(echo "$declared" | uniq -d)" ]; then
   exit 1
 fi
 diff <(echo "$declared") <(echo "$exported") || { echo "left: declared, right: exported"; exit 1; }
-echo "$(echo "$exported" | wc -l) exported functions"
+count=$(echo "$exported" | wc -l)
+[ "$count" -eq 202 ] || { echo "$count exported functions, not 202"; exit 1; }
+echo "$count exported functions"
