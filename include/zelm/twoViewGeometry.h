@@ -27,9 +27,8 @@ typedef struct Zelm2ViewEpiLine {
 
 /// Parameters of a rectification.
 typedef struct Zelm2ViewHomParam {
-    double
-        px;  ///< reference pixel (undistorted), x: the rectified image is shifted so that it lands on the image centre
-    double py;  ///< reference pixel, y
+    double px;  ///< reference pixel (undistorted): the rectified image is shifted so that it lands on the image centre
+    double py;  ///< see px
     double s;   ///< depth term: s times column 3 of a camera's projection matrix is added to column 3 of its rectifying
                 ///< matrix. In a pair with a parallel camera it moves the plane of view 0 to height s; between
                 ///< perspective cameras it scales a column of both matrices alike and changes nothing

@@ -25,6 +25,8 @@ public:
     }
     void add(double value) { add(&value, sizeof value); }
     void add(std::int32_t value) { add(&value, sizeof value); }
+    void add(const Point2d& point) { add(&point, sizeof point); }
+    void add(const Line2d& line) { add(&line, sizeof line); }
     void add(const std::vector<double>& values) { add(values.data(), values.size() * sizeof(double)); }
     [[nodiscard]] std::uint64_t value() const { return hash; }
 
@@ -501,6 +503,191 @@ void digestSearch(Digest& digest) {
     }
 }
 
+Point2d randomPoint(Random& random, double extent) {
+    // One by one: compilers may evaluate arguments in any order.
+    const double x = random.uniform(-extent, extent);
+    const double y = random.uniform(-extent, extent);
+    return {x, y};
+}
+
+void digestLines(Digest& digest, Random& random) {
+    const Point2d p = randomPoint(random, 100.0);
+    const Point2d q = randomPoint(random, 100.0);
+    const Point2d r = randomPoint(random, 100.0);
+    Line2d lines[4]{};
+    digest.add(zelmClp2dLineTwoPoints(&p, &q, &lines[0]));
+    digest.add(zelmClp2dMidperpendicularTwoPoints(&q, &r, &lines[1]));
+    zelmClp2dLinePointAndSlope(&r, 0.03 * p.x, &lines[2]);
+    digest.add(zelmClp2dCenterLineOfTwoLines(&lines[0], &lines[2], &lines[3]));
+    double value = 0.0;
+    digest.add(zelmClp2dAngleTwoLines(&lines[0], &lines[1], &value));
+    digest.add(value);
+    Point2d points[4]{};
+    digest.add(zelmClp2dIntersectionTwoLines(&lines[0], &lines[1], &points[0]));
+    digest.add(zelmClp2dFootOfPerpendicularToLine(&r, &lines[0], &points[1]));
+    Circle2d circle{};
+    digest.add(zelmClp2dCircleThreePoints(&p, &q, &r, &circle));
+    digest.add(&circle, sizeof circle);
+    digest.add(zelmClp2dIntersectionLineAndCircle(&lines[3], &circle, &points[2], &points[3]));
+    for (const Line2d& line : lines) {
+        digest.add(line);
+    }
+    for (const Point2d& point : points) {
+        digest.add(point);
+    }
+}
+
+void digestPointSets(Digest& digest, Random& random) {
+    std::vector<Point2d> points(static_cast<std::size_t>(random.integer(3, 40)));
+    for (Point2d& p : points) {
+        p = randomPoint(random, 10.0);
+    }
+    const auto n = static_cast<std::int32_t>(points.size());
+    std::vector<Point2d> hull(points.size());
+    std::int32_t count = 0;
+    digest.add(zelmCgConvexHull(n, points.data(), &count, hull.data()));
+    digest.add(hull.data(), static_cast<std::size_t>(count) * sizeof(Point2d));
+    Point2d centre{};
+    double radius = 0.0;
+    digest.add(zelmCgSmallestEnclosingCircle(n, points.data(), &centre, &radius));
+    digest.add(centre);
+    digest.add(radius);
+    const Point2d from = randomPoint(random, 12.0);
+    const Point2d to = randomPoint(random, 12.0);
+    Line2d line{};
+    zelmClp2dLineTwoPoints(&from, &to, &line);
+    Point2d cuts[4]{};
+    digest.add(zelmCgIntersectionLineAndConvexPolygon(count, hull.data(), &line, cuts));
+    digest.add(zelmCgIntersectionSegmentAndConvexPolygon(count, hull.data(), &from, &to, cuts + 2));
+    digest.add(cuts, sizeof cuts);
+}
+
+void digestGeom(Digest& digest) {
+    Random random(6);
+    for (int round = 0; round < 2000; ++round) {
+        digestLines(digest, random);
+        digestPointSets(digest, random);
+    }
+}
+
+struct PairCamera {
+    ZelmCameraIntrinsics intrinsics;
+    ZelmCameraExtrinsics pose;
+    double rectifying[18];  // M = A R and its inverse
+};
+
+PairCamera makePairCamera(double focal, double cx, double cy, double turn, double depth) {
+    PairCamera camera{};
+    camera.intrinsics = {
+        {focal, 0.0, cx, 0.0, focal, cy, 0.0, 0.0, 1.0}, focal, focal, 0.0, cx, cy, 0.0, -0.12, 0.05, {}};
+    camera.pose = {{}, {4.0, -3.0, depth}, {0.3 * turn, turn, 0.1 * turn}};
+    zelmCalibRodrigues(0, camera.pose.r, camera.pose.R);
+    zelmMatMul(3, 3, camera.intrinsics.A, 3, 3, camera.pose.R, camera.rectifying);
+    zelmMatInvert(3, camera.rectifying, camera.rectifying + 9);
+    return camera;
+}
+
+// F with x_left' F x_right = 0, and its transpose.
+void makeFundamental(const PairCamera& left, const PairCamera& right, double F[18]) {
+    double R[9];
+    double t[3];
+    double leftInverse[9];
+    double rightInverse[9];
+    double product[9];
+    double essential[9];
+    zelmMatMulTransposed2(0, 3, 3, left.pose.R, 3, 3, right.pose.R, R);
+    zelmMatMul(3, 3, R, 3, 1, right.pose.t, t);
+    const double x = left.pose.t[0] - t[0];
+    const double y = left.pose.t[1] - t[1];
+    const double z = left.pose.t[2] - t[2];
+    const double cross[9] = {0.0, -z, y, z, 0.0, -x, -y, x, 0.0};
+    zelmMatMul(3, 3, cross, 3, 3, R, essential);
+    zelmMatInvert(3, left.intrinsics.A, leftInverse);
+    zelmMatInvert(3, right.intrinsics.A, rightInverse);
+    zelmMatMulTransposed2(1, 3, 3, leftInverse, 3, 3, essential, product);
+    zelmMatMul(3, 3, product, 3, 3, rightInverse, F);
+    zelmMatTranspose(3, 3, F, F + 9);
+}
+
+constexpr std::int32_t kPairWidth = 320;
+constexpr std::int32_t kPairHeight = 240;
+
+// A calibration block of three views as a user might have stored it.
+std::vector<unsigned char> makePairBlock() {
+    const PairCamera left = makePairCamera(420.0, 161.3, 118.4, 0.18, 455.0);
+    const PairCamera right = makePairCamera(424.0, 158.2, 121.9, -0.17, 448.0);
+    std::vector<unsigned char> block(3 * 240 + 812);
+    unsigned char* at = block.data();
+    const auto put = [&at](const void* bytes, std::size_t count) {
+        std::memcpy(at, bytes, count);
+        at += count;
+    };
+    const std::int32_t head[7] = {3, 0, kPairWidth, kPairHeight, 0, kPairWidth, kPairHeight};
+    double F[18];
+    makeFundamental(left, right, F);
+    put(head, sizeof head);
+    put(left.rectifying, sizeof left.rectifying);
+    put(right.rectifying, sizeof right.rectifying);
+    put(F, sizeof F);
+    put(&left.intrinsics, sizeof left.intrinsics);
+    put(&right.intrinsics, sizeof right.intrinsics);
+    for (const PairCamera* camera : {&left, &right}) {
+        for (int view = 0; view < 3; ++view) {
+            put(&camera->pose, sizeof camera->pose);
+        }
+    }
+    return block;
+}
+
+void digestStereoPoints(Digest& digest, Random& random, const Zelm2ViewCalib* calib) {
+    for (int round = 0; round < 2000; ++round) {
+        Point3d X{random.uniform(-60.0, 60.0), 0.0, 0.0};
+        X.y = random.uniform(-45.0, 45.0);
+        X.z = random.uniform(-30.0, 30.0);
+        Point2d pixels[2]{};
+        const Zelm2ViewHomParam params{160.0 + 0.1 * X.x, 120.0, 0.0};
+        for (const int i : {0, 1}) {
+            const std::int32_t camera = i == 0 ? 'L' : 'R';
+            digest.add(zelm2ViewChange3Dto2D(calib, camera, &X, &pixels[i]));
+            digest.add(pixels[i]);
+            pixels[i].x += 0.3 * random.normal();
+            pixels[i].y += 0.3 * random.normal();
+            Zelm2ViewEpiLine lines[2]{};
+            digest.add(zelm2ViewCalcEpiLine(calib, camera == 'L' ? 'R' : 'L', &pixels[i], &lines[0]));
+            digest.add(zelm2ViewChangeHomEpiLine(calib, camera == 'L' ? 'R' : 'L', &params, &lines[0].a, &lines[1]));
+            digest.add(lines, sizeof lines);
+            Point2d mapped[2]{};
+            digest.add(zelm2ViewCalcHomImgPoint(calib, camera, &pixels[i], &params, &mapped[0]));
+            digest.add(zelm2ViewInvHomImgPoint(calib, camera, &mapped[0], &params, &mapped[1]));
+            digest.add(mapped, sizeof mapped);
+        }
+        Point3d found{};
+        digest.add(zelm2ViewChange2Dto3D(calib, &pixels[0], &pixels[1], &found));
+        digest.add(&found, sizeof found);
+    }
+}
+
+void digestStereo(Digest& digest) {
+    Random random(7);
+    const std::vector<unsigned char> block = makePairBlock();
+    Zelm2ViewCalib* calib = nullptr;
+    digest.add(zelm2ViewLoadCalibData(static_cast<std::int32_t>(block.size()), block.data(), &calib));
+    digestStereoPoints(digest, random, calib);
+    std::vector<unsigned char> image(static_cast<std::size_t>(kPairWidth) * kPairHeight);
+    for (unsigned char& pixel : image) {
+        pixel = static_cast<unsigned char>(random.bits());
+    }
+    std::vector<unsigned char> out(image.size());
+    const Zelm2ViewHomParam params{150.0, 125.0, 0.0};
+    for (const std::int32_t camera : {'L', 'R'}) {
+        digest.add(zelm2ViewUnDistortImage(calib, camera, image.data(), out.data()));
+        digest.add(out.data(), out.size());
+        digest.add(zelm2ViewMakeHomImage(calib, camera, image.data(), &params, out.data()));
+        digest.add(out.data(), out.size());
+    }
+    zelm2ViewCalibClose(&calib);
+}
+
 struct Family {
     const char* name;
     void (*run)(Digest&);
@@ -510,7 +697,7 @@ constexpr Family kFamilies[] = {
     {"mat", digestMat},       {"math", digestMath},   {"roots", digestRoots},          {"correl", digestCorrelation},
     {"clp3d", digestClp3d},   {"fit", digestFit},     {"quadrics", digestQuadrics},    {"match", digestMatch},
     {"images", digestImages}, {"calib", digestCalib}, {"windows", digestWindowScores}, {"expanded", digestExpanded},
-    {"search", digestSearch}};
+    {"search", digestSearch}, {"geom", digestGeom},   {"stereo", digestStereo}};
 
 }  // namespace
 

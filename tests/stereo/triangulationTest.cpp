@@ -186,6 +186,63 @@ TEST(OptimalCorrection, EqualsTheGlobalOptimum) {
     EXPECT_LT(worst, 1e-6);
 }
 
+// The sum of squared distances of a pair from the two epipolar lines that belong to a direction of the left image: the
+// line through the left epipole e and the point at infinity d, and the right line F'd.
+double costOfLines(const double F[9], const double e[3], const zelm::PointPair& p, double angle) {
+    const double d[2] = {std::cos(angle), std::sin(angle)};
+    const double l[3] = {-e[2] * d[1], e[2] * d[0], e[0] * d[1] - e[1] * d[0]};
+    const double r[3] = {F[0] * d[0] + F[3] * d[1], F[1] * d[0] + F[4] * d[1], F[2] * d[0] + F[5] * d[1]};
+    const double left = (l[0] * p.left.x + l[1] * p.left.y + l[2]) / std::sqrt(l[0] * l[0] + l[1] * l[1]);
+    const double right = (r[0] * p.right.x + r[1] * p.right.y + r[2]) / std::sqrt(r[0] * r[0] + r[1] * r[1]);
+    return left * left + right * right;
+}
+
+// The least cost of all pairs of lines, tried one by one.
+double leastCost(const double F[9], const zelm::PointPair& p) {
+    const double e[3] = {F[3] * F[7] - F[6] * F[4], F[6] * F[1] - F[0] * F[7], F[0] * F[4] - F[3] * F[1]};
+    constexpr int kAngles = 100000;  // some tenths of a pixel apart at the images
+    constexpr double kStep = 3.14159265358979323846 / kAngles;
+    int best = 0;
+    double least = std::numeric_limits<double>::infinity();
+    for (int i = 0; i < kAngles; ++i) {
+        if (const double cost = costOfLines(F, e, p, i * kStep); cost < least) {
+            least = cost;
+            best = i;
+        }
+    }
+    double low = (best - 1) * kStep;
+    double high = (best + 1) * kStep;
+    for (int i = 0; i < 100; ++i) {  // between the neighbours the cost has one minimum
+        const double third = (high - low) / 3.0;
+        if (costOfLines(F, e, p, low + third) < costOfLines(F, e, p, high - third)) {
+            high -= third;
+        } else {
+            low += third;
+        }
+    }
+    return costOfLines(F, e, p, 0.5 * (low + high));
+}
+
+TEST(OptimalCorrection, NoPairOfLinesIsCloser) {
+    Random random(87);
+    for (int round = 0; round < 25; ++round) {
+        const TruePair pair = makePair(0, 0, &random);
+        zelm::FundamentalPair fundamental{};
+        ASSERT_EQ(zelm::innerFundamentalPair(pair.left, pair.right, &fundamental), ZELM_OK);
+        const Point3d X = randomWorldPoint(random);
+        zelm::PointPair observed{pair.projectIdeal('L', X), pair.projectIdeal('R', X)};
+        for (double* value : {&observed.left.x, &observed.left.y, &observed.right.x, &observed.right.y}) {
+            *value += 2.0 * random.normal();
+        }
+        const zelm::PointPair corrected = zelm::correctOptimally(fundamental.F, observed);
+        const double moved =
+            std::hypot(std::hypot(corrected.left.x - observed.left.x, corrected.left.y - observed.left.y),
+                       std::hypot(corrected.right.x - observed.right.x, corrected.right.y - observed.right.y));
+        // Both are square roots of sums to which the angle's rounding, 1e-16 rad seen from some 1e4 px, adds little.
+        ASSERT_NEAR(moved, std::sqrt(leastCost(fundamental.F, observed)), 1e-6) << "round " << round;
+    }
+}
+
 // The correction written down once more, with the 9 x 9 matrix in full. Returns the pair used and the round in which it
 // settled, 0 for a pair used as it is.
 struct LiteralCorrection {
