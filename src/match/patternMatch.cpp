@@ -1,11 +1,10 @@
-#include "zelm/match.h"
-
 #include <cmath>
 
 #include "closedFormMotion.h"
 #include "minimaxCost.h"
 #include "motion.h"
 #include "robustMotion.h"
+#include "zelm/match.h"
 
 namespace zelm {
 namespace {
