@@ -17,15 +17,16 @@ namespace {
 
 constexpr std::size_t kPointsAStep = 2048;  // of the progress bar
 constexpr std::size_t kPointsATask = 16;
-constexpr int kMostRounds = 6;                 // of spreading surfaces to neighbours
-constexpr std::size_t kSurfaces = 6;           // of neighbours that are tried for a point
-constexpr std::size_t kSurfacesOfAPixel = 5;   // that are tried for a pixel between matched ones
-constexpr int kDenseStep = 4;                  // pixels between those
-constexpr std::size_t kJudges = 16;            // neighbours asked whether a point is plausible
-constexpr std::size_t kLeastIsland = 12;       // points that agree with each other, if others around disagree
-constexpr std::size_t kFewestOpponents = 4;    // so many of these
-constexpr double kConsentPixels = 1.0;         // along the epipolar line by which they may disagree
-constexpr double kConsentPixelsPerPixel = .1;  // and by their distance
+constexpr int kMostRounds = 6;                  // of spreading surfaces to neighbours
+constexpr std::size_t kSurfaces = 6;            // of neighbours that are tried for a point
+constexpr std::size_t kSurfacesOfAPixel = 5;    // that are tried for a pixel between matched ones
+constexpr int kDenseStep = 4;                   // pixels between those
+constexpr std::size_t kJudges = 16;             // neighbours asked whether a point is plausible
+constexpr std::size_t kLeastIsland = 12;        // points that agree with each other, if others around disagree
+constexpr std::size_t kLeastAmongFailures = 3;  // if most of those around were not found
+constexpr std::size_t kFewestOpponents = 4;     // so many of these
+constexpr double kConsentPixels = 1.0;          // along the epipolar line by which they may disagree
+constexpr double kConsentPixelsPerPixel = .1;   // and by their distance
 
 class Run {
 public:
@@ -95,6 +96,14 @@ private:
         return found;
     }
 
+    std::vector<char> triedOnes() const {
+        std::vector<char> tried(matches.size());
+        std::transform(matches.begin(), matches.end(), tried.begin(), [](const PointMatch& m) {
+            return static_cast<char>(m.status != MatchStatus::outside && m.status != MatchStatus::noTexture);
+        });
+        return tried;
+    }
+
     // Tries the points that were looked for in vain where neighbours lead, and again with what that has found.
     void spread() {
         std::vector<char> fresh = foundOnes();  // found in the round before
@@ -147,9 +156,11 @@ private:
         return surfaces;
     }
 
-    // Leaves out small groups of points that agree with each other alone, while others around them do not.
+    // Leaves out small groups of points that agree with each other alone, while others around them do not; and single
+    // points and pairs where the points around them were looked for in vain, as a false match would be.
     void dropIslands() {
         const std::vector<char> found = foundOnes();
+        const std::vector<char> tried = triedOnes();
         std::vector<std::size_t> group(matches.size());  // a point of the same group, towards its first
         std::iota(group.begin(), group.end(), std::size_t{0});
         const auto firstOf = [&](std::size_t i) {
@@ -159,14 +170,17 @@ private:
             return i;
         };
         std::vector<std::size_t> strangers(matches.size());  // around a point, not agreeing with it
+        std::vector<std::size_t> failures(matches.size());   // around a point, not found
         std::vector<std::size_t> near;
         for (std::size_t i = 0; i < matches.size(); ++i) {
             if (found[i] == 0) {
                 continue;
             }
-            neighbours.around(i, kJudges, found, near);
+            neighbours.around(i, kJudges, tried, near);
             for (const std::size_t k : near) {
-                if (agree(i, k)) {
+                if (found[k] == 0) {
+                    failures[i] += 1;
+                } else if (agree(i, k)) {
                     const std::size_t a = firstOf(i);
                     const std::size_t b = firstOf(k);
                     group[std::max(a, b)] = std::min(a, b);
@@ -185,7 +199,9 @@ private:
         }
         for (std::size_t i = 0; i < matches.size(); ++i) {
             const std::size_t first = firstOf(i);
-            if (found[i] != 0 && members[first] < kLeastIsland && opponents[first] >= kFewestOpponents) {
+            const bool isIsland = members[first] < kLeastIsland && opponents[first] >= kFewestOpponents;
+            const bool isChance = members[first] < kLeastAmongFailures && 2 * failures[i] >= kJudges;
+            if (found[i] != 0 && (isIsland || isChance)) {
                 matches[i].status = MatchStatus::inconsistent;
             }
         }

@@ -9,6 +9,8 @@ namespace zelm::tool {
 namespace {
 
 constexpr double kZoneRatio = 1.25;   // of depths that share a template: beyond, the two views differ too much
+constexpr double kEvenZones = 4.0;    // where depths have no ratio: a parallel camera, or no farthest depth
+constexpr double kMostZones = 64.0;   //
 constexpr int kReach = 2;             // pixels by which strips go beyond their zone
 constexpr double kCoarseScore = 0.3;  // of a candidate: its window is not yet turned to its surface
 constexpr double kCoarseLead = 0.3;   // candidates that score less than the best by this are left out
@@ -19,7 +21,8 @@ constexpr double kNearness = 0.4;    // half windows within which texture counts
 constexpr double kSamePixels = 0.5;  // by which the same surface may differ along the line,
 constexpr double kSameSlope = 0.05;  // and a pixel
 constexpr double kLeadNear = 0.2;    // by which another place may score better on the way back, if neighbours agree
-constexpr double kLeastShare = 0.4;  // of the window that must lie on the surface
+constexpr double kLeastShare = 0.4;  // of the window that must lie on the surface, where neighbours expect it,
+constexpr double kLeastShareAlone = 0.6;   // and where nothing speaks for it but its looks
 constexpr double kLeastCentreShare = 0.6;  // and of its middle
 constexpr double kLeadOfBest = 1.3;        // factor by which the best place must excel every other one
 constexpr double kLongestStrip = 16384.0;  // pixels
@@ -135,14 +138,15 @@ void PointMatcher::searchZone(Point2d ideal, Interval zone) {
 
 void PointMatcher::searchAll(Point2d ideal) {
     candidates.clear();
-    const double steps =
-        toRight.isParallel() ? 1.0 : std::ceil(std::log(interval.high / interval.low) / std::log(kZoneRatio));
-    const int zones = static_cast<int>(std::clamp(steps, 1.0, 64.0));
+    const bool byRatio = !toRight.isParallel() && interval.low > 0.0;
+    const double ratio = interval.high / interval.low;
+    const double steps = byRatio ? std::ceil(std::log(ratio) / std::log(kZoneRatio)) : kEvenZones;
+    const int zones = static_cast<int>(std::clamp(steps, 1.0, kMostZones));
     for (int i = 0; i < zones; ++i) {
         const auto border = [&](int k) {
             const double part = static_cast<double>(k) / zones;
-            return toRight.isParallel() ? interval.low + part * (interval.high - interval.low)
-                                        : interval.low * std::pow(interval.high / interval.low, part);
+            return byRatio ? interval.low * std::pow(ratio, part)
+                           : interval.low + part * (interval.high - interval.low);
         };
         searchZone(ideal, {border(i), border(i + 1)});
     }
@@ -185,7 +189,7 @@ void PointMatcher::thinOut() {
 }
 
 // Fits surfaces to the candidates and takes the best one, or tells that there is none that stands out.
-void PointMatcher::settle(PointMatch& match) {
+void PointMatcher::settle(PointMatch& match, double leastShare) {
     double second = 0.0;
     double best = 0.0;
     Point2d place{};
@@ -209,7 +213,7 @@ void PointMatcher::settle(PointMatch& match) {
         }
     }
     const FittedSurface& f = match.fitted;
-    if (best <= 0.0 || f.score < settings.minScore || f.share < kLeastShare || f.centreShare < kLeastCentreShare) {
+    if (best <= 0.0 || f.score < settings.minScore || f.share < leastShare || f.centreShare < kLeastCentreShare) {
         return;
     }
     match.right = right.distorted(place);
@@ -288,7 +292,7 @@ PointMatch PointMatcher::operator()(Point2d raw) {
     match.left = raw;
     if (prepare(match)) {
         searchAll(match.fitted.surface.at);
-        settle(match);
+        settle(match, kLeastShareAlone);
     }
     if (match.status == MatchStatus::ok && !returns(match, 0.0)) {
         match.status = MatchStatus::inconsistent;
@@ -305,7 +309,7 @@ PointMatch PointMatcher::near(Point2d raw, std::span<const Surface> surfaces) {
         for (const Surface& surface : differing(surfaces, ideal)) {
             searchNear(surface);
         }
-        settle(match);
+        settle(match, kLeastShare);
     }
     if (match.status == MatchStatus::ok && !returns(match, kLeadNear)) {
         match.status = MatchStatus::inconsistent;
@@ -322,7 +326,7 @@ PointMatch PointMatcher::on(Point2d raw, std::span<const Surface> surfaces) {
         for (const Surface& surface : differing(surfaces, ideal)) {
             candidates.push_back({0.0, {}, surface});
         }
-        settle(match);
+        settle(match, kLeastShare);
     }
     return match;
 }

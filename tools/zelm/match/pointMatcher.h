@@ -80,7 +80,7 @@ private:
     void searchNear(const Surface& surface);
     void thinOut();
     std::vector<Surface> differing(std::span<const Surface> surfaces, Point2d ideal) const;
-    void settle(PointMatch& match);
+    void settle(PointMatch& match, double leastShare);
     bool returns(const PointMatch& match, double lead);
 
     const CameraView& left;

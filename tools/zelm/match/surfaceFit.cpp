@@ -41,9 +41,11 @@ struct Stage {
     std::size_t width;  // of the weights
     double tolerance;   // pixels
 };
-constexpr std::array<double, 3> kWidths{0.35, 0.5, 0.7};  // standard deviation of the weights, in half windows
+constexpr std::array<double, 3> kWidths{0.3, 0.4, 0.55};  // standard deviation of the weights, in half windows
 constexpr std::array<Stage, 5> kStages{{{0, 1e3}, {0, 0.8}, {1, 0.5}, {2, 0.3}, {2, 0.2}}};
 constexpr std::size_t kMostRounds = 9;
+constexpr std::size_t kFirstVerdict = 2;  // the round in which a fit is given up
+constexpr double kHopeless = 0.25;        // that so little of the window takes part in
 
 struct Equations {
     Matrix5 N{};  // normal matrix, upper triangle
@@ -210,9 +212,11 @@ SurfaceFitter::SurfaceFitter(const CameraView& first, const CameraView& second, 
       counterpart(patch.size()) {
     for (const double width : kWidths) {
         std::vector<float>& table = weights.emplace_back();
+        double& sum = weightSums.emplace_back();
         for (int y = -half; y <= half; ++y) {
             for (int x = -half; x <= half; ++x) {
                 table.push_back(static_cast<float>(std::exp(-0.5 * (x * x + y * y) / (width * half * width * half))));
+                sum += static_cast<double>(table.back());
             }
         }
     }
@@ -241,6 +245,9 @@ std::optional<FittedSurface> SurfaceFitter::operator()(const Surface& start) {
         const Patches patches{patch.data(), counterpart.data(), weights[stage.width].data(),
                               half,         direction.unit,     (1.0 + tone.gain * tone.gain) * noise * noise};
         Equations e = equationsOf(patches, tone, stage.tolerance);
+        if (round >= kFirstVerdict && e.weight < kHopeless * weightSums[stage.width]) {
+            return std::nullopt;
+        }
         const Matrix5 sums = e.N;
         if (!factor(e.N)) {
             return std::nullopt;

@@ -39,6 +39,7 @@ private:
     int side;  // of a patch: of a window with a border of one pixel
     double noise;
     std::vector<std::vector<float>> weights;  // of a window's pixels, narrow to wide
+    std::vector<double> weightSums;
     std::vector<std::uint8_t> patch;
     std::vector<std::uint8_t> counterpart;
 };
