@@ -47,9 +47,10 @@ int32_t zelmFitPlane(int32_t iN, const Point3d* taPoints, int32_t iRobust, doubl
         status < 0) {
         return status;
     }
+    const double offset = plane[3] / s - plane[0] * t[0] - plane[1] * t[1] - plane[2] * t[2];
     daResult[0] = plane[0];
     daResult[1] = plane[1];
     daResult[2] = plane[2];
-    daResult[3] = plane[3] / s - plane[0] * t[0] - plane[1] * t[1] - plane[2] * t[2];
+    daResult[3] = offset;
     return ZELM_OK;
 }
