@@ -4,6 +4,7 @@ tool_packages=(libcli11-dev nlohmann-json3-dev libfmt-dev libgraphicsmagick1-dev
 test_packages=(libgtest-dev binutils)
 clang_packages=(clang libclang-rt-14-dev)
 docs_packages=(doxygen)
+tidy_packages=(clang-tidy)
 format_packages=(clang-format)
 i386_packages=(gcc-multilib g++-multilib)
 # OpenCV, which the benchmarks compare with: 160 MB in some 290 packages on a bare system, as calib3d brings the headers

@@ -6,6 +6,7 @@
 #include <stdexcept>
 #include <vector>
 
+#include "patternFixtures.h"
 #include "render/randomSource.h"
 #include "render/renderView.h"
 #include "zelmLib.h"
@@ -100,27 +101,10 @@ render::Pose makePose(const render::Plate& plate, const render::Camera& camera, 
     return render::aimedPose(camera, aim);
 }
 
-Zelm2ViewPatternDesc describe(const render::Plate& plate) {
-    Zelm2ViewPatternDesc pattern = {};
-    pattern.d0 = render::fieldExtentX(plate);
-    pattern.d1 = render::fieldExtentY(plate);
-    pattern.d2 = plate.dotDiameter;
-    pattern.d3 = plate.markerDiameter;
-    pattern.d4 = plate.pitchX;
-    pattern.d5 = plate.pitchY;
-    pattern.d6 = plate.markerX * plate.pitchX;
-    pattern.d7 = plate.markerY * plate.pitchY;
-    pattern.markers = 3;
-    pattern.polarity = plate.polarity == render::Polarity::lightDots ? 1 : 0;
-    pattern.minDotArea = 20;
-    pattern.minEdgeStrength = 3.0;
-    pattern.minDots = 20;
-    return pattern;
-}
-
 // An object for single images: with a right camera of model 2, views after the first one read the left image alone.
 Zelm2ViewCalib* openReader(const render::Plate& plate, const render::Camera& camera) {
-    const Zelm2ViewPatternDesc pattern = describe(plate);
+    Zelm2ViewPatternDesc pattern = zelmtest::describe(plate);
+    pattern.minEdgeStrength = 3.0;
     const Zelm2ViewCameraDesc cameras = {0, camera.width, camera.height, 2, camera.width, camera.height};
     Zelm2ViewCalib* handle = nullptr;
     if (zelm2ViewCalibOpen(kViews, &pattern, &cameras, &handle) < 0) {
