@@ -1,6 +1,7 @@
 // What the measuring subcommands refuse: one line that names the file and what to do, the right exit code, and neither
 // new files nor changed ones.
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <cstring>
 #include <limits>
@@ -141,6 +142,17 @@ TEST_F(MeasureBadInput, OutputsThatCannotBeWritten) {
     refused({"epiline", rig, "--point", "1,1", "--in", "right", "--image", left, "-o", file("o.jpg")}, 2,
             {"o.jpg", ".png"});
     EXPECT_EQ(readFile(folder / "pairs.csv"), "640,480,640,480\n");
+}
+
+// A file put in the place of a device would take it away from everyone else.
+TEST_F(MeasureBadInput, OutputsThatAreNoFiles) {
+    ASSERT_EQ(::mkfifo(file("pipe").c_str(), 0600), 0);
+    refused({"triangulate", rig, file("pairs.csv"), "-o", file("pipe")}, 2, {"pipe", "give the output a name"});
+    EXPECT_TRUE(fs::is_fifo(file("pipe")));
+    refused({"triangulate", rig, file("pairs.csv"), "-o", "/dev/null"}, 2, {"/dev/null"});
+    EXPECT_TRUE(fs::is_character_file("/dev/null"));
+    fs::create_directory(file("folder"));
+    refused({"triangulate", rig, file("pairs.csv"), "-o", file("folder")}, 2, {"folder", "is a folder"});
 }
 
 TEST_F(MeasureBadInput, FailuresLeaveEarlierOutputsAlone) {

@@ -31,7 +31,12 @@ TEST(ToolUsage, VersionIsPrinted) {
 
 TEST(ToolUsage, WrongUsageGivesTwo) {
     expectOneLine(zelm({}), 2, {"subcommand", "--help"});
-    expectOneLine(zelm({"measure"}), 2, {"--help"});
+    expectOneLine(zelm({"measure"}), 2, {"measure: no such subcommand", "--help"});
+    expectOneLine(zelm({"calibrat", "--plate", "p.json"}), 2, {"calibrat: no such", "did you mean calibrate?"});
+    expectOneLine(zelm({"recitfy", "--help"}), 2, {"recitfy: no such", "did you mean rectify?"});
+    expectOneLine(zelm({"Info", "a.zcal"}), 2, {"Info: no such", "did you mean info?"});
+    expectOneLine(zelm({"--helo"}), 2, {"--helo: no option", "--help"});
+    expectOneLine(zelm({"--json", "info", "a.zcal"}), 2, {"--json: no option", "behind"});
     expectOneLine(zelm({"detect"}), 2, {"required", "--help"});
     expectOneLine(zelm({"info", "a.zcal", "--unknown"}), 2, {"--unknown"});
     expectOneLine(calibrate("a.png", "b.png", "out", {"--left-model", "3"}), 2, {"--left-model"});

@@ -123,27 +123,23 @@ void runCalibrate(const CalibrateOptions& options, const Console& console) {
 
 }  // namespace
 
-void addCalibrate(CLI::App& app, Console& console) {
-    CLI::App* const sub =
-        addSubcommand(app, console, "calibrate", "Calibrate a pair of cameras from images of a plate",
-                      "zelm calibrate --plate plate.json --left 'left_*.png' --right 'right_*.png' -o out --overlays");
+void addCalibrate(CommandLine& commandLine, Console& console) {
+    Subcommand sub = commandLine.subcommand(
+        "calibrate", "Calibrate a pair of cameras from images of a plate",
+        "zelm calibrate --plate plate.json --left 'left_*.png' --right 'right_*.png' -o out --overlays");
     const auto o = std::make_shared<CalibrateOptions>();
-    addPlateOptions(*sub, o->plate);
-    sub->add_option("--left", o->left, "Left images: files, a quoted glob, a folder, or a list (.txt)")->required();
-    sub->add_option("--right", o->right, "Right images, in the same order of views")->required();
-    sub->add_option("-o,--output", o->folder, "Folder for rig.zcal, rig.json and report.html")->capture_default_str();
+    addPlateOptions(sub, o->plate);
+    sub.option("--left", o->left, "Left images: files, a quoted glob, a folder, or a list (.txt)").required();
+    sub.option("--right", o->right, "Right images, in the same order of views").required();
+    sub.option("-o,--output", o->folder, "Folder for rig.zcal, rig.json and report.html").showDefault();
     const std::string models = ": 0 perspective, 1 perspective with a tilted sensor, 2 parallel (telecentric)";
-    sub->add_option("--left-model", o->leftModel, "Left camera" + models)
-        ->check(CLI::Range(0, 2))
-        ->capture_default_str();
-    sub->add_option("--right-model", o->rightModel, "Right camera" + models)
-        ->check(CLI::Range(0, 2))
-        ->capture_default_str();
-    addRegionOption(*sub, "--left-region", o->leftRegion, "Part of the left images that holds the plate");
-    addRegionOption(*sub, "--right-region", o->rightRegion, "Part of the right images that holds the plate");
-    sub->add_flag("--overlays", o->overlays, "Also draw the dots found into a copy of every image");
-    sub->add_flag("--strict", o->strict, "Give up when one view cannot be read, instead of skipping it");
-    sub->callback([o, &console] { runCalibrate(*o, console); });
+    sub.option("--left-model", o->leftModel, "Left camera" + models).inRange(0, 2).showDefault();
+    sub.option("--right-model", o->rightModel, "Right camera" + models).inRange(0, 2).showDefault();
+    sub.rectangle("--left-region", o->leftRegion, "Part of the left images that holds the plate");
+    sub.rectangle("--right-region", o->rightRegion, "Part of the right images that holds the plate");
+    sub.flag("--overlays", o->overlays, "Also draw the dots found into a copy of every image");
+    sub.flag("--strict", o->strict, "Give up when one view cannot be read, instead of skipping it");
+    sub.does([o, &console] { runCalibrate(*o, console); });
 }
 
 }  // namespace zelm::tool

@@ -8,6 +8,7 @@
 #include <numbers>
 #include <vector>
 
+#include "cameraParameters.h"
 #include "depthComparison.h"
 #include "failure.h"
 #include "jsonFields.h"
@@ -22,11 +23,14 @@ namespace {
 namespace fs = std::filesystem;
 using Json = nlohmann::ordered_json;
 
+constexpr const char* kLengthUnits = "plane units";
+
 struct Comparison {
     std::string quantity;
     std::string unit;
     double calibrated = 0.0;
     double truth = 0.0;
+    bool relative = false;  // judged in parts of itself
 
     double difference() const { return calibrated - truth; }
 };
@@ -46,13 +50,17 @@ double numberAt(const nlohmann::json& object, const std::string& name, const fs:
     return object[name].get<double>();
 }
 
-void compareCamera(const std::string& side, const ZelmCameraIntrinsics& k, const nlohmann::json& truth,
-                   const fs::path& path, std::vector<Comparison>& list) {
-    const auto add = [&](const std::string& name, const char* unit, double value, const std::string& key) {
+void compareCamera(const std::string& side, const RigCamera& camera, const nlohmann::json& truth, const fs::path& path,
+                   std::vector<Comparison>& list) {
+    const auto add = [&](const std::string& name, const std::string& unit, double value, const std::string& key) {
         list.push_back({side + " " + name, unit, value, numberAt(truth, key, path)});
     };
-    add("focal length x", "px", k.alpha, "fx");
-    add("focal length y", "px", k.beta, "fy");
+    const ZelmCameraIntrinsics& k = camera.intrinsics;
+    const ScaleWords scale = scaleWords(camera.model, kLengthUnits);
+    add(scale.name + " x", scale.unit, k.alpha, "fx");
+    list.back().relative = true;
+    add(scale.name + " y", scale.unit, k.beta, "fy");
+    list.back().relative = true;
     add("principal point x", "px", k.cx, "cx");
     add("principal point y", "px", k.cy, "cy");
     add("distortion k1", "", k.k1, "k1");
@@ -69,15 +77,15 @@ void comparePair(const Rig& rig, const nlohmann::json& truth, const fs::path& pa
     const std::vector<double> R = numbers("R", 9);
     const std::vector<double> t = numbers("t", 3);
     const PairGeometry pair = pairGeometry(rig);
-    list.push_back({"baseline", "plane units", pair.baseline, std::hypot(t[0], t[1], t[2])});
+    list.push_back({"baseline", kLengthUnits, pair.baseline, std::hypot(t[0], t[1], t[2]), true});
     list.push_back({"convergence angle", "deg", pair.convergenceDegrees, std::acos(R[8]) * 180.0 / std::numbers::pi});
 }
 
 std::vector<Comparison> compare(const Rig& rig, const nlohmann::json& truth, const fs::path& path) {
     std::vector<Comparison> list;
     const nlohmann::json& cameras = member(truth, "cameras", path);
-    compareCamera("left", rig.left.intrinsics, member(cameras, "left", path), path, list);
-    compareCamera("right", rig.right.intrinsics, member(cameras, "right", path), path, list);
+    compareCamera("left", rig.left, member(cameras, "left", path), path, list);
+    compareCamera("right", rig.right, member(cameras, "right", path), path, list);
     if (hasPairGeometry(rig)) {
         comparePair(rig, member(truth, "right_from_left", path), path, list);
     }
@@ -90,8 +98,7 @@ std::string comparisonText(const std::vector<Comparison>& list) {
     for (const Comparison& c : list) {
         text += fmt::format("\n{:<26}{:>14.5f}{:>14.5f}{:>12.5f}  {}", c.quantity, c.calibrated, c.truth,
                             c.difference(), c.unit);
-        // Focal lengths and the baseline are judged in parts of themselves.
-        if (c.quantity.find("focal") != std::string::npos || c.quantity == "baseline") {
+        if (c.relative) {
             text += fmt::format(" ({:+.4f} %)", 100.0 * c.difference() / c.truth);
         }
     }
@@ -134,18 +141,18 @@ void runCompare(const CompareOptions& o, const Console& console) {
 
 }  // namespace
 
-void addCompare(CLI::App& app, Console& console) {
-    CLI::App* const sub =
-        addSubcommand(app, console, "compare", "Compare a calibration with the truth of rendered views or of a scene",
-                      "zelm compare out/rig.zcal samples/desk-rig/truth.json");
+void addCompare(CommandLine& commandLine, Console& console) {
+    Subcommand sub =
+        commandLine.subcommand("compare", "Compare a calibration with the truth of rendered views or of a scene",
+                               "zelm compare out/rig.zcal samples/desk-rig/truth.json");
     const auto o = std::make_shared<CompareOptions>();
-    sub->add_option("rig", o->rig, "The calibration (rig.zcal)")->required();
-    sub->add_option("truth", o->truth, "The truth of views (truth.json) or of a scene (scene_truth.json)")->required();
-    sub->add_option("--points", o->points, "CSV of zelm match: compare its depths with the depth map of the scene");
-    sub->add_option("--within", o->within, "With --points: how many are so near to the truth, plane units")
-        ->check(CLI::PositiveNumber)
-        ->capture_default_str();
-    sub->callback([o, &console] { runCompare(*o, console); });
+    sub.option("rig", o->rig, "The calibration (rig.zcal)").required();
+    sub.option("truth", o->truth, "The truth of views (truth.json) or of a scene (scene_truth.json)").required();
+    sub.option("--points", o->points, "CSV of zelm match: compare its depths with the depth map of the scene");
+    sub.option("--within", o->within, "With --points: how many are so near to the truth, plane units")
+        .positive()
+        .showDefault();
+    sub.does([o, &console] { runCompare(*o, console); });
 }
 
 }  // namespace zelm::tool

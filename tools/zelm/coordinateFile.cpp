@@ -4,9 +4,9 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 
 #include "failure.h"
+#include "letterCase.h"
 #include "numberText.h"
 #include "outputFiles.h"
 
@@ -34,13 +34,6 @@ std::string quoted(std::string_view text) {
     std::replace_if(
         quote.begin(), quote.end(), [](unsigned char c) { return c < ' ' || c == 0x7f; }, '?');
     return "\"" + quote + (text.size() > kLongestQuote ? "..." : "") + "\"";
-}
-
-std::string lowered(std::string_view text) {
-    std::string name(text);
-    std::transform(name.begin(), name.end(), name.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return name;
 }
 
 // The columns of a file: the coordinates and, where `id` is one of them, the id.
@@ -125,10 +118,10 @@ private:
         const std::size_t count = format.names.size();
         Columns found;
         for (std::size_t i = 0; i < fields.size(); ++i) {
-            const std::string name = lowered(fields[i]);
+            const std::string name = lowerCase(std::string(fields[i]));
             std::size_t* place = name == "id" ? &found.id : nullptr;
             for (std::size_t k = 0; k < count; ++k) {
-                place = name == lowered(format.names[k]) ? &found.coordinates[k] : place;
+                place = name == lowerCase(std::string(format.names[k])) ? &found.coordinates[k] : place;
             }
             if (place != nullptr && *place != Columns::kNone) {
                 failData("{}: line {}: two columns {}: leave one out", path.string(), lineNumber, quoted(fields[i]));

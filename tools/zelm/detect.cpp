@@ -88,16 +88,15 @@ void runDetect(const DetectOptions& options, const Console& console) {
 
 }  // namespace
 
-void addDetect(CLI::App& app, Console& console) {
-    CLI::App* const sub = addSubcommand(app, console, "detect", "Find the dots of the plate in one image",
-                                        "zelm detect left_00.png --plate plate.json -o out");
+void addDetect(CommandLine& commandLine, Console& console) {
+    Subcommand sub = commandLine.subcommand("detect", "Find the dots of the plate in one image",
+                                            "zelm detect left_00.png --plate plate.json -o out");
     const auto options = std::make_shared<DetectOptions>();
-    sub->add_option("image", options->image, "The image (PNG, TIFF, JPEG, BMP or PGM)")->required();
-    addPlateOptions(*sub, options->plate);
-    addRegionOption(*sub, "--region", options->region, "Part of the image that holds the plate; default: find it");
-    sub->add_option("-o,--output", options->folder, "Folder for IMAGE_dots.csv and IMAGE_dots.png")
-        ->capture_default_str();
-    sub->callback([options, &console] { runDetect(*options, console); });
+    sub.option("image", options->image, "The image (PNG, TIFF, JPEG, BMP or PGM)").required();
+    addPlateOptions(sub, options->plate);
+    sub.rectangle("--region", options->region, "Part of the image that holds the plate; default: find it");
+    sub.option("-o,--output", options->folder, "Folder for IMAGE_dots.csv and IMAGE_dots.png").showDefault();
+    sub.does([options, &console] { runDetect(*options, console); });
 }
 
 }  // namespace zelm::tool

@@ -10,6 +10,7 @@
 #include "canvas.h"
 #include "epipolarLine.h"
 #include "failure.h"
+#include "letterCase.h"
 #include "numberText.h"
 #include "outputFiles.h"
 #include "subcommands.h"
@@ -89,7 +90,7 @@ void checkOptions(const EpilineOptions& o) {
     if (o.image.empty() != o.picture.empty()) {
         failUsage("--image and -o go together: the image to draw into, and the picture to write");
     }
-    if (!o.picture.empty() && fs::path(o.picture).extension() != ".png") {
+    if (!o.picture.empty() && lowerEnding(o.picture) != ".png") {
         failUsage("{}: pictures of lines are PNG files: give the name the ending .png", o.picture);
     }
 }
@@ -117,7 +118,7 @@ void runEpiline(const EpilineOptions& o, const Console& console) {
     std::string text =
         fmt::format("lines of the undistorted {} image for pixels of the {} image as taken", sideName(target), o.side);
     for (const PointLine& line : lines) {
-        text += "\n" + lineText(line);
+        text += fmt::format("\n{}", lineText(line));
     }
     console.say(text + written);
     console.result(Json{{"image", sideName(target)}, {"undistorted", true}, {"lines", linesJson(lines)}}.dump(2));
@@ -125,20 +126,20 @@ void runEpiline(const EpilineOptions& o, const Console& console) {
 
 }  // namespace
 
-void addEpiline(CLI::App& app, Console& console) {
-    CLI::App* const sub = addSubcommand(
-        app, console, "epiline", "Show the line of one image on which a pixel of the other has its counterpart",
+void addEpiline(CommandLine& commandLine, Console& console) {
+    Subcommand sub = commandLine.subcommand(
+        "epiline", "Show the line of one image on which a pixel of the other has its counterpart",
         "zelm epiline out/rig.zcal --point 640,480 --in left --image right_00.png -o lines.png");
     const auto o = std::make_shared<EpilineOptions>();
-    sub->add_option("rig", o->rig, "The calibration (rig.zcal)")->required();
-    sub->add_option("--point", o->points, "A pixel x,y as taken; may be given several times")->required();
-    sub->add_option("--in", o->side, "The image that the pixels are of; the lines are of the other one")
-        ->required()
-        ->check(CLI::IsMember({"left", "right"}));
-    sub->add_option("--image", o->image, "The other image as taken; it is undistorted, and the lines drawn into it");
-    sub->add_option("-o,--output", o->picture, "The picture to write (.png)");
-    sub->add_option("--csv", o->csv, "Also write the lines as CSV");
-    sub->callback([o, &console] { runEpiline(*o, console); });
+    sub.option("rig", o->rig, "The calibration (rig.zcal)").required();
+    sub.option("--point", o->points, "A pixel x,y as taken; may be given several times").required();
+    sub.option("--in", o->side, "The image that the pixels are of; the lines are of the other one")
+        .required()
+        .oneOf({"left", "right"});
+    sub.option("--image", o->image, "The other image as taken; it is undistorted, and the lines drawn into it");
+    sub.option("-o,--output", o->picture, "The picture to write (.png)");
+    sub.option("--csv", o->csv, "Also write the lines as CSV");
+    sub.does([o, &console] { runEpiline(*o, console); });
 }
 
 }  // namespace zelm::tool

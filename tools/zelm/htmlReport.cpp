@@ -4,6 +4,7 @@
 
 #include <cstdint>
 
+#include "cameraParameters.h"
 #include "overlay.h"
 #include "reportDrawings.h"
 
@@ -108,27 +109,12 @@ std::string skippedViews(const Calibration& c) {
     return html;
 }
 
-std::string parameterRow(const char* name, const char* unit, double left, double right, int digits) {
-    return fmt::format("<tr><td>{}</td><td class='name'>{}</td><td>{:.{}f}</td><td>{:.{}f}</td></tr>", name, unit, left,
-                       digits, right, digits);
-}
-
-std::string cameraTable(const Rig& rig) {
-    const ZelmCameraIntrinsics& l = rig.left.intrinsics;
-    const ZelmCameraIntrinsics& r = rig.right.intrinsics;
+std::string cameraTable(const Calibration& c) {
     std::string html = "<table><tr><th>parameter</th><th class='name'>unit</th><th>left</th><th>right</th></tr>";
-    html += fmt::format("<tr><td>model</td><td></td><td>{}</td><td>{}</td></tr>", modelName(rig.left.model),
-                        modelName(rig.right.model));
-    html += fmt::format("<tr><td>image size</td><td class='name'>px</td><td>{} × {}</td><td>{} × {}</td></tr>",
-                        rig.left.width, rig.left.height, rig.right.width, rig.right.height);
-    html += parameterRow("focal length alpha", "px", l.alpha, r.alpha, 3);
-    html += parameterRow("focal length beta", "px", l.beta, r.beta, 3);
-    html += parameterRow("skew gamma", "px", l.gamma, r.gamma, 4);
-    html += parameterRow("principal point cx", "px", l.cx, r.cx, 3);
-    html += parameterRow("principal point cy", "px", l.cy, r.cy, 3);
-    html += parameterRow("axis angle theta", "rad", l.theta, r.theta, 6);
-    html += parameterRow("distortion k1", "", l.k1, r.k1, 6);
-    html += parameterRow("distortion k2", "", l.k2, r.k2, 6);
+    for (const CameraParameter& row : cameraParameters(c.rig, c.plate.units)) {
+        html += fmt::format("<tr><td>{}</td><td class='name'>{}</td><td>{}</td><td>{}</td></tr>", row.name,
+                            escaped(row.unit), row.left, row.right);
+    }
     return html + "</table>";
 }
 
@@ -182,7 +168,7 @@ std::string htmlReport(const Calibration& c) {
     html += fmt::format("<p class='note'>zelm {}, lengths in {}, image positions in pixels</p>", ZELM_VERSION,
                         escaped(c.plate.units));
     html += tiles(c) + skippedViews(c);
-    html += "<h2>Cameras</h2>" + cameraTable(rig);
+    html += "<h2>Cameras</h2>" + cameraTable(c);
     html +=
         "<h2>Reprojection error of every view</h2><p class='note'>RMS distance in pixels between the dots and their "
         "projections.<span class='key left'></span>left<span class='key right'></span>right</p>";

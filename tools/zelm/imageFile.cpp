@@ -11,6 +11,7 @@
 #include <string_view>
 
 #include "failure.h"
+#include "letterCase.h"
 #include "outputFiles.h"
 
 namespace zelm::tool {
@@ -197,9 +198,7 @@ ColourPicture readColours(const fs::path& path) {
 }
 
 std::string_view formatForName(const fs::path& path) {
-    std::string ending = path.extension().string();
-    std::transform(ending.begin(), ending.end(), ending.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    const std::string ending = lowerEnding(path);
     struct Ending {
         std::string_view ending, format;
     };

@@ -9,6 +9,7 @@
 #include <sstream>
 
 #include "failure.h"
+#include "letterCase.h"
 #include "outputFiles.h"
 
 namespace zelm::tool {
@@ -68,13 +69,6 @@ int compareNaturally(std::string_view a, std::string_view b) {
 void sortNaturally(Paths& paths) {
     std::sort(paths.begin(), paths.end(),
               [](const fs::path& a, const fs::path& b) { return naturallyBefore(a.native(), b.native()); });
-}
-
-std::string lowerEnding(const fs::path& path) {
-    std::string ending = path.extension().string();
-    std::transform(ending.begin(), ending.end(), ending.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return ending;
 }
 
 Paths imagesOfFolder(const fs::path& folder) {

@@ -22,12 +22,11 @@ void showRig(const std::filesystem::path& path, const Console& console) {
 
 }  // namespace
 
-void addInfo(CLI::App& app, Console& console) {
-    CLI::App* const sub =
-        addSubcommand(app, console, "info", "Show a calibration file", "zelm info out/rig.zcal --json");
+void addInfo(CommandLine& commandLine, Console& console) {
+    Subcommand sub = commandLine.subcommand("info", "Show a calibration file", "zelm info out/rig.zcal --json");
     const auto path = std::make_shared<std::string>();
-    sub->add_option("rig", *path, "The calibration (rig.zcal)")->required();
-    sub->callback([path, &console] { showRig(*path, console); });
+    sub.option("rig", *path, "The calibration (rig.zcal)").required();
+    sub.does([path, &console] { showRig(*path, console); });
 }
 
 }  // namespace zelm::tool

@@ -17,23 +17,9 @@ int exitStatus(ExitCode code) {
 
 int run(int argc, char** argv) {
     Console console;
-    CLI::App app{"zelm: calibrates a pair of cameras from images of a dot plate and measures with it", "zelm"};
-    app.set_version_flag("--version", "zelm " ZELM_VERSION);
-    app.require_subcommand(1);
-    app.footer(
-        "Example:\n  zelm calibrate --plate plate.json --left 'left_*.png' --right 'right_*.png' -o out\n"
-        "\nExit codes: 0 done, 1 the data did not allow it, 2 wrong usage.");
-    addSubcommands(app, console);
-    app.failure_message([](const CLI::App*, const CLI::Error& error) {
-        return fmt::format("zelm: {} (--help tells the options)\n", error.what());
-    });
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::ParseError& error) {
-        // Help and version arrive here as well, with exit code 0.
-        return app.exit(error) == 0 ? exitStatus(ExitCode::done) : exitStatus(ExitCode::usage);
-    }
-    return exitStatus(ExitCode::done);
+    CommandLine commandLine(console);
+    addSubcommands(commandLine, console);
+    return exitStatus(commandLine.run(argc, argv) ? ExitCode::done : ExitCode::usage);
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <ctime>
 #include <filesystem>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -50,6 +51,7 @@ struct Summary {
     double medianDeviation = 0.0;
     double medianScore = 0.0;
     double seconds = 0.0;
+    double processorSeconds = 0.0;  // of all threads together
 
     std::size_t of(MatchStatus status) const { return counts[static_cast<std::size_t>(status)]; }
     std::size_t found() const { return of(MatchStatus::ok); }
@@ -186,10 +188,9 @@ double medianOf(std::vector<double>& values) {
     return *middle;
 }
 
-Summary summaryOf(const std::vector<MatchedPoint>& points, double seconds) {
+Summary summaryOf(const std::vector<MatchedPoint>& points) {
     Summary s;
     s.counts = countStatuses(points);
-    s.seconds = seconds;
     std::vector<double> depths;
     std::vector<double> deviations;
     std::vector<double> scores;
@@ -245,8 +246,8 @@ std::string summaryText(const MatchOptions& o, const MatchInput& input, const Su
     const DepthLimits& l = input.settings.limits;
     text += fmt::format("looked for at depths from {:.6g} to {:.6g}, noise {:.2f} gray values\n", l.leftNearest,
                         l.leftFarthest, input.settings.noise);
-    text += fmt::format("{:.2f} s, {:.0f} points a second\nwrote {}", s.seconds,
-                        static_cast<double>(points) / s.seconds, o.csv);
+    text += fmt::format("{:.2f} s; {:.2f} s of processor time, {:.0f} points in a second of it\nwrote {}", s.seconds,
+                        s.processorSeconds, static_cast<double>(points) / std::max(s.processorSeconds, 1e-6), o.csv);
     for (const std::string& name : {o.ply, o.picture}) {
         text += name.empty() ? "" : ", " + name;
     }
@@ -267,6 +268,7 @@ Json summaryJson(const MatchOptions& o, const MatchInput& input, const Summary& 
               {"depthLimits", {input.settings.limits.leftNearest, input.settings.limits.leftFarthest}},
               {"noise", input.settings.noise},
               {"seconds", s.seconds},
+              {"processorSeconds", s.processorSeconds},
               {"csv", o.csv}};
     if (!o.ply.empty()) {
         json["ply"] = o.ply;
@@ -312,9 +314,11 @@ void runMatch(const MatchOptions& o, const Console& console) {
         }
     }
     const auto start = std::chrono::steady_clock::now();
+    const std::clock_t processorStart = std::clock();
     const std::vector<MatchedPoint> matched = matchedPoints(o, input, points, console);
-    const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
-    const Summary summary = summaryOf(matched, elapsed.count());
+    Summary summary = summaryOf(matched);
+    summary.processorSeconds = static_cast<double>(std::clock() - processorStart) / CLOCKS_PER_SEC;
+    summary.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     checkResult(o, summary, matched.size(), points.size());
     writeFiles(o, matched, left, outputs);
     console.say(summaryText(o, input, summary, matched.size()));
@@ -323,52 +327,46 @@ void runMatch(const MatchOptions& o, const Console& console) {
 
 }  // namespace
 
-void addMatch(CLI::App& app, Console& console) {
-    CLI::App* const sub = addSubcommand(
-        app, console, "match", "Find pixels of the left image in the right one and make 3-D points of them",
+void addMatch(CommandLine& commandLine, Console& console) {
+    Subcommand sub = commandLine.subcommand(
+        "match", "Find pixels of the left image in the right one and make 3-D points of them",
         "zelm match out/rig.zcal scene_left.png scene_right.png -o out/scene.csv --ply out/scene.ply "
         "--picture out/scene_depth.png");
     const auto o = std::make_shared<MatchOptions>();
-    sub->add_option("rig", o->rig, "The calibration (rig.zcal)")->required();
-    sub->add_option("left", o->left, "Left image as taken")->required();
-    sub->add_option("right", o->right, "Right image as taken")->required();
-    sub->add_option("-o,--output", o->csv, "CSV of the points, a line each, in their order")->required();
-    sub->add_option("--ply", o->ply, "Also write the points found as a PLY cloud with their gray values");
-    sub->add_option("--picture", o->picture, "Also write a picture of the depths (.png)");
-    CLI::Option* const points =
-        sub->add_option("--points", o->points, "CSV of pixels of the left image: x,y or id,x,y");
-    CLI::Option* const grid = sub->add_option("--grid", o->step, "Points on a grid of so many pixels")
-                                  ->check(CLI::Range(1, 10000))
-                                  ->capture_default_str();
-    CLI::Option* const dense = sub->add_flag("--dense", o->dense, "Every textured pixel");
-    points->excludes(grid)->excludes(dense);
-    grid->excludes(dense);
-    sub->add_option("--window", o->window, "Side of the window that is compared, pixels, odd")
-        ->check(CLI::Range(7, 101))
-        ->capture_default_str();
-    sub->add_option("--depth", o->depth,
-                    "MIN,MAX: look between these distances along the left camera's axis, plane units; default: from "
-                    "half the distance of the nearest plate of the calibration to twice that of the farthest, for "
-                    "each perspective camera, as far as the right image shows it");
-    sub->add_option("--precision", o->settings.worstPrecision,
-                    "Leave out points whose texture promises less: expected deviation along the line, pixels")
-        ->check(CLI::Range(0.001, 10.0))
-        ->capture_default_str();
-    sub->add_option("--noise", o->noise,
-                    "Standard deviation of a gray value by noise; default: estimated from both images")
-        ->check(CLI::Range(0.01, 100.0));
-    sub->add_option("--min-score", o->settings.minScore, "Least correlation of a match, with the noise taken out")
-        ->check(CLI::Range(0.0, 1.0))
-        ->capture_default_str();
-    sub->add_option("--return-tolerance", o->settings.returnTolerance,
-                    "The way back from right to left must end so near to the start, pixels")
-        ->check(CLI::Range(0.01, 100.0))
-        ->capture_default_str();
-    sub->add_option("--unit", o->unit, "Name of the plate's unit, for the picture")->capture_default_str();
-    sub->add_option("--jobs", o->jobs, "Threads; 0: as many as the machine runs at a time. The result is the same")
-        ->check(CLI::Range(0, 1024))
-        ->capture_default_str();
-    sub->callback([o, &console] { runMatch(*o, console); });
+    sub.option("rig", o->rig, "The calibration (rig.zcal)").required();
+    sub.option("left", o->left, "Left image as taken").required();
+    sub.option("right", o->right, "Right image as taken").required();
+    sub.option("-o,--output", o->csv, "CSV of the points, a line each, in their order").required();
+    sub.option("--ply", o->ply, "Also write the points found as a PLY cloud with their gray values");
+    sub.option("--picture", o->picture, "Also write a picture of the depths (.png)");
+    Option points = sub.option("--points", o->points, "CSV of pixels of the left image: x,y or id,x,y");
+    Option grid = sub.option("--grid", o->step, "Points on a grid of so many pixels").inRange(1, 10000).showDefault();
+    Option dense = sub.flag("--dense", o->dense, "Every textured pixel");
+    points.excludes(grid).excludes(dense);
+    grid.excludes(dense);
+    sub.option("--window", o->window, "Side of the window that is compared, pixels, odd").inRange(7, 101).showDefault();
+    sub.option("--depth", o->depth,
+               "MIN,MAX: look between these distances along the left camera's axis, plane units; default: from "
+               "half the distance of the nearest plate of the calibration to twice that of the farthest, for "
+               "each perspective camera, as far as the right image shows it");
+    sub.option("--precision", o->settings.worstPrecision,
+               "Leave out points whose texture promises less: expected deviation along the line, pixels")
+        .inRange(0.001, 10.0)
+        .showDefault();
+    sub.option("--noise", o->noise, "Standard deviation of a gray value by noise; default: estimated from both images")
+        .inRange(0.01, 100.0);
+    sub.option("--min-score", o->settings.minScore, "Least correlation of a match, with the noise taken out")
+        .inRange(0.0, 1.0)
+        .showDefault();
+    sub.option("--return-tolerance", o->settings.returnTolerance,
+               "The way back from right to left must end so near to the start, pixels")
+        .inRange(0.01, 100.0)
+        .showDefault();
+    sub.option("--unit", o->unit, "Name of the plate's unit, for the picture").showDefault();
+    sub.option("--jobs", o->jobs, "Threads; 0: as many as the machine runs at a time. The result is the same")
+        .inRange(0, 1024)
+        .showDefault();
+    sub.does([o, &console] { runMatch(*o, console); });
 }
 
 }  // namespace zelm::tool

@@ -24,12 +24,12 @@ fs::path temporaryName(const fs::path& path) {
     return folderOf(path) / fmt::format(".{}.{}.part", path.filename().string(), ::getpid());
 }
 
-void writeBytes(const fs::path& path, std::string_view bytes) {
-    std::ofstream file(path, std::ios::binary | std::ios::trunc);
+void writeBytes(const fs::path& temporary, const fs::path& final, std::string_view bytes) {
+    std::ofstream file(temporary, std::ios::binary | std::ios::trunc);
     file.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
     file.close();
     if (!file) {
-        failData("{}: cannot write: {}; is the disk full?", path.string(), std::strerror(errno));
+        failData("{}: cannot write: {}; is the disk full?", final.string(), std::strerror(errno));
     }
 }
 
@@ -64,11 +64,17 @@ void OutputFiles::prepareFolder(const fs::path& folder) {
 }
 
 void OutputFiles::add(const fs::path& path, std::string_view bytes) {
-    if (std::error_code error; fs::is_directory(path, error)) {
+    std::error_code error;
+    const fs::file_status status = fs::status(path, error);
+    if (fs::is_directory(status)) {
         failUsage("{}: is a folder, cannot write a file of that name", path.string());
     }
+    if (fs::exists(status) && !fs::is_regular_file(status)) {
+        // Renaming a file onto a device would take its place.
+        failUsage("{}: is no file but a device or pipe: give the output a name of its own", path.string());
+    }
     pending.push_back({temporaryName(path), path});
-    writeBytes(pending.back().temporary, bytes);
+    writeBytes(pending.back().temporary, path, bytes);
 }
 
 void OutputFiles::commit() {

@@ -2,11 +2,11 @@
 #ifndef ZELM_TOOL_PLATE_OPTIONS_H
 #define ZELM_TOOL_PLATE_OPTIONS_H
 
-#include <CLI/CLI.hpp>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "commandLine.h"
 #include "plateFile.h"
 
 namespace zelm::tool {
@@ -19,15 +19,12 @@ struct PlateOptions {
 };
 
 // Adds --plate, --min-dots, --min-area and --min-strength.
-void addPlateOptions(CLI::App& sub, PlateOptions& options);
+void addPlateOptions(Subcommand& sub, PlateOptions& options);
 
 // The plate that the options describe. Throws Failure.
 Plate plateOf(const PlateOptions& options);
 
-// Adds an option for a rectangle x,y,width,height.
-void addRegionOption(CLI::App& sub, const std::string& name, std::vector<int>& region, const std::string& description);
-
-// The rectangle of such an option, if it was given.
+// The rectangle of an option x,y,width,height, if it was given.
 std::optional<ZelmRect> regionOf(const std::vector<int>& region);
 
 }  // namespace zelm::tool

@@ -251,29 +251,25 @@ void runRectify(const RectifyOptions& o, const Console& console) {
 
 }  // namespace
 
-void addRectify(CLI::App& app, Console& console) {
-    CLI::App* const sub =
-        addSubcommand(app, console, "rectify", "Show each image of a pair as the other camera would see it",
-                      "zelm rectify out/rig.zcal left_00.png right_00.png -o out/rectified");
+void addRectify(CommandLine& commandLine, Console& console) {
+    Subcommand sub = commandLine.subcommand("rectify", "Show each image of a pair as the other camera would see it",
+                                            "zelm rectify out/rig.zcal left_00.png right_00.png -o out/rectified");
     const auto o = std::make_shared<RectifyOptions>();
-    sub->add_option("rig", o->rig, "The calibration (rig.zcal)")->required();
-    sub->add_option("left", o->left, "Left image as taken")->required();
-    sub->add_option("right", o->right, "Right image as taken")->required();
-    sub->add_option("-o,--output", o->folder, "Folder for LEFT_rectified.png, RIGHT_rectified.png and LEFT_pair.png")
-        ->capture_default_str();
-    sub->add_option("--reference", o->reference,
-                    "Undistorted pixel x,y (of both images) or xL,yL,xR,yR that lands on the centre of the rectified "
-                    "image; default: the point that both cameras look at");
-    sub->add_option(
-           "--depth", o->depth,
-           "With a parallel camera: the height of the plane whose two pictures come to agree, plane units; changes "
-           "nothing between perspective cameras")
-        ->capture_default_str();
-    sub->add_option("--lines", o->lines, "Epipolar lines in the picture of the pair")
-        ->check(CLI::Range(0, 200))
-        ->capture_default_str();
-    sub->add_option("--pairs", o->pairs, "CSV of pixel pairs: draw these points and their lines instead");
-    sub->callback([o, &console] { runRectify(*o, console); });
+    sub.option("rig", o->rig, "The calibration (rig.zcal)").required();
+    sub.option("left", o->left, "Left image as taken").required();
+    sub.option("right", o->right, "Right image as taken").required();
+    sub.option("-o,--output", o->folder, "Folder for LEFT_rectified.png, RIGHT_rectified.png and LEFT_pair.png")
+        .showDefault();
+    sub.option("--reference", o->reference,
+               "Undistorted pixel x,y (of both images) or xL,yL,xR,yR that lands on the centre of the rectified "
+               "image; default: the point that both cameras look at");
+    sub.option("--depth", o->depth,
+               "With a parallel camera: the height of the plane whose two pictures come to agree, plane units; changes "
+               "nothing between perspective cameras")
+        .showDefault();
+    sub.option("--lines", o->lines, "Epipolar lines in the picture of the pair").inRange(0, 200).showDefault();
+    sub.option("--pairs", o->pairs, "CSV of pixel pairs: draw these points and their lines instead");
+    sub.does([o, &console] { runRectify(*o, console); });
 }
 
 }  // namespace zelm::tool

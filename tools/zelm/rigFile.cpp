@@ -9,6 +9,7 @@
 #include <numbers>
 #include <span>
 
+#include "cameraParameters.h"
 #include "failure.h"
 #include "outputFiles.h"
 
@@ -22,7 +23,8 @@ constexpr std::size_t kHeaderBytes = 28;  // view count and camera description
 constexpr std::size_t kBytesWithoutViews = 812;
 constexpr std::size_t kBytesPerView = 240;
 constexpr int kFewestViews = 3;
-constexpr int kLargestSide = 1 << 20;  // pixels; a larger image is no image size but foreign bytes
+constexpr int kLargestSide = 1 << 20;    // pixels; a larger image is no image size but foreign bytes
+constexpr std::size_t kLabelWidth = 28;  // at the least, of a row of the table for people
 constexpr double kDegreesPerRadian = 180.0 / std::numbers::pi;
 
 struct BlockHeader {
@@ -69,7 +71,8 @@ void checkNumbers(const fs::path& path, const std::string& bytes) {
 
 void checkCamera(const fs::path& path, const char* side, const RigCamera& camera) {
     if (!(camera.intrinsics.alpha > 0.0) || !(camera.intrinsics.beta > 0.0)) {
-        failData("{}: damaged calibration: the {} camera's focal lengths are not positive", path.string(), side);
+        failData("{}: damaged calibration: the {} camera's {}s are not positive", path.string(), side,
+                 scaleWords(camera.model, "").name);
     }
 }
 
@@ -116,27 +119,17 @@ Json cameraJson(const RigCamera& camera) {
             {"poses", poses}};
 }
 
-std::string intrinsicsText(const RigCamera& left, const RigCamera& right) {
-    const ZelmCameraIntrinsics& l = left.intrinsics;
-    const ZelmCameraIntrinsics& r = right.intrinsics;
-    std::string text = fmt::format("{:<28}{:>16}{:>16}\n", "camera", "left", "right");
-    const auto words = [&](const char* name, const std::string& a, const std::string& b) {
-        text += fmt::format("{:<28}{:>16}{:>16}\n", name, a, b);
-    };
-    const auto row = [&](const char* name, double a, double b, int digits) {
-        words(name, fmt::format("{:.{}f}", a, digits), fmt::format("{:.{}f}", b, digits));
-    };
-    words("model", modelName(left.model), modelName(right.model));
-    words("image size, px", fmt::format("{} x {}", left.width, left.height),
-          fmt::format("{} x {}", right.width, right.height));
-    row("focal length alpha, px", l.alpha, r.alpha, 3);
-    row("focal length beta, px", l.beta, r.beta, 3);
-    row("skew gamma, px", l.gamma, r.gamma, 4);
-    row("principal point cx, px", l.cx, r.cx, 3);
-    row("principal point cy, px", l.cy, r.cy, 3);
-    row("axis angle theta, deg", l.theta * kDegreesPerRadian, r.theta * kDegreesPerRadian, 4);
-    row("distortion k1", l.k1, r.k1, 6);
-    row("distortion k2", l.k2, r.k2, 6);
+std::string cameraTable(const Rig& rig, const std::string& units) {
+    const std::vector<CameraParameter> rows = cameraParameters(rig, units);
+    const auto label = [](const CameraParameter& row) { return row.name + (row.unit.empty() ? "" : ", " + row.unit); };
+    std::size_t width = kLabelWidth;
+    for (const CameraParameter& row : rows) {
+        width = std::max(width, label(row).size() + 2);
+    }
+    std::string text = fmt::format("{:<{}}{:>16}{:>16}\n", "camera", width, "left", "right");
+    for (const CameraParameter& row : rows) {
+        text += fmt::format("{:<{}}{:>16}{:>16}\n", label(row), width, row.left, row.right);
+    }
     return text;
 }
 
@@ -227,7 +220,7 @@ Json rigJson(const Rig& rig) {
 }
 
 std::string rigText(const Rig& rig, const std::string& units) {
-    std::string text = intrinsicsText(rig.left, rig.right);
+    std::string text = cameraTable(rig, units);
     if (hasPairGeometry(rig)) {
         const PairGeometry pair = pairGeometry(rig);
         text += fmt::format("baseline {:.4f} {}, convergence angle {:.4f} deg", pair.baseline, units,

@@ -127,21 +127,21 @@ void simulate(const SimulateOptions& options, const Console& console) {
 
 }  // namespace
 
-void addSimulate(CLI::App& app, Console& console) {
-    CLI::App* const sub = addSubcommand(
-        app, console, "simulate", "Render stereo views of a dot plate, with the truth about them",
+void addSimulate(CommandLine& commandLine, Console& console) {
+    Subcommand sub = commandLine.subcommand(
+        "simulate", "Render stereo views of a dot plate, with the truth about them",
         "zelm simulate --example > rig.json   # then edit it\n  zelm simulate rig.json -o views --seed 7");
     const auto options = std::make_shared<SimulateOptions>();
-    sub->add_option("rig", options->description, "Description of rig, plate, optics and views; default: the example");
-    sub->add_option("-o,--output", options->folder, "Folder for images, truth.json and plate.json");
-    sub->add_option("--views", options->views, "Number of views, instead of the description's")
-        ->check(CLI::Range(1, kMostSimulatedViews));
-    sub->add_option("--seed", options->seed, "Seed of poses and noise, instead of the description's");
-    sub->add_option("--format", options->format, "Format of the images: png, tif, bmp or pgm")
-        ->check(CLI::IsMember({"png", "tif", "bmp", "pgm"}))
-        ->capture_default_str();
-    sub->add_flag("--example", options->example, "Print a complete description with comments, and do nothing else");
-    sub->callback([options, &console] {
+    sub.option("rig", options->description, "Description of rig, plate, optics and views; default: the example");
+    sub.option("-o,--output", options->folder, "Folder for images, truth.json and plate.json");
+    sub.option("--views", options->views, "Number of views, instead of the description's")
+        .inRange(1, kMostSimulatedViews);
+    sub.option("--seed", options->seed, "Seed of poses and noise, instead of the description's");
+    sub.option("--format", options->format, "Format of the images: png, tif, bmp or pgm")
+        .oneOf({"png", "tif", "bmp", "pgm"})
+        .showDefault();
+    sub.flag("--example", options->example, "Print a complete description with comments, and do nothing else");
+    sub.does([options, &console] {
         if (options->example) {
             fmt::print("{}", exampleDescription());
         } else if (options->folder.empty()) {

@@ -2,32 +2,24 @@
 #ifndef ZELM_TOOL_SUBCOMMANDS_H
 #define ZELM_TOOL_SUBCOMMANDS_H
 
-#include <CLI/CLI.hpp>
-#include <string>
-
-#include "console.h"
+#include "commandLine.h"
 
 namespace zelm::tool {
 
-// Adds a subcommand with --json and --quiet and an example at the foot of its help. The caller adds its own options and
-// sets its callback, which runs once the command line is parsed and throws Failure to give up.
-CLI::App* addSubcommand(CLI::App& app, Console& console, const std::string& name, const std::string& description,
-                        const std::string& example);
-
 // Each adds one subcommand. `console` outlives the parse.
-void addCalibrate(CLI::App& app, Console& console);
-void addCompare(CLI::App& app, Console& console);
-void addDetect(CLI::App& app, Console& console);
-void addEpiline(CLI::App& app, Console& console);
-void addInfo(CLI::App& app, Console& console);
-void addMatch(CLI::App& app, Console& console);
-void addRectify(CLI::App& app, Console& console);
-void addSimulate(CLI::App& app, Console& console);
-void addTriangulate(CLI::App& app, Console& console);
-void addUndistort(CLI::App& app, Console& console);
+void addCalibrate(CommandLine& commandLine, Console& console);
+void addCompare(CommandLine& commandLine, Console& console);
+void addDetect(CommandLine& commandLine, Console& console);
+void addEpiline(CommandLine& commandLine, Console& console);
+void addInfo(CommandLine& commandLine, Console& console);
+void addMatch(CommandLine& commandLine, Console& console);
+void addRectify(CommandLine& commandLine, Console& console);
+void addSimulate(CommandLine& commandLine, Console& console);
+void addTriangulate(CommandLine& commandLine, Console& console);
+void addUndistort(CommandLine& commandLine, Console& console);
 
 // Adds them all.
-void addSubcommands(CLI::App& app, Console& console);
+void addSubcommands(CommandLine& commandLine, Console& console);
 
 }  // namespace zelm::tool
 

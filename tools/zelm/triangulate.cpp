@@ -177,23 +177,21 @@ void runTriangulate(const TriangulateOptions& o, const Console& console) {
 
 }  // namespace
 
-void addTriangulate(CLI::App& app, Console& console) {
-    CLI::App* const sub = addSubcommand(app, console, "triangulate", "Make 3-D points of pairs of corresponding pixels",
-                                        "zelm triangulate out/rig.zcal pairs.csv -o points.csv --ply points.ply");
+void addTriangulate(CommandLine& commandLine, Console& console) {
+    Subcommand sub = commandLine.subcommand("triangulate", "Make 3-D points of pairs of corresponding pixels",
+                                            "zelm triangulate out/rig.zcal pairs.csv -o points.csv --ply points.ply");
     const auto o = std::make_shared<TriangulateOptions>();
-    sub->add_option("rig", o->rig, "The calibration (rig.zcal)")->required();
-    sub->add_option("pairs", o->pairs,
-                    "CSV of pixels as taken: xL,yL,xR,yR or id,xL,yL,xR,yR, or columns that a header names so")
-        ->required();
-    sub->add_option("-o,--output", o->csv, "CSV of the points, a line for each pair")->required();
-    sub->add_option("--ply", o->ply, "Also write the points as a PLY cloud");
-    sub->add_option("--dots", o->dotImages,
-                    "LEFT and RIGHT image: measure the centres of the dots at the pixels, and use those")
-        ->expected(2);
-    sub->add_option("--polarity", o->polarity, "Dots of --dots: dark or bright")
-        ->check(CLI::IsMember({"dark", "bright"}))
-        ->capture_default_str();
-    sub->callback([o, &console] { runTriangulate(*o, console); });
+    sub.option("rig", o->rig, "The calibration (rig.zcal)").required();
+    sub.option("pairs", o->pairs,
+               "CSV of pixels as taken: xL,yL,xR,yR or id,xL,yL,xR,yR, or columns that a header names so")
+        .required();
+    sub.option("-o,--output", o->csv, "CSV of the points, a line for each pair").required();
+    sub.option("--ply", o->ply, "Also write the points as a PLY cloud");
+    sub.option("--dots", o->dotImages,
+               "LEFT and RIGHT image: measure the centres of the dots at the pixels, and use those")
+        .takes(2);
+    sub.option("--polarity", o->polarity, "Dots of --dots: dark or bright").oneOf({"dark", "bright"}).showDefault();
+    sub.does([o, &console] { runTriangulate(*o, console); });
 }
 
 }  // namespace zelm::tool

@@ -13,6 +13,7 @@
 #include "cameraPicture.h"
 #include "failure.h"
 #include "imageSet.h"
+#include "letterCase.h"
 #include "outputFiles.h"
 #include "subcommands.h"
 
@@ -36,10 +37,7 @@ struct Job {
 
 // The camera whose name the file's name begins with, as a word of its own: left_00.png, RIGHT-3.tif; 0 for none.
 char sideInName(const fs::path& image) {
-    std::string name = image.filename().string();
-    for (char& c : name) {
-        c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    }
+    const std::string name = lowerCase(image.filename().string());
     for (const std::string_view side : {"left", "right"}) {
         if (name.starts_with(side) &&
             (name.size() == side.size() || std::isalpha(static_cast<unsigned char>(name[side.size()])) == 0)) {
@@ -94,18 +92,16 @@ void runUndistort(const UndistortOptions& options, const Console& console) {
 
 }  // namespace
 
-void addUndistort(CLI::App& app, Console& console) {
-    CLI::App* const sub = addSubcommand(app, console, "undistort", "Remove the lens distortion from images",
-                                        "zelm undistort out/rig.zcal left_00.png right_00.png -o out/undistorted");
+void addUndistort(CommandLine& commandLine, Console& console) {
+    Subcommand sub = commandLine.subcommand("undistort", "Remove the lens distortion from images",
+                                            "zelm undistort out/rig.zcal left_00.png right_00.png -o out/undistorted");
     const auto o = std::make_shared<UndistortOptions>();
-    sub->add_option("rig", o->rig, "The calibration (rig.zcal)")->required();
-    sub->add_option("images", o->images, "Images as taken: files, a quoted glob, a folder, or a list (.txt)")
-        ->required();
-    sub->add_option("--camera", o->camera,
-                    "The camera that took them; default: told by names that begin with left or right")
-        ->check(CLI::IsMember({"left", "right"}));
-    sub->add_option("-o,--output", o->folder, "Folder for IMAGE_undistorted.png, a file each")->capture_default_str();
-    sub->callback([o, &console] { runUndistort(*o, console); });
+    sub.option("rig", o->rig, "The calibration (rig.zcal)").required();
+    sub.option("images", o->images, "Images as taken: files, a quoted glob, a folder, or a list (.txt)").required();
+    sub.option("--camera", o->camera, "The camera that took them; default: told by names that begin with left or right")
+        .oneOf({"left", "right"});
+    sub.option("-o,--output", o->folder, "Folder for IMAGE_undistorted.png, a file each").showDefault();
+    sub.does([o, &console] { runUndistort(*o, console); });
 }
 
 }  // namespace zelm::tool

@@ -1,0 +1,79 @@
+#include "cameraParameters.h"
+
+#include <fmt/format.h>
+
+#include <cmath>
+#include <numbers>
+
+namespace zelm::tool {
+namespace {
+
+constexpr double kDegreesPerRadian = 180.0 / std::numbers::pi;
+constexpr double kSmallDistortion = 1e-3;  // below it six decimals would show too little
+constexpr const char* kNone = "-";
+
+std::string distortionText(double k) {
+    return k == 0.0 || std::fabs(k) >= kSmallDistortion ? fmt::format("{:.6f}", k) : fmt::format("{:.5g}", k);
+}
+
+class Rows {
+public:
+    Rows(const Rig& pair, std::string lengths) : rig(pair), units(std::move(lengths)) {}
+
+    // text(camera) for every camera.
+    template <class Text>
+    void add(const std::string& name, const std::string& unit, Text text) {
+        list.push_back({name, unit, text(rig.left), text(rig.right)});
+    }
+
+    // The scales of the cameras of one kind; none when neither is.
+    void addScales(bool parallel) {
+        const int model = parallel ? 2 : 0;
+        const auto isOfKind = [parallel](const RigCamera& camera) { return (camera.model == 2) == parallel; };
+        if (!isOfKind(rig.left) && !isOfKind(rig.right)) {
+            return;
+        }
+        const auto [name, unit] = scaleWords(model, units);
+        const auto scale = [&](const std::string& words, double ZelmCameraIntrinsics::*field, int digits) {
+            add(words, unit, [&](const RigCamera& camera) {
+                return isOfKind(camera) ? fmt::format("{:.{}f}", camera.intrinsics.*field, digits) : kNone;
+            });
+        };
+        scale(name + " alpha", &ZelmCameraIntrinsics::alpha, 3);
+        scale(name + " beta", &ZelmCameraIntrinsics::beta, 3);
+        scale("skew gamma", &ZelmCameraIntrinsics::gamma, 4);
+    }
+
+    std::vector<CameraParameter> list;
+
+private:
+    const Rig& rig;
+    std::string units;
+};
+
+}  // namespace
+
+ScaleWords scaleWords(int model, const std::string& units) {
+    if (model != 2) {
+        return {"focal length", "px"};
+    }
+    // One of them: "px/plane unit".
+    return {"magnification", "px/" + (units.ends_with("units") ? units.substr(0, units.size() - 1) : units)};
+}
+
+std::vector<CameraParameter> cameraParameters(const Rig& rig, const std::string& units) {
+    Rows rows(rig, units);
+    rows.add("model", "", [](const RigCamera& c) { return std::string(modelName(c.model)); });
+    rows.add("image size", "px", [](const RigCamera& c) { return fmt::format("{} x {}", c.width, c.height); });
+    rows.addScales(false);
+    rows.addScales(true);
+    rows.add("principal point cx", "px", [](const RigCamera& c) { return fmt::format("{:.3f}", c.intrinsics.cx); });
+    rows.add("principal point cy", "px", [](const RigCamera& c) { return fmt::format("{:.3f}", c.intrinsics.cy); });
+    rows.add("axis angle theta", "deg",
+             [](const RigCamera& c) { return fmt::format("{:.4f}", c.intrinsics.theta * kDegreesPerRadian); });
+    rows.add("distortion k1", "", [](const RigCamera& c) { return distortionText(c.intrinsics.k1); });
+    rows.add("distortion k2", "", [](const RigCamera& c) { return distortionText(c.intrinsics.k2); });
+    return rows.list;
+}
+
+}  // namespace zelm::tool

@@ -1,0 +1,161 @@
+#include "commandLine.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstdint>
+#include <numeric>
+#include <optional>
+#include <string_view>
+
+#include "failure.h"
+
+namespace zelm::tool {
+namespace {
+
+// The fewest letters to insert, drop or replace that turn one word into the other (Wagner and Fischer, 1974).
+std::size_t editDistance(std::string_view from, std::string_view to) {
+    std::vector<std::size_t> row(to.size() + 1);
+    std::iota(row.begin(), row.end(), std::size_t{0});
+    for (std::size_t i = 0; i < from.size(); ++i) {
+        std::size_t diagonal = row[0];
+        row[0] = i + 1;
+        for (std::size_t j = 0; j < to.size(); ++j) {
+            const std::size_t replaced = diagonal + (from[i] == to[j] ? 0 : 1);
+            diagonal = row[j + 1];
+            row[j + 1] = std::min({replaced, row[j] + 1, diagonal + 1});
+        }
+    }
+    return row.back();
+}
+
+// Throws Failure when the command line does not begin with a subcommand or an option of the tool itself; for a
+// subcommand that does not exist it suggests the nearest.
+void checkFirstWord(const CLI::App& app, int argc, const char* const* argv) {
+    const auto* const end = argv + argc;
+    const auto* const word = std::find_if(argv + std::min(argc, 1), end, [&app](const std::string& argument) {
+        return !argument.starts_with('-') || app.get_option_no_throw(argument) == nullptr;
+    });
+    if (word == end) {
+        return;
+    }
+    if (std::string_view(*word).starts_with('-')) {
+        failUsage("{}: no option of zelm itself: options of a subcommand stand behind its name (--help)", *word);
+    }
+    std::vector<std::string> names;
+    for (const CLI::App* const sub : app.get_subcommands([](const CLI::App*) { return true; })) {
+        names.push_back(sub->get_name());
+    }
+    if (std::find(names.begin(), names.end(), *word) == names.end()) {
+        const auto nearest = std::min_element(names.begin(), names.end(), [word](const auto& a, const auto& b) {
+            return editDistance(*word, a) < editDistance(*word, b);
+        });
+        failUsage("{}: no such subcommand: did you mean {}? (--help lists them)", *word, *nearest);
+    }
+}
+
+}  // namespace
+
+Option& Option::required() {
+    parsed->required();
+    return *this;
+}
+
+Option& Option::showDefault() {
+    parsed->capture_default_str();
+    return *this;
+}
+
+Option& Option::inRange(int least, int most) {
+    parsed->check(CLI::Range(least, most));
+    return *this;
+}
+
+Option& Option::inRange(double least, double most) {
+    parsed->check(CLI::Range(least, most));
+    return *this;
+}
+
+Option& Option::positive() {
+    parsed->check(CLI::PositiveNumber);
+    return *this;
+}
+
+Option& Option::oneOf(const std::vector<std::string>& words) {
+    parsed->check(CLI::IsMember(words));
+    return *this;
+}
+
+Option& Option::takes(int count) {
+    parsed->expected(count);
+    return *this;
+}
+
+Option& Option::excludes(const Option& other) {
+    parsed->excludes(other.parsed);
+    return *this;
+}
+
+template <class Value>
+Option Subcommand::option(const std::string& names, Value& value, const std::string& description) {
+    return Option(parsed->add_option(names, value, description));
+}
+
+template Option Subcommand::option(const std::string&, std::string&, const std::string&);
+template Option Subcommand::option(const std::string&, int&, const std::string&);
+template Option Subcommand::option(const std::string&, std::size_t&, const std::string&);
+template Option Subcommand::option(const std::string&, double&, const std::string&);
+template Option Subcommand::option(const std::string&, std::optional<int>&, const std::string&);
+template Option Subcommand::option(const std::string&, std::optional<double>&, const std::string&);
+template Option Subcommand::option(const std::string&, std::optional<std::uint64_t>&, const std::string&);
+template Option Subcommand::option(const std::string&, std::vector<std::string>&, const std::string&);
+
+Option Subcommand::rectangle(const std::string& names, std::vector<int>& value, const std::string& description) {
+    return Option(
+        parsed->add_option(names, value, description)->delimiter(',')->expected(4)->type_name("X,Y,WIDTH,HEIGHT"));
+}
+
+Option Subcommand::flag(const std::string& names, bool& value, const std::string& description) {
+    return Option(parsed->add_flag(names, value, description));
+}
+
+void Subcommand::does(std::function<void()> work) {
+    parsed->callback(std::move(work));
+}
+
+CommandLine::CommandLine(Console& output)
+    : console(output),
+      parser(std::make_unique<CLI::App>(
+          "zelm: calibrates a pair of cameras from images of a dot plate and measures with it", "zelm")) {
+    parser->set_version_flag("--version", "zelm " ZELM_VERSION);
+    parser->require_subcommand(1);
+    parser->footer(
+        "Example:\n  zelm calibrate --plate plate.json --left 'left_*.png' --right 'right_*.png' -o out\n"
+        "\nExit codes: 0 done, 1 the data did not allow it, 2 wrong usage.");
+    parser->failure_message([](const CLI::App*, const CLI::Error& error) {
+        return fmt::format("zelm: {} (--help tells the options)\n", error.what());
+    });
+}
+
+CommandLine::~CommandLine() = default;
+
+Subcommand CommandLine::subcommand(const std::string& name, const std::string& description,
+                                   const std::string& example) {
+    CLI::App* const sub = parser->add_subcommand(name, description);
+    sub->add_flag("--json", console.json, "Print the result as JSON, and nothing else, on stdout");
+    sub->add_flag("-q,--quiet", console.quiet, "Print no text and no progress; warnings and errors remain");
+    sub->footer("Example:\n  " + example + "\n");
+    return Subcommand(sub);
+}
+
+bool CommandLine::run(int argc, const char* const* argv) {
+    checkFirstWord(*parser, argc, argv);
+    try {
+        parser->parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        // Help and version arrive here as well, with exit code 0.
+        return parser->exit(error) == 0;
+    }
+    return true;
+}
+
+}  // namespace zelm::tool
