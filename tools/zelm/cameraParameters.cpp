@@ -33,14 +33,14 @@ public:
         if (!isOfKind(rig.left) && !isOfKind(rig.right)) {
             return;
         }
-        const auto [name, unit] = scaleWords(model, units);
-        const auto scale = [&](const std::string& words, double ZelmCameraIntrinsics::*field, int digits) {
-            add(words, unit, [&](const RigCamera& camera) {
+        const ScaleWords words = scaleWords(model, units);
+        const auto scale = [&](const std::string& name, double ZelmCameraIntrinsics::*field, int digits) {
+            add(name, words.unit, [&](const RigCamera& camera) {
                 return isOfKind(camera) ? fmt::format("{:.{}f}", camera.intrinsics.*field, digits) : kNone;
             });
         };
-        scale(name + " alpha", &ZelmCameraIntrinsics::alpha, 3);
-        scale(name + " beta", &ZelmCameraIntrinsics::beta, 3);
+        scale(words.name + " alpha", &ZelmCameraIntrinsics::alpha, 3);
+        scale(words.name + " beta", &ZelmCameraIntrinsics::beta, 3);
         scale("skew gamma", &ZelmCameraIntrinsics::gamma, 4);
     }
 
