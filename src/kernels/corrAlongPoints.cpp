@@ -4,22 +4,15 @@
 #include <cstddef>
 #include <limits>
 
-#include "correlation.h"
+#include "corrKernels.h"
+#include "corrScore.h"
 
 namespace zelm {
 namespace {
 
-// The entry points of one pattern.
-struct Entries {
-    decltype(&nccFull) noMask;
-    decltype(&nccFullRefMask) refMask;
-    decltype(&nccFullMask) sharedMask;
-    decltype(&nccFullTwoMasks) twoMasks;
-};
-
-constexpr Entries kFullEntries = {nccFull, nccFullRefMask, nccFullMask, nccFullTwoMasks};
-constexpr Entries kQuarterEntries = {nccQuarter, nccQuarterRefMask, nccQuarterMask, nccQuarterTwoMasks};
-constexpr Entries kCheckerEntries = {nccChecker, nccCheckerRefMask, nccCheckerMask, nccCheckerTwoMasks};
+// Windows that are summed before any of them is scored: the square root and the division of one then wait for nothing,
+// and a run of them shares work (corrKernels.h). One more than whole groups of the vector tiers.
+constexpr std::int32_t kBatch = 65;
 
 struct Template {
     std::int32_t w;
@@ -81,15 +74,8 @@ std::int64_t countMask(const Template& tmpl) {
     return count;
 }
 
-// The template's statistics as the entry points take them.
-struct Statistics {
-    std::int32_t n;
-    std::int64_t variance;
-    std::int32_t sumT;
-};
-
 // n = 0: nothing to score.
-Statistics templateStatistics(const Template& tmpl) {
+CorrStatistics templateStatistics(const Template& tmpl) {
     const std::int64_t area = std::int64_t{tmpl.w} * tmpl.h;
     if (tmpl.w < 1 || tmpl.h < 1 || area > std::numeric_limits<std::int32_t>::max()) {
         return {0, 0, 0};
@@ -97,56 +83,130 @@ Statistics templateStatistics(const Template& tmpl) {
     const std::int64_t n = tmpl.mask == nullptr ? area : countMask(tmpl);
     const auto count = static_cast<double>(n);
     const double deviation = tmpl.sigma * count;
-    return {static_cast<std::int32_t>(n), truncated<std::int64_t>(deviation * deviation),
-            truncated<std::int32_t>(tmpl.mean * count)};
+    return {n, truncated<std::int64_t>(deviation * deviation), truncated<std::int32_t>(tmpl.mean * count)};
 }
 
-// The score of the template over the search window whose first pixel is at offset.
-float scoreAt(const Entries& entries, const Template& t, const Statistics& known, const SearchImage& s,
-              std::ptrdiff_t offset) {
-    const std::uint8_t* const img = s.pixels + offset;
-    if (s.mask != nullptr) {
-        const std::uint8_t* const mask = s.mask + offset;  // deliberate: by the image's stride
-        return t.mask == nullptr ? entries.sharedMask(t.pixels, t.stride, t.w, t.h, img, s.stride, s.width, s.height,
-                                                      mask, s.maskStride)
-                                 : entries.twoMasks(t.pixels, t.stride, t.w, t.h, t.mask, t.maskStride, img, s.stride,
-                                                    s.width, s.height, mask, s.maskStride);
+// What every window of a list has in common.
+struct Search {
+    const CorrTier& tier;
+    CorrPattern pattern;
+    CorrMode mode;
+    CorrWindows first;          // laid on the search image's first pixel
+    CorrStatistics statistics;  // of the modes without a search mask
+};
+
+// Accepted positions that wait for their scores.
+struct Batch {
+    std::int32_t size = 0;
+    std::int32_t places[kBatch];     // in the list
+    std::ptrdiff_t offsets[kBatch];  // of the windows' first pixels
+};
+
+CorrMode modeOf(const Template& tmpl, const SearchImage& search) {
+    if (search.mask != nullptr) {
+        return tmpl.mask == nullptr ? kCorrSharedMask : kCorrTwoMasks;
     }
-    return t.mask == nullptr
-               ? entries.noMask(t.pixels, t.stride, t.w, t.h, known.n, known.variance, known.sumT, img, s.stride)
-               : entries.refMask(t.pixels, t.stride, t.w, t.h, t.mask, t.maskStride, known.n, known.variance,
-                                 known.sumT, img, s.stride);
+    return tmpl.mask == nullptr ? kCorrNoMask : kCorrRefMask;
 }
 
-std::int32_t corrAlongPoints(const Entries& entries, const Template& tmpl, const SearchImage& search,
+CorrWindows windowsOf(const Template& tmpl, const SearchImage& search, CorrMode mode) {
+    const CorrPlane tmplMask = {tmpl.mask, tmpl.maskStride};
+    const CorrPlane imgMask = {search.mask, search.maskStride};
+    return {{tmpl.pixels, tmpl.stride},
+            {search.pixels, search.stride},
+            mode == kCorrSharedMask ? imgMask : tmplMask,
+            imgMask,
+            tmpl.w,
+            tmpl.h};
+}
+
+CorrWindows windowsAt(const Search& search, std::ptrdiff_t offset) {
+    CorrWindows windows = search.first;
+    windows.img.pixels += offset;
+    // The search mask's window is found by the image's stride: deliberate.
+    if (search.mode == kCorrSharedMask) {
+        windows.mask.pixels += offset;
+    } else if (search.mode == kCorrTwoMasks) {
+        windows.imgMask.pixels += offset;
+    }
+    return windows;
+}
+
+// How many windows from the one at begin on follow one another pixel by pixel.
+std::int32_t runLength(const Batch& batch, std::int32_t begin) {
+    std::int32_t end = begin + 1;
+    while (end < batch.size && batch.offsets[end] == batch.offsets[end - 1] + 1) {
+        ++end;
+    }
+    return end - begin;
+}
+
+void sumBatch(const Search& search, const Batch& batch, CorrSums* sums) {
+    const CorrSumsFunction sumOne = search.tier.sums[search.pattern][search.mode];
+    // Where the pattern takes every pixel in this tier.
+    const bool inRuns = search.tier.fullRun != nullptr && search.mode == kCorrNoMask &&
+                        sumOne == search.tier.sums[kCorrFull][kCorrNoMask];
+    for (std::int32_t k = 0; k < batch.size;) {
+        const CorrWindows windows = windowsAt(search, batch.offsets[k]);
+        const std::int32_t length = inRuns ? runLength(batch, k) : 1;
+        if (length > 1) {
+            search.tier.fullRun(windows, length, sums + k);
+        } else {
+            sumOne(windows, sums[k]);
+        }
+        k += length;
+    }
+}
+
+// Scores the batch and empties it. Returns the number of entries written.
+std::int32_t scoreBatch(const Search& search, Batch& batch, CorrScore* scores) {
+    CorrSums sums[kBatch];
+    sumBatch(search, batch, sums);
+    const bool anyScore = search.mode == kCorrNoMask || search.mode == kCorrRefMask;
+    std::int32_t written = 0;
+    for (std::int32_t k = 0; k < batch.size; ++k) {
+        const float score = anyScore ? corrScore(search.statistics, sums[k]) : corrScoreByOwn(sums[k]);
+        if (anyScore || score > 0.0F) {
+            CorrScore& entry = scores[batch.places[k]];
+            entry.index = batch.places[k];
+            entry.score = static_cast<double>(score);
+            ++written;
+        }
+    }
+    batch.size = 0;
+    return written;
+}
+
+std::int32_t corrAlongPoints(CorrPattern pattern, const Template& tmpl, const SearchImage& image,
                              const PointRange& range, CorrScore* scores) {
-    const bool anyScore = search.mask == nullptr;
-    Statistics known{};
-    if (anyScore) {
-        known = templateStatistics(tmpl);
-        if (known.n == 0) {
+    const CorrMode mode = modeOf(tmpl, image);
+    Search search = {corrTierOfProcessor(), pattern, mode, windowsOf(tmpl, image, mode), {}};
+    if (image.mask == nullptr) {
+        search.statistics = templateStatistics(tmpl);
+        if (search.statistics.n == 0) {
             return 0;
         }
     }
     const std::int64_t ax = anchorPixel(tmpl.anchorX);
     const std::int64_t ay = anchorPixel(tmpl.anchorY);
+    Batch batch;
     std::int32_t written = 0;
     for (std::int64_t k = range.first; k <= range.last; ++k) {
         const auto at = static_cast<std::ptrdiff_t>(k);
         const std::int64_t x = range.positions[at].x - ax;
         const std::int64_t y = range.positions[at].y - ay;
-        const bool inside = y + tmpl.h - 1 < search.height && x + tmpl.w - 1 < search.width && x >= 0 && y >= 0;
+        const bool inside = y + tmpl.h - 1 < image.height && x + tmpl.w - 1 < image.width && x >= 0 && y >= 0;
         if (!inside) {
             continue;
         }
-        const float score = scoreAt(entries, tmpl, known, search, static_cast<std::ptrdiff_t>(y * search.stride + x));
-        if (anyScore || score > 0.0F) {
-            scores[at].index = static_cast<std::int32_t>(k);
-            scores[at].score = static_cast<double>(score);
-            ++written;
+        batch.places[batch.size] = static_cast<std::int32_t>(k);
+        batch.offsets[batch.size] = static_cast<std::ptrdiff_t>(y * image.stride + x);
+        ++batch.size;
+        if (batch.size == kBatch) {
+            written += scoreBatch(search, batch, scores);
         }
     }
-    return written;
+    return written + scoreBatch(search, batch, scores);
 }
 
 }  // namespace
@@ -157,9 +217,9 @@ std::int32_t innerCorrAlongPointsFull(std::int32_t w, std::int32_t h, const std:
                                       std::int32_t imgStride, const std::uint8_t* imgMask, std::int32_t imgMaskStride,
                                       const Point2i* positions, std::int32_t k0, std::int32_t k1, CorrScore* scores,
                                       double mean, double sigma, double anchorX, double anchorY) {
-    return corrAlongPoints(
-        kFullEntries, {w, h, tmpl, tmplStride, tmplMask, tmplMaskStride, mean, sigma, anchorX, anchorY},
-        {searchWidth, searchHeight, img, imgStride, imgMask, imgMaskStride}, {positions, k0, k1}, scores);
+    return corrAlongPoints(kCorrFull, {w, h, tmpl, tmplStride, tmplMask, tmplMaskStride, mean, sigma, anchorX, anchorY},
+                           {searchWidth, searchHeight, img, imgStride, imgMask, imgMaskStride}, {positions, k0, k1},
+                           scores);
 }
 
 std::int32_t innerCorrAlongPointsQuarter(std::int32_t w, std::int32_t h, const std::uint8_t* tmpl,
@@ -170,7 +230,7 @@ std::int32_t innerCorrAlongPointsQuarter(std::int32_t w, std::int32_t h, const s
                                          const Point2i* positions, std::int32_t k0, std::int32_t k1, CorrScore* scores,
                                          double mean, double sigma, double anchorX, double anchorY) {
     return corrAlongPoints(
-        kQuarterEntries, {w, h, tmpl, tmplStride, tmplMask, tmplMaskStride, mean, sigma, anchorX, anchorY},
+        kCorrQuarter, {w, h, tmpl, tmplStride, tmplMask, tmplMaskStride, mean, sigma, anchorX, anchorY},
         {searchWidth, searchHeight, img, imgStride, imgMask, imgMaskStride}, {positions, k0, k1}, scores);
 }
 
@@ -182,7 +242,7 @@ std::int32_t innerCorrAlongPointsChecker(std::int32_t w, std::int32_t h, const s
                                          const Point2i* positions, std::int32_t k0, std::int32_t k1, CorrScore* scores,
                                          double mean, double sigma, double anchorX, double anchorY) {
     return corrAlongPoints(
-        kCheckerEntries, {w, h, tmpl, tmplStride, tmplMask, tmplMaskStride, mean, sigma, anchorX, anchorY},
+        kCorrChecker, {w, h, tmpl, tmplStride, tmplMask, tmplMaskStride, mean, sigma, anchorX, anchorY},
         {searchWidth, searchHeight, img, imgStride, imgMask, imgMaskStride}, {positions, k0, k1}, scores);
 }
 

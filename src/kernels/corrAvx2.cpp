@@ -22,8 +22,17 @@ inline Vector load(const std::uint8_t* p) {
 inline Vector loadHalf(const std::uint8_t* p) {
     return _mm256_cvtepu8_epi16(_mm_loadu_si128(reinterpret_cast<const __m128i*>(p)));
 }
+inline Vector loadQuarter(const std::uint8_t* p) {
+    return _mm256_cvtepu8_epi32(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)));
+}
+inline void store(Vector v, std::uint32_t* p) {
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(p), v);
+}
 inline Vector add(Vector a, Vector b) {
     return _mm256_add_epi32(a, b);
+}
+inline Vector subtract(Vector a, Vector b) {
+    return _mm256_sub_epi32(a, b);
 }
 inline Vector multiplyAdd(Vector a, Vector b) {
     return _mm256_madd_epi16(a, b);
@@ -58,6 +67,9 @@ inline Vector smaller(Vector a, Vector b) {
 inline Vector everyWord(short value) {
     return _mm256_set1_epi16(value);
 }
+inline Vector everyLane(std::int32_t value) {
+    return _mm256_set1_epi32(value);
+}
 inline Vector everySecondWord(std::int32_t first) {
     return _mm256_set1_epi32(first == 0 ? 0xFFFF : ~0xFFFF);
 }
@@ -81,6 +93,8 @@ inline void storeLaneSums(Vector a, Vector b, Vector c, Vector d, std::uint32_t*
 }  // namespace zelm
 
 #include "corrVectorSums.h"
+// After what it is written with.
+#include "corrVectorRun.h"
 
 namespace zelm {
 

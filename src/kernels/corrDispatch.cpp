@@ -1,7 +1,6 @@
 // The twelve entry points: sums by the tier of the processor, then the score.
-#include <cmath>
-
 #include "corrKernels.h"
+#include "corrScore.h"
 #include "correlation.h"
 #include "cpuFeatures.h"
 
@@ -12,50 +11,18 @@
 namespace zelm {
 namespace {
 
-constexpr float kFlat = 1e-9F;
-constexpr float kNoPixel = -2.0F;
-
-// Number of pixels, n * sum(TT) - sum(T)^2, and sum(T) of a template.
-struct TemplateStatistics {
-    std::int64_t n;
-    std::int64_t variance;
-    std::int64_t sumT;
-};
-
-// a * b - c * d modulo 2^64: sums that overflowed must not make undefined behaviour.
-std::int64_t productDifference(std::int64_t a, std::int64_t b, std::int64_t c, std::int64_t d) {
-    const auto word = [](std::int64_t v) { return static_cast<std::uint64_t>(v); };
-    return static_cast<std::int64_t>(word(a) * word(b) - word(c) * word(d));
-}
-
-float scoreOf(const TemplateStatistics& tmpl, const CorrSums& sums) {
-    const std::int64_t imgVariance = productDifference(tmpl.n, sums.ii, sums.i, sums.i);
-    const float d = static_cast<float>(tmpl.variance) * static_cast<float>(imgVariance);
-    if (d < kFlat) {
-        return 0.0F;
-    }
-    const auto covariance = static_cast<float>(productDifference(tmpl.n, sums.it, sums.i, tmpl.sumT));
-    return static_cast<float>(static_cast<double>(covariance) / std::sqrt(static_cast<double>(d)));
-}
-
 // The modes whose template statistics the caller gives.
-float scoreByGiven(CorrPattern pattern, CorrMode mode, const CorrWindows& windows, const TemplateStatistics& tmpl) {
+float scoreByGiven(CorrPattern pattern, CorrMode mode, const CorrWindows& windows, const CorrStatistics& tmpl) {
     CorrSums sums;
     corrTierOfProcessor().sums[pattern][mode](windows, sums);
-    return scoreOf(tmpl, sums);
+    return corrScore(tmpl, sums);
 }
 
 // The modes that compute them.
 float scoreByOwn(CorrPattern pattern, CorrMode mode, const CorrWindows& windows) {
-    if (windows.h < 1) {
-        return kNoPixel;
-    }
     CorrSums sums;
     corrTierOfProcessor().sums[pattern][mode](windows, sums);
-    if (sums.count == 0) {
-        return kNoPixel;
-    }
-    return scoreOf({sums.count, productDifference(sums.count, sums.tt, sums.t, sums.t), sums.t}, sums);
+    return corrScoreByOwn(sums);
 }
 
 }  // namespace

@@ -63,6 +63,7 @@ void sumsPlain(const CorrWindows& windows, CorrSums& sums) {
     }
 
 const CorrTier kCorrPlainTier = {
-    {ZELM_CORR_PLAIN_MODES(kCorrFull), ZELM_CORR_PLAIN_MODES(kCorrChecker), ZELM_CORR_PLAIN_MODES(kCorrQuarter)}};
+    {ZELM_CORR_PLAIN_MODES(kCorrFull), ZELM_CORR_PLAIN_MODES(kCorrChecker), ZELM_CORR_PLAIN_MODES(kCorrQuarter)},
+    nullptr};
 
 }  // namespace zelm

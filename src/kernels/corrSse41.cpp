@@ -2,6 +2,7 @@
 #include <smmintrin.h>
 
 #include <cstddef>
+#include <cstring>
 
 #include "corrKernels.h"
 
@@ -22,8 +23,19 @@ inline Vector load(const std::uint8_t* p) {
 inline Vector loadHalf(const std::uint8_t* p) {
     return _mm_cvtepu8_epi16(_mm_loadl_epi64(reinterpret_cast<const __m128i*>(p)));
 }
+inline Vector loadQuarter(const std::uint8_t* p) {
+    std::int32_t four;
+    std::memcpy(&four, p, sizeof four);
+    return _mm_cvtepu8_epi32(_mm_cvtsi32_si128(four));
+}
+inline void store(Vector v, std::uint32_t* p) {
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(p), v);
+}
 inline Vector add(Vector a, Vector b) {
     return _mm_add_epi32(a, b);
+}
+inline Vector subtract(Vector a, Vector b) {
+    return _mm_sub_epi32(a, b);
 }
 inline Vector multiplyAdd(Vector a, Vector b) {
     return _mm_madd_epi16(a, b);
@@ -58,6 +70,9 @@ inline Vector smaller(Vector a, Vector b) {
 inline Vector everyWord(short value) {
     return _mm_set1_epi16(value);
 }
+inline Vector everyLane(std::int32_t value) {
+    return _mm_set1_epi32(value);
+}
 inline Vector everySecondWord(std::int32_t first) {
     return _mm_set1_epi32(first == 0 ? 0xFFFF : ~0xFFFF);
 }
@@ -79,6 +94,8 @@ inline void storeLaneSums(Vector a, Vector b, Vector c, Vector d, std::uint32_t*
 }  // namespace zelm
 
 #include "corrVectorSums.h"
+// After what it is written with.
+#include "corrVectorRun.h"
 
 namespace zelm {
 

@@ -262,14 +262,9 @@ void vectorSums(const CorrWindows& windows, CorrSums& out) {
     }
 }
 
-// The checker pattern is summed as the full one: deliberate, only the plain tier samples it.
-constexpr CorrTier kVectorTier = {
-    {{vectorSums<kCorrFull, kCorrNoMask>, vectorSums<kCorrFull, kCorrRefMask>, vectorSums<kCorrFull, kCorrSharedMask>,
-      vectorSums<kCorrFull, kCorrTwoMasks>},
-     {vectorSums<kCorrFull, kCorrNoMask>, vectorSums<kCorrFull, kCorrRefMask>, vectorSums<kCorrFull, kCorrSharedMask>,
-      vectorSums<kCorrFull, kCorrTwoMasks>},
-     {vectorSums<kCorrQuarter, kCorrNoMask>, vectorSums<kCorrQuarter, kCorrRefMask>,
-      vectorSums<kCorrQuarter, kCorrSharedMask>, vectorSums<kCorrQuarter, kCorrTwoMasks>}}};
+#define ZELM_CORR_VECTOR_MODES(pattern)                                                                        \
+    vectorSums<pattern, kCorrNoMask>, vectorSums<pattern, kCorrRefMask>, vectorSums<pattern, kCorrSharedMask>, \
+        vectorSums<pattern, kCorrTwoMasks>
 
 }  // namespace
 }  // namespace zelm

@@ -166,31 +166,42 @@ inline float modelScore(const ModelSums& tmpl, const ModelSums& s) {
     return static_cast<float>(static_cast<double>(covariance) / std::sqrt(static_cast<double>(d)));
 }
 
-// An entry point on a case. The modes that take the template's statistics get those of the sums given.
-inline float entryScore(CorrPattern pattern, CorrMode mode, const CorrCase& c, const ModelSums& tmpl) {
+// Template statistics as the entry points take them.
+struct GivenStatistics {
+    std::int32_t n;
+    std::int64_t variance;
+    std::int32_t sumT;
+};
+
+// An entry point on windows.
+inline float entryScoreOf(CorrPattern pattern, CorrMode mode, const zelm::CorrWindows& v,
+                          const GivenStatistics& given) {
     using namespace zelm;
     static constexpr decltype(&nccFull) kNoMask[] = {nccFull, nccChecker, nccQuarter};
     static constexpr decltype(&nccFullRefMask) kRefMask[] = {nccFullRefMask, nccCheckerRefMask, nccQuarterRefMask};
     static constexpr decltype(&nccFullMask) kMask[] = {nccFullMask, nccCheckerMask, nccQuarterMask};
     static constexpr decltype(&nccFullTwoMasks) kTwoMasks[] = {nccFullTwoMasks, nccCheckerTwoMasks, nccQuarterTwoMasks};
-    const CorrWindows v = c.windows();
-    const auto n = static_cast<std::int32_t>(tmpl.n);
-    const auto sumT = static_cast<std::int32_t>(tmpl.t);
-    const std::int64_t variance = tmpl.n * tmpl.tt - tmpl.t * tmpl.t;
     switch (mode) {
         case kCorrNoMask:
-            return kNoMask[pattern](v.tmpl.pixels, v.tmpl.stride, c.w, c.h, n, variance, sumT, v.img.pixels,
-                                    v.img.stride);
+            return kNoMask[pattern](v.tmpl.pixels, v.tmpl.stride, v.w, v.h, given.n, given.variance, given.sumT,
+                                    v.img.pixels, v.img.stride);
         case kCorrRefMask:
-            return kRefMask[pattern](v.tmpl.pixels, v.tmpl.stride, c.w, c.h, v.mask.pixels, v.mask.stride, n, variance,
-                                     sumT, v.img.pixels, v.img.stride);
+            return kRefMask[pattern](v.tmpl.pixels, v.tmpl.stride, v.w, v.h, v.mask.pixels, v.mask.stride, given.n,
+                                     given.variance, given.sumT, v.img.pixels, v.img.stride);
         case kCorrSharedMask:
-            return kMask[pattern](v.tmpl.pixels, v.tmpl.stride, c.w, c.h, v.img.pixels, v.img.stride, 0, 0,
+            return kMask[pattern](v.tmpl.pixels, v.tmpl.stride, v.w, v.h, v.img.pixels, v.img.stride, 0, 0,
                                   v.mask.pixels, v.mask.stride);
         default:
-            return kTwoMasks[pattern](v.tmpl.pixels, v.tmpl.stride, c.w, c.h, v.mask.pixels, v.mask.stride,
+            return kTwoMasks[pattern](v.tmpl.pixels, v.tmpl.stride, v.w, v.h, v.mask.pixels, v.mask.stride,
                                       v.img.pixels, v.img.stride, 0, 0, v.imgMask.pixels, v.imgMask.stride);
     }
+}
+
+// An entry point on a case. The modes that take the template's statistics get those of the sums given.
+inline float entryScore(CorrPattern pattern, CorrMode mode, const CorrCase& c, const ModelSums& tmpl) {
+    return entryScoreOf(
+        pattern, mode, c.windows(),
+        {static_cast<std::int32_t>(tmpl.n), tmpl.n * tmpl.tt - tmpl.t * tmpl.t, static_cast<std::int32_t>(tmpl.t)});
 }
 
 // The pattern that a tier sums in place of the one asked for.
