@@ -1,11 +1,12 @@
-// Correlation of windows: each tier beside the limit that the processor's multiply-adds set, and a template along a
-// strip beside OpenCV's normalised template matching, on the same data, one thread, in one process. Scores are compared
-// before anything is timed. Many short repetitions; the last lines give fractions and ratios of the shortest processor
-// times, as the others tell more about the machine's load.
+// Correlation of single windows and of a template along a strip: each tier beside the limit that the processor's
+// multiply-adds set, and the strip beside OpenCV's normalised template matching, on the same data, one thread, in one
+// process. Scores are compared before anything is timed. Many short repetitions; the last lines give fractions and
+// ratios of the shortest times, as the others tell more about the machine's load.
 //
-// The limit counts what cannot be avoided: a multiply-add for each 16 pixels and each of sum(IT) and sum(II), and a sum
-// of bytes for each 32 pixels, at the throughput measured in the same run. Loads, widening, additions, the ends of rows,
-// the choice of the tier and the square root come on top.
+// The limit is that of a window by itself. It counts what cannot be avoided there: a multiply-add for each 16 pixels and
+// each of sum(IT) and sum(II), and a sum of bytes for each 32 pixels, at the throughput measured in the same run. Loads,
+// widening, additions, the ends of rows, the choice of the tier and the square root come on top. Windows that follow one
+// another share sum(II) and sum(I), so that a list may exceed it.
 #include <benchmark/benchmark.h>
 
 #include <cmath>
@@ -32,7 +33,6 @@ using zelmtest::Random;
 
 constexpr std::int32_t kStripWidth = 833;
 constexpr std::int32_t kMostRows = 64;
-constexpr std::int32_t kListSize = 33;
 
 // A textured strip, and a square template cut from it.
 struct Scene {
@@ -86,6 +86,10 @@ struct Scene {
     std::vector<zelm::CorrScore> scores;
 };
 
+std::string squareOf(std::int32_t size) {
+    return std::to_string(size) + "x" + std::to_string(size);
+}
+
 void windows(benchmark::State& state, const Processor& processor, std::int32_t size) {
     const ForcedProcessor forced{processor};
     const Scene scene(size);
@@ -97,8 +101,9 @@ void windows(benchmark::State& state, const Processor& processor, std::int32_t s
     }
 }
 
-void list(benchmark::State& state) {
-    Scene scene(kListSize);
+void list(benchmark::State& state, const Processor& processor, std::int32_t size) {
+    const ForcedProcessor forced{processor};
+    Scene scene(size);
     for (auto _ : state) {
         scene.scoreAll();
         benchmark::DoNotOptimize(scene.scores.data());
@@ -107,11 +112,11 @@ void list(benchmark::State& state) {
 }
 
 #ifdef ZELM_BENCH_PEER
-void listPeer(benchmark::State& state) {
-    Scene scene(kListSize);
+void listPeer(benchmark::State& state, std::int32_t size) {
+    Scene scene(size);
     scene.scoreAll();
-    const cv::Mat strip(kListSize, kStripWidth, CV_8UC1, scene.strip.data());
-    const cv::Mat tmpl(kListSize, kListSize, CV_8UC1, scene.tmpl.data());
+    const cv::Mat strip(size, kStripWidth, CV_8UC1, scene.strip.data());
+    const cv::Mat tmpl(size, size, CV_8UC1, scene.tmpl.data());
     cv::Mat result;
     cv::matchTemplate(strip, tmpl, result, cv::TM_CCOEFF_NORMED);
     for (std::size_t k = 0; k < scene.scores.size(); ++k) {
@@ -151,29 +156,51 @@ void byteSums(benchmark::State& state) {
     }
 }
 
-void printFraction(zelmbench::RatioReporter& reporter, std::int32_t size) {
-    const std::string at = std::to_string(size) + "x" + std::to_string(size);
+// The time of a window by itself, at the limit.
+double limitOf(zelmbench::RatioReporter& reporter, std::int32_t size) {
     const double pixels = static_cast<double>(size) * size;
-    const double limit = pixels / 16.0 * 2.0 * reporter.fastest("limit_multiplyAdd") / kAtOnce +
-                         pixels / 32.0 * reporter.fastest("limit_byteSum") / kAtOnce;
-    const double avx2 = reporter.fastest("nccFull_AVX2_" + at);
+    return pixels / 16.0 * 2.0 * reporter.fastest("limit_multiplyAdd") / kAtOnce +
+           pixels / 32.0 * reporter.fastest("limit_byteSum") / kAtOnce;
+}
+
+void printFraction(zelmbench::RatioReporter& reporter, const std::string& what, std::int32_t size, double windows) {
+    const std::string at = squareOf(size);
+    const double avx2 = reporter.fastest(what + "_AVX2_" + at) / windows;
+    const double limit = limitOf(reporter, size);
     if (avx2 > 0.0 && limit > 0.0) {
         std::printf(
-            "nccFull %s, AVX2: %.1f ns, %.0f %% of the multiply-add limit of %.1f ns; %.1f x the SSE4.1 tier, "
+            "%s %s, AVX2: %.1f ns a window, %.0f %% of the multiply-add limit of %.1f ns; %.1f x the SSE4.1 tier, "
             "%.1f x the plain tier\n",
-            at.c_str(), avx2, 100.0 * limit / avx2, limit, reporter.fastest("nccFull_SSE4.1_" + at) / avx2,
-            reporter.fastest("nccFull_plain_" + at) / avx2);
+            what.c_str(), at.c_str(), avx2, 100.0 * limit / avx2, limit,
+            reporter.fastest(what + "_SSE4.1_" + at) / windows / avx2,
+            reporter.fastest(what + "_plain_" + at) / windows / avx2);
     }
 }
 #endif
 
+// So many calls a repetition: the time that a repetition should take is no measure of them on a busy machine.
 template <class Function>
-void add(const std::string& name, Function function) {
+void add(const std::string& name, std::int64_t calls, Function function) {
     benchmark::RegisterBenchmark(name.c_str(), function)
-        ->Repetitions(60)
-        ->MinTime(0.004)
+        ->Repetitions(200)
+        ->Iterations(calls)
         ->ComputeStatistics(zelmbench::kShortest, zelmbench::shortestOf)
         ->DisplayAggregatesOnly(true);
+}
+
+void addTiers(const std::string& what, std::int64_t calls, std::int32_t size,
+              void (*run)(benchmark::State&, const Processor&, std::int32_t)) {
+    const auto addTier = [&](const std::string& tier, const Processor& processor) {
+        add(what + "_" + tier + "_" + squareOf(size), calls,
+            [=](benchmark::State& state) { run(state, processor, size); });
+    };
+    addTier("plain", zelmtest::plainProcessor());
+    if (zelmtest::machineHasSse41Tier()) {
+        addTier("SSE4.1", zelmtest::sse41Processor());
+    }
+    if (zelmtest::machineHasAvx2Tier()) {
+        addTier("AVX2", Processor{});
+    }
 }
 
 }  // namespace
@@ -181,44 +208,40 @@ void add(const std::string& name, Function function) {
 int main(int argc, char** argv) {
     benchmark::Initialize(&argc, argv);
     constexpr std::int32_t kSizes[] = {33, 64};
+#ifdef ZELM_BENCH_PEER
+    cv::setNumThreads(1);
+#endif
     for (const std::int32_t size : kSizes) {
-        const std::string at = std::to_string(size) + "x" + std::to_string(size);
-        const auto addTier = [&](const std::string& tier, const Processor& processor) {
-            add("nccFull_" + tier + "_" + at, [=](benchmark::State& s) { windows(s, processor, size); });
-        };
-        addTier("plain", zelmtest::plainProcessor());
-        if (zelmtest::machineHasSse41Tier()) {
-            addTier("SSE4.1", zelmtest::sse41Processor());
-        }
-        if (zelmtest::machineHasAvx2Tier()) {
-            addTier("AVX2", Processor{});
-        }
+        addTiers("nccFull", 2000, size, windows);
+        addTiers("list", 3, size, list);
+#ifdef ZELM_BENCH_PEER
+        add("list_peer_" + squareOf(size), 1, [=](benchmark::State& state) { listPeer(state, size); });
+#endif
     }
 #if defined(__x86_64__)
     if (zelmtest::machineHasAvx2Tier()) {
-        add("limit_multiplyAdd", multiplyAdds);
-        add("limit_byteSum", byteSums);
+        add("limit_multiplyAdd", 20000, multiplyAdds);
+        add("limit_byteSum", 20000, byteSums);
     }
-#endif
-    add("list_33x33_zelm", list);
-#ifdef ZELM_BENCH_PEER
-    cv::setNumThreads(1);
-    add("list_33x33_peer", listPeer);
 #endif
 
     zelmbench::RatioReporter reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
-    std::printf("\nshortest processor times\n");
+    std::printf("\nshortest times; list: positions that follow one another\n");
 #if defined(__x86_64__)
     for (const std::int32_t size : kSizes) {
-        printFraction(reporter, size);
+        printFraction(reporter, "nccFull", size, 1.0);
+        printFraction(reporter, "list", size, kStripWidth - size + 1);
     }
 #endif
-    const double ours = reporter.fastest("list_33x33_zelm");
-    const double peer = reporter.fastest("list_33x33_peer");
-    if (ours > 0.0 && peer > 0.0) {
-        std::printf("33x33 template at %d positions: %.2f us, %.1f x the speed of the peer (matchTemplate, %.2f us)\n",
-                    kStripWidth - kListSize + 1, ours * 1e-3, peer / ours, peer * 1e-3);
+    for (const std::int32_t size : kSizes) {
+        const std::string at = squareOf(size);
+        const double ours = reporter.fastest("list_AVX2_" + at);
+        const double peer = reporter.fastest("list_peer_" + at);
+        if (ours > 0.0 && peer > 0.0) {
+            std::printf("%s template at %d positions: %.2f us, %.1f x the speed of the peer (matchTemplate, %.2f us)\n",
+                        at.c_str(), kStripWidth - size + 1, ours * 1e-3, peer / ours, peer * 1e-3);
+        }
     }
     return 0;
 }

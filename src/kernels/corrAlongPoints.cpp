@@ -1,5 +1,6 @@
 #include "corrAlongPoints.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <limits>
@@ -132,13 +133,29 @@ CorrWindows windowsAt(const Search& search, std::ptrdiff_t offset) {
     return windows;
 }
 
-// How many windows from the one at begin on follow one another pixel by pixel.
-std::int32_t runLength(const Batch& batch, std::int32_t begin) {
+// Windows of a batch that follow one another pixel by pixel, to the right or to the left.
+struct Run {
+    std::int32_t length;
+    bool toTheLeft;
+};
+
+Run runFrom(const Batch& batch, std::int32_t begin) {
+    const std::ptrdiff_t* const offsets = batch.offsets;
     std::int32_t end = begin + 1;
-    while (end < batch.size && batch.offsets[end] == batch.offsets[end - 1] + 1) {
+    const bool toTheLeft = end < batch.size && offsets[end] == offsets[begin] - 1;
+    const std::ptrdiff_t step = toTheLeft ? -1 : 1;
+    while (end < batch.size && offsets[end] == offsets[end - 1] + step) {
         ++end;
     }
-    return end - begin;
+    return {end - begin, toTheLeft};
+}
+
+void sumRun(const Search& search, const Batch& batch, std::int32_t begin, const Run& run, CorrSums* sums) {
+    const std::int32_t leftmost = run.toTheLeft ? begin + run.length - 1 : begin;
+    search.tier.fullRun(windowsAt(search, batch.offsets[leftmost]), run.length, sums);
+    if (run.toTheLeft) {
+        std::reverse(sums, sums + run.length);
+    }
 }
 
 void sumBatch(const Search& search, const Batch& batch, CorrSums* sums) {
@@ -147,14 +164,13 @@ void sumBatch(const Search& search, const Batch& batch, CorrSums* sums) {
     const bool inRuns = search.tier.fullRun != nullptr && search.mode == kCorrNoMask &&
                         sumOne == search.tier.sums[kCorrFull][kCorrNoMask];
     for (std::int32_t k = 0; k < batch.size;) {
-        const CorrWindows windows = windowsAt(search, batch.offsets[k]);
-        const std::int32_t length = inRuns ? runLength(batch, k) : 1;
-        if (length > 1) {
-            search.tier.fullRun(windows, length, sums + k);
+        const Run run = inRuns ? runFrom(batch, k) : Run{1, false};
+        if (run.length > 1) {
+            sumRun(search, batch, k, run, sums + k);
         } else {
-            sumOne(windows, sums[k]);
+            sumOne(windowsAt(search, batch.offsets[k]), sums[k]);
         }
-        k += length;
+        k += run.length;
     }
 }
 

@@ -24,30 +24,39 @@ struct RunPlaces {
     std::ptrdiff_t rows;
 };
 
-// sum(IT) of the windows over half a block of every row; of the template's words, those that kept is set for.
+// sum(IT), a window each. Of the template's words, those that kept is set for.
 template <bool some>
-ZELM_ALWAYS_INLINE void addHalfBlocks(RunPlaces at, std::ptrdiff_t column, Vector kept, std::uint32_t* it) {
+ZELM_ALWAYS_INLINE void addHalfBlock(const std::uint8_t* tmpl, const std::uint8_t* img, Vector kept,
+                                     Vector (&sums)[kLanes]) {
+    const Vector t = some ? keep(kept, loadHalf(tmpl)) : loadHalf(tmpl);
+    for (int k = 0; k < kLanes; ++k) {
+        sums[k] = add(sums[k], multiplyAdd(t, loadHalf(img + k)));
+    }
+}
+
+// sum(IT) of the windows over the columns of half blocks. Returns the first column that is left.
+ZELM_ALWAYS_INLINE std::ptrdiff_t addHalfBlocks(RunPlaces at, std::ptrdiff_t w, std::uint32_t* it) {
     Vector sums[kLanes];
     for (int k = 0; k < kLanes; ++k) {
         sums[k] = everyWord(0);
     }
-    at.tmpl += column;
-    at.img += column;
+    const std::ptrdiff_t left = w % kHalf;
+    const bool oneMore = left > kFewColumns;
+    const Vector kept = lastWords(static_cast<std::int32_t>(left));
     for (; at.rows > 0; --at.rows) {
-        const Vector t = some ? keep(kept, loadHalf(at.tmpl)) : loadHalf(at.tmpl);
-        for (int k = 0; k < kLanes; ++k) {
-            sums[k] = add(sums[k], multiplyAdd(t, loadHalf(at.img + k)));
+        for (std::ptrdiff_t column = 0; column < w - left; column += kHalf) {
+            addHalfBlock<false>(at.tmpl + column, at.img + column, kept, sums);
+        }
+        if (oneMore) {
+            addHalfBlock<true>(at.tmpl + w - kHalf, at.img + w - kHalf, kept, sums);
         }
         at.tmpl += at.tmplStep;
         at.img += at.imgStep;
     }
     for (int k = 0; k < kLanes; k += 4) {
-        std::uint32_t four[4];
-        storeLaneSums(sums[k], sums[k + 1], sums[k + 2], sums[k + 3], four);
-        for (int j = 0; j < 4; ++j) {
-            it[k + j] += four[j];
-        }
+        storeLaneSums(sums[k], sums[k + 1], sums[k + 2], sums[k + 3], it + k);
     }
+    return oneMore ? w : w - left;
 }
 
 // sum(IT) of the windows over one column.
@@ -92,17 +101,9 @@ ZELM_ALWAYS_INLINE void stepSums(const RunPlaces& at, std::ptrdiff_t w, RunSteps
 
 // The sums of the windows that follow the one whose sums stand first.
 void addGroup(const RunPlaces& at, std::int32_t w, CorrSums* sums) {
-    std::uint32_t it[kLanes] = {};
-    std::int32_t column = 0;
-    for (; w - column >= kHalf; column += kHalf) {
-        addHalfBlocks<false>(at, column, everyWord(-1), it);
-    }
-    if (w - column > kFewColumns) {
-        addHalfBlocks<true>(at, w - kHalf, lastWords(w - column), it);
-    } else {
-        for (; column < w; ++column) {
-            addColumn(at, column, it);
-        }
+    std::uint32_t it[kLanes];
+    for (std::ptrdiff_t column = addHalfBlocks(at, w, it); column < w; ++column) {
+        addColumn(at, column, it);
     }
     RunSteps steps;
     stepSums(at, w, steps);

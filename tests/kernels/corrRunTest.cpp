@@ -94,14 +94,15 @@ constexpr Routine kRoutines[] = {innerCorrAlongPointsFull, innerCorrAlongPointsC
 constexpr std::int32_t kImageWidth = 150;
 constexpr std::int32_t kImageHeight = 60;
 
-// Runs to the right with gaps, steps down, steps back, repetitions and positions outside the image.
+// Runs to the right and to the left with gaps, steps down, steps back, repetitions and positions outside the image.
 std::vector<Point2i> wanderingPositions(Random& random, std::int32_t count) {
     std::vector<Point2i> positions;
     Point2i at = {random.integer(0, kImageWidth), random.integer(0, kImageHeight)};
     while (static_cast<std::int32_t>(positions.size()) < count) {
+        const std::int32_t step = random.integer(0, 2) == 0 ? -1 : 1;
         for (std::int32_t run = random.integer(1, random.integer(1, 100)); run > 0; --run) {
             positions.push_back(at);
-            ++at.x;
+            at.x += step;
         }
         switch (random.integer(0, 4)) {
             case 0:
@@ -224,15 +225,17 @@ TEST(CorrRun, AListOfOneLongRunGetsTheScoresOfTheEntryPoints) {
     for (const CorrTierCase& tier : corrTiers()) {
         SCOPED_TRACE(tier.name);
         const ForcedProcessor forced{tier.processor};
-        for (std::int32_t length = 60; length <= 75; ++length) {
-            ListScene scene(7);
-            scene.w = 33;
-            scene.h = 33;
-            scene.positions.clear();
-            for (std::int32_t x = 0; x < length; ++x) {
-                scene.positions.push_back({x, 3});
+        for (const bool toTheLeft : {false, true}) {
+            for (std::int32_t length = 60; length <= 75; ++length) {
+                ListScene scene(7);
+                scene.w = 33;
+                scene.h = 33;
+                scene.positions.clear();
+                for (std::int32_t x = 0; x < length; ++x) {
+                    scene.positions.push_back({toTheLeft ? length - 1 - x : x, 3});
+                }
+                expectEntryPoints(scene, kCorrFull, kCorrNoMask);
             }
-            expectEntryPoints(scene, kCorrFull, kCorrNoMask);
         }
     }
 }
