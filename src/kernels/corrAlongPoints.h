@@ -33,6 +33,9 @@ static_assert(sizeof(CorrScore) == 16);
 // nor, without a search mask, do those of more than 2^31 - 1 pixels. Positions may be any integers. Nothing else is
 // checked.
 //
+// The scores are the entry points', to the last bit. The tier of the processor is chosen once a call. Positions that
+// follow one another along a row, in either direction, take the least time.
+//
 // w, h            [in]  template size, which is the windows' size
 // tmpl            [in]  template, h rows of w bytes, tmplStride apart
 // tmplMask        [in]  template mask of the same size, or null
