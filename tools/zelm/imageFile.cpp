@@ -13,15 +13,16 @@
 #include "failure.h"
 #include "letterCase.h"
 #include "outputFiles.h"
+#include "pnmFile.h"
 
 namespace zelm::tool {
 namespace {
 
 namespace fs = std::filesystem;
 
-constexpr unsigned long kLargestSide = 32768;         // pixels
-constexpr magick_int64_t kMostPixels = 256LL << 20U;  // in one image
-constexpr std::size_t kJpegQuality = 95;              //
+constexpr std::uint64_t kLargestSide = 32768;       // pixels
+constexpr std::uint64_t kMostPixels = 256U << 20U;  // in one image
+constexpr std::size_t kJpegQuality = 95;            //
 constexpr std::string_view kKnownFormats = "PNG, TIFF, JPEG, BMP and PGM";
 
 void startImageLibrary() {
@@ -98,16 +99,41 @@ bool isDamage(const ExceptionInfo& exception) {
     failData("{}: not a complete {} image ({}): export or copy it again", path.string(), format, why);
 }
 
-void checkSize(const fs::path& path, const Image& image) {
-    if (image.columns == 0 || image.rows == 0 || image.columns > kLargestSide || image.rows > kLargestSide ||
-        static_cast<magick_int64_t>(image.columns) * static_cast<magick_int64_t>(image.rows) > kMostPixels) {
+void checkSize(const fs::path& path, std::uint64_t width, std::uint64_t height) {
+    if (width == 0 || height == 0 || width > kLargestSide || height > kLargestSide || width * height > kMostPixels) {
         failData("{}: claims {} x {} pixels; at most {} a side and {} million in all are read: crop or scale it down",
-                 path.string(), image.columns, image.rows, kLargestSide, kMostPixels >> 20U);
+                 path.string(), width, height, kLargestSide, kMostPixels >> 20U);
+    }
+}
+
+void checkSize(const fs::path& path, const Image& image) {
+    checkSize(path, image.columns, image.rows);
+}
+
+// The PNG decoder calls a large image a damaged one: its size stands at a fixed place.
+void checkPngSize(const fs::path& path, const std::string& bytes) {
+    constexpr std::size_t kWidthAt = 16;
+    constexpr std::size_t kHeightAt = 20;
+    if (bytes.size() < kHeightAt + 4) {
+        return;
+    }
+    const auto numberAt = [&bytes](std::size_t place) {
+        std::uint64_t number = 0;
+        for (std::size_t i = place; i < place + 4; ++i) {
+            number = 256 * number + static_cast<unsigned char>(bytes[i]);
+        }
+        return number;
+    };
+    if (const auto width = numberAt(kWidthAt), height = numberAt(kHeightAt); width > 0 && height > 0) {
+        checkSize(path, width, height);
     }
 }
 
 // What a decoder may ask for in the header, before anything is decoded.
 void checkHeader(const fs::path& path, std::string_view format, const std::string& bytes) {
+    if (format == "PNG") {
+        checkPngSize(path, bytes);
+    }
     Exception exception;
     const ImagePtr header(PingBlob(newInfo(format).get(), bytes.data(), bytes.size(), &exception), DestroyImageList);
     if (header != nullptr) {
@@ -131,6 +157,20 @@ ImagePtr decode(const fs::path& path, std::string_view format, const std::string
         failDamaged(path, format, image->exception);
     }
     checkSize(path, *image);
+    return image;
+}
+
+ImagePtr decodePnm(const fs::path& path, std::string_view bytes) {
+    const PnmHeader header = readPnmHeader(path, bytes);
+    checkSize(path, header.width, header.height);
+    const std::vector<std::uint16_t> levels = readPnmLevels(path, bytes, header);
+    Exception exception;
+    ImagePtr image(ConstituteImage(header.width, header.height, header.channels() == 1 ? "I" : "RGB", ShortPixel,
+                                   levels.data(), &exception),
+                   DestroyImageList);
+    if (image == nullptr) {
+        failDamaged(path, "PNM", exception);
+    }
     return image;
 }
 
@@ -190,7 +230,7 @@ ImagePtr readImage(const fs::path& path) {
         failData("{}: not an image that can be read: {} are", path.string(), kKnownFormats);
     }
     startImageLibrary();
-    return decode(path, format, bytes);
+    return format == "PNM" ? decodePnm(path, bytes) : decode(path, format, bytes);
 }
 
 ColourPicture readColours(const fs::path& path) {
