@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include "commandRun.h"
+#include "failure.h"
 #include "imageSet.h"
 
 using zelm::tool::naturallyBefore;
@@ -29,6 +31,33 @@ TEST(ImageSet, RunsOfDigitsCountAsNumbers) {
         for (std::size_t j = 0; j < sorted.size(); ++j) {
             EXPECT_EQ(naturallyBefore(sorted[i], sorted[j]), i < j) << sorted[i] << " " << sorted[j];
         }
+    }
+}
+
+// Some editors put a byte order mark before a list.
+TEST(ImageSet, AByteOrderMarkIsNoPartOfAName) {
+    const zelmtest::TemporaryFolder folder;
+    zelmtest::writeFile(folder / "a.png", "");
+    zelmtest::writeFile(folder / "list.txt",
+                        "\xef\xbb\xbf"
+                        "a.png\r\n\n a.png\n");
+    zelmtest::writeFile(folder / " a.png", "");
+    const auto paths = zelm::tool::expandImageSet({(folder / "list.txt").string()}, "--left");
+    EXPECT_EQ(paths, (std::vector<std::filesystem::path>{folder / "a.png", folder / " a.png"}));
+}
+
+TEST(ImageSet, AFolderThatCannotBeRead) {
+    if (::geteuid() == 0) {
+        GTEST_SKIP() << "root may read everywhere";
+    }
+    const zelmtest::TemporaryFolder folder;
+    std::filesystem::create_directory(folder / "closed");
+    std::filesystem::permissions(folder / "closed", std::filesystem::perms::none);
+    try {
+        zelm::tool::expandImageSet({(folder / "closed").string()}, "--left");
+        ADD_FAILURE() << "it is read";
+    } catch (const zelm::tool::Failure& failure) {
+        EXPECT_NE(std::string(failure.what()).find("closed: cannot read this folder"), std::string::npos);
     }
 }
 

@@ -122,6 +122,8 @@ TEST_F(MeasureBadInput, PairFiles) {
     csvRefused("", {"bad.csv", "holds no pixel pairs"});
     csvRefused("xL,yL,xR,yR\n", {"bad.csv", "holds no pixel pairs"});
     csvRefused("1,5;2,5;3,5;4,5\n", {"bad.csv: line 1", "is not a number"});
+    csvRefused("\"a,1,2,3,4\n", {"bad.csv: line 1", "a quote must end"});
+    csvRefused("\"a\"b,1,2,3,4\n", {"bad.csv: line 1", "a quote must end"});
     csvRefused(readFile(sampleFile("truth.json")), {"bad.csv: line 1"});
     csvRefused(readFile(sampleFile("left_00.png")).substr(0, 5000), {"bad.csv: line 1"});
     csvRefused("1e9,1e9,3,4\n1e9,1e9,3,4\n", {"bad.csv", "none of 2 pairs", "2 distortion"});
@@ -142,6 +144,30 @@ TEST_F(MeasureBadInput, OutputsThatCannotBeWritten) {
     refused({"epiline", rig, "--point", "1,1", "--in", "right", "--image", left, "-o", file("o.jpg")}, 2,
             {"o.jpg", ".png"});
     EXPECT_EQ(readFile(folder / "pairs.csv"), "640,480,640,480\n");
+    refused({"triangulate", rig, file("pairs.csv"), "-o", file("o.csv"), "--ply", file("./o.csv")}, 2, {"both"});
+    refused({"epiline", rig, "--point", "1,1", "--in", "left", "--image", right, "-o", file("o.png"), "--csv",
+             file("./o.png")},
+            2, {"o.png", "two outputs"});
+    refused({"triangulate", rig, file("pairs.csv"), "-o", ""}, 2, {"empty name"});
+}
+
+TEST_F(MeasureBadInput, OutputsThatAreInputs) {
+    fs::copy_file(sampleFile("right_00.png"), file("right.png"));
+    fs::copy_file(rig, file("copy.zcal"));
+    refused({"epiline", rig, "--point", "1,1", "--in", "left", "--image", file("right.png"), "-o", file("right.png")},
+            2, {"right.png", "is an input"});
+    refused({"epiline", file("copy.zcal"), "--point", "1,1", "--in", "left", "--csv", file("copy.zcal")}, 2,
+            {"copy.zcal", "is an input"});
+    refused({"triangulate", rig, file("pairs.csv"), "--dots", file("right.png"), file("right.png"), "-o",
+             file("right.png")},
+            2, {"right.png", "is an input"});
+    fs::copy_file(sampleFile("left_00.png"), file("a.png"));
+    fs::copy_file(sampleFile("left_00.png"), file("a_undistorted.png"));
+    refused({"undistort", rig, "--camera", "left", file("a.png"), file("a_undistorted.png"), "-o", file("")}, 2,
+            {"a_undistorted.png", "is an input"});
+    EXPECT_EQ(readFile(file("right.png")), readFile(sampleFile("right_00.png")));
+    EXPECT_EQ(readFile(file("copy.zcal")), readFile(rig));
+    EXPECT_EQ(readFile(file("a_undistorted.png")), readFile(sampleFile("left_00.png")));
 }
 
 // A file put in the place of a device would take it away from everyone else.

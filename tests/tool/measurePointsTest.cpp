@@ -186,6 +186,9 @@ TEST(Triangulate, FilesOfEveryFormGiveTheSamePoints) {
         {"id first", "corner 7,650.5,480.25,630,470\n", "corner 7"},
         {"header in another order", "yR,note,id,XL,yl,xR\n470,nothing,P4,650.5,480.25,630\n", "P4"},
         {"semicolons", "# pixels\n\nid;xL;yL;xR;yR\na,\"b\";650.5;480.25;630;470\n", "\"a,\"\"b\"\"\""},
+        {"quotes", "\"id\",\"xL\",\"yL\",\"xR\",yR\n \"a,\"\"b\"\"\" ,\"650.5\",480.25,\"630\",\"470\"\n",
+         "\"a,\"\"b\"\"\""},
+        {"quoted separators of another kind", "\"a,b,c\";650.5;480.25;630;470\n", "\"a,b,c\""},
         {"tabs", "650.5\t480.25\t630\t4.7e2\n", "1"},
     };
     ASSERT_EQ(rig.triangulate(cases[0].csv).status, 0);

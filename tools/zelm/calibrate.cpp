@@ -8,6 +8,7 @@
 #include "failure.h"
 #include "htmlReport.h"
 #include "imageSet.h"
+#include "jsonText.h"
 #include "outputFiles.h"
 #include "overlay.h"
 #include "plateOptions.h"
@@ -69,9 +70,14 @@ void estimate(const PairReading& reading) {
     }
 }
 
-Calibration calibrate(const CalibrateOptions& options, const PairSettings& settings, const Console& console) {
+Calibration calibrate(const CalibrateOptions& options, const PairSettings& settings, const Console& console,
+                      OutputFiles& outputs) {
     const std::vector<ViewFiles> views =
         pairImages(expandImageSet(options.left, "--left"), expandImageSet(options.right, "--right"), settings);
+    for (const ViewFiles& view : views) {
+        outputs.keep(view.left);
+        outputs.keep(view.right);
+    }
     PairReading reading = readPairs(views, settings, console);
     estimate(reading);
     Calibration c{settings.plate, reading.used, reading.skipped, rigOf(reading.handle.get(), reading.cameras), {}, {}};
@@ -103,10 +109,11 @@ void runCalibrate(const CalibrateOptions& options, const Console& console) {
     const PairSettings settings = settingsOf(options);
     const fs::path folder = options.folder;
     OutputFiles outputs;
+    outputs.keep(options.plate.file);
     outputs.prepareFolder(folder);
-    const Calibration c = calibrate(options, settings, console);
+    const Calibration c = calibrate(options, settings, console, outputs);
 
-    const std::string summary = summaryJson(c).dump(2);
+    const std::string summary = jsonText(summaryJson(c));
     outputs.add(folder / "rig.zcal", c.block);
     outputs.add(folder / "rig.json", summary + "\n");
     outputs.add(folder / "report.html", htmlReport(c));

@@ -132,7 +132,7 @@ CommandLine::CommandLine(Console& output)
         "Example:\n  zelm calibrate --plate plate.json --left 'left_*.png' --right 'right_*.png' -o out\n"
         "\nExit codes: 0 done, 1 the data did not allow it, 2 wrong usage.");
     parser->failure_message([](const CLI::App*, const CLI::Error& error) {
-        return fmt::format("zelm: {} (--help tells the options)\n", error.what());
+        return fmt::format("zelm: {} (--help tells the options)\n", oneLine(error.what()));
     });
 }
 

@@ -12,6 +12,7 @@
 #include "depthComparison.h"
 #include "failure.h"
 #include "jsonFields.h"
+#include "jsonText.h"
 #include "outputFiles.h"
 #include "rigFile.h"
 #include "sceneComparison.h"
@@ -136,7 +137,7 @@ void runCompare(const CompareOptions& o, const Console& console) {
                         {"truth", c.truth},
                         {"difference", c.difference()}});
     }
-    console.result(json.dump(2));
+    console.result(jsonText(json));
 }
 
 }  // namespace

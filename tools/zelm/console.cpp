@@ -13,6 +13,13 @@ constexpr std::size_t kBarCells = 30;
 
 }  // namespace
 
+std::string oneLine(std::string_view text) {
+    std::string line(text);
+    std::replace_if(
+        line.begin(), line.end(), [](unsigned char c) { return c < ' ' || c == 0x7f; }, '?');
+    return line;
+}
+
 void Console::say(std::string_view line) const {
     if (!json && !quiet) {
         fmt::print("{}\n", line);
@@ -27,7 +34,7 @@ void Console::result(std::string_view jsonText) const {
 
 void Console::warn(std::string_view line) const {
     std::fflush(stdout);
-    fmt::print(stderr, "zelm: warning: {}\n", line);
+    fmt::print(stderr, "zelm: warning: {}\n", oneLine(line));
 }
 
 Progress::Progress(const Console& console, std::string_view text, std::size_t count)

@@ -8,6 +8,9 @@
 
 namespace zelm::tool {
 
+// Text of one line: line ends and other control characters, which file names may hold, become question marks.
+std::string oneLine(std::string_view text);
+
 struct Console {
     bool json = false;   // results as JSON, and nothing else on stdout
     bool quiet = false;  // no text and no progress; warnings and errors remain

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <deque>
 
 #include "failure.h"
 #include "letterCase.h"
@@ -93,8 +94,13 @@ private:
     }
 
     static char separatorOf(std::string_view line) {
+        std::string bare;  // without what stands in quotes
+        for (bool quotes = false; const char c : line) {
+            quotes = quotes != (c == '"');
+            bare += quotes ? '"' : c;
+        }
         for (const char c : {',', ';'}) {
-            if (line.find(c) != std::string_view::npos) {
+            if (bare.find(c) != std::string::npos) {
                 return c;
             }
         }
@@ -103,14 +109,38 @@ private:
 
     void split(std::string_view line) {
         fields.clear();
+        unquoted.clear();
         for (;;) {
-            const std::size_t end = line.find(separator);
-            fields.push_back(trimmed(line.substr(0, end)));
+            const std::size_t end = takeField(line);
             if (end == std::string_view::npos) {
                 return;
             }
             line.remove_prefix(end + 1);
         }
+    }
+
+    // Adds the first field of the line; gives the place of the separator behind it. A field in quotes may hold
+    // separators, and quotes that are doubled.
+    std::size_t takeField(std::string_view line) {
+        const std::size_t start = line.find_first_not_of(' ');
+        if (start == std::string_view::npos || line[start] != '"') {
+            const std::size_t end = line.find(separator);
+            fields.push_back(trimmed(line.substr(0, end)));
+            return end;
+        }
+        std::string text;
+        std::size_t i = start + 1;
+        for (; i < line.size() && (line[i] != '"' || line.substr(i, 2) == "\"\""); ++i) {
+            text += line[i];
+            i += line[i] == '"' ? 1U : 0U;
+        }
+        const std::size_t end = line.find(separator, i);
+        if (i >= line.size() || !trimmed(line.substr(i + 1, end - i - 1)).empty()) {
+            failData("{}: line {}: {}: a quote must end with its field", path.string(), lineNumber,
+                     quoted(line.substr(start)));
+        }
+        fields.push_back(unquoted.emplace_back(std::move(text)));
+        return end;
     }
 
     // The columns that the line names; none when it is no header.
@@ -174,6 +204,7 @@ private:
     std::string expected;
     std::vector<CoordinateRow> rows;
     std::vector<std::string_view> fields;  // of the line at hand
+    std::deque<std::string> unquoted;      // those of them that stand in quotes in the file
     Columns columns;
     char separator = ',';
     std::size_t lineNumber = 0;

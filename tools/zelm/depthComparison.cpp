@@ -14,6 +14,7 @@
 
 #include "cameraPicture.h"
 #include "failure.h"
+#include "jsonText.h"
 #include "numberText.h"
 #include "outputFiles.h"
 
@@ -281,11 +282,9 @@ void compareDepths(const LoadedRig& rig, const nlohmann::json& truth, const fs::
     text += errorsText("seen by the left one alone", leftOnly, within);
     text += fmt::format("\n{} points found where no true depth is known", elsewhere);
     console.say(text);
-    console.result(Json{
-        {"seenByBoth", errorsJson(both, within)},
-        {"seenByLeftAlone", errorsJson(leftOnly, within)},
-        {"withoutTruth",
-         elsewhere}}.dump(2));
+    console.result(jsonText({{"seenByBoth", errorsJson(both, within)},
+                             {"seenByLeftAlone", errorsJson(leftOnly, within)},
+                             {"withoutTruth", elsewhere}}));
 }
 
 }  // namespace zelm::tool

@@ -8,6 +8,7 @@
 
 #include "dots.h"
 #include "failure.h"
+#include "jsonText.h"
 #include "outputFiles.h"
 #include "overlay.h"
 #include "plateOptions.h"
@@ -58,6 +59,8 @@ void runDetect(const DetectOptions& options, const Console& console) {
     const Plate plate = plateOf(options.plate);
     const Picture picture = readPicture(options.image);
     OutputFiles outputs;
+    outputs.keep(options.plate.file);
+    outputs.keep(options.image);
     outputs.prepareFolder(options.folder);
     const std::vector<Dot> dots = detect(picture, plate, options);
 
@@ -77,12 +80,11 @@ void runDetect(const DetectOptions& options, const Console& console) {
                             {"plane", {dot.plane.x, dot.plane.y}},
                             {"pixel", {dot.pixel.x, dot.pixel.y}}});
         }
-        console.result(nlohmann::ordered_json{
-            {"image", options.image},
-            {"units", plate.units},
-            {"csv", csv.string()},
-            {"overlay", png.string()},
-            {"dots", list}}.dump(2));
+        console.result(jsonText({{"image", options.image},
+                                 {"units", plate.units},
+                                 {"csv", csv.string()},
+                                 {"overlay", png.string()},
+                                 {"dots", list}}));
     }
 }
 

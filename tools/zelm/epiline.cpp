@@ -10,6 +10,7 @@
 #include "canvas.h"
 #include "epipolarLine.h"
 #include "failure.h"
+#include "jsonText.h"
 #include "letterCase.h"
 #include "numberText.h"
 #include "outputFiles.h"
@@ -101,6 +102,8 @@ void runEpiline(const EpilineOptions& o, const Console& console) {
     const char target = sideOf(o.side) == 'L' ? 'R' : 'L';
     const std::vector<PointLine> lines = linesOf(rig, target, o.points);
     OutputFiles outputs;
+    outputs.keep(o.rig);
+    outputs.keep(o.image);
     std::string written;
     if (!o.csv.empty()) {
         outputs.prepareFolder(fs::path(o.csv).parent_path());
@@ -121,7 +124,7 @@ void runEpiline(const EpilineOptions& o, const Console& console) {
         text += fmt::format("\n{}", lineText(line));
     }
     console.say(text + written);
-    console.result(Json{{"image", sideName(target)}, {"undistorted", true}, {"lines", linesJson(lines)}}.dump(2));
+    console.result(jsonText({{"image", sideName(target)}, {"undistorted", true}, {"lines", linesJson(lines)}}));
 }
 
 }  // namespace

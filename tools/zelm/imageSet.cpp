@@ -73,12 +73,19 @@ void sortNaturally(Paths& paths) {
 
 Paths imagesOfFolder(const fs::path& folder) {
     Paths paths;
-    for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
+    std::error_code error;
+    fs::directory_iterator entries(folder, error);
+    for (; !error && entries != fs::directory_iterator(); entries.increment(error)) {
+        const fs::directory_entry& entry = *entries;
         const bool isImage =
             std::find(kImageEndings.begin(), kImageEndings.end(), lowerEnding(entry.path())) != kImageEndings.end();
-        if (isImage && entry.is_regular_file() && !entry.path().filename().native().starts_with('.')) {
+        std::error_code unknown;
+        if (isImage && entry.is_regular_file(unknown) && !entry.path().filename().native().starts_with('.')) {
             paths.push_back(entry.path());
         }
+    }
+    if (error) {
+        failData("{}: cannot read this folder: {}", folder.string(), error.message());
     }
     if (paths.empty()) {
         failUsage("{}: this folder holds no images (PNG, TIFF, JPEG, BMP or PGM)", folder.string());
@@ -101,7 +108,11 @@ Paths filesOfGlob(const std::string& pattern) {
 
 Paths filesOfList(const fs::path& list) {
     Paths paths;
-    std::istringstream lines(readWholeFile(list, "a list of images"));
+    std::string text = readWholeFile(list, "a list of images");
+    if (constexpr std::string_view kByteOrderMark = "\xef\xbb\xbf"; text.starts_with(kByteOrderMark)) {
+        text.erase(0, kByteOrderMark.size());
+    }
+    std::istringstream lines(text);
     for (std::string line; std::getline(lines, line);) {
         while (!line.empty() && std::isspace(static_cast<unsigned char>(line.back())) != 0) {
             line.pop_back();

@@ -5,6 +5,7 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 
+#include "jsonText.h"
 #include "rigFile.h"
 #include "subcommands.h"
 
@@ -16,7 +17,7 @@ void showRig(const std::filesystem::path& path, const Console& console) {
     console.say(fmt::format("{}: a calibrated pair from {} views", path.string(), rig.views()));
     console.say(rigText(rig, "plane units"));
     if (console.json) {
-        console.result(rigJson(rig).dump(2));
+        console.result(jsonText(rigJson(rig)));
     }
 }
 

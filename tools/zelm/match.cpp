@@ -11,6 +11,7 @@
 
 #include "cameraPicture.h"
 #include "failure.h"
+#include "jsonText.h"
 #include "match/depthPicture.h"
 #include "match/matchFiles.h"
 #include "match/matchRun.h"
@@ -61,8 +62,7 @@ void checkNames(const MatchOptions& o) {
     const std::vector<std::string> outputs{o.csv, o.ply, o.picture};
     const std::vector<std::string> inputs{o.rig, o.left, o.right, o.points};
     const auto same = [](const std::string& a, const std::string& b) {
-        std::error_code error;
-        return !a.empty() && !b.empty() && (fs::path(a) == fs::path(b) || fs::equivalent(a, b, error));
+        return !a.empty() && !b.empty() && isSameFile(a, b);
     };
     for (std::size_t i = 0; i < outputs.size(); ++i) {
         for (std::size_t k = i + 1; k < outputs.size(); ++k) {
@@ -227,6 +227,12 @@ void checkResult(const MatchOptions& o, const Summary& s, std::size_t matched, s
     if (s.found() > 0) {
         return;
     }
+    if (s.of(MatchStatus::outside) == points) {
+        failData(
+            "{}: all of {} points, or every place where they could be found, are outside their image or nearer to "
+            "its edge than half a window of {} pixels: check the points, --depth, and the order of the images",
+            o.points.empty() ? o.left : o.points, points, o.window);
+    }
     const std::size_t hopeless = s.of(MatchStatus::outside) + s.of(MatchStatus::noTexture);
     if (hopeless == matched) {
         failData(
@@ -237,6 +243,20 @@ void checkResult(const MatchOptions& o, const Summary& s, std::size_t matched, s
     }
     failData("{}: none of {} points was found in {} ({}): do the images belong together, and to this rig?", o.left,
              points, o.right, countsText(s));
+}
+
+// Chance finds matches even in pictures that have nothing to do with each other.
+void warnOfChance(const MatchOptions& o, const Summary& s, const Console& console) {
+    constexpr std::size_t kFewest = 50;  // points below which a share tells little
+    constexpr double kLeastShare = 0.2;  // found, of the points with texture; of a scene it is half of them and more
+    const std::size_t sought =
+        s.found() + s.of(MatchStatus::noMatch) + s.of(MatchStatus::ambiguous) + s.of(MatchStatus::inconsistent);
+    if (sought >= kFewest && static_cast<double>(s.found()) < kLeastShare * static_cast<double>(sought)) {
+        console.warn(
+            fmt::format("{}: only {} of {} points with texture were found in {}, and those may be chance: do "
+                        "the images belong together, in this order, and to this rig?",
+                        o.left, s.found(), sought, o.right));
+    }
 }
 
 std::string summaryText(const MatchOptions& o, const MatchInput& input, const Summary& s, std::size_t points) {
@@ -321,8 +341,9 @@ void runMatch(const MatchOptions& o, const Console& console) {
     summary.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     checkResult(o, summary, matched.size(), points.size());
     writeFiles(o, matched, left, outputs);
+    warnOfChance(o, summary, console);
     console.say(summaryText(o, input, summary, matched.size()));
-    console.result(summaryJson(o, input, summary, matched.size()).dump(2));
+    console.result(jsonText(summaryJson(o, input, summary, matched.size())));
 }
 
 }  // namespace
@@ -363,7 +384,8 @@ void addMatch(CommandLine& commandLine, Console& console) {
         .inRange(0.01, 100.0)
         .showDefault();
     sub.option("--unit", o->unit, "Name of the plate's unit, for the picture").showDefault();
-    sub.option("--jobs", o->jobs, "Threads; 0: as many as the machine runs at a time. The result is the same")
+    sub.option("--jobs", o->jobs,
+               "Threads, at most as many as the machine runs at a time; 0: as many. The result is the same")
         .inRange(0, 1024)
         .showDefault();
     sub.does([o, &console] { runMatch(*o, console); });

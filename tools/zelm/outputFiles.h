@@ -3,6 +3,7 @@
 #define ZELM_TOOL_OUTPUT_FILES_H
 
 #include <filesystem>
+#include <set>
 #include <string_view>
 #include <vector>
 
@@ -12,20 +13,26 @@ namespace zelm::tool {
 // What is not committed is removed again, with any folder made for it.
 class OutputFiles {
 public:
-    OutputFiles() = default;
+    OutputFiles();
     ~OutputFiles();
     OutputFiles(const OutputFiles&) = delete;
     OutputFiles& operator=(const OutputFiles&) = delete;
+
+    // Names a file that the command reads: add() refuses to write over it.
+    void keep(const std::filesystem::path& input);
 
     // Makes the folder where needed and checks that files can be created in it, so that long work does not start in
     // vain. An empty path is the current folder. Throws Failure.
     void prepareFolder(const std::filesystem::path& folder);
 
-    // Writes the bytes beside `path`; its folder has been prepared. Throws Failure.
+    // Writes the bytes beside `path`; its folder has been prepared. Throws Failure, for a second file of one name too.
     void add(const std::filesystem::path& path, std::string_view bytes);
 
     // Puts every added file in place. Throws Failure.
     void commit();
+
+    // Takes away what is not in place.
+    void discard();
 
 private:
     struct Pending {
@@ -34,8 +41,17 @@ private:
     };
 
     std::vector<Pending> pending;
+    std::set<std::filesystem::path> inputs;
+    std::set<std::filesystem::path> outputs;
     std::vector<std::filesystem::path> madeFolders;  // outermost first
 };
+
+// Whether two names are of one file, or would be if it existed.
+bool isSameFile(const std::filesystem::path& a, const std::filesystem::path& b);
+
+// From here on a process that is interrupted, terminated or hung up takes its unfinished outputs away before it dies.
+// To be called before there are other threads.
+void discardOutputsWhenInterrupted();
 
 // The whole content of a file. Throws Failure naming the file, and `what` it should be, when it cannot be read.
 std::string readWholeFile(const std::filesystem::path& path, std::string_view what);

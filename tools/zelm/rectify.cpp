@@ -12,6 +12,7 @@
 #include "canvas.h"
 #include "epipolarLine.h"
 #include "failure.h"
+#include "jsonText.h"
 #include "numberText.h"
 #include "outputFiles.h"
 #include "pairFile.h"
@@ -229,6 +230,10 @@ void runRectify(const RectifyOptions& o, const Console& console) {
     const Zelm2ViewHomParam leftParams{references.left.x, references.left.y, o.depth};
     const Zelm2ViewHomParam rightParams{references.right.x, references.right.y, o.depth};
     OutputFiles outputs;
+    outputs.keep(o.rig);
+    outputs.keep(o.left);
+    outputs.keep(o.right);
+    outputs.keep(o.pairs);
     outputs.prepareFolder(o.folder);
 
     const AnyPicture rectifiedLeft = rectified(rig, 'L', left, leftParams);
@@ -246,7 +251,7 @@ void runRectify(const RectifyOptions& o, const Console& console) {
         "reference pixels: left ({:.3f}, {:.3f}), right ({:.3f}, {:.3f}): {}",
         names.left.string(), names.right.string(), names.pair.string(), drawing.lines.size(), references.left.x,
         references.left.y, references.right.x, references.right.y, references.origin));
-    console.result(resultJson(o, references, names, drawing).dump(2));
+    console.result(jsonText(resultJson(o, references, names, drawing)));
 }
 
 }  // namespace

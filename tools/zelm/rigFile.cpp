@@ -64,7 +64,8 @@ void checkNumbers(const fs::path& path, const std::string& bytes) {
         double value = 0.0;
         std::memcpy(&value, bytes.data() + offset, sizeof(value));
         if (!std::isfinite(value)) {
-            failData("{}: damaged calibration: the number at byte {} is not finite", path.string(), offset);
+            failData("{}: damaged calibration: the number at byte {} is not finite: copy it again, or calibrate again",
+                     path.string(), offset);
         }
     }
 }

@@ -11,6 +11,7 @@
 #include "cameraPicture.h"
 #include "dotCentre.h"
 #include "failure.h"
+#include "jsonText.h"
 #include "rigFigures.h"
 #include "spacePoints.h"
 
@@ -223,7 +224,7 @@ void compareScene(const LoadedRig& rig, const fs::path& rigPath, const nlohmann:
     for (const Distances& d : list) {
         json[d.key] = figuresJson(d.figures);
     }
-    console.result(json.dump(2));
+    console.result(jsonText(json));
 }
 
 }  // namespace zelm::tool

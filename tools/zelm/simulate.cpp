@@ -9,6 +9,7 @@
 
 #include "failure.h"
 #include "imageFile.h"
+#include "jsonText.h"
 #include "outputFiles.h"
 #include "simulateDescription.h"
 #include "simulateTruth.h"
@@ -103,16 +104,42 @@ std::vector<ViewTruth> renderAll(const SimulateDescription& d, const SimulateOpt
     return views;
 }
 
+// Views of an earlier run would be taken for views of this one by a pattern such as left_*.png.
+void warnOfOtherViews(const SimulateOptions& options, const std::vector<ViewTruth>& views, const Console& console) {
+    const auto isWritten = [&views](const std::string& name) {
+        return std::any_of(views.begin(), views.end(), [&name](const ViewTruth& view) {
+            return view.leftImage == name || view.rightImage == name;
+        });
+    };
+    std::vector<std::string> others;
+    std::error_code error;
+    for (fs::directory_iterator entry(options.folder, error), end; !error && entry != end; entry.increment(error)) {
+        const std::string name = entry->path().filename().string();
+        if ((name.starts_with("left_") || name.starts_with("right_")) && name.ends_with("." + options.format) &&
+            !isWritten(name)) {
+            others.push_back(name);
+        }
+    }
+    if (!others.empty()) {
+        console.warn(fmt::format(
+            "{}: also holds {} images of other views, such as {}: a pattern left_*.{} takes them "
+            "as well",
+            options.folder, others.size(), *std::min_element(others.begin(), others.end()), options.format));
+    }
+}
+
 void simulate(const SimulateOptions& options, const Console& console) {
     checkPictureName("left." + options.format);
     const SimulateDescription d = describe(options);
     OutputFiles output;
+    output.keep(options.description);
     output.prepareFolder(options.folder);
     const std::vector<ViewTruth> views = renderAll(d, options, console, output);
     const fs::path folder = options.folder;
-    output.add(folder / "truth.json", truthJson(d, views).dump(1) + "\n");
-    output.add(folder / "plate.json", plateJson(d.plate).dump(2) + "\n");
+    output.add(folder / "truth.json", jsonText(truthJson(d, views), 1) + "\n");
+    output.add(folder / "plate.json", jsonText(plateJson(d.plate)) + "\n");
     output.commit();
+    warnOfOtherViews(options, views, console);
     console.say(fmt::format("{}: {} views of {} dots, truth.json and plate.json", options.folder, views.size(),
                             render::plateDots(d.plate).size()));
     if (console.json) {
@@ -121,7 +148,7 @@ void simulate(const SimulateOptions& options, const Console& console) {
                                                {"dots", render::plateDots(d.plate).size()},
                                                {"truth", (folder / "truth.json").string()},
                                                {"plate", (folder / "plate.json").string()}};
-        console.result(result.dump(2));
+        console.result(jsonText(result));
     }
 }
 

@@ -9,6 +9,7 @@
 #include "cameraPicture.h"
 #include "dotCentre.h"
 #include "failure.h"
+#include "jsonText.h"
 #include "outputFiles.h"
 #include "rigFigures.h"
 #include "spacePoints.h"
@@ -43,14 +44,15 @@ struct Summary {
 // Names of files that would take each other's place.
 void checkNames(const TriangulateOptions& o) {
     const auto same = [](const std::string& a, const std::string& b) {
-        std::error_code error;
-        return !a.empty() && !b.empty() && (fs::path(a) == fs::path(b) || fs::equivalent(a, b, error));
+        return !a.empty() && !b.empty() && isSameFile(a, b);
     };
     if (same(o.csv, o.ply)) {
         failUsage("{}: given for both CSV and PLY: give two names", o.csv);
     }
+    std::vector<std::string> inputs{o.rig, o.pairs};
+    inputs.insert(inputs.end(), o.dotImages.begin(), o.dotImages.end());
     for (const std::string& output : {o.csv, o.ply}) {
-        for (const std::string& input : {o.rig, o.pairs}) {
+        for (const std::string& input : inputs) {
             if (same(output, input)) {
                 failUsage("{}: is an input: give the output another name", output);
             }
@@ -172,7 +174,7 @@ void runTriangulate(const TriangulateOptions& o, const Console& console) {
                                  pairs.size() - summary.points(), pairs.size(), failuresText(summary)));
     }
     console.say(summaryText(summary, pairs.size(), o));
-    console.result(summaryJson(summary, pairs.size(), o).dump(2));
+    console.result(jsonText(summaryJson(summary, pairs.size(), o)));
 }
 
 }  // namespace

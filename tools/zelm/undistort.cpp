@@ -13,6 +13,7 @@
 #include "cameraPicture.h"
 #include "failure.h"
 #include "imageSet.h"
+#include "jsonText.h"
 #include "letterCase.h"
 #include "outputFiles.h"
 #include "subcommands.h"
@@ -70,6 +71,10 @@ void runUndistort(const UndistortOptions& options, const Console& console) {
     const LoadedRig rig = loadRig(options.rig);
     const std::vector<Job> jobs = jobsOf(options);
     OutputFiles outputs;
+    outputs.keep(options.rig);
+    for (const Job& job : jobs) {
+        outputs.keep(job.image);
+    }
     outputs.prepareFolder(options.folder);
     Progress progress(console, "undistorting", jobs.size());
     for (const Job& job : jobs) {
@@ -87,7 +92,7 @@ void runUndistort(const UndistortOptions& options, const Console& console) {
         list.push_back(
             {{"image", job.image.string()}, {"camera", sideName(job.side)}, {"undistorted", job.output.string()}});
     }
-    console.result(list.dump(2));
+    console.result(jsonText(list));
 }
 
 }  // namespace
