@@ -127,9 +127,38 @@ TEST(MatchBadInput, PicturesOfDifferentThings) {
                 {"left.pgm", "none of", "right.pgm", "no_match", "belong together"});
 }
 
+// Where most of the right picture shows something else, what is found deserves doubt.
+TEST(MatchBadInput, FewFoundPointsAreAWarning) {
+    const PlaneScene other(smallPair(0, 0), kPlane, Texture(2.2, 99));
+    Pgm mixed = readPgmFile(other.file("right.pgm"));
+    const Pgm right = readPgmFile(scene().file("right.pgm"));
+    const std::size_t part = right.pixels.size() / 4;
+    mixed.pixels.replace(0, part, right.pixels, 0, part);
+    const TemporaryFolder folder;
+    writeFile(folder / "mixed.pgm", pgmBytes(mixed));
+    const std::string csv = (folder / "o.csv").string();
+    const CommandResult few = zelm({"match", scene().file("rig.zcal"), scene().file("left.pgm"),
+                                    (folder / "mixed.pgm").string(), "-o", csv, "-q"});
+    EXPECT_EQ(few.status, 0);
+    EXPECT_NE(few.errors.find("may be chance: do the images belong together"), std::string::npos) << few.errors;
+    EXPECT_EQ(scene().match({"-q"}).errors, "");
+}
+
+TEST(MatchBadInput, PointsOutsideTheImage) {
+    const TemporaryFolder folder;
+    const std::string list = (folder / "list.csv").string();
+    writeFile(list, "-5,5\n1e300,9\n3,90\n");
+    refused({"--points", list}, 1, {list, "all of 3 points", "outside", "half a window of 21 pixels"});
+}
+
+TEST(MatchBadInput, MoreThreadsThanTheMachineHasAreNoComplaint) {
+    EXPECT_EQ(scene().match({"--jobs", "1000", "--grid", "40", "-q"}).errors, "");
+}
+
 TEST(MatchBadInput, NamesOfOutputs) {
     const std::string csv = scene().file("points.csv");
     refused({"--ply", csv}, 2, {"points.csv", "two outputs"});
+    refused({"--ply", scene().file("./points.csv")}, 2, {"points.csv", "two outputs"});
     refused({"--picture", scene().file("depth.jpg")}, 2, {"depth.jpg", ".png"});
     refused({"--ply", scene().file("left.pgm")}, 2, {"left.pgm", "is an input"});
     refused({"--ply", scene().file("left.pgm/x.ply")}, 2, {"left.pgm", "output folder"});

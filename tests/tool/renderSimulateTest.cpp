@@ -236,6 +236,12 @@ TEST(Simulate, BadDescriptionsGiveOneLineAndNoFiles) {
          "optics.blur: unknown field; known here are blurSigma, dots, falloff, gradientX, gradientY, ground, "
          "noiseSigma, plate"},
         {R"({"optics": {"blurSigma": 0.001}})", 2, "optics: the blur must be 0 or between 0.02 and 50 pixels"},
+        {R"({"plate": {"polarity": "bright"}, "optics": {"dots": 20, "plate": 190}})", 2,
+         "optics: dots of level 20 on a plate of level 190 are not bright, as plate.polarity says: change one or the "
+         "other"},
+        {R"({"optics": {"dots": 191}})", 2,
+         "optics: dots of level 191 on a plate of level 190 are not dark, as plate.polarity says: change one or the "
+         "other"},
         {R"({"views": []})", 2, "views: expected 1 to 10000 poses"},
         {R"({"views": {"count": 0}})", 2, "views.count: expected 1 to 10000 views"},
         {R"({"views": {"seed": -1}})", 2, "views.seed: expected a whole number from 0 on"},

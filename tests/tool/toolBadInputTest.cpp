@@ -76,6 +76,27 @@ TEST_F(ToolBadInput, ImageWithoutAPlate) {
     expectOneLine(detect(image), 1, {image, "no plate found"});
 }
 
+TEST_F(ToolBadInput, DotsOfTheOtherPolarity) {
+    const std::string plate = write("bright.json", [] {
+        Json json = Json::parse(readFile(smallRig() / "plate.json"));
+        json["polarity"] = "bright";
+        return json.dump();
+    }());
+    expectOneLine(
+        detect(smallRigFile("left_00.pgm"), plate), 1,
+        {"left_00.pgm", "63 dark dots found, but no bright ones", "set \"polarity\" of the plate to \"dark\""});
+}
+
+// What a 12-bit camera gives in files of 16 bits.
+TEST_F(ToolBadInput, NearlyBlackPictures) {
+    Pgm pgm = readPgmFile(smallRig() / "left_00.pgm");
+    for (char& level : pgm.pixels) {
+        level = static_cast<char>(static_cast<unsigned char>(level) / 16);
+    }
+    const std::string image = write("dark.pgm", pgmBytes(pgm));
+    expectOneLine(detect(image), 1, {image, "nearly black, with levels up to 12 of 255", "10 or 12 bits"});
+}
+
 TEST_F(ToolBadInput, HiddenMarker) {
     const std::string image = write("hidden.pgm", withoutMarker(0, "left"));
     expectOneLine(detect(image), 1, {image, "only 2 of 3 marker dots found", "hidden"});

@@ -309,6 +309,40 @@ TEST(ToolCalibrate, ParallelPairNeedsOneViewOnly) {
     EXPECT_EQ(zelm({"info", views + "/o/rig.zcal"}).status, 0);
 }
 
+// One view of a parallel camera cannot tell a tilt from unequal scales.
+TEST(ToolCalibrate, APlateTiltedAgainstAParallelCameraIsAWarning) {
+    const TemporaryFolder folder;
+    const std::string views = (folder / "views").string();
+    const auto warnings = [&](const std::string& leftTilt, const std::string& rightTurn) {
+        const std::string camera = R"({"width": 640, "height": 480, "projection": "parallel", "fx": 4.6, "fy": 4.6,
+            "cx": 319.5, "cy": 239.5, "k1": 0, "k2": 0})";
+        writeFile(folder / "rig.json",
+                  R"({"plate": {"columns": [-4, 4], "rows": [-3, 3], "markerColumn": 2, "markerRow": 2},
+                      "left": )" +
+                      camera + R"(, "right": )" + camera + R"(, "rightFromLeft": {"rotation": [)" + rightTurn +
+                      R"(, 0, 0], "translation": [0, 0, 0]}, "optics": {"noiseSigma": 1.0},
+                      "views": [{"rotation": [0, )" +
+                      leftTilt + R"(, 0], "translation": [0, 0, 100]}]})");
+        EXPECT_EQ(zelm({"simulate", (folder / "rig.json").string(), "-o", views}).status, 0);
+        const CommandResult made =
+            zelm({"calibrate", "--plate", views + "/plate.json", "--left", views + "/left_00.png", "--right",
+                  views + "/right_00.png", "--left-model", "2", "--right-model", "2", "-o", views + "/o", "-q"});
+        EXPECT_EQ(made.status, 0) << made.errors;
+        return made.errors;
+    };
+    EXPECT_EQ(warnings("0", "0.8"), "");
+    const std::string one = warnings("0.8", "-13");
+    EXPECT_EQ(one.find("left_00.png"), std::string::npos) << one;
+    EXPECT_NE(one.find("right_00.png: the plate seems tilted by 13.0 degrees against the right camera"),
+              std::string::npos)
+        << one;
+    const std::string both = warnings("13", "0");
+    EXPECT_NE(both.find("left_00.png: the plate seems tilted by 13.0 degrees against the left camera"),
+              std::string::npos)
+        << both;
+    EXPECT_NE(both.find("right_00.png"), std::string::npos) << both;
+}
+
 // The rig in samples/desk-rig was rendered outside this project. The bounds are what a user may rely on.
 TEST(ToolSample, DeskRigIsCalibratedToItsTruth) {
     const TemporaryFolder out;

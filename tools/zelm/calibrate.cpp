@@ -1,8 +1,10 @@
 // zelm calibrate: from image pairs of a plate to a calibrated pair of cameras.
 #include <fmt/format.h>
 
+#include <cmath>
 #include <filesystem>
 #include <memory>
+#include <numbers>
 
 #include "calibrationSummary.h"
 #include "failure.h"
@@ -90,6 +92,39 @@ Calibration calibrate(const CalibrateOptions& options, const PairSettings& setti
     return c;
 }
 
+// How far the plate of the first view is turned against a parallel camera of square pixels, in degrees: such a camera
+// shortens what is tilted, so that a circle's axes are as one to the cosine.
+double tiltOfFirstView(const RigCamera& camera) {
+    const ZelmCameraIntrinsics& k = camera.intrinsics;
+    const double* const R = camera.poses.front().R;
+    const double a = k.alpha * R[0] + k.gamma * R[3];
+    const double b = k.alpha * R[1] + k.gamma * R[4];
+    const double c = k.beta * R[3];
+    const double d = k.beta * R[4];
+    // The axes are the singular values; their sum and their difference are lengths.
+    const double sum = std::hypot(a + d, c - b);
+    const double difference = std::hypot(a - d, b + c);
+    return std::acos(std::abs(sum - difference) / (sum + difference)) * 180.0 / std::numbers::pi;
+}
+
+void warnOfTilt(const Calibration& c, const Console& console) {
+    constexpr double kLargestTilt =
+        2.0;  // degrees; noise of a hundredth pixel in a few hundred makes about half of one
+    for (const char side : {'L', 'R'}) {
+        const RigCamera& camera = side == 'L' ? c.rig.left : c.rig.right;
+        const double tilt = camera.model == kParallelModel ? tiltOfFirstView(camera) : 0.0;
+        if (tilt > kLargestTilt) {
+            const ViewFiles& view = c.views.front();
+            console.warn(fmt::format(
+                "{}: the plate seems tilted by {:.1f} degrees against the {} camera, whose scales and direction are "
+                "then "
+                "wrong: a parallel camera is calibrated from the first view alone and must look straight at the plate "
+                "there",
+                (side == 'L' ? view.left : view.right).string(), tilt, side == 'L' ? "left" : "right"));
+        }
+    }
+}
+
 void addOverlays(const Calibration& c, const fs::path& folder, const Console& console, OutputFiles& outputs) {
     outputs.prepareFolder(folder);
     Progress progress(console, "drawing overlays", 2 * c.views.size());
@@ -121,6 +156,7 @@ void runCalibrate(const CalibrateOptions& options, const Console& console) {
         addOverlays(c, folder / "overlays", console, outputs);
     }
     outputs.commit();
+    warnOfTilt(c, console);
 
     console.say(summaryText(c));
     console.say(fmt::format("wrote rig.zcal, rig.json{} to {}",

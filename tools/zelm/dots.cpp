@@ -184,6 +184,24 @@ int countMarkerSized(const Picture& picture, const Plate& plate) {
     }));
 }
 
+const char* polarityWord(std::int32_t polarity) {
+    return polarity == 0 ? "dark" : "bright";
+}
+
+// The level that all but the brightest thousandth of the pixels stay within.
+int brightLevel(const Picture& picture) {
+    std::array<std::size_t, 256> counts{};
+    for (const std::uint8_t level : picture.pixels) {
+        counts[level] += 1;
+    }
+    std::size_t above = picture.pixels.size() / 1000;
+    int level = 255;
+    for (; level > 0 && counts[static_cast<std::size_t>(level)] <= above; --level) {
+        above -= counts[static_cast<std::size_t>(level)];
+    }
+    return level;
+}
+
 }  // namespace
 
 std::vector<Point2d> pointsOf(const Zelm2ViewCalib* handle, char side, std::int32_t view) {
@@ -257,9 +275,37 @@ std::vector<Dot> indexDots(const Picture& picture, const Plate& plate, const std
     return indexDots(plate, points, H);
 }
 
+namespace {
+
+// Why no dots are found in a picture whose levels are to blame; empty when they are not.
+std::string contrastText(const Picture& picture, const Plate& plate) {
+    constexpr int kDark = 32;  // a plate so dark has hardly the contrast that dots need
+    if (const int level = brightLevel(picture); level < kDark) {
+        return fmt::format(
+            "the picture is nearly black, with levels up to {} of 255: is it of 10 or 12 bits in 16? Scale its levels "
+            "up, or take it brighter",
+            level);
+    }
+    Plate inverted = plate;
+    inverted.pattern.polarity = 1 - plate.pattern.polarity;
+    if (const DotReading reading = readDots(picture, inverted, std::nullopt); reading.status >= 0) {
+        return fmt::format("{} {} dots found, but no {} ones: set \"polarity\" of the plate to \"{}\"",
+                           reading.points.size(), polarityWord(inverted.pattern.polarity),
+                           polarityWord(plate.pattern.polarity), polarityWord(inverted.pattern.polarity));
+    }
+    return {};
+}
+
+}  // namespace
+
 std::string readingText(std::int32_t status, const Plate& plate, const Picture* picture) {
     const Zelm2ViewPatternDesc& p = plate.pattern;
-    const char* const dots = p.polarity == 0 ? "dark" : "bright";
+    const char* const dots = polarityWord(p.polarity);
+    if (picture != nullptr && (status == ZELM_ERR_PATTERN_PLATE || status == ZELM_ERR_PATTERN)) {
+        if (const std::string text = contrastText(*picture, plate); !text.empty()) {
+            return text;
+        }
+    }
     switch (status) {
         case ZELM_ERR_PATTERN_PLATE:
             return fmt::format("no plate found: does it fill a twentieth of the picture, with {} dots on a {} ground?",

@@ -117,6 +117,7 @@ public:
         object(fields, "rightFromLeft", [&](JsonFields& f) { readPose(f, d.rig.rightFromLeft); });
         d.optics.levels = render::GrayLevels::matching(d.plate.polarity);
         object(fields, "optics", [&](JsonFields& f) { readOptics(f, d.optics); });
+        checkContrast(d);
         if (const Json* views = fields.find("views"); views != nullptr && views->is_array()) {
             readPoses(*views, d);
         } else {
@@ -133,6 +134,18 @@ private:
             JsonFields fields(*value, file, parent.pathOf(key));
             checked(file, parent.pathOf(key), [&] { readFields(fields); });
             fields.done();
+        }
+    }
+
+    // Dots of the other polarity than the plate file would say cannot be found again.
+    void checkContrast(const SimulateDescription& d) const {
+        const double step = d.optics.levels.plate - d.optics.levels.dots;
+        const bool dark = d.plate.polarity == render::Polarity::darkDots;
+        if (dark ? step < 0.0 : step > 0.0) {
+            failUsage(
+                "{}: optics: dots of level {} on a plate of level {} are not {}, as plate.polarity says: change "
+                "one or the other",
+                file, d.optics.levels.dots, d.optics.levels.plate, dark ? "dark" : "bright");
         }
     }
 

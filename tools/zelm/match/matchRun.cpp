@@ -2,6 +2,7 @@
 
 #include <tbb/blocked_range.h>
 #include <tbb/enumerable_thread_specific.h>
+#include <tbb/info.h>
 #include <tbb/parallel_for.h>
 #include <tbb/task_arena.h>
 
@@ -28,6 +29,12 @@ constexpr std::size_t kFewestOpponents = 4;     // so many of these
 constexpr double kConsentPixels = 1.0;          // along the epipolar line by which they may disagree
 constexpr double kConsentPixelsPerPixel = .1;   // and by their distance
 
+// More threads than the machine runs at a time are of no use, and the thread library complains of them.
+int threadsFor(int jobs) {
+    const int most = tbb::info::default_concurrency();
+    return jobs > 0 ? std::min(jobs, most) : most;
+}
+
 class Run {
 public:
     Run(const MatchInput& matchInput, const std::vector<Point2d>& allPoints, const Console& theConsole)
@@ -39,7 +46,7 @@ public:
           toRight(input.rig, 'L', input.settings.limits),
           toLeft(input.rig, 'R', input.settings.limits),
           neighbours(points, input.left.width, input.left.height, input.reach),
-          arena(input.jobs > 0 ? input.jobs : tbb::task_arena::automatic),
+          arena(threadsFor(input.jobs)),
           matchers([this] { return PointMatcher(left, right, toRight, toLeft, input.settings); }),
           matches(points.size()) {}
 
