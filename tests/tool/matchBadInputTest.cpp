@@ -158,7 +158,7 @@ TEST(MatchBadInput, MoreThreadsThanTheMachineHasAreNoComplaint) {
 TEST(MatchBadInput, NamesOfOutputs) {
     const std::string csv = scene().file("points.csv");
     refused({"--ply", csv}, 2, {"points.csv", "two outputs"});
-    refused({"--ply", scene().file("./points.csv")}, 2, {"points.csv", "two outputs"});
+    refused({"--ply", scene().file("new.png"), "--picture", scene().file("./new.png")}, 2, {"new.png", "two outputs"});
     refused({"--picture", scene().file("depth.jpg")}, 2, {"depth.jpg", ".png"});
     refused({"--ply", scene().file("left.pgm")}, 2, {"left.pgm", "is an input"});
     refused({"--ply", scene().file("left.pgm/x.ply")}, 2, {"left.pgm", "output folder"});

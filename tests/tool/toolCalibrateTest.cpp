@@ -2,6 +2,7 @@
 #include <cmath>
 #include <cstring>
 #include <map>
+#include <numbers>
 
 #include "toolFixtures.h"
 #include "zelmLib.h"
@@ -281,6 +282,31 @@ TEST(ToolCalibrate, ModelsArePassedOn) {
     EXPECT_EQ(json["right"]["model"], 0);
     EXPECT_EQ(json["right"]["theta"], 0.0);
     EXPECT_NE(json["left"]["theta"], 0.0);
+}
+
+// The truth's fy is the same number for every model; beta of a tilted sensor is fy cos(theta), here half a pixel less.
+TEST(ToolCalibrate, ATiltedSensorIsComparedInTheTermsOfTheTruth) {
+    const TemporaryFolder folder;
+    Json rig = Json::parse(readFile(smallRig().parent_path() / "rig.json"));
+    rig["left"]["theta"] = 2.0;
+    writeFile(folder / "rig.json", rig.dump());
+    const std::string views = (folder / "views").string();
+    ASSERT_EQ(zelm({"simulate", (folder / "rig.json").string(), "-o", views}).status, 0);
+    const CommandResult made = zelm({"calibrate", "--plate", views + "/plate.json", "--left", views + "/left_*.png",
+                                     "--right", views + "/right_*.png", "--left-model", "1", "-o", views + "/o", "-q"});
+    ASSERT_EQ(made.status, 0) << made.errors;
+    const CommandResult compared = zelm({"compare", views + "/o/rig.zcal", views + "/truth.json", "--json"});
+    ASSERT_EQ(compared.status, 0) << compared.errors;
+    double x = 0.0;
+    double y = 0.0;
+    for (const Json& row : Json::parse(compared.output)) {
+        x = row["quantity"] == "left focal length x" ? row["difference"].get<double>() : x;
+        y = row["quantity"] == "left focal length y" ? row["difference"].get<double>() : y;
+    }
+    // Both come from the same poses: what one is off by, so is the other, to the noise of the shape of a pixel.
+    EXPECT_NEAR(x, y, 0.15);
+    const Json info = Json::parse(zelm({"info", views + "/o/rig.zcal", "--json"}).output);
+    EXPECT_NEAR(info["left"]["theta"], 2.0 * std::numbers::pi / 180.0, 1e-3);
 }
 
 TEST(ToolCalibrate, ParallelPairNeedsOneViewOnly) {

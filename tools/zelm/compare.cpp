@@ -60,7 +60,8 @@ void compareCamera(const std::string& side, const RigCamera& camera, const nlohm
     const ScaleWords scale = scaleWords(camera.model, kLengthUnits);
     add(scale.name + " x", scale.unit, k.alpha, "fx");
     list.back().relative = true;
-    add(scale.name + " y", scale.unit, k.beta, "fy");
+    // The truth counts along the rows' normal, beta of a tilted sensor along its sheared axis.
+    add(scale.name + " y", scale.unit, k.beta / std::cos(k.theta), "fy");
     list.back().relative = true;
     add("principal point x", "px", k.cx, "cx");
     add("principal point y", "px", k.cy, "cy");
