@@ -82,7 +82,7 @@ TEST_F(ToolOutputs, NamesThatAreNoUtf8) {
               smallRigFile("left_02.pgm"), "--right", smallRigFile("right_00.pgm"), smallRigFile("right_01.pgm"),
               smallRigFile("right_02.pgm"), "-o", at("d"), "--quiet"});
     EXPECT_EQ(images.status, 0) << images.errors;
-    EXPECT_NO_THROW(Json::parse(readFile(at("d/rig.json"))));
+    EXPECT_TRUE(Json::accept(readFile(at("d/rig.json"))));
 }
 
 TEST_F(ToolOutputs, NamesAsLongAsTheFileSystemTakes) {
