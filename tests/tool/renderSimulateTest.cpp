@@ -249,6 +249,9 @@ TEST(Simulate, BadDescriptionsGiveOneLineAndNoFiles) {
         {R"({"views": {"largestFill": 1.5}})", 2, "views.largestFill: expected a share up to 1"},
         {R"({"rightFromLeft": {"rotation": [0, 170, 0]}})", 1,
          "no pose was found in which both cameras see the whole plate; check the rig's geometry and the plate's size"},
+        {R"({"left": {"projection": "parallel", "fx": 4, "fy": 4}})", 1,
+         "no pose was found in which both cameras see the whole plate; check the rig's geometry and the plate's size, "
+         "or list the poses one by one: those for a parallel left camera are drawn at z = 1"},
         {R"({"views": [{"rotation": [0, 0, 0], "translation": [60, 0, 500]},
                        {"rotation": [0, 88, 0], "translation": [60, 0, 50]}]})",
          1,

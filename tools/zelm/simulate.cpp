@@ -52,7 +52,10 @@ std::vector<render::Pose> posesOf(const SimulateDescription& d, const std::strin
     try {
         return render::makeViewPoses(d.plate, d.rig, d.viewCount, d.seed, d.range);
     } catch (const std::runtime_error& error) {
-        failData("{}: {}", source, error.what());
+        // A parallel camera sees no distance: the plate is placed one unit away, where the other may not look.
+        const bool parallel = d.rig.left.projection == render::Projection::parallel;
+        failData("{}: {}{}", source, error.what(),
+                 parallel ? ", or list the poses one by one: those for a parallel left camera are drawn at z = 1" : "");
     }
 }
 
