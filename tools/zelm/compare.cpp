@@ -98,8 +98,8 @@ std::string comparisonText(const std::vector<Comparison>& list) {
     std::string text =
         fmt::format("{:<26}{:>14}{:>14}{:>12}  {}", "quantity", "calibrated", "truth", "difference", "unit");
     for (const Comparison& c : list) {
-        text += fmt::format("\n{:<26}{:>14.5f}{:>14.5f}{:>12.5f}  {}", c.quantity, c.calibrated, c.truth,
-                            c.difference(), c.unit);
+        text += fmt::format("\n{:<26}{:>14.5f}{:>14.5f}{:>12.5f}", c.quantity, c.calibrated, c.truth, c.difference());
+        text += c.unit.empty() ? "" : fmt::format("  {}", c.unit);
         if (c.relative) {
             text += fmt::format(" ({:+.4f} %)", 100.0 * c.difference() / c.truth);
         }
