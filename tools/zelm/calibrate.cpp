@@ -108,8 +108,8 @@ double tiltOfFirstView(const RigCamera& camera) {
 }
 
 void warnOfTilt(const Calibration& c, const Console& console) {
-    constexpr double kLargestTilt =
-        2.0;  // degrees; noise of a hundredth pixel in a few hundred makes about half of one
+    // Degrees. Noise of a hundredth of a pixel over a few hundred pixels makes about half of one.
+    constexpr double kLargestTilt = 2.0;
     for (const char side : {'L', 'R'}) {
         const RigCamera& camera = side == 'L' ? c.rig.left : c.rig.right;
         const double tilt = camera.model == kParallelModel ? tiltOfFirstView(camera) : 0.0;
@@ -117,9 +117,8 @@ void warnOfTilt(const Calibration& c, const Console& console) {
             const ViewFiles& view = c.views.front();
             console.warn(fmt::format(
                 "{}: the plate seems tilted by {:.1f} degrees against the {} camera, whose scales and direction are "
-                "then "
-                "wrong: a parallel camera is calibrated from the first view alone and must look straight at the plate "
-                "there",
+                "then wrong: a parallel camera is calibrated from the first view alone and must look straight at the "
+                "plate there",
                 (side == 'L' ? view.left : view.right).string(), tilt, side == 'L' ? "left" : "right"));
         }
     }
