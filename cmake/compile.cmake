@@ -26,18 +26,26 @@ target_compile_options(zelm_library_options INTERFACE
   $<$<COMPILE_LANGUAGE:CXX>:-fvisibility-inlines-hidden -fno-exceptions -fno-rtti -fno-threadsafe-statics>)
 target_include_directories(zelm_library_options INTERFACE ${PROJECT_SOURCE_DIR}/include)
 
-# zelm_add_layer(<name> SOURCES <files> [BELOW <layers>]): the object library zelm_<name>, whose internal headers are
-# seen by the layers that name it in BELOW. (Object files are gathered in library.cmake; BELOW only opens include paths.)
+# zelm_add_layer(<name> SOURCES <files> [BELOW <layers>]): makes the folder the object library zelm_<name>, whose internal
+# headers are seen by the layers that name it in BELOW. (Object files are gathered in library.cmake; BELOW only opens
+# include paths.)
 function(zelm_add_layer name)
   cmake_parse_arguments(LAYER "" "" "SOURCES;BELOW" ${ARGN})
   add_library(zelm_${name} OBJECT ${LAYER_SOURCES})
-  list(GET LAYER_SOURCES 0 first)
-  get_filename_component(LAYER_DIR ${CMAKE_CURRENT_SOURCE_DIR}/${first} DIRECTORY)
   target_link_libraries(zelm_${name} PRIVATE zelm_library_options)
-  target_include_directories(zelm_${name} PUBLIC ${LAYER_DIR})
+  target_include_directories(zelm_${name} PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
   foreach(below IN LISTS LAYER_BELOW)
     target_include_directories(zelm_${name} PUBLIC
       $<TARGET_PROPERTY:zelm_${below},INTERFACE_INCLUDE_DIRECTORIES>)
   endforeach()
   set_property(GLOBAL APPEND PROPERTY ZELM_LAYERS zelm_${name})
+endfunction()
+
+# zelm_add_tier(<layer> <NAME> SOURCES <files> FLAGS <flags>): files of a layer that are built with flags of their own; the
+# layer is built with ZELM_<NAME>_TIER.
+function(zelm_add_tier layer name)
+  cmake_parse_arguments(TIER "" "" "SOURCES;FLAGS" ${ARGN})
+  target_sources(zelm_${layer} PRIVATE ${TIER_SOURCES})
+  set_source_files_properties(${TIER_SOURCES} PROPERTIES COMPILE_OPTIONS "${TIER_FLAGS}")
+  target_compile_definitions(zelm_${layer} PRIVATE ZELM_${name}_TIER)
 endfunction()

@@ -42,12 +42,11 @@ check_layer src/kernels 'kernels'
 check_layer src/bin 'bin'
 check_layer src/edge 'edge1d'
 check_layer src/calib 'calib|mat|math'
-check_layer 3DLib/zelmLib/zelm2View 'cstmGeometry|cstmSearch|twoView|twoViewGeometry|calib|cg|clp2d|misc|kernels|fit|bin|edge1d|mat|math|image'
-
-# The custom stereo search lies in the folder of the stereo pair, a layer above it.
-pair_sources=$(find 3DLib/zelmLib/zelm2View -name '*.cpp' -o -name '*.h' | grep -v '/zelmCstmDrovn')
-# shellcheck disable=SC2086
-refuse "the stereo pair reaches up to the custom search" '#include "(zelm/cstm|zelmCstmDrovn)' $pair_sources
+stereo=3DLib/zelmLib/zelm2View/src
+check_layer $stereo/pair 'twoView|calib|mat|math'
+check_layer $stereo/pattern 'twoView|calib|fit|bin|edge1d|mat|math|image'
+check_layer $stereo/geometry 'twoView|twoViewGeometry|calib|cg|misc|kernels|mat'
+check_layer $stereo/zelmCstmDrovn 'cstmGeometry|cstmSearch|twoView|twoViewGeometry|calib|cg|clp2d|misc|kernels|mat'
 
 sources=$(find src 3DLib -name '*.cpp' -o -name '*.h')
 outside_frame=$(echo "$sources" | grep -vE '^src/frame/(alloc|assertion)\.cpp$')
@@ -58,7 +57,7 @@ outside_frame=$(echo "$sources" | grep -vE '^src/frame/(alloc|assertion)\.cpp$')
   refuse "switched-off code" '^ *# *if +0' $sources
 }
 
-duplicates=$(git ls-files 'src/*' '3DLib/*' 'tests/*' 'tools/*' 'bench/*' | grep -E '\.(cpp|h)$' | xargs -n1 basename | sort | uniq -d)
+duplicates=$(git ls-files 'src/*' '3DLib/*' 'measure/*' 'render/*' 'tests/*' 'tools/*' 'bench/*' | grep -E '\.(cpp|h)$' | xargs -n1 basename | sort | uniq -d)
 if [ -n "$duplicates" ]; then
   echo "file names that are not unique in the tree: $duplicates"
   failed=1

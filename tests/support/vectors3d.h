@@ -1,6 +1,6 @@
 // Vectors and seeded frames in space, written out apart from the library's own.
-#ifndef ZELM_TEST_VECTORS_3D_H
-#define ZELM_TEST_VECTORS_3D_H
+#ifndef ZELM_TEST_VECTORS3D_H
+#define ZELM_TEST_VECTORS3D_H
 
 #include <cmath>
 

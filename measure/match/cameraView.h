@@ -1,0 +1,40 @@
+// A picture and the camera that took it.
+#ifndef ZELM_MEASURE_CAMERA_VIEW_H
+#define ZELM_MEASURE_CAMERA_VIEW_H
+
+#include <cstdint>
+#include <optional>
+
+#include "imageFile.h"
+#include "rigFile.h"
+#include "transfer.h"
+
+namespace zelm::tool {
+
+class CameraView {
+public:
+    // All of them outlive the view.
+    CameraView(const LoadedRig& rig, char whichSide, const Picture& taken)
+        : handle(rig.handle.get()), side(whichSide), camera(rig.camera(whichSide)), picture(taken) {}
+
+    // Nothing where the lens distortion cannot be removed.
+    std::optional<Point2d> undistorted(Point2d raw) const;
+    Point2d distorted(Point2d ideal) const;
+
+    // Whether the picture shows all of a patch of width x height pixels, which `toIdeal` carries to undistorted ones.
+    bool shows(const Matrix3& toIdeal, int width, int height) const;
+    // The patch, straight from the picture as taken: one interpolation.
+    void warp(const Matrix3& toIdeal, int width, int height, std::uint8_t* patch) const;
+
+    const Picture& image() const { return picture; }
+
+private:
+    const Zelm2ViewCalib* handle;
+    char side;
+    const RigCamera& camera;
+    const Picture& picture;
+};
+
+}  // namespace zelm::tool
+
+#endif

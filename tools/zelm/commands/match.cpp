@@ -1,0 +1,394 @@
+// zelm match: counterparts of pixels of the left image in the right one, and their 3-D points.
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <ctime>
+#include <filesystem>
+#include <memory>
+#include <nlohmann/json.hpp>
+
+#include "cameraPicture.h"
+#include "depthPicture.h"
+#include "failure.h"
+#include "jsonText.h"
+#include "matchFiles.h"
+#include "matchRun.h"
+#include "numberText.h"
+#include "outputFiles.h"
+#include "pointFile.h"
+#include "subcommands.h"
+
+namespace zelm::tool {
+namespace {
+
+namespace fs = std::filesystem;
+using Json = nlohmann::ordered_json;
+
+struct MatchOptions {
+    std::string rig;
+    std::string left;
+    std::string right;
+    std::string csv;
+    std::string ply;
+    std::string picture;
+    std::string points;
+    int step = 8;
+    bool dense = false;
+    int window = 21;
+    std::string depth;
+    double noise = 0.0;  // 0: as estimated
+    std::string unit = "plane units";
+    int jobs = 0;
+    MatchSettings settings;
+};
+
+// What a result is told from at a glance.
+struct Summary {
+    std::array<std::size_t, kMatchStatuses> counts{};
+    double nearest = 0.0;  // depths of the points that are ok
+    double farthest = 0.0;
+    double medianDeviation = 0.0;
+    double medianScore = 0.0;
+    double seconds = 0.0;
+    double processorSeconds = 0.0;  // of all threads together
+
+    std::size_t of(MatchStatus status) const { return counts[static_cast<std::size_t>(status)]; }
+    std::size_t found() const { return of(MatchStatus::ok); }
+};
+
+void checkNames(const MatchOptions& o) {
+    const std::vector<std::string> outputs{o.csv, o.ply, o.picture};
+    const std::vector<std::string> inputs{o.rig, o.left, o.right, o.points};
+    const auto same = [](const std::string& a, const std::string& b) {
+        return !a.empty() && !b.empty() && isSameFile(a, b);
+    };
+    for (std::size_t i = 0; i < outputs.size(); ++i) {
+        for (std::size_t k = i + 1; k < outputs.size(); ++k) {
+            if (same(outputs[i], outputs[k])) {
+                failUsage("{}: given for two outputs: give two names", outputs[i]);
+            }
+        }
+        for (const std::string& input : inputs) {
+            if (same(outputs[i], input)) {
+                failUsage("{}: is an input: give the output another name", outputs[i]);
+            }
+        }
+    }
+    if (!o.picture.empty() && fs::path(o.picture).extension() != ".png") {
+        failUsage("{}: depth pictures are PNG files: give the name the ending .png", o.picture);
+    }
+}
+
+DepthLimits depthLimits(const MatchOptions& o, const Rig& rig) {
+    if (o.depth.empty()) {
+        return calibratedLimits(rig);
+    }
+    const std::vector<double> range = numbersOf(o.depth);
+    if (range.size() != 2) {
+        failUsage("--depth {}: expected MIN,MAX: two distances in plane units", o.depth);
+    }
+    DepthLimits limits;
+    limits.leftNearest = range[0];
+    limits.leftFarthest = range[1];
+    if (!(range[0] < range[1])) {
+        failUsage("--depth {}: an empty range: MIN must be less than MAX", o.depth);
+    }
+    if (rig.left.model != 2 && !(range[0] > 0.0)) {
+        failUsage("--depth {}: MIN must be greater than 0, in front of the camera", o.depth);
+    }
+    return limits;
+}
+
+void checkWindow(const MatchOptions& o, const Rig& rig) {
+    if (o.window % 2 == 0) {
+        failUsage("--window {}: must be odd, so that the point is in its middle", o.window);
+    }
+    for (const char side : {'L', 'R'}) {
+        const RigCamera& camera = side == 'L' ? rig.left : rig.right;
+        if (o.window + 2 >= std::min(camera.width, camera.height)) {
+            failUsage("--window {}: larger than the {} image of {} x {} pixels: give a smaller one", o.window,
+                      sideName(side), camera.width, camera.height);
+        }
+    }
+}
+
+std::vector<ImagePoint> pointsOf(const MatchOptions& o, const Picture& left) {
+    if (!o.points.empty()) {
+        return readPointFile(o.points);
+    }
+    std::vector<ImagePoint> points;
+    for (const Point2d& p : gridPoints(left, o.dense ? 1 : o.step)) {
+        points.push_back({p, std::to_string(points.size() + 1)});
+    }
+    return points;
+}
+
+// The points where no search can begin make a message of their own.
+void checkOverlap(const MatchOptions& o, const MatchInput& input, const std::vector<ImagePoint>& points) {
+    const CameraView left(input.rig, 'L', input.left);
+    const Transfer toRight(input.rig, 'L', input.settings.limits);
+    const bool any = std::any_of(points.begin(), points.end(), [&](const ImagePoint& p) {
+        const auto ideal = left.undistorted(p.pixel);
+        return ideal && !toRight.searchInterval(*ideal).isEmpty();
+    });
+    if (!any) {
+        const DepthLimits& l = input.settings.limits;
+        failData(
+            "{}: no epipolar line of any of {} points crosses the right image at depths from {:.6g} to {:.6g}: the "
+            "cameras see nothing in common there; give another --depth, or check the calibration and the points",
+            o.rig, points.size(), l.leftNearest, l.leftFarthest);
+    }
+}
+
+std::vector<MatchedPoint> matchedPoints(const MatchOptions& o, const MatchInput& input,
+                                        const std::vector<ImagePoint>& points, const Console& console) {
+    std::vector<PointMatch> matches;
+    if (o.dense) {
+        matches = matchPixels(input, console);
+    } else {
+        std::vector<Point2d> pixels;
+        std::transform(points.begin(), points.end(), std::back_inserter(pixels),
+                       [](const ImagePoint& p) { return p.pixel; });
+        matches = matchPoints(input, pixels, console);
+    }
+    const Triangulator triangulate(input.rig, o.rig);
+    const ZelmCameraExtrinsics& pose = input.rig.rig.left.poses.front();
+    const Transfer toRight(input.rig, 'L', input.settings.limits);
+    std::vector<MatchedPoint> result;
+    for (std::size_t i = 0; i < matches.size(); ++i) {
+        PointMatch& match = matches[i];
+        const bool isHopeless = match.status == MatchStatus::noTexture || match.status == MatchStatus::outside;
+        if (o.dense && isHopeless) {
+            continue;
+        }
+        MatchedPoint& p = result.emplace_back(MatchedPoint{points[i].id, match, {}, 0.0, 0.0});
+        if (match.status == MatchStatus::ok) {
+            p.space = triangulate({match.left, match.right, ""});
+            if (p.space.status != PointStatus::ok) {
+                p.match.status = MatchStatus::inconsistent;
+                continue;
+            }
+            const Point3d& X = p.space.position;
+            p.depth = pose.R[6] * X.x + pose.R[7] * X.y + pose.R[8] * X.z + pose.t[2];
+            const FittedSurface& f = match.fitted;
+            p.deviation = f.deviation / f.pixelsPerRho * toRight.depthSlope(f.surface.rho);
+        }
+    }
+    return result;
+}
+
+double medianOf(std::vector<double>& values) {
+    if (values.empty()) {
+        return 0.0;
+    }
+    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
+    std::nth_element(values.begin(), middle, values.end());
+    return *middle;
+}
+
+Summary summaryOf(const std::vector<MatchedPoint>& points) {
+    Summary s;
+    s.counts = countStatuses(points);
+    std::vector<double> depths;
+    std::vector<double> deviations;
+    std::vector<double> scores;
+    for (const MatchedPoint& p : points) {
+        if (p.match.status == MatchStatus::ok) {
+            depths.push_back(p.depth);
+            deviations.push_back(p.deviation);
+            scores.push_back(p.match.fitted.score);
+        }
+    }
+    if (!depths.empty()) {
+        const auto [least, largest] = std::minmax_element(depths.begin(), depths.end());
+        s.nearest = *least;
+        s.farthest = *largest;
+    }
+    s.medianDeviation = medianOf(deviations);
+    s.medianScore = medianOf(scores);
+    return s;
+}
+
+std::string countsText(const Summary& s) {
+    std::string text;
+    for (std::size_t i = 1; i < kMatchStatuses; ++i) {
+        if (s.counts[i] > 0) {
+            text +=
+                fmt::format("{}{} {}", text.empty() ? "" : ", ", s.counts[i], statusWord(static_cast<MatchStatus>(i)));
+        }
+    }
+    return text.empty() ? "none" : text;
+}
+
+// `points`: all that were asked for; dense results leave out those without texture.
+void checkResult(const MatchOptions& o, const Summary& s, std::size_t matched, std::size_t points) {
+    if (s.found() > 0) {
+        return;
+    }
+    if (s.of(MatchStatus::outside) == points) {
+        failData(
+            "{}: all of {} points, or every place where they could be found, are outside their image or nearer to "
+            "its edge than half a window of {} pixels: check the points, --depth, and the order of the images",
+            o.points.empty() ? o.left : o.points, points, o.window);
+    }
+    const std::size_t hopeless = s.of(MatchStatus::outside) + s.of(MatchStatus::noTexture);
+    if (hopeless == matched) {
+        failData(
+            "{}: none of {} points has texture that promises {} px, with a window of {} pixels inside the image: is "
+            "the "
+            "picture sharp and bright? A larger --precision or --window asks for less",
+            o.left, points, o.settings.worstPrecision, o.window);
+    }
+    failData("{}: none of {} points was found in {} ({}): do the images belong together, and to this rig?", o.left,
+             points, o.right, countsText(s));
+}
+
+// Chance finds matches even in pictures that have nothing to do with each other.
+void warnOfChance(const MatchOptions& o, const Summary& s, const Console& console) {
+    constexpr std::size_t kFewest = 50;  // points below which a share tells little
+    constexpr double kLeastShare = 0.2;  // found, of the points with texture; of a scene it is half of them and more
+    const std::size_t sought =
+        s.found() + s.of(MatchStatus::noMatch) + s.of(MatchStatus::ambiguous) + s.of(MatchStatus::inconsistent);
+    if (sought >= kFewest && static_cast<double>(s.found()) < kLeastShare * static_cast<double>(sought)) {
+        console.warn(
+            fmt::format("{}: only {} of {} points with texture were found in {}, and those may be chance: do "
+                        "the images belong together, in this order, and to this rig?",
+                        o.left, s.found(), sought, o.right));
+    }
+}
+
+std::string summaryText(const MatchOptions& o, const MatchInput& input, const Summary& s, std::size_t points) {
+    std::string text = fmt::format("{} of {} points matched; the others: {}\n", s.found(), points, countsText(s));
+    text += fmt::format("depth {:.6g} to {:.6g} {}, expected deviation {:.2g} (median), score {:.3f} (median)\n",
+                        s.nearest, s.farthest, o.unit, s.medianDeviation, s.medianScore);
+    const DepthLimits& l = input.settings.limits;
+    text += fmt::format("looked for at depths from {:.6g} to {:.6g}, noise {:.2f} gray values\n", l.leftNearest,
+                        l.leftFarthest, input.settings.noise);
+    text += fmt::format("{:.2f} s; {:.2f} s of processor time, {:.0f} points in a second of it\nwrote {}", s.seconds,
+                        s.processorSeconds, static_cast<double>(points) / std::max(s.processorSeconds, 1e-6), o.csv);
+    for (const std::string& name : {o.ply, o.picture}) {
+        text += name.empty() ? "" : ", " + name;
+    }
+    return text;
+}
+
+Json summaryJson(const MatchOptions& o, const MatchInput& input, const Summary& s, std::size_t points) {
+    Json counts;
+    for (std::size_t i = 0; i < kMatchStatuses; ++i) {
+        counts[std::string(statusWord(static_cast<MatchStatus>(i)))] = s.counts[i];
+    }
+    Json json{{"points", points},
+              {"found", s.found()},
+              {"statuses", counts},
+              {"depth", {s.nearest, s.farthest}},
+              {"depthSigmaMedian", s.medianDeviation},
+              {"scoreMedian", s.medianScore},
+              {"depthLimits", {input.settings.limits.leftNearest, input.settings.limits.leftFarthest}},
+              {"noise", input.settings.noise},
+              {"seconds", s.seconds},
+              {"processorSeconds", s.processorSeconds},
+              {"csv", o.csv}};
+    if (!o.ply.empty()) {
+        json["ply"] = o.ply;
+    }
+    if (!o.picture.empty()) {
+        json["picture"] = o.picture;
+    }
+    return json;
+}
+
+void writeFiles(const MatchOptions& o, const std::vector<MatchedPoint>& points, const Picture& left,
+                OutputFiles& outputs) {
+    outputs.add(o.csv, matchCsv(points));
+    if (!o.ply.empty()) {
+        outputs.add(o.ply, matchPly(points, left));
+    }
+    if (!o.picture.empty()) {
+        constexpr int kSpotOfAList = 5;  // pixels
+        const int spot = o.dense ? 1 : (o.points.empty() ? o.step : kSpotOfAList);
+        outputs.add(o.picture, depthPicture(points, left, spot, o.unit));
+    }
+    outputs.commit();
+}
+
+void runMatch(const MatchOptions& o, const Console& console) {
+    checkNames(o);
+    const LoadedRig rig = loadRig(o.rig);
+    checkWindow(o, rig.rig);
+    static_cast<void>(Triangulator(rig, o.rig));  // refuses a pair that cannot triangulate
+    const Picture left = readGrayCameraPicture(o.left, rig, 'L');
+    const Picture right = readGrayCameraPicture(o.right, rig, 'R');
+    const std::vector<ImagePoint> points = pointsOf(o, left);
+    MatchInput input{rig, left, right, o.settings, o.jobs, 2.0 * o.window};
+    input.reach = std::max(input.reach, o.points.empty() ? 2.5 * o.step : 0.0);
+    input.settings.half = o.window / 2;
+    input.settings.limits = depthLimits(o, rig.rig);
+    input.settings.noise = o.noise > 0.0 ? o.noise : 0.5 * (noiseOf(left) + noiseOf(right));
+    checkOverlap(o, input, points);
+    OutputFiles outputs;
+    for (const std::string& name : {o.csv, o.ply, o.picture}) {
+        if (!name.empty()) {
+            outputs.prepareFolder(fs::path(name).parent_path());
+        }
+    }
+    const auto start = std::chrono::steady_clock::now();
+    const std::clock_t processorStart = std::clock();
+    const std::vector<MatchedPoint> matched = matchedPoints(o, input, points, console);
+    Summary summary = summaryOf(matched);
+    summary.processorSeconds = static_cast<double>(std::clock() - processorStart) / CLOCKS_PER_SEC;
+    summary.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    checkResult(o, summary, matched.size(), points.size());
+    writeFiles(o, matched, left, outputs);
+    warnOfChance(o, summary, console);
+    console.say(summaryText(o, input, summary, matched.size()));
+    console.result(jsonText(summaryJson(o, input, summary, matched.size())));
+}
+
+}  // namespace
+
+void addMatch(CommandLine& commandLine, Console& console) {
+    Subcommand sub = commandLine.subcommand(
+        "match", "Find pixels of the left image in the right one and make 3-D points of them",
+        "zelm match out/rig.zcal scene_left.png scene_right.png -o out/scene.csv --ply out/scene.ply "
+        "--picture out/scene_depth.png");
+    const auto o = std::make_shared<MatchOptions>();
+    sub.option("rig", o->rig, "The calibration (rig.zcal)").required();
+    sub.option("left", o->left, "Left image as taken").required();
+    sub.option("right", o->right, "Right image as taken").required();
+    sub.option("-o,--output", o->csv, "CSV of the points, a line each, in their order").required();
+    sub.option("--ply", o->ply, "Also write the points found as a PLY cloud with their gray values");
+    sub.option("--picture", o->picture, "Also write a picture of the depths (.png)");
+    Option points = sub.option("--points", o->points, "CSV of pixels of the left image: x,y or id,x,y");
+    Option grid = sub.option("--grid", o->step, "Points on a grid of so many pixels").inRange(1, 10000).showDefault();
+    Option dense = sub.flag("--dense", o->dense, "Every textured pixel");
+    points.excludes(grid).excludes(dense);
+    grid.excludes(dense);
+    sub.option("--window", o->window, "Side of the window that is compared, pixels, odd").inRange(7, 101).showDefault();
+    sub.option("--depth", o->depth,
+               "MIN,MAX: look between these distances along the left camera's axis, plane units; default: from "
+               "half the distance of the nearest plate of the calibration to twice that of the farthest, for "
+               "each perspective camera, as far as the right image shows it");
+    sub.option("--precision", o->settings.worstPrecision,
+               "Leave out points whose texture promises less: expected deviation along the line, pixels")
+        .inRange(0.001, 10.0)
+        .showDefault();
+    sub.option("--noise", o->noise, "Standard deviation of a gray value by noise; default: estimated from both images")
+        .inRange(0.01, 100.0);
+    sub.option("--min-score", o->settings.minScore, "Least correlation of a match, with the noise taken out")
+        .inRange(0.0, 1.0)
+        .showDefault();
+    sub.option("--return-tolerance", o->settings.returnTolerance,
+               "The way back from right to left must end so near to the start, pixels")
+        .inRange(0.01, 100.0)
+        .showDefault();
+    sub.option("--unit", o->unit, "Name of the plate's unit, for the picture").showDefault();
+    sub.option("--jobs", o->jobs,
+               "Threads, at most as many as the machine runs at a time; 0: as many. The result is the same")
+        .inRange(0, 1024)
+        .showDefault();
+    sub.does([o, &console] { runMatch(*o, console); });
+}
+
+}  // namespace zelm::tool

@@ -1,0 +1,88 @@
+#include "matchFiles.h"
+
+#include <fmt/compile.h>
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <cmath>
+#include <iterator>
+
+namespace zelm::tool {
+namespace {
+
+constexpr std::size_t kBytesPerLine = 160;  // about; of a CSV line
+
+// Four bytes, lowest first, whatever the machine.
+void appendFloat(std::string& bytes, double value) {
+    const auto bits = std::bit_cast<std::uint32_t>(static_cast<float>(value));
+    for (unsigned shift = 0; shift < 32; shift += 8) {
+        bytes += static_cast<char>(bits >> shift & 0xffU);
+    }
+}
+
+char grayAt(const Picture& picture, Point2d p) {
+    const auto x = static_cast<std::size_t>(std::clamp(p.x + 0.5, 0.0, picture.width - 1.0));
+    const auto y = static_cast<std::size_t>(std::clamp(p.y + 0.5, 0.0, picture.height - 1.0));
+    return static_cast<char>(picture.pixels[y * static_cast<std::size_t>(picture.width) + x]);
+}
+
+}  // namespace
+
+std::string_view statusWord(MatchStatus status) {
+    constexpr std::array<std::string_view, kMatchStatuses> kWords{"ok",       "outside",   "no_texture",
+                                                                  "no_match", "ambiguous", "inconsistent"};
+    return kWords[static_cast<std::size_t>(status)];
+}
+
+std::array<std::size_t, kMatchStatuses> countStatuses(const std::vector<MatchedPoint>& points) {
+    std::array<std::size_t, kMatchStatuses> counts{};
+    for (const MatchedPoint& point : points) {
+        counts[static_cast<std::size_t>(point.match.status)] += 1;
+    }
+    return counts;
+}
+
+std::string matchCsv(const std::vector<MatchedPoint>& points) {
+    std::string csv = "id,xL,yL,xR,yR,score,X,Y,Z,depth,depth_sigma,error_left_px,error_right_px,status\n";
+    csv.reserve(csv.size() + kBytesPerLine * points.size());
+    const auto out = std::back_inserter(csv);
+    for (const MatchedPoint& p : points) {
+        csv += csvField(p.id);
+        fmt::format_to(out, FMT_COMPILE(",{:.10g},{:.10g},"), p.match.left.x, p.match.left.y);
+        if (p.match.status == MatchStatus::ok) {
+            const Point3d& X = p.space.position;
+            fmt::format_to(out, FMT_COMPILE("{:.4f},{:.4f},{:.4f},{:.9g},{:.9g},{:.9g},{:.9g},{:.3g},{:.6f},{:.6f}"),
+                           p.match.right.x, p.match.right.y, p.match.fitted.score, X.x, X.y, X.z, p.depth, p.deviation,
+                           p.space.errorLeft, p.space.errorRight);
+        } else {
+            csv += ",,,,,,,,,";
+        }
+        fmt::format_to(out, FMT_COMPILE(",{}\n"), statusWord(p.match.status));
+    }
+    return csv;
+}
+
+std::string matchPly(const std::vector<MatchedPoint>& points, const Picture& left) {
+    const std::size_t count = countStatuses(points)[static_cast<std::size_t>(MatchStatus::ok)];
+    std::string ply = fmt::format(
+        "ply\nformat binary_little_endian 1.0\ncomment {} of {} points; depth_sigma: expected deviation of the depth\n"
+        "element vertex {}\nproperty float x\nproperty float y\nproperty float z\nproperty uchar red\n"
+        "property uchar green\nproperty uchar blue\nproperty float depth_sigma\nend_header\n",
+        count, points.size(), count);
+    constexpr std::size_t kBytesPerVertex = 19;
+    ply.reserve(ply.size() + kBytesPerVertex * count);
+    for (const MatchedPoint& p : points) {
+        if (p.match.status == MatchStatus::ok) {
+            appendFloat(ply, p.space.position.x);
+            appendFloat(ply, p.space.position.y);
+            appendFloat(ply, p.space.position.z);
+            ply.append(3, grayAt(left, p.match.left));
+            appendFloat(ply, p.deviation);
+        }
+    }
+    return ply;
+}
+
+}  // namespace zelm::tool
