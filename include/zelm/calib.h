@@ -7,6 +7,13 @@
 
 ZELM_BEGIN_DECLS
 
+/// The projection of a camera, and what of it is estimated.
+enum ZelmCameraModel {
+    ZELM_CAMERA_PERSPECTIVE = 0,  ///< perspective
+    ZELM_CAMERA_TILTED = 1,       ///< perspective with a tilted sensor: the image axes are not orthogonal
+    ZELM_CAMERA_PARALLEL = 2,     ///< parallel (telecentric)
+};
+
 /// Intrinsic parameters of a camera: 22 doubles.
 typedef struct ZelmCameraIntrinsics {
     double A[9];         ///< 3x3 camera matrix, row-major; used for projection

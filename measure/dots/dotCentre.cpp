@@ -7,9 +7,9 @@
 #include <span>
 #include <vector>
 
-#include "failure.h"
+#include "fault.h"
 
-namespace zelm::tool {
+namespace zelm::measure {
 namespace {
 
 constexpr int kRays = 20;
@@ -39,18 +39,13 @@ struct Blobs {
     Blobs& operator=(const Blobs&) = delete;
 };
 
-ZelmImage imageOf(const Picture& picture) {
-    // The record has no form for reading alone; nothing here writes.
-    return {const_cast<std::uint8_t*>(picture.pixels.data()), picture.width, picture.height};
-}
-
-ZelmRect windowAround(const Picture& picture, Point2d near, int reach) {
+ZelmRect windowAround(const DenseImage& image, Point2d near, int reach) {
     const int x = static_cast<int>(std::lround(near.x));
     const int y = static_cast<int>(std::lround(near.y));
     const int left = std::max(x - reach, 0);
     const int top = std::max(y - reach, 0);
-    return {left, top, std::min(x + reach, picture.width - 1) - left + 1,
-            std::min(y + reach, picture.height - 1) - top + 1};
+    return {left, top, std::min(x + reach, image.width() - 1) - left + 1,
+            std::min(y + reach, image.height() - 1) - top + 1};
 }
 
 bool isRound(const ZelmBlob& blob) {
@@ -65,16 +60,14 @@ bool covers(const ZelmBlob& blob, Point2d p) {
 }
 
 // The round spot that covers the pixel and lies wholly in the smallest window that holds one.
-std::optional<ZelmBlob> spotAt(const Picture& picture, Point2d near, DotPolarity polarity) {
-    const ZelmImage image = imageOf(picture);
+std::optional<ZelmBlob> spotAt(const DenseImage& image, Point2d near, DotPolarity polarity) {
+    const ZelmImage record = image.record();
     for (const int reach : kReaches) {
-        const ZelmRect window = windowAround(picture, near, reach);
-        const std::int32_t threshold = zelmBinOtsuThresholdImage(&image, &window);
+        const ZelmRect window = windowAround(image, near, reach);
+        const std::int32_t threshold = zelmBinOtsuThresholdImage(&record, &window);
         Blobs blobs;
-        if (zelmBinBlob(&image, &window, threshold, polarity == DotPolarity::bright ? 1 : 0, 0, kSmallestArea,
-                        &blobs.data, &blobs.count) == ZELM_ERR_MEMORY) {
-            failData("out of memory while looking for a dot");
-        }
+        requireMemory(zelmBinBlob(&record, &window, threshold, polarity == DotPolarity::bright ? 1 : 0, 0,
+                                  kSmallestArea, &blobs.data, &blobs.count));
         const std::span<const ZelmBlob> found(blobs.data, static_cast<std::size_t>(blobs.count));
         const auto spot = std::find_if(found.begin(), found.end(),
                                        [&](const ZelmBlob& blob) { return isRound(blob) && covers(blob, near); });
@@ -88,9 +81,9 @@ std::optional<ZelmBlob> spotAt(const Picture& picture, Point2d near, DotPolarity
 using EdgeFinder = decltype(&zelmEdge1dGenDiffMax);
 
 // The points at which rays from a place inside the dot meet its outline, in the order of their directions.
-std::vector<Point2d> findOutline(const Picture& picture, Point2d inside, int rays, double reach, DotPolarity polarity,
+std::vector<Point2d> findOutline(const DenseImage& image, Point2d inside, int rays, double reach, DotPolarity polarity,
                                  EdgeFinder findEdge) {
-    const ZelmImage image = imageOf(picture);
+    const ZelmImage record = image.record();
     const std::int32_t sign = polarity == DotPolarity::bright ? -1 : 1;
     std::vector<Point2d> outline;
     for (int k = 0; k < rays; ++k) {
@@ -100,7 +93,7 @@ std::vector<Point2d> findOutline(const Picture& picture, Point2d inside, int ray
         const Point2d to{inside.x + reach * u.x, inside.y + reach * u.y};
         Point2d edge{};
         double strength = 0.0;
-        if (findEdge(&image, &from, &to, sign, &edge, &strength) == 1) {
+        if (findEdge(&record, &from, &to, sign, &edge, &strength) == 1) {
             outline.push_back(edge);
         }
     }
@@ -172,17 +165,17 @@ std::optional<Ellipse2d> arcEllipse(std::span<const Point2d> outline) {
     return std::nullopt;
 }
 
-std::optional<Ellipse2d> dotEllipse(const Picture& picture, Point2d near, DotPolarity polarity) {
-    if (const auto spot = spotAt(picture, near, polarity)) {
+std::optional<Ellipse2d> dotEllipse(const DenseImage& image, Point2d near, DotPolarity polarity) {
+    if (const auto spot = spotAt(image, near, polarity)) {
         const double reach = kRayEnd * std::sqrt(spot->area / std::numbers::pi);
-        if (const auto ellipse = wholeEllipse(
-                findOutline(picture, {spot->cx, spot->cy}, kRays, reach, polarity, zelmEdge1dGenDiffMax))) {
+        if (const auto ellipse =
+                wholeEllipse(findOutline(image, {spot->cx, spot->cy}, kRays, reach, polarity, zelmEdge1dGenDiffMax))) {
             return ellipse;
         }
     }
     // Rays from the centre meet the outline squarely, where an edge is found best.
     const auto arcFrom = [&](Point2d inside) {
-        return arcEllipse(findOutline(picture, inside, kArcRays, kHiddenReach, polarity, zelmEdge1dGenNearest));
+        return arcEllipse(findOutline(image, inside, kArcRays, kHiddenReach, polarity, zelmEdge1dGenNearest));
     };
     const auto rough = arcFrom(near);
     return rough ? arcFrom({rough->x, rough->y}) : std::nullopt;
@@ -190,15 +183,15 @@ std::optional<Ellipse2d> dotEllipse(const Picture& picture, Point2d near, DotPol
 
 }  // namespace
 
-std::optional<Point2d> dotCentre(const Picture& picture, Point2d near, DotPolarity polarity) {
-    if (!(near.x >= 0.0 && near.y >= 0.0 && near.x <= picture.width - 1 && near.y <= picture.height - 1)) {
+std::optional<Point2d> dotCentre(const DenseImage& image, Point2d near, DotPolarity polarity) {
+    if (!(near.x >= 0.0 && near.y >= 0.0 && near.x <= image.width() - 1 && near.y <= image.height() - 1)) {
         return std::nullopt;
     }
-    const auto ellipse = dotEllipse(picture, near, polarity);
+    const auto ellipse = dotEllipse(image, near, polarity);
     if (!ellipse || !(relativeRadius(*ellipse, near) < 1.0)) {
         return std::nullopt;
     }
     return Point2d{ellipse->x, ellipse->y};
 }
 
-}  // namespace zelm::tool
+}  // namespace zelm::measure

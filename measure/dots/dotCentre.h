@@ -6,17 +6,17 @@
 
 #include <optional>
 
-#include "imageFile.h"
+#include "image.h"
 
-namespace zelm::tool {
+namespace zelm::measure {
 
 enum class DotPolarity { dark, bright };
 
 // The centre of the dot that covers the pixel `near`: of the ellipse through its outline, which 20 rays from its inside
 // find to a fraction of a pixel. A dot of which up to 40 % of the outline is hidden is measured by the arc that is
 // seen, less surely. Nothing when no outline there is an ellipse of some 4 to 120 pixels.
-std::optional<Point2d> dotCentre(const Picture& picture, Point2d near, DotPolarity polarity);
+std::optional<Point2d> dotCentre(const DenseImage& image, Point2d near, DotPolarity polarity);
 
-}  // namespace zelm::tool
+}  // namespace zelm::measure
 
 #endif

@@ -2,11 +2,11 @@
 
 #include <array>
 
-namespace zelm::tool {
+namespace zelm::measure {
 
 std::optional<Point2d> CameraView::undistorted(Point2d raw) const {
     Point2d ideal{};
-    if (zelm2ViewUnDistortPoint(handle, side, &raw, &ideal) < 0) {
+    if (zelm2ViewUnDistortPoint(calib, side, &raw, &ideal) < 0) {
         return std::nullopt;
     }
     return ideal;
@@ -14,7 +14,7 @@ std::optional<Point2d> CameraView::undistorted(Point2d raw) const {
 
 Point2d CameraView::distorted(Point2d ideal) const {
     Point2d raw{};
-    zelm2ViewDistortPoint(handle, side, &ideal, &raw);
+    zelm2ViewDistortPoint(calib, side, &ideal, &raw);
     return raw;
 }
 
@@ -26,8 +26,8 @@ bool CameraView::shows(const Matrix3& toIdeal, int width, int height) const {
         {{0.0, 0.0}, {right, 0.0}, {0.0, bottom}, {right, bottom}, {0.5 * right, 0.0}, {0.5 * right, bottom}}};
     for (const Point2d& corner : outline) {
         const Point2d raw = distorted(apply(toIdeal, corner));
-        if (!(raw.x >= kRounding && raw.y >= kRounding && raw.x < picture.width - 1 - kRounding &&
-              raw.y < picture.height - 1 - kRounding)) {
+        if (!(raw.x >= kRounding && raw.y >= kRounding && raw.x < picture.width() - 1 - kRounding &&
+              raw.y < picture.height() - 1 - kRounding)) {
             return false;
         }
     }
@@ -36,8 +36,8 @@ bool CameraView::shows(const Matrix3& toIdeal, int width, int height) const {
 
 void CameraView::warp(const Matrix3& toIdeal, int width, int height, std::uint8_t* patch) const {
     // The kernel takes the intrinsics as the 22 doubles that the record consists of.
-    perspectiveTransAndDistortImage_8uC1(toIdeal.data(), camera.intrinsics.A, picture.pixels.data(), picture.width,
-                                         picture.width, picture.height, patch, width, width, height);
+    perspectiveTransAndDistortImage_8uC1(toIdeal.data(), camera.intrinsics.A, picture.pixels(), picture.width(),
+                                         picture.width(), picture.height(), patch, width, width, height);
 }
 
-}  // namespace zelm::tool
+}  // namespace zelm::measure

@@ -5,17 +5,17 @@
 #include <cstdint>
 #include <optional>
 
-#include "imageFile.h"
-#include "rigFile.h"
+#include "image.h"
+#include "rig.h"
 #include "transfer.h"
 
-namespace zelm::tool {
+namespace zelm::measure {
 
 class CameraView {
 public:
     // All of them outlive the view.
-    CameraView(const LoadedRig& rig, char whichSide, const Picture& taken)
-        : handle(rig.handle.get()), side(whichSide), camera(rig.camera(whichSide)), picture(taken) {}
+    CameraView(const Rig& rig, char whichSide, const DenseImage& taken)
+        : calib(rig.calib.get()), side(whichSide), camera(rig.camera(whichSide)), picture(taken) {}
 
     // Nothing where the lens distortion cannot be removed.
     std::optional<Point2d> undistorted(Point2d raw) const;
@@ -26,15 +26,15 @@ public:
     // The patch, straight from the picture as taken: one interpolation.
     void warp(const Matrix3& toIdeal, int width, int height, std::uint8_t* patch) const;
 
-    const Picture& image() const { return picture; }
+    const DenseImage& image() const { return picture; }
 
 private:
-    const Zelm2ViewCalib* handle;
+    const Zelm2ViewCalib* calib;
     char side;
     const RigCamera& camera;
-    const Picture& picture;
+    const DenseImage& picture;
 };
 
-}  // namespace zelm::tool
+}  // namespace zelm::measure
 
 #endif

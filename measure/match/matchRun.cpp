@@ -13,7 +13,7 @@
 
 #include "neighbours.h"
 
-namespace zelm::tool {
+namespace zelm::measure {
 namespace {
 
 constexpr std::size_t kPointsAStep = 2048;  // of the progress bar
@@ -30,23 +30,33 @@ constexpr double kConsentPixels = 1.0;          // along the epipolar line by wh
 constexpr double kConsentPixelsPerPixel = .1;   // and by their distance
 
 // More threads than the machine runs at a time are of no use, and the thread library complains of them.
-int threadsFor(int jobs) {
+int threadsFor(int threads) {
     const int most = tbb::info::default_concurrency();
-    return jobs > 0 ? std::min(jobs, most) : most;
+    return threads > 0 ? std::min(threads, most) : most;
+}
+
+// Pixels on a grid over an image, row by row, half a step from its edges.
+std::vector<Point2d> gridPoints(const DenseImage& image, int step) {
+    std::vector<Point2d> points;
+    for (int y = step / 2; y < image.height(); y += step) {
+        for (int x = step / 2; x < image.width(); x += step) {
+            points.push_back({static_cast<double>(x), static_cast<double>(y)});
+        }
+    }
+    return points;
 }
 
 class Run {
 public:
-    Run(const MatchInput& matchInput, const std::vector<Point2d>& allPoints, const Console& theConsole)
+    Run(const MatchInput& matchInput, const std::vector<Point2d>& allPoints)
         : input(matchInput),
           points(allPoints),
-          console(theConsole),
           left(input.rig, 'L', input.left),
           right(input.rig, 'R', input.right),
           toRight(input.rig, 'L', input.settings.limits),
           toLeft(input.rig, 'R', input.settings.limits),
-          neighbours(points, input.left.width, input.left.height, input.reach),
-          arena(threadsFor(input.jobs)),
+          neighbours(points, input.left.width(), input.left.height(), input.reach),
+          arena(threadsFor(input.threads)),
           matchers([this] { return PointMatcher(left, right, toRight, toLeft, input.settings); }),
           matches(points.size()) {}
 
@@ -63,8 +73,8 @@ public:
     std::vector<PointMatch> fill(std::vector<PointMatch> known) {
         matches = std::move(known);
         const std::vector<char> found = foundOnes();
-        const auto width = static_cast<std::size_t>(input.left.width);
-        std::vector<PointMatch> pixels(width * static_cast<std::size_t>(input.left.height));
+        const auto width = static_cast<std::size_t>(input.left.width());
+        std::vector<PointMatch> pixels(width * static_cast<std::size_t>(input.left.height()));
         std::vector<std::size_t> all(pixels.size());
         std::iota(all.begin(), all.end(), std::size_t{0});
         forEach("filling", all, [&](PointMatcher& matcher, std::size_t i) {
@@ -79,8 +89,9 @@ public:
 private:
     // Calls work(matcher, index) for each index, on all threads.
     template <typename Work>
-    void forEach(const char* label, const std::vector<std::size_t>& indices, Work work) {
-        Progress progress(console, label, (indices.size() + kPointsAStep - 1) / kPointsAStep);
+    void forEach(const char* stage, const std::vector<std::size_t>& indices, Work work) {
+        const std::size_t steps = (indices.size() + kPointsAStep - 1) / kPointsAStep;
+        input.report(stage, 0, steps);
         for (std::size_t begin = 0; begin < indices.size(); begin += kPointsAStep) {
             const std::size_t end = std::min(begin + kPointsAStep, indices.size());
             arena.execute([&] {
@@ -92,7 +103,7 @@ private:
                                       }
                                   });
             });
-            progress.advance();
+            input.report(stage, begin / kPointsAStep + 1, steps);
         }
     }
 
@@ -227,7 +238,6 @@ private:
 
     const MatchInput& input;
     const std::vector<Point2d>& points;
-    const Console& console;
     CameraView left;
     CameraView right;
     Transfer toRight;
@@ -240,60 +250,16 @@ private:
 
 }  // namespace
 
-std::vector<PointMatch> matchPoints(const MatchInput& input, const std::vector<Point2d>& points,
-                                    const Console& console) {
-    return Run(input, points, console)();
+std::vector<PointMatch> matchPoints(const MatchInput& input, const std::vector<Point2d>& points) {
+    return Run(input, points)();
 }
 
-std::vector<PointMatch> matchPixels(const MatchInput& input, const Console& console) {
+std::vector<PointMatch> matchPixels(const MatchInput& input) {
     const std::vector<Point2d> grid = gridPoints(input.left, kDenseStep);
     MatchInput coarse = input;
     coarse.reach = 2.0 * kDenseStep;
-    std::vector<PointMatch> known = matchPoints(input, grid, console);
-    return Run(coarse, grid, console).fill(std::move(known));
+    std::vector<PointMatch> known = matchPoints(input, grid);
+    return Run(coarse, grid).fill(std::move(known));
 }
 
-std::vector<Point2d> gridPoints(const Picture& picture, int step) {
-    std::vector<Point2d> points;
-    for (int y = step / 2; y < picture.height; y += step) {
-        for (int x = step / 2; x < picture.width; x += step) {
-            points.push_back({static_cast<double>(x), static_cast<double>(y)});
-        }
-    }
-    return points;
-}
-
-double noiseOf(const Picture& picture) {
-    // A filter that lets neither slopes nor curvature along the axes through (Immerkaer, 1996), in blocks; the
-    // smoothest twentieth of the blocks tells.
-    constexpr int kBlock = 16;
-    constexpr double kPart = 0.05;
-    constexpr double kLeast = 0.3;  // gray values: what rounding to whole ones makes
-    std::vector<double> blocks;
-    for (int y0 = 1; y0 + kBlock < picture.height; y0 += kBlock) {
-        for (int x0 = 1; x0 + kBlock < picture.width; x0 += kBlock) {
-            std::int64_t sum = 0;
-            for (int y = y0; y < y0 + kBlock; ++y) {
-                const std::uint8_t* const p = picture.pixels.data() + static_cast<std::ptrdiff_t>(y) * picture.width;
-                for (int x = x0; x < x0 + kBlock; ++x) {
-                    const std::uint8_t* const a = p + x;
-                    const std::uint8_t* const up = a - picture.width;
-                    const std::uint8_t* const down = a + picture.width;
-                    const int v =
-                        up[-1] - 2 * up[0] + up[1] - 2 * a[-1] + 4 * a[0] - 2 * a[1] + down[-1] - 2 * down[0] + down[1];
-                    sum += v * v;
-                }
-            }
-            // The squares of the filter's factors add up to 36.
-            blocks.push_back(std::sqrt(static_cast<double>(sum) / (36.0 * kBlock * kBlock)));
-        }
-    }
-    if (blocks.empty()) {
-        return 1.0;
-    }
-    const auto tenth = blocks.begin() + static_cast<std::ptrdiff_t>(kPart * static_cast<double>(blocks.size()));
-    std::nth_element(blocks.begin(), tenth, blocks.end());
-    return std::max(*tenth, kLeast);
-}
-
-}  // namespace zelm::tool
+}  // namespace zelm::measure

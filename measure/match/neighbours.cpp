@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace zelm::tool {
+namespace zelm::measure {
 
 Neighbours::Neighbours(const std::vector<Point2d>& allPoints, int width, int height, double farthest)
     : points(allPoints),
@@ -71,4 +71,4 @@ void Neighbours::collect(Point2d p, std::size_t self, std::size_t most, const st
     found.resize(kept);
 }
 
-}  // namespace zelm::tool
+}  // namespace zelm::measure

@@ -7,7 +7,7 @@
 #include <cstddef>
 #include <vector>
 
-namespace zelm::tool {
+namespace zelm::measure {
 
 class Neighbours {
 public:
@@ -35,6 +35,6 @@ private:
     std::vector<std::size_t> order;   // the points, cell by cell
 };
 
-}  // namespace zelm::tool
+}  // namespace zelm::measure
 
 #endif

@@ -5,7 +5,7 @@
 
 #include "stripSearch.h"
 
-namespace zelm::tool {
+namespace zelm::measure {
 namespace {
 
 constexpr double kZoneRatio = 1.25;   // of depths that share a template: beyond, the two views differ too much
@@ -331,4 +331,4 @@ PointMatch PointMatcher::on(Point2d raw, std::span<const Surface> surfaces) {
     return match;
 }
 
-}  // namespace zelm::tool
+}  // namespace zelm::measure

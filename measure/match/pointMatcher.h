@@ -12,7 +12,7 @@
 #include "surfaceFit.h"
 #include "transfer.h"
 
-namespace zelm::tool {
+namespace zelm::measure {
 
 struct MatchSettings {
     int half = 10;                 // windows are 2 half + 1 pixels a side
@@ -23,16 +23,15 @@ struct MatchSettings {
     DepthLimits limits;
 };
 
-// What became of a point.
-enum class MatchStatus {
-    ok,
-    outside,       // no window, or no part of the epipolar line within the limits, lies in the image
-    noTexture,     // the surroundings do not promise the precision asked for
-    noMatch,       // nothing similar enough on the line
-    ambiguous,     // two places are about as similar
-    inconsistent,  // the way back leads elsewhere, or the neighbours agree on another surface
+// What became of a point; the interface says what each means.
+enum class MatchStatus : std::int32_t {
+    ok = ZELM_MEASURE_MATCH_OK,
+    outside = ZELM_MEASURE_MATCH_OUTSIDE,
+    noTexture = ZELM_MEASURE_MATCH_NO_TEXTURE,
+    noMatch = ZELM_MEASURE_MATCH_NO_MATCH,
+    ambiguous = ZELM_MEASURE_MATCH_AMBIGUOUS,
+    inconsistent = ZELM_MEASURE_MATCH_INCONSISTENT,
 };
-constexpr std::size_t kMatchStatuses = 6;
 
 struct PointMatch {
     MatchStatus status = MatchStatus::outside;
@@ -97,6 +96,6 @@ private:
     Interval interval;  // of the point at hand
 };
 
-}  // namespace zelm::tool
+}  // namespace zelm::measure
 
 #endif

@@ -5,9 +5,9 @@
 #include <algorithm>
 #include <array>
 
-#include "failure.h"
+#include "fault.h"
 
-namespace zelm::tool {
+namespace zelm::measure {
 
 std::size_t searchStrip(std::uint8_t* pattern, int side, std::uint8_t* strip, int width, double minScore,
                         int minDistance, std::span<StripMatch> matches) {
@@ -33,9 +33,7 @@ std::size_t searchStrip(std::uint8_t* pattern, int side, std::uint8_t* strip, in
     std::array<ZelmCstmMatch, kMostMatches> found{};
     std::int32_t count = 0;
     const std::int32_t status = zelmCstmDrovnSearchOnEpiLine(&reference, &search, &count, found.data());
-    if (status == ZELM_ERR_MEMORY) {
-        failData("out of memory while matching: use fewer --jobs");
-    }
+    requireMemory(status);
     if (status < 0) {
         return 0;
     }
@@ -45,4 +43,4 @@ std::size_t searchStrip(std::uint8_t* pattern, int side, std::uint8_t* strip, in
     return static_cast<std::size_t>(count);
 }
 
-}  // namespace zelm::tool
+}  // namespace zelm::measure

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <span>
 
-namespace zelm::tool {
+namespace zelm::measure {
 
 struct StripMatch {
     double score = 0.0;
@@ -13,10 +13,10 @@ struct StripMatch {
 };
 
 // The places of the template, side x side pixels with side odd, on the middle row of a strip of width x side pixels:
-// at most as many as there is room for, best first. Returns their number; throws Failure when memory is exhausted.
+// at most as many as there is room for, best first. Returns their number; throws when memory runs out.
 std::size_t searchStrip(std::uint8_t* pattern, int side, std::uint8_t* strip, int width, double minScore,
                         int minDistance, std::span<StripMatch> matches);
 
-}  // namespace zelm::tool
+}  // namespace zelm::measure
 
 #endif

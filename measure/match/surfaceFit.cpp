@@ -4,7 +4,9 @@
 #include <array>
 #include <cmath>
 
-namespace zelm::tool {
+#include "cholesky.h"
+
+namespace zelm::measure {
 namespace {
 
 constexpr double kLargestStep = 2.0;   // pixels along the line that one round may move
@@ -14,8 +16,8 @@ constexpr double kSettledPixels = 3e-3;
 constexpr int kMiddle = 3;            // pixels
 constexpr std::size_t kUnknowns = 5;  // movement, its two slopes, gain, offset
 
-using Vector5 = std::array<double, kUnknowns>;
-using Matrix5 = std::array<Vector5, kUnknowns>;
+using Vector5 = Vector<kUnknowns>;
+using Matrix5 = Matrix<kUnknowns>;
 
 // The movement of a plane's pixels with rho, seen in the first camera.
 struct Direction {
@@ -114,44 +116,6 @@ Equations equationsOf(const Patches& p, const Tone& tone, double tolerance) {
     return e;
 }
 
-// Factors N = U' U (Cholesky) in place; whether it is positive definite.
-bool factor(Matrix5& N) {
-    for (std::size_t j = 0; j < kUnknowns; ++j) {
-        const double original = N[j][j];
-        for (std::size_t k = 0; k < j; ++k) {
-            N[j][j] -= N[k][j] * N[k][j];
-        }
-        if (!(N[j][j] > 1e-9 * original)) {
-            return false;
-        }
-        N[j][j] = std::sqrt(N[j][j]);
-        for (std::size_t i = j + 1; i < kUnknowns; ++i) {
-            for (std::size_t k = 0; k < j; ++k) {
-                N[j][i] -= N[k][j] * N[k][i];
-            }
-            N[j][i] /= N[j][j];
-        }
-    }
-    return true;
-}
-
-Vector5 solve(const Matrix5& U, const Vector5& right) {
-    Vector5 x = right;
-    for (std::size_t i = 0; i < kUnknowns; ++i) {
-        for (std::size_t k = 0; k < i; ++k) {
-            x[i] -= U[k][i] * x[k];
-        }
-        x[i] /= U[i][i];
-    }
-    for (std::size_t i = kUnknowns; i-- > 0;) {
-        for (std::size_t k = i + 1; k < kUnknowns; ++k) {
-            x[i] -= U[i][k] * x[k];
-        }
-        x[i] /= U[i][i];
-    }
-    return x;
-}
-
 Matrix3 shift(double x, double y) {
     return {1.0, 0.0, x, 0.0, 1.0, y, 0.0, 0.0, 1.0};
 }
@@ -164,7 +128,7 @@ void finish(FittedSurface& fitted, const Patches& p, const Tone& tone, const Equ
         explained += x[i] * e.right[i];
     }
     const double variance = std::max((e.squares - explained) / e.weight, p.noiseSquares);
-    const Vector5 inverseColumn = solve(e.N, {1.0, 0.0, 0.0, 0.0, 0.0});
+    const Vector5 inverseColumn = solve<kUnknowns>(e.N, {1.0, 0.0, 0.0, 0.0, 0.0});
     fitted.deviation = std::sqrt(variance * inverseColumn[0]);
     // Sums of t and s over the pixels that take part: columns 3 (t) and 4 (1) of the equations.
     const double n = e.weight;
@@ -249,10 +213,10 @@ std::optional<FittedSurface> SurfaceFitter::operator()(const Surface& start) {
             return std::nullopt;
         }
         const Matrix5 sums = e.N;
-        if (!factor(e.N)) {
+        if (!factor<kUnknowns>(e.N)) {
             return std::nullopt;
         }
-        const Vector5 x = solve(e.N, e.right);
+        const Vector5 x = solve<kUnknowns>(e.N, e.right);
         const bool settled = round >= kStages.size() && std::fabs(x[0]) < kSettledPixels;
         if (settled || round == kMostRounds) {
             fitted.pixelsPerRho = direction.pixelsPerRho;
@@ -273,4 +237,4 @@ std::optional<FittedSurface> SurfaceFitter::operator()(const Surface& start) {
     }
 }
 
-}  // namespace zelm::tool
+}  // namespace zelm::measure

@@ -9,7 +9,7 @@
 #include "cameraView.h"
 #include "transfer.h"
 
-namespace zelm::tool {
+namespace zelm::measure {
 
 struct FittedSurface {
     Surface surface;
@@ -44,6 +44,6 @@ private:
     std::vector<std::uint8_t> counterpart;
 };
 
-}  // namespace zelm::tool
+}  // namespace zelm::measure
 
 #endif

@@ -3,68 +3,21 @@
 #include <algorithm>
 #include <cmath>
 
-#include "failure.h"
+#include "fault.h"
 
-namespace zelm::tool {
+namespace zelm::measure {
 namespace {
 
 constexpr double kNearerThanPlates = 0.5;  // of the nearest plate's distance
 constexpr double kFartherThanPlates = 2.0;
 constexpr int kBorderSteps = 16;  // pixels of each side of an image that are undistorted to find its extent
 
-double dot(const Vector3& a, const Vector3& b) {
-    return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
-}
-
-Vector3 unit(const Vector3& v) {
-    const double length = std::sqrt(dot(v, v));
-    return {v[0] / length, v[1] / length, v[2] / length};
-}
-
-Vector3 times(const Matrix3& A, const Vector3& v) {
-    return {A[0] * v[0] + A[1] * v[1] + A[2] * v[2], A[3] * v[0] + A[4] * v[1] + A[5] * v[2],
-            A[6] * v[0] + A[7] * v[1] + A[8] * v[2]};
-}
-
-Vector3 timesTransposed(const Matrix3& A, const Vector3& v) {
-    return {A[0] * v[0] + A[3] * v[1] + A[6] * v[2], A[1] * v[0] + A[4] * v[1] + A[7] * v[2],
-            A[2] * v[0] + A[5] * v[1] + A[8] * v[2]};
-}
-
-Matrix3 cameraMatrix(const RigCamera& camera) {
-    Matrix3 A{};
-    std::copy_n(camera.intrinsics.A, 9, A.begin());
-    return A;
-}
-
-// X_to = R X_from + t.
-struct Motion {
-    Matrix3 R{};
-    Vector3 t{};
-};
-
-Motion motionBetween(const RigCamera& from, const RigCamera& to) {
-    const ZelmCameraExtrinsics& a = from.poses.front();
-    const ZelmCameraExtrinsics& b = to.poses.front();
-    Motion motion;
-    for (std::size_t i = 0; i < 3; ++i) {
-        for (std::size_t j = 0; j < 3; ++j) {
-            for (std::size_t k = 0; k < 3; ++k) {
-                motion.R[3 * i + j] += b.R[3 * i + k] * a.R[3 * j + k];
-            }
-        }
-    }
-    const Vector3 moved = times(motion.R, {a.t[0], a.t[1], a.t[2]});
-    motion.t = {b.t[0] - moved[0], b.t[1] - moved[1], b.t[2] - moved[2]};
-    return motion;
-}
-
 // The smallest rectangle around the undistorted image.
 struct Extent {
     double x0, y0, x1, y1;
 };
 
-Extent undistortedExtent(const LoadedRig& rig, char side) {
+Extent undistortedExtent(const Rig& rig, char side) {
     const RigCamera& camera = rig.camera(side);
     const double width = camera.width - 1;
     const double height = camera.height - 1;
@@ -74,7 +27,7 @@ Extent undistortedExtent(const LoadedRig& rig, char side) {
         for (const Point2d p : {Point2d{part * width, 0.0}, Point2d{part * width, height}, Point2d{0.0, part * height},
                                 Point2d{width, part * height}}) {
             Point2d ideal{};
-            if (zelm2ViewUnDistortPoint(rig.handle.get(), side, &p, &ideal) >= 0) {
+            if (zelm2ViewUnDistortPoint(rig.calib.get(), side, &p, &ideal) >= 0) {
                 extent = {std::min(extent.x0, ideal.x), std::min(extent.y0, ideal.y), std::max(extent.x1, ideal.x),
                           std::max(extent.y1, ideal.y)};
             }
@@ -85,38 +38,10 @@ Extent undistortedExtent(const LoadedRig& rig, char side) {
 
 }  // namespace
 
-Matrix3 product(const Matrix3& a, const Matrix3& b) {
-    Matrix3 c{};
-    for (std::size_t i = 0; i < 3; ++i) {
-        for (std::size_t j = 0; j < 3; ++j) {
-            c[3 * i + j] = a[3 * i] * b[j] + a[3 * i + 1] * b[3 + j] + a[3 * i + 2] * b[6 + j];
-        }
-    }
-    return c;
-}
-
-std::optional<Matrix3> inverse(const Matrix3& a) {
-    const Matrix3 cofactors{a[4] * a[8] - a[5] * a[7], a[2] * a[7] - a[1] * a[8], a[1] * a[5] - a[2] * a[4],
-                            a[5] * a[6] - a[3] * a[8], a[0] * a[8] - a[2] * a[6], a[2] * a[3] - a[0] * a[5],
-                            a[3] * a[7] - a[4] * a[6], a[1] * a[6] - a[0] * a[7], a[0] * a[4] - a[1] * a[3]};
-    const double determinant = a[0] * cofactors[0] + a[1] * cofactors[3] + a[2] * cofactors[6];
-    if (!std::isfinite(determinant) || determinant == 0.0) {
-        return std::nullopt;
-    }
-    Matrix3 result{};
-    std::transform(cofactors.begin(), cofactors.end(), result.begin(), [&](double c) { return c / determinant; });
-    return result;
-}
-
-Point2d apply(const Matrix3& H, Point2d p) {
-    const double w = H[6] * p.x + H[7] * p.y + H[8];
-    return {(H[0] * p.x + H[1] * p.y + H[2]) / w, (H[3] * p.x + H[4] * p.y + H[5]) / w};
-}
-
 DepthLimits calibratedLimits(const Rig& rig) {
     DepthLimits limits;
     const auto limit = [](const RigCamera& camera, double& nearest, double& farthest) {
-        if (camera.model == 2) {
+        if (camera.isParallel()) {
             nearest = -std::numeric_limits<double>::infinity();
             return;
         }
@@ -138,16 +63,16 @@ DepthLimits calibratedLimits(const Rig& rig) {
     return limits;
 }
 
-Transfer::Transfer(const LoadedRig& rig, char from, const DepthLimits& limits) {
+Transfer::Transfer(const Rig& rig, char from, const DepthLimits& limits) {
     const RigCamera& source = rig.camera(from);
     const RigCamera& target = rig.camera(from == 'L' ? 'R' : 'L');
-    const auto inverted = inverse(cameraMatrix(source));
+    const auto inverted = inverse(source.matrix());
     if (!inverted) {
-        failData("the calibration's camera matrix is singular: calibrate again");
+        refuse("the calibration's camera matrix is singular: calibrate again");
     }
     inverseCamera = *inverted;
-    parallel = source.model == 2;
-    otherParallel = target.model == 2;
+    parallel = source.isParallel();
+    otherParallel = target.isParallel();
     const Matrix3& K = inverseCamera;
     // A perspective pixel's point is (ray, rho), a parallel one's (x, y, rho, 1) with (x, y, 1) = K pixel.
     spaceOfPixel = {{{K[0], K[1], K[2]}, {K[3], K[4], K[5]}, {K[6], K[7], K[8]}, {0.0, 0.0, 0.0}}};
@@ -176,8 +101,8 @@ Transfer::Transfer(const LoadedRig& rig, char from, const DepthLimits& limits) {
             rhoPart[i] += row[k] * spaceOfRho[k];
         }
     }
-    M = product(cameraMatrix(target), pixelPart);
-    m = times(cameraMatrix(target), rhoPart);
+    M = product(target.matrix(), pixelPart);
+    m = times(target.matrix(), rhoPart);
     addConditions(rig, from, limits);
 }
 
@@ -201,7 +126,7 @@ void Transfer::addDepthLimits(const std::array<double, 4>& axis, double nearest,
     add(-1.0, farthest);
 }
 
-void Transfer::addConditions(const LoadedRig& rig, char from, const DepthLimits& limits) {
+void Transfer::addConditions(const Rig& rig, char from, const DepthLimits& limits) {
     const char to = from == 'L' ? 'R' : 'L';
     const Motion motion = motionBetween(rig.camera(from), rig.camera(to));
     const std::array<double, 4> own{0.0, 0.0, 1.0, 0.0};
@@ -292,4 +217,4 @@ Surface Transfer::facingSurface(Point2d p, double rho) const {
     return {p, rho, plane[0], plane[1]};
 }
 
-}  // namespace zelm::tool
+}  // namespace zelm::measure

@@ -7,17 +7,10 @@
 #include <optional>
 #include <vector>
 
-#include "rigFile.h"
+#include "matrix3.h"
+#include "rig.h"
 
-namespace zelm::tool {
-
-using Vector3 = std::array<double, 3>;
-using Matrix3 = std::array<double, 9>;  // row-major
-
-Matrix3 product(const Matrix3& a, const Matrix3& b);
-// Nothing when the matrix is singular.
-std::optional<Matrix3> inverse(const Matrix3& a);
-Point2d apply(const Matrix3& H, Point2d p);
+namespace zelm::measure {
 
 // Distances along the axes of the cameras between which points are looked for, in plane units.
 struct DepthLimits {
@@ -56,7 +49,7 @@ struct Interval {
 class Transfer {
 public:
     // `from`: 'L' or 'R'.
-    Transfer(const LoadedRig& rig, char from, const DepthLimits& limits);
+    Transfer(const Rig& rig, char from, const DepthLimits& limits);
 
     // Where the other camera sees the point at `rho` on the ray of a pixel.
     Point2d targetOf(Point2d pixel, double rho) const;
@@ -83,7 +76,7 @@ private:
         Vector3 pixel;
         double rho;
     };
-    void addConditions(const LoadedRig& rig, char from, const DepthLimits& limits);
+    void addConditions(const Rig& rig, char from, const DepthLimits& limits);
     void addDepthLimits(const std::array<double, 4>& axis, double nearest, double farthest);
 
     bool parallel = false;
@@ -98,6 +91,6 @@ private:
     std::vector<Condition> conditions;
 };
 
-}  // namespace zelm::tool
+}  // namespace zelm::measure
 
 #endif

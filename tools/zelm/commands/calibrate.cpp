@@ -1,16 +1,15 @@
 // zelm calibrate: from image pairs of a plate to a calibrated pair of cameras.
 #include <fmt/format.h>
 
-#include <cmath>
 #include <filesystem>
 #include <memory>
-#include <numbers>
 
 #include "calibrationSummary.h"
 #include "failure.h"
 #include "htmlReport.h"
 #include "imageSet.h"
 #include "jsonText.h"
+#include "numberText.h"
 #include "outputFiles.h"
 #include "overlay.h"
 #include "plateOptions.h"
@@ -35,7 +34,7 @@ struct CalibrateOptions {
 };
 
 PairSettings settingsOf(const CalibrateOptions& options) {
-    if (options.leftModel != kParallelModel && options.rightModel == kParallelModel) {
+    if (options.leftModel != ZELM_CAMERA_PARALLEL && options.rightModel == ZELM_CAMERA_PARALLEL) {
         failUsage(
             "--right-model 2 needs --left-model 2: when one camera has a parallel projection, give it as the left");
     }
@@ -66,10 +65,17 @@ std::string estimateText(std::int32_t status) {
 
 void estimate(const PairReading& reading) {
     Zelm2ViewCalibResult result{};
-    if (const std::int32_t status = zelm2ViewCalibCameraParam(reading.handle.get(), &result); status < 0) {
+    if (const std::int32_t status = zelm2ViewCalibCameraParam(reading.calib.get(), &result); status < 0) {
         failData("{} to {} ({} views): {}", reading.used.front().left.string(), reading.used.back().right.string(),
                  reading.used.size(), estimateText(status));
     }
+}
+
+// Of a parallel camera, how far the plate of view 0 is turned against it, radians; 0 of others.
+double tiltOf(const LoadedRig& rig, char side) {
+    double tilt = 0.0;
+    zelmMeasureRigTilt(rig.handle.get(), side, &tilt);
+    return tilt;
 }
 
 Calibration calibrate(const CalibrateOptions& options, const PairSettings& settings, const Console& console,
@@ -82,9 +88,16 @@ Calibration calibrate(const CalibrateOptions& options, const PairSettings& setti
     }
     PairReading reading = readPairs(views, settings, console);
     estimate(reading);
-    Calibration c{settings.plate, reading.used, reading.skipped, rigOf(reading.handle.get(), reading.cameras), {}, {}};
-    c.figures = rigFigures(reading.handle.get(), c.rig, c.plate);
-    c.block = blockOf(reading.handle.get());
+    const LoadedRig rig = rigOf(reading.calib.get());
+    Calibration c{settings.plate,
+                  reading.used,
+                  reading.skipped,
+                  rig.rig,
+                  rigFigures(rig, settings.plate),
+                  blockOf(reading.calib.get()),
+                  reading.pictures,
+                  tiltOf(rig, 'L'),
+                  tiltOf(rig, 'R')};
     // A parallel pair is calibrated from one view; the object has places for more.
     c.figures.left.views.resize(c.views.size());
     c.figures.right.views.resize(c.views.size());
@@ -92,28 +105,12 @@ Calibration calibrate(const CalibrateOptions& options, const PairSettings& setti
     return c;
 }
 
-// How far the plate of the first view is turned against a parallel camera of square pixels, in degrees: such a camera
-// shortens what is tilted, so that a circle's axes are as one to the cosine.
-double tiltOfFirstView(const RigCamera& camera) {
-    const ZelmCameraIntrinsics& k = camera.intrinsics;
-    const double* const R = camera.poses.front().R;
-    const double a = k.alpha * R[0] + k.gamma * R[3];
-    const double b = k.alpha * R[1] + k.gamma * R[4];
-    const double c = k.beta * R[3];
-    const double d = k.beta * R[4];
-    // The axes are the singular values; their sum and their difference are lengths.
-    const double sum = std::hypot(a + d, c - b);
-    const double difference = std::hypot(a - d, b + c);
-    return std::acos(std::abs(sum - difference) / (sum + difference)) * 180.0 / std::numbers::pi;
-}
-
 void warnOfTilt(const Calibration& c, const Console& console) {
     // Degrees. Noise of a hundredth of a pixel over a few hundred pixels makes about half of one.
-    constexpr double kLargestTilt = 2.0;
+    constexpr double kMaxTilt = 2.0;
     for (const char side : {'L', 'R'}) {
-        const RigCamera& camera = side == 'L' ? c.rig.left : c.rig.right;
-        const double tilt = camera.model == kParallelModel ? tiltOfFirstView(camera) : 0.0;
-        if (tilt > kLargestTilt) {
+        const double tilt = kDegreesPerRadian * (side == 'L' ? c.leftTilt : c.rightTilt);
+        if (tilt > kMaxTilt) {
             const ViewFiles& view = c.views.front();
             console.warn(fmt::format(
                 "{}: the plate seems tilted by {:.1f} degrees against the {} camera, whose scales and direction are "
@@ -129,7 +126,7 @@ void addOverlays(const Calibration& c, const fs::path& folder, const Console& co
     Progress progress(console, "drawing overlays", 2 * c.views.size());
     const auto add = [&](const fs::path& image, const ImageFigures& figures, const std::string& name) {
         if (!image.empty() && !figures.dots.empty()) {
-            outputs.add(folder / name, drawOverlay(readPicture(image), c.plate, figures.dots));
+            outputs.add(folder / name, drawOverlay(*c.pictures->get(image), c.plate, figures.dots));
         }
         progress.advance();
     };

@@ -13,6 +13,7 @@
 #include "failure.h"
 #include "jsonFields.h"
 #include "jsonText.h"
+#include "numberText.h"
 #include "outputFiles.h"
 #include "rigFile.h"
 #include "sceneComparison.h"
@@ -69,7 +70,8 @@ void compareCamera(const std::string& side, const RigCamera& camera, const nlohm
     add("distortion k2", "", k.k2, "k2");
 }
 
-void comparePair(const Rig& rig, const nlohmann::json& truth, const fs::path& path, std::vector<Comparison>& list) {
+void comparePair(const PairGeometry& pair, const nlohmann::json& truth, const fs::path& path,
+                 std::vector<Comparison>& list) {
     const auto numbers = [&](const char* name, std::size_t count) {
         if (!truth.contains(name) || !truth[name].is_array() || truth[name].size() != count) {
             failUsage("{}: right_from_left has no list \"{}\" of {} numbers", path.string(), name, count);
@@ -78,9 +80,9 @@ void comparePair(const Rig& rig, const nlohmann::json& truth, const fs::path& pa
     };
     const std::vector<double> R = numbers("R", 9);
     const std::vector<double> t = numbers("t", 3);
-    const PairGeometry pair = pairGeometry(rig);
     list.push_back({"baseline", kLengthUnits, pair.baseline, std::hypot(t[0], t[1], t[2]), true});
-    list.push_back({"convergence angle", "deg", pair.convergenceDegrees, std::acos(R[8]) * 180.0 / std::numbers::pi});
+    list.push_back(
+        {"convergence angle", "deg", pair.convergence * kDegreesPerRadian, std::acos(R[8]) * 180.0 / std::numbers::pi});
 }
 
 std::vector<Comparison> compare(const Rig& rig, const nlohmann::json& truth, const fs::path& path) {
@@ -88,8 +90,8 @@ std::vector<Comparison> compare(const Rig& rig, const nlohmann::json& truth, con
     const nlohmann::json& cameras = member(truth, "cameras", path);
     compareCamera("left", rig.left, member(cameras, "left", path), path, list);
     compareCamera("right", rig.right, member(cameras, "right", path), path, list);
-    if (hasPairGeometry(rig)) {
-        comparePair(rig, member(truth, "right_from_left", path), path, list);
+    if (rig.pair) {
+        comparePair(*rig.pair, member(truth, "right_from_left", path), path, list);
     }
     return list;
 }

@@ -35,10 +35,10 @@ std::vector<Dot> detect(const Picture& picture, const Plate& plate, const Detect
     if (reading.status < 0) {
         failData("{}: {}", options.image, readingText(reading.status, plate, &picture));
     }
-    std::vector<Dot> dots = indexDots(picture, plate, reading.points);
-    if (dots.size() != reading.points.size()) {
+    std::vector<Dot> dots = reading.dots;
+    if (const std::int64_t lost = reading.found - static_cast<std::int64_t>(dots.size()); lost > 0) {
         failData("{}: {} of {} dots have no place on the grid: do pitch and marker distances in {} fit the plate?",
-                 options.image, reading.points.size() - dots.size(), reading.points.size(), options.plate.file);
+                 options.image, lost, reading.found, options.plate.file);
     }
     std::sort(dots.begin(), dots.end(), [](const Dot& a, const Dot& b) {
         return std::pair(a.index.y, a.index.x) < std::pair(b.index.y, b.index.x);

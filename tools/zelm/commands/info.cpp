@@ -7,13 +7,14 @@
 
 #include "jsonText.h"
 #include "rigFile.h"
+#include "rigReport.h"
 #include "subcommands.h"
 
 namespace zelm::tool {
 namespace {
 
 void showRig(const std::filesystem::path& path, const Console& console) {
-    const Rig rig = readRig(path);
+    const Rig rig = loadRig(path).rig;
     console.say(fmt::format("{}: a calibrated pair from {} views", path.string(), rig.views()));
     console.say(rigText(rig, "plane units"));
     if (console.json) {

@@ -8,16 +8,19 @@
 #include <filesystem>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <vector>
 
 #include "cameraPicture.h"
 #include "depthPicture.h"
 #include "failure.h"
 #include "jsonText.h"
+#include "matchCall.h"
 #include "matchFiles.h"
-#include "matchRun.h"
 #include "numberText.h"
 #include "outputFiles.h"
 #include "pointFile.h"
+#include "rigFigures.h"
+#include "spacePoints.h"
 #include "subcommands.h"
 
 namespace zelm::tool {
@@ -36,12 +39,9 @@ struct MatchOptions {
     std::string points;
     int step = 8;
     bool dense = false;
-    int window = 21;
     std::string depth;
-    double noise = 0.0;  // 0: as estimated
     std::string unit = "plane units";
-    int jobs = 0;
-    MatchSettings settings;
+    ZelmMeasureMatchOptions search = defaultSearch(nullptr);
 };
 
 // What a result is told from at a glance.
@@ -81,34 +81,32 @@ void checkNames(const MatchOptions& o) {
     }
 }
 
-DepthLimits depthLimits(const MatchOptions& o, const Rig& rig) {
+ZelmMeasureDepthLimits depthLimits(const MatchOptions& o, const LoadedRig& rig) {
     if (o.depth.empty()) {
-        return calibratedLimits(rig);
+        return defaultSearch(rig.handle.get()).limits;
     }
     const std::vector<double> range = numbersOf(o.depth);
     if (range.size() != 2) {
         failUsage("--depth {}: expected MIN,MAX: two distances in plane units", o.depth);
     }
-    DepthLimits limits;
-    limits.leftNearest = range[0];
-    limits.leftFarthest = range[1];
     if (!(range[0] < range[1])) {
         failUsage("--depth {}: an empty range: MIN must be less than MAX", o.depth);
     }
-    if (rig.left.model != 2 && !(range[0] > 0.0)) {
+    if (!rig.rig.left.isParallel() && !(range[0] > 0.0)) {
         failUsage("--depth {}: MIN must be greater than 0, in front of the camera", o.depth);
     }
-    return limits;
+    const ZelmMeasureDepthLimits any = o.search.limits;
+    return {range[0], range[1], any.rightMin, any.rightMax};
 }
 
 void checkWindow(const MatchOptions& o, const Rig& rig) {
-    if (o.window % 2 == 0) {
-        failUsage("--window {}: must be odd, so that the point is in its middle", o.window);
+    if (o.search.window % 2 == 0) {
+        failUsage("--window {}: must be odd, so that the point is in its middle", o.search.window);
     }
     for (const char side : {'L', 'R'}) {
         const RigCamera& camera = side == 'L' ? rig.left : rig.right;
-        if (o.window + 2 >= std::min(camera.width, camera.height)) {
-            failUsage("--window {}: larger than the {} image of {} x {} pixels: give a smaller one", o.window,
+        if (o.search.window + 2 >= std::min(camera.width, camera.height)) {
+            failUsage("--window {}: larger than the {} image of {} x {} pixels: give a smaller one", o.search.window,
                       sideName(side), camera.width, camera.height);
         }
     }
@@ -118,74 +116,28 @@ std::vector<ImagePoint> pointsOf(const MatchOptions& o, const Picture& left) {
     if (!o.points.empty()) {
         return readPointFile(o.points);
     }
+    const int step = o.dense ? 1 : o.step;
     std::vector<ImagePoint> points;
-    for (const Point2d& p : gridPoints(left, o.dense ? 1 : o.step)) {
-        points.push_back({p, std::to_string(points.size() + 1)});
+    for (int y = step / 2; y < left.height; y += step) {
+        for (int x = step / 2; x < left.width; x += step) {
+            points.push_back({{static_cast<double>(x), static_cast<double>(y)}, std::to_string(points.size() + 1)});
+        }
     }
     return points;
 }
 
 // The points where no search can begin make a message of their own.
-void checkOverlap(const MatchOptions& o, const MatchInput& input, const std::vector<ImagePoint>& points) {
-    const CameraView left(input.rig, 'L', input.left);
-    const Transfer toRight(input.rig, 'L', input.settings.limits);
-    const bool any = std::any_of(points.begin(), points.end(), [&](const ImagePoint& p) {
-        const auto ideal = left.undistorted(p.pixel);
-        return ideal && !toRight.searchInterval(*ideal).isEmpty();
-    });
-    if (!any) {
-        const DepthLimits& l = input.settings.limits;
+void checkOverlap(const MatchOptions& o, const LoadedRig& rig, const std::vector<double>& pixels) {
+    std::int32_t any = 0;
+    const auto count = static_cast<std::int64_t>(pixels.size() / 2);
+    rig.require(zelmMeasureOverlap(rig.handle.get(), &o.search, count, pixels.data(), &any), o.rig);
+    if (any == 0) {
+        const ZelmMeasureDepthLimits& l = o.search.limits;
         failData(
             "{}: no epipolar line of any of {} points crosses the right image at depths from {:.6g} to {:.6g}: the "
             "cameras see nothing in common there; give another --depth, or check the calibration and the points",
-            o.rig, points.size(), l.leftNearest, l.leftFarthest);
+            o.rig, count, l.leftMin, l.leftMax);
     }
-}
-
-std::vector<MatchedPoint> matchedPoints(const MatchOptions& o, const MatchInput& input,
-                                        const std::vector<ImagePoint>& points, const Console& console) {
-    std::vector<PointMatch> matches;
-    if (o.dense) {
-        matches = matchPixels(input, console);
-    } else {
-        std::vector<Point2d> pixels;
-        std::transform(points.begin(), points.end(), std::back_inserter(pixels),
-                       [](const ImagePoint& p) { return p.pixel; });
-        matches = matchPoints(input, pixels, console);
-    }
-    const Triangulator triangulate(input.rig, o.rig);
-    const ZelmCameraExtrinsics& pose = input.rig.rig.left.poses.front();
-    const Transfer toRight(input.rig, 'L', input.settings.limits);
-    std::vector<MatchedPoint> result;
-    for (std::size_t i = 0; i < matches.size(); ++i) {
-        PointMatch& match = matches[i];
-        const bool isHopeless = match.status == MatchStatus::noTexture || match.status == MatchStatus::outside;
-        if (o.dense && isHopeless) {
-            continue;
-        }
-        MatchedPoint& p = result.emplace_back(MatchedPoint{points[i].id, match, {}, 0.0, 0.0});
-        if (match.status == MatchStatus::ok) {
-            p.space = triangulate({match.left, match.right, ""});
-            if (p.space.status != PointStatus::ok) {
-                p.match.status = MatchStatus::inconsistent;
-                continue;
-            }
-            const Point3d& X = p.space.position;
-            p.depth = pose.R[6] * X.x + pose.R[7] * X.y + pose.R[8] * X.z + pose.t[2];
-            const FittedSurface& f = match.fitted;
-            p.deviation = f.deviation / f.pixelsPerRho * toRight.depthSlope(f.surface.rho);
-        }
-    }
-    return result;
-}
-
-double medianOf(std::vector<double>& values) {
-    if (values.empty()) {
-        return 0.0;
-    }
-    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
-    std::nth_element(values.begin(), middle, values.end());
-    return *middle;
 }
 
 Summary summaryOf(const std::vector<MatchedPoint>& points) {
@@ -195,10 +147,10 @@ Summary summaryOf(const std::vector<MatchedPoint>& points) {
     std::vector<double> deviations;
     std::vector<double> scores;
     for (const MatchedPoint& p : points) {
-        if (p.match.status == MatchStatus::ok) {
+        if (p.status == MatchStatus::ok) {
             depths.push_back(p.depth);
             deviations.push_back(p.deviation);
-            scores.push_back(p.match.fitted.score);
+            scores.push_back(p.score);
         }
     }
     if (!depths.empty()) {
@@ -206,8 +158,8 @@ Summary summaryOf(const std::vector<MatchedPoint>& points) {
         s.nearest = *least;
         s.farthest = *largest;
     }
-    s.medianDeviation = medianOf(deviations);
-    s.medianScore = medianOf(scores);
+    s.medianDeviation = figuresOf(deviations).median;
+    s.medianScore = figuresOf(scores).median;
     return s;
 }
 
@@ -231,7 +183,7 @@ void checkResult(const MatchOptions& o, const Summary& s, std::size_t matched, s
         failData(
             "{}: all of {} points, or every place where they could be found, are outside their image or nearer to "
             "its edge than half a window of {} pixels: check the points, --depth, and the order of the images",
-            o.points.empty() ? o.left : o.points, points, o.window);
+            o.points.empty() ? o.left : o.points, points, o.search.window);
     }
     const std::size_t hopeless = s.of(MatchStatus::outside) + s.of(MatchStatus::noTexture);
     if (hopeless == matched) {
@@ -239,7 +191,7 @@ void checkResult(const MatchOptions& o, const Summary& s, std::size_t matched, s
             "{}: none of {} points has texture that promises {} px, with a window of {} pixels inside the image: is "
             "the "
             "picture sharp and bright? A larger --precision or --window asks for less",
-            o.left, points, o.settings.worstPrecision, o.window);
+            o.left, points, o.search.precision, o.search.window);
     }
     failData("{}: none of {} points was found in {} ({}): do the images belong together, and to this rig?", o.left,
              points, o.right, countsText(s));
@@ -259,13 +211,13 @@ void warnOfChance(const MatchOptions& o, const Summary& s, const Console& consol
     }
 }
 
-std::string summaryText(const MatchOptions& o, const MatchInput& input, const Summary& s, std::size_t points) {
+std::string summaryText(const MatchOptions& o, const Summary& s, std::size_t points) {
     std::string text = fmt::format("{} of {} points matched; the others: {}\n", s.found(), points, countsText(s));
     text += fmt::format("depth {:.6g} to {:.6g} {}, expected deviation {:.2g} (median), score {:.3f} (median)\n",
                         s.nearest, s.farthest, o.unit, s.medianDeviation, s.medianScore);
-    const DepthLimits& l = input.settings.limits;
-    text += fmt::format("looked for at depths from {:.6g} to {:.6g}, noise {:.2f} gray values\n", l.leftNearest,
-                        l.leftFarthest, input.settings.noise);
+    const ZelmMeasureDepthLimits& l = o.search.limits;
+    text += fmt::format("looked for at depths from {:.6g} to {:.6g}, noise {:.2f} gray values\n", l.leftMin, l.leftMax,
+                        o.search.noise);
     text += fmt::format("{:.2f} s; {:.2f} s of processor time, {:.0f} points in a second of it\nwrote {}", s.seconds,
                         s.processorSeconds, static_cast<double>(points) / std::max(s.processorSeconds, 1e-6), o.csv);
     for (const std::string& name : {o.ply, o.picture}) {
@@ -274,7 +226,7 @@ std::string summaryText(const MatchOptions& o, const MatchInput& input, const Su
     return text;
 }
 
-Json summaryJson(const MatchOptions& o, const MatchInput& input, const Summary& s, std::size_t points) {
+Json summaryJson(const MatchOptions& o, const Summary& s, std::size_t points) {
     Json counts;
     for (std::size_t i = 0; i < kMatchStatuses; ++i) {
         counts[std::string(statusWord(static_cast<MatchStatus>(i)))] = s.counts[i];
@@ -285,8 +237,8 @@ Json summaryJson(const MatchOptions& o, const MatchInput& input, const Summary& 
               {"depth", {s.nearest, s.farthest}},
               {"depthSigmaMedian", s.medianDeviation},
               {"scoreMedian", s.medianScore},
-              {"depthLimits", {input.settings.limits.leftNearest, input.settings.limits.leftFarthest}},
-              {"noise", input.settings.noise},
+              {"depthLimits", {o.search.limits.leftMin, o.search.limits.leftMax}},
+              {"noise", o.search.noise},
               {"seconds", s.seconds},
               {"processorSeconds", s.processorSeconds},
               {"csv", o.csv}};
@@ -313,20 +265,26 @@ void writeFiles(const MatchOptions& o, const std::vector<MatchedPoint>& points, 
     outputs.commit();
 }
 
-void runMatch(const MatchOptions& o, const Console& console) {
+// Fills in what follows from rig and pictures.
+void completeSearch(MatchOptions& o, const LoadedRig& rig, const Picture& left, const Picture& right) {
+    constexpr double kReachWindows = 2.0;
+    constexpr double kReachSteps = 2.5;  // of a grid
+    ZelmMeasureMatchOptions& search = o.search;
+    search.reach = std::max(kReachWindows * search.window, o.points.empty() ? kReachSteps * o.step : 0.0);
+    search.limits = depthLimits(o, rig);
+    search.noise = search.noise > 0.0 ? search.noise : noiseOf(left, right);
+}
+
+void runMatch(MatchOptions o, const Console& console) {
     checkNames(o);
     const LoadedRig rig = loadRig(o.rig);
     checkWindow(o, rig.rig);
-    static_cast<void>(Triangulator(rig, o.rig));  // refuses a pair that cannot triangulate
+    static_cast<void>(triangulate(rig, o.rig, {}));  // refuses a rig that cannot triangulate
     const Picture left = readGrayCameraPicture(o.left, rig, 'L');
     const Picture right = readGrayCameraPicture(o.right, rig, 'R');
     const std::vector<ImagePoint> points = pointsOf(o, left);
-    MatchInput input{rig, left, right, o.settings, o.jobs, 2.0 * o.window};
-    input.reach = std::max(input.reach, o.points.empty() ? 2.5 * o.step : 0.0);
-    input.settings.half = o.window / 2;
-    input.settings.limits = depthLimits(o, rig.rig);
-    input.settings.noise = o.noise > 0.0 ? o.noise : 0.5 * (noiseOf(left) + noiseOf(right));
-    checkOverlap(o, input, points);
+    completeSearch(o, rig, left, right);
+    checkOverlap(o, rig, pixelsOf(points));
     OutputFiles outputs;
     for (const std::string& name : {o.csv, o.ply, o.picture}) {
         if (!name.empty()) {
@@ -335,15 +293,16 @@ void runMatch(const MatchOptions& o, const Console& console) {
     }
     const auto start = std::chrono::steady_clock::now();
     const std::clock_t processorStart = std::clock();
-    const std::vector<MatchedPoint> matched = matchedPoints(o, input, points, console);
+    const std::vector<MatchedPoint> matched =
+        matchedPoints({rig, o.rig, left, right, o.search, o.dense}, points, console);
     Summary summary = summaryOf(matched);
     summary.processorSeconds = static_cast<double>(std::clock() - processorStart) / CLOCKS_PER_SEC;
     summary.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     checkResult(o, summary, matched.size(), points.size());
     writeFiles(o, matched, left, outputs);
     warnOfChance(o, summary, console);
-    console.say(summaryText(o, input, summary, matched.size()));
-    console.result(jsonText(summaryJson(o, input, summary, matched.size())));
+    console.say(summaryText(o, summary, matched.size()));
+    console.result(jsonText(summaryJson(o, summary, matched.size())));
 }
 
 }  // namespace
@@ -365,26 +324,29 @@ void addMatch(CommandLine& commandLine, Console& console) {
     Option dense = sub.flag("--dense", o->dense, "Every textured pixel");
     points.excludes(grid).excludes(dense);
     grid.excludes(dense);
-    sub.option("--window", o->window, "Side of the window that is compared, pixels, odd").inRange(7, 101).showDefault();
+    sub.option("--window", o->search.window, "Side of the window that is compared, pixels, odd")
+        .inRange(7, 101)
+        .showDefault();
     sub.option("--depth", o->depth,
                "MIN,MAX: look between these distances along the left camera's axis, plane units; default: from "
                "half the distance of the nearest plate of the calibration to twice that of the farthest, for "
                "each perspective camera, as far as the right image shows it");
-    sub.option("--precision", o->settings.worstPrecision,
+    sub.option("--precision", o->search.precision,
                "Leave out points whose texture promises less: expected deviation along the line, pixels")
         .inRange(0.001, 10.0)
         .showDefault();
-    sub.option("--noise", o->noise, "Standard deviation of a gray value by noise; default: estimated from both images")
+    sub.option("--noise", o->search.noise,
+               "Standard deviation of a gray value by noise; default: estimated from both images")
         .inRange(0.01, 100.0);
-    sub.option("--min-score", o->settings.minScore, "Least correlation of a match, with the noise taken out")
+    sub.option("--min-score", o->search.minScore, "Least correlation of a match, with the noise taken out")
         .inRange(0.0, 1.0)
         .showDefault();
-    sub.option("--return-tolerance", o->settings.returnTolerance,
+    sub.option("--return-tolerance", o->search.returnTolerance,
                "The way back from right to left must end so near to the start, pixels")
         .inRange(0.01, 100.0)
         .showDefault();
     sub.option("--unit", o->unit, "Name of the plate's unit, for the picture").showDefault();
-    sub.option("--jobs", o->jobs,
+    sub.option("--jobs", o->search.threads,
                "Threads, at most as many as the machine runs at a time; 0: as many. The result is the same")
         .inRange(0, 1024)
         .showDefault();

@@ -54,49 +54,15 @@ struct PointPair {
     Point2d right{};  // undistorted
 };
 
-Point2d centreOf(const RigCamera& camera) {
-    return {static_cast<double>(camera.width / 2), static_cast<double>(camera.height / 2)};
-}
-
-// The undistorted pixel at which a camera sees a point of space; nothing when it does not see it.
-std::optional<Point2d> viewOf(const LoadedRig& rig, char side, const Point3d& X) {
-    const RigCamera& camera = rig.camera(side);
-    const ZelmCameraExtrinsics& pose = camera.poses.front();
-    const double depth = pose.R[6] * X.x + pose.R[7] * X.y + pose.R[8] * X.z + pose.t[2];
-    Point2d raw{};
-    Point2d ideal{};
-    if ((camera.model != 2 && !(depth > 0.0)) || zelm2ViewChange3Dto2D(rig.handle.get(), side, &X, &raw) < 0 ||
-        !isInside(camera, raw) || zelm2ViewUnDistortPoint(rig.handle.get(), side, &raw, &ideal) < 0) {
-        return std::nullopt;
-    }
-    return ideal;
-}
-
-std::optional<References> referencesAt(const LoadedRig& rig, const Point3d& X, const char* origin) {
-    const auto left = viewOf(rig, 'L', X);
-    const auto right = viewOf(rig, 'R', X);
-    if (!left || !right) {
-        return std::nullopt;
-    }
-    return References{*left, *right, origin};
-}
-
-// A point of the scene in the middle of both images keeps the field of view that they share: first the point that both
-// cameras are turned to, where the rays of the image centres come closest; then, for cameras that look past each other
-// or along each other, the origin of the plate of view 0; at last the image centres themselves.
+// So that the field of view that both cameras share stays in sight.
 References defaultReferences(const LoadedRig& rig) {
-    const Point2d left = centreOf(rig.rig.left);
-    const Point2d right = centreOf(rig.rig.right);
-    Point3d X{};
-    if (zelm2ViewChange2Dto3D(rig.handle.get(), &left, &right, &X) == ZELM_OK) {
-        if (auto found = referencesAt(rig, X, "the point that both cameras look at")) {
-            return *found;
-        }
-    }
-    if (auto found = referencesAt(rig, {0.0, 0.0, 0.0}, "the origin of the first plate")) {
-        return *found;
-    }
-    return {left, right, "the image centres"};
+    constexpr std::array<const char*, 3> kOrigins{"the point that both cameras look at",
+                                                  "the origin of the first plate", "the image centres"};
+    std::array<double, 2> left{};
+    std::array<double, 2> right{};
+    std::int32_t origin = 0;
+    zelmMeasureRigCentre(rig.handle.get(), left.data(), right.data(), &origin);
+    return {{left[0], left[1]}, {right[0], right[1]}, kOrigins[static_cast<std::size_t>(origin)]};
 }
 
 References referencesOf(const RectifyOptions& o, const LoadedRig& rig) {
@@ -116,13 +82,13 @@ std::optional<LinePair> linePairOf(const LoadedRig& rig, const Zelm2ViewHomParam
                                    const Zelm2ViewEpiLine& rightLine) {
     const Point2d middle{0.5 * (rightLine.x0 + rightLine.x1), 0.5 * (rightLine.y0 + rightLine.y1)};
     Point2d raw{};
-    if (!isVisible(rightLine) || zelm2ViewDistortPoint(rig.handle.get(), 'R', &middle, &raw) < 0) {
+    if (!isVisible(rightLine) || zelm2ViewDistortPoint(rig.calib(), 'R', &middle, &raw) < 0) {
         return std::nullopt;
     }
     const Zelm2ViewEpiLine unrectified = epipolarLine(rig, 'L', raw);
     const double abc[3] = {unrectified.a, unrectified.b, unrectified.c};
     LinePair lines{{}, rightLine};
-    if (zelm2ViewChangeHomEpiLine(rig.handle.get(), 'L', &params, abc, &lines.left) < 0 || !isVisible(lines.left)) {
+    if (zelm2ViewChangeHomEpiLine(rig.calib(), 'L', &params, abc, &lines.left) < 0 || !isVisible(lines.left)) {
         return std::nullopt;
     }
     return lines;
@@ -143,8 +109,8 @@ std::vector<LinePair> evenLines(const LoadedRig& rig, const Zelm2ViewHomParam& p
 
 PointPair pointPairOf(const LoadedRig& rig, const Zelm2ViewHomParam& params, const PixelPair& pair) {
     PointPair points;
-    if (zelm2ViewCalcHomImgPoint(rig.handle.get(), 'L', &pair.left, &params, &points.left) < 0 ||
-        zelm2ViewUnDistortPoint(rig.handle.get(), 'R', &pair.right, &points.right) < 0) {
+    if (zelm2ViewCalcHomImgPoint(rig.calib(), 'L', &pair.left, &params, &points.left) < 0 ||
+        zelm2ViewUnDistortPoint(rig.calib(), 'R', &pair.right, &points.right) < 0) {
         failData("pair {}: a pixel is so far outside its image that the lens distortion cannot be removed", pair.id);
     }
     return points;

@@ -2,14 +2,15 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cmath>
-#include <functional>
+#include <iterator>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "cameraPicture.h"
-#include "dotCentre.h"
+#include "dots.h"
 #include "failure.h"
 #include "jsonText.h"
 #include "rigFigures.h"
@@ -22,8 +23,9 @@ namespace fs = std::filesystem;
 using Json = nlohmann::ordered_json;
 
 struct ScenePoint {
-    Point3d position{};  // true
-    PixelPair pixels;    // true
+    Point3d position{};    // true
+    PixelPair pixels;      // true
+    Point3d fromPixels{};  // triangulated from them
     bool isTarget = false;
     bool isEvenlyLit = true;
     PixelPair outlines;  // of a target: the centroids of its dot's true outlines
@@ -33,8 +35,7 @@ struct ScenePoint {
 struct Target {
     const ScenePoint* truth = nullptr;
     std::optional<PixelPair> measured;
-    Point3d fromTruth{};     // triangulated from the true pixels,
-    Point3d fromOutlines{};  // from the centroids of the true outlines,
+    Point3d fromOutlines{};  // triangulated from the centroids of the true outlines,
     Point3d fromMeasured{};  // and from the centres measured
 };
 
@@ -95,55 +96,86 @@ double distance(const Point3d& a, const Point3d& b) {
     return std::hypot(a.x - b.x, a.y - b.y, a.z - b.z);
 }
 
-Point3d positionOf(const Triangulator& triangulate, const PixelPair& pair) {
-    const SpacePoint point = triangulate(pair);
-    if (point.status != PointStatus::ok) {
-        failData("left ({:.2f}, {:.2f}), right ({:.2f}, {:.2f}): no point of this pair ({}): is this the right rig?",
-                 pair.left.x, pair.left.y, pair.right.x, pair.right.y, statusWord(point.status));
+// Triangulates pairs that must give points.
+std::vector<Point3d> positionsOf(const LoadedRig& rig, const std::string& file, const std::vector<PixelPair>& pairs) {
+    std::vector<Point3d> positions;
+    for (const SpacePoint& point : triangulate(rig, file, pairs)) {
+        if (point.status != PointStatus::ok) {
+            const PixelPair& pair = pairs[positions.size()];
+            failData(
+                "left ({:.2f}, {:.2f}), right ({:.2f}, {:.2f}): no point of this pair ({}): is this the right rig?",
+                pair.left.x, pair.left.y, pair.right.x, pair.right.y, statusWord(point.status));
+        }
+        positions.push_back(point.position);
     }
-    return point.position;
+    return positions;
 }
 
-std::vector<Target> measureTargets(const std::vector<ScenePoint>& points, const Triangulator& triangulate,
+// The centre of the dark dot at each pixel; none where there is no dot.
+std::vector<std::optional<Point2d>> dotCentres(const Picture& picture, const std::vector<Point2d>& seeds) {
+    std::vector<double> pixels;
+    for (const Point2d& p : seeds) {
+        pixels.insert(pixels.end(), {p.x, p.y});
+    }
+    std::vector<std::int32_t> statuses(seeds.size());
+    const ZelmMeasureImage image = imageOf(picture);
+    if (zelmMeasureDotCentres(&image, static_cast<std::int64_t>(seeds.size()), pixels.data(), 0, pixels.data(),
+                              statuses.data()) < 0) {
+        failData("out of memory while looking for dots");
+    }
+    std::vector<std::optional<Point2d>> centres(seeds.size());
+    for (std::size_t i = 0; i < seeds.size(); ++i) {
+        if (statuses[i] == ZELM_MEASURE_DOT_OK) {
+            centres[i] = Point2d{pixels[2 * i], pixels[2 * i + 1]};
+        }
+    }
+    return centres;
+}
+
+std::vector<Target> measureTargets(const std::vector<ScenePoint>& points, const LoadedRig& rig, const std::string& file,
                                    const Picture& left, const Picture& right) {
     std::vector<Target> targets;
+    std::vector<PixelPair> outlines;
+    std::vector<Point2d> leftSeeds;
+    std::vector<Point2d> rightSeeds;
     for (const ScenePoint& point : points) {
-        if (!point.isTarget) {
-            continue;
+        if (point.isTarget) {
+            targets.push_back({&point, {}, {}, {}});
+            outlines.push_back(point.outlines);
+            leftSeeds.push_back(point.pixels.left);
+            rightSeeds.push_back(point.pixels.right);
         }
-        Target target{&point, {}, positionOf(triangulate, point.pixels), positionOf(triangulate, point.outlines), {}};
-        const auto leftCentre = dotCentre(left, point.pixels.left, DotPolarity::dark);
-        const auto rightCentre = dotCentre(right, point.pixels.right, DotPolarity::dark);
-        if (leftCentre && rightCentre) {
-            target.measured = PixelPair{*leftCentre, *rightCentre, ""};
-            target.fromMeasured = positionOf(triangulate, *target.measured);
+    }
+    const std::vector<Point3d> fromOutlines = positionsOf(rig, file, outlines);
+    const auto leftCentres = dotCentres(left, leftSeeds);
+    const auto rightCentres = dotCentres(right, rightSeeds);
+    for (std::size_t i = 0; i < targets.size(); ++i) {
+        targets[i].fromOutlines = fromOutlines[i];
+        if (leftCentres[i] && rightCentres[i]) {
+            targets[i].measured = PixelPair{*leftCentres[i], *rightCentres[i], ""};
+            targets[i].fromMeasured = positionsOf(rig, file, {*targets[i].measured}).front();
         }
-        targets.push_back(target);
     }
     return targets;
 }
 
 template <typename List, typename Use, typename Measure>
 Distances distancesOf(const char* name, const char* key, const List& list, Use use, Measure measure) {
-    Distances result{name, key, {}};
+    std::vector<double> distances;
     for (const auto& item : list) {
         if (use(item)) {
-            result.figures.add(measure(item));
+            distances.push_back(measure(item));
         }
     }
-    result.figures.finish();
-    return result;
+    return {name, key, figuresOf(distances)};
 }
 
-std::vector<Distances> allDistances(const std::vector<ScenePoint>& points, const std::vector<Target>& targets,
-                                    const Triangulator& triangulate) {
+std::vector<Distances> allDistances(const std::vector<ScenePoint>& points, const std::vector<Target>& targets) {
     const auto all = [](const auto&) { return true; };
     const auto isMeasured = [](const Target& t) { return t.measured.has_value(); };
     const auto isEven = [&](const Target& t) { return isMeasured(t) && t.truth->isEvenlyLit; };
     const auto isUneven = [&](const Target& t) { return isMeasured(t) && !t.truth->isEvenlyLit; };
-    const auto fromPixels = [&](const ScenePoint& p) {
-        return distance(positionOf(triangulate, p.pixels), p.position);
-    };
+    const auto fromPixels = [](const ScenePoint& p) { return distance(p.fromPixels, p.position); };
     const auto fromMeasured = [](const Target& t) { return distance(t.fromMeasured, t.truth->position); };
     return {
         distancesOf("all points, from true pixels", "pointsFromTruePixels", points, all, fromPixels),
@@ -151,9 +183,9 @@ std::vector<Distances> allDistances(const std::vector<ScenePoint>& points, const
         distancesOf("  evenly lit ones", "targetsMeasuredEvenlyLit", targets, isEven, fromMeasured),
         distancesOf("  with a shadow edge on the pad", "targetsMeasuredShadowed", targets, isUneven, fromMeasured),
         distancesOf("  of this: calibration", "targetsCalibration", targets, isMeasured,
-                    [](const Target& t) { return distance(t.fromTruth, t.truth->position); }),
+                    [](const Target& t) { return distance(t.truth->fromPixels, t.truth->position); }),
         distancesOf("  of this: outline not projected centre", "targetsCentreBias", targets, isMeasured,
-                    [](const Target& t) { return distance(t.fromOutlines, t.fromTruth); }),
+                    [](const Target& t) { return distance(t.fromOutlines, t.truth->fromPixels); }),
         distancesOf("  of this: noise and outline finding", "targetsNoise", targets, isMeasured,
                     [](const Target& t) { return distance(t.fromMeasured, t.fromOutlines); }),
     };
@@ -161,16 +193,15 @@ std::vector<Distances> allDistances(const std::vector<ScenePoint>& points, const
 
 // Distances in pixels between the centres measured and the centroids of the true outlines, both images.
 DistanceFigures centreErrors(const std::vector<Target>& targets) {
-    DistanceFigures figures;
+    std::vector<double> distances;
     for (const Target& t : targets) {
         if (t.measured) {
             const PixelPair& o = t.truth->outlines;
-            figures.add(std::hypot(t.measured->left.x - o.left.x, t.measured->left.y - o.left.y));
-            figures.add(std::hypot(t.measured->right.x - o.right.x, t.measured->right.y - o.right.y));
+            distances.push_back(std::hypot(t.measured->left.x - o.left.x, t.measured->left.y - o.left.y));
+            distances.push_back(std::hypot(t.measured->right.x - o.right.x, t.measured->right.y - o.right.y));
         }
     }
-    figures.finish();
-    return figures;
+    return figuresOf(distances);
 }
 
 std::string textOf(const std::vector<Distances>& list, std::size_t missed, const DistanceFigures& centres) {
@@ -178,12 +209,12 @@ std::string textOf(const std::vector<Distances>& list, std::size_t missed, const
     for (const Distances& d : list) {
         if (d.figures.count > 0) {
             text +=
-                fmt::format("\n{:<40}{:>8}{:>12.5f}{:>12.5f}", d.name, d.figures.count, d.figures.rms, d.figures.worst);
+                fmt::format("\n{:<40}{:>8}{:>12.5f}{:>12.5f}", d.name, d.figures.count, d.figures.rms, d.figures.max);
         }
     }
     if (centres.count > 0) {
         text += fmt::format("\ncentres measured to the true outlines' centroids: RMS {:.4f}, worst {:.4f} px",
-                            centres.rms, centres.worst);
+                            centres.rms, centres.max);
     }
     if (missed > 0) {
         text += fmt::format("\n{} targets not found in the images", missed);
@@ -192,7 +223,7 @@ std::string textOf(const std::vector<Distances>& list, std::size_t missed, const
 }
 
 Json figuresJson(const DistanceFigures& figures) {
-    return {{"count", figures.count}, {"rms", figures.rms}, {"worst", figures.worst}};
+    return {{"count", figures.count}, {"rms", figures.rms}, {"worst", figures.max}};
 }
 
 }  // namespace
@@ -203,22 +234,28 @@ bool isSceneTruth(const nlohmann::json& truth) {
 
 void compareScene(const LoadedRig& rig, const fs::path& rigPath, const nlohmann::json& truth, const fs::path& truthPath,
                   const Console& console) {
-    const Triangulator triangulate(rig, rigPath.string());
     std::vector<ScenePoint> points;
     bool anyTarget = false;
     for (const nlohmann::json& object : truth["points"]) {
         points.push_back(scenePointOf(object, truthPath));
         anyTarget = anyTarget || points.back().isTarget;
     }
+    std::vector<PixelPair> pairs;
+    std::transform(points.begin(), points.end(), std::back_inserter(pairs),
+                   [](const ScenePoint& p) { return p.pixels; });
+    const std::vector<Point3d> positions = positionsOf(rig, rigPath.string(), pairs);
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        points[i].fromPixels = positions[i];
+    }
     std::vector<Target> targets;
     if (anyTarget) {
         const Picture left = sceneImage(truth, "left_image", truthPath, rig, 'L');
         const Picture right = sceneImage(truth, "right_image", truthPath, rig, 'R');
-        targets = measureTargets(points, triangulate, left, right);
+        targets = measureTargets(points, rig, rigPath.string(), left, right);
     }
-    const std::vector<Distances> list = allDistances(points, targets, triangulate);
+    const std::vector<Distances> list = allDistances(points, targets);
     const DistanceFigures centres = centreErrors(targets);
-    const std::size_t missed = targets.size() - list[1].figures.count;
+    const std::size_t missed = targets.size() - static_cast<std::size_t>(list[1].figures.count);
     console.say(textOf(list, missed, centres));
     Json json{{"targets", targets.size()}, {"targetsNotFound", missed}, {"centreErrorPixels", figuresJson(centres)}};
     for (const Distances& d : list) {

@@ -7,7 +7,7 @@
 #include <nlohmann/json.hpp>
 
 #include "cameraPicture.h"
-#include "dotCentre.h"
+#include "dots.h"
 #include "failure.h"
 #include "jsonText.h"
 #include "outputFiles.h"
@@ -32,13 +32,13 @@ struct TriangulateOptions {
 
 // What a result is told from at a glance.
 struct Summary {
-    DistanceFigures left;   // distances from projections
-    DistanceFigures right;  //
-    double leastAngle = 180.0;
-    double largestAngle = 0.0;
+    DistanceFigures left{};   // distances from projections, pixels
+    DistanceFigures right{};  //
+    double minDegrees = 180.0;
+    double maxDegrees = 0.0;
     std::array<std::size_t, kPointStatuses> counts{};
 
-    std::size_t points() const { return left.count; }
+    std::size_t points() const { return static_cast<std::size_t>(left.count); }
 };
 
 // Names of files that would take each other's place.
@@ -60,35 +60,51 @@ void checkNames(const TriangulateOptions& o) {
     }
 }
 
-// Moves the pixels of the pairs onto the centres of the dots that they lie in; tells where there is none.
+// The centres of the dots that pixels of a picture lie in; tells where there is none.
+std::vector<bool> moveToDots(const Picture& picture, const std::string& polarity, std::vector<double>& pixels) {
+    const ZelmMeasureImage image = imageOf(picture);
+    std::vector<std::int32_t> statuses(pixels.size() / 2);
+    if (zelmMeasureDotCentres(&image, static_cast<std::int64_t>(statuses.size()), pixels.data(),
+                              polarity == "bright" ? 1 : 0, pixels.data(), statuses.data()) < 0) {
+        failData("out of memory while looking for dots: give fewer pairs at a time");
+    }
+    std::vector<bool> found(statuses.size());
+    std::transform(statuses.begin(), statuses.end(), found.begin(),
+                   [](std::int32_t status) { return status == ZELM_MEASURE_DOT_OK; });
+    return found;
+}
+
+// Moves the pixels of the pairs onto the centres of the dots that they lie in; tells where there is none in both images.
 std::vector<bool> moveToDots(std::vector<PixelPair>& pairs, const TriangulateOptions& o, const LoadedRig& rig) {
-    const Picture left = readGrayCameraPicture(o.dotImages[0], rig, 'L');
-    const Picture right = readGrayCameraPicture(o.dotImages[1], rig, 'R');
-    const DotPolarity polarity = o.polarity == "bright" ? DotPolarity::bright : DotPolarity::dark;
-    std::vector<bool> found(pairs.size());
+    const Picture leftPicture = readGrayCameraPicture(o.dotImages[0], rig, 'L');
+    const Picture rightPicture = readGrayCameraPicture(o.dotImages[1], rig, 'R');
+    std::vector<double> left;
+    std::vector<double> right;
+    for (const PixelPair& pair : pairs) {
+        left.insert(left.end(), {pair.left.x, pair.left.y});
+        right.insert(right.end(), {pair.right.x, pair.right.y});
+    }
+    std::vector<bool> found = moveToDots(leftPicture, o.polarity, left);
+    const std::vector<bool> foundRight = moveToDots(rightPicture, o.polarity, right);
     for (std::size_t i = 0; i < pairs.size(); ++i) {
-        const auto leftCentre = dotCentre(left, pairs[i].left, polarity);
-        const auto rightCentre = dotCentre(right, pairs[i].right, polarity);
-        if (leftCentre && rightCentre) {
-            pairs[i].left = *leftCentre;
-            pairs[i].right = *rightCentre;
-            found[i] = true;
+        found[i] = found[i] && foundRight[i];
+        if (found[i]) {
+            pairs[i].left = {left[2 * i], left[2 * i + 1]};
+            pairs[i].right = {right[2 * i], right[2 * i + 1]};
         }
     }
     return found;
 }
 
-std::vector<SpacePoint> triangulate(std::vector<PixelPair>& pairs, const TriangulateOptions& o, const LoadedRig& rig) {
-    const Triangulator pointOf(rig, o.rig);
+std::vector<SpacePoint> pointsOf(std::vector<PixelPair>& pairs, const TriangulateOptions& o, const LoadedRig& rig) {
     std::vector<bool> found(pairs.size(), true);
     if (!o.dotImages.empty()) {
         found = moveToDots(pairs, o, rig);
     }
-    std::vector<SpacePoint> points(pairs.size());
+    std::vector<SpacePoint> points = triangulate(rig, o.rig, pairs);
     for (std::size_t i = 0; i < pairs.size(); ++i) {
-        if (found[i]) {
-            points[i] = pointOf(pairs[i]);
-        } else {
+        if (!found[i]) {
+            points[i] = {};
             points[i].status = PointStatus::noDot;
         }
     }
@@ -98,16 +114,18 @@ std::vector<SpacePoint> triangulate(std::vector<PixelPair>& pairs, const Triangu
 Summary summaryOf(const std::vector<SpacePoint>& points) {
     Summary s;
     s.counts = countStatuses(points);
+    std::vector<double> left;
+    std::vector<double> right;
     for (const SpacePoint& p : points) {
         if (p.status == PointStatus::ok) {
-            s.left.add(p.errorLeft);
-            s.right.add(p.errorRight);
-            s.leastAngle = std::min(s.leastAngle, p.intersectionDegrees);
-            s.largestAngle = std::max(s.largestAngle, p.intersectionDegrees);
+            left.push_back(p.errorLeft);
+            right.push_back(p.errorRight);
+            s.minDegrees = std::min(s.minDegrees, p.degrees);
+            s.maxDegrees = std::max(s.maxDegrees, p.degrees);
         }
     }
-    s.left.finish();
-    s.right.finish();
+    s.left = figuresOf(left);
+    s.right = figuresOf(right);
     return s;
 }
 
@@ -128,8 +146,8 @@ std::string summaryText(const Summary& s, std::size_t pairs, const TriangulateOp
         "{} of {} pairs triangulated; wrote {}{}{}\n"
         "reprojection error    left RMS {:.4f}, worst {:.4f} px; right RMS {:.4f}, worst {:.4f} px\n"
         "intersection angle    {:.3f} to {:.3f} deg",
-        s.points(), pairs, o.csv, o.ply.empty() ? "" : " and ", o.ply, s.left.rms, s.left.worst, s.right.rms,
-        s.right.worst, s.leastAngle, s.largestAngle);
+        s.points(), pairs, o.csv, o.ply.empty() ? "" : " and ", o.ply, s.left.rms, s.left.max, s.right.rms, s.right.max,
+        s.minDegrees, s.maxDegrees);
 }
 
 Json summaryJson(const Summary& s, std::size_t pairs, const TriangulateOptions& o) {
@@ -139,9 +157,9 @@ Json summaryJson(const Summary& s, std::size_t pairs, const TriangulateOptions& 
     }
     Json json{{"pairs", pairs}, {"points", s.points()}, {"statuses", counts}};
     for (const auto& [name, figures] : {std::pair("left", &s.left), std::pair("right", &s.right)}) {
-        json[name] = {{"reprojectionRms", figures->rms}, {"reprojectionWorst", figures->worst}};
+        json[name] = {{"reprojectionRms", figures->rms}, {"reprojectionWorst", figures->max}};
     }
-    json["angleDegrees"] = {s.leastAngle, s.largestAngle};
+    json["angleDegrees"] = {s.minDegrees, s.maxDegrees};
     json["csv"] = o.csv;
     if (!o.ply.empty()) {
         json["ply"] = o.ply;
@@ -158,7 +176,7 @@ void runTriangulate(const TriangulateOptions& o, const Console& console) {
     if (!o.ply.empty()) {
         outputs.prepareFolder(fs::path(o.ply).parent_path());
     }
-    const std::vector<SpacePoint> points = triangulate(pairs, o, rig);
+    const std::vector<SpacePoint> points = pointsOf(pairs, o, rig);
     const Summary summary = summaryOf(points);
     if (summary.points() == 0) {
         failData("{}: none of {} pairs gave a point ({}): are left and right, or the rig, exchanged?", o.pairs,

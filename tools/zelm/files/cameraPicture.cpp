@@ -23,25 +23,25 @@ Picture blankLike(const Picture& picture) {
 }
 
 std::int32_t undistort(const LoadedRig& rig, char side, const Picture& from, Picture& to) {
-    return zelm2ViewUnDistortImage(rig.handle.get(), side, from.pixels.data(), to.pixels.data());
+    return zelm2ViewUnDistortImage(rig.calib(), side, from.pixels.data(), to.pixels.data());
 }
 
 std::int32_t undistort(const LoadedRig& rig, char side, const ColourPicture& from, ColourPicture& to) {
     const vImage_Buffer source = bufferOf(from);
     const vImage_Buffer target = bufferOf(to);
-    return zelm2ViewUnDistortImage_vImageARGB8888(rig.handle.get(), side, &source, &target);
+    return zelm2ViewUnDistortImage_vImageARGB8888(rig.calib(), side, &source, &target);
 }
 
 std::int32_t rectify(const LoadedRig& rig, char side, const Zelm2ViewHomParam& params, const Picture& from,
                      Picture& to) {
-    return zelm2ViewMakeHomImage(rig.handle.get(), side, from.pixels.data(), &params, to.pixels.data());
+    return zelm2ViewMakeHomImage(rig.calib(), side, from.pixels.data(), &params, to.pixels.data());
 }
 
 std::int32_t rectify(const LoadedRig& rig, char side, const Zelm2ViewHomParam& params, const ColourPicture& from,
                      ColourPicture& to) {
     const vImage_Buffer source = bufferOf(from);
     const vImage_Buffer target = bufferOf(to);
-    return zelm2ViewMakeHomImage_vImageARGB8888(rig.handle.get(), side, &source, &params, &target);
+    return zelm2ViewMakeHomImage_vImageARGB8888(rig.calib(), side, &source, &params, &target);
 }
 
 void checkSize(const fs::path& path, int width, int height, const LoadedRig& rig, char side) {

@@ -9,6 +9,8 @@
 #include <cmath>
 #include <iterator>
 
+#include "spacePoints.h"
+
 namespace zelm::tool {
 namespace {
 
@@ -39,7 +41,7 @@ std::string_view statusWord(MatchStatus status) {
 std::array<std::size_t, kMatchStatuses> countStatuses(const std::vector<MatchedPoint>& points) {
     std::array<std::size_t, kMatchStatuses> counts{};
     for (const MatchedPoint& point : points) {
-        counts[static_cast<std::size_t>(point.match.status)] += 1;
+        counts[static_cast<std::size_t>(point.status)] += 1;
     }
     return counts;
 }
@@ -50,16 +52,16 @@ std::string matchCsv(const std::vector<MatchedPoint>& points) {
     const auto out = std::back_inserter(csv);
     for (const MatchedPoint& p : points) {
         csv += csvField(p.id);
-        fmt::format_to(out, FMT_COMPILE(",{:.10g},{:.10g},"), p.match.left.x, p.match.left.y);
-        if (p.match.status == MatchStatus::ok) {
-            const Point3d& X = p.space.position;
+        fmt::format_to(out, FMT_COMPILE(",{:.10g},{:.10g},"), p.left.x, p.left.y);
+        if (p.status == MatchStatus::ok) {
+            const Point3d& X = p.position;
             fmt::format_to(out, FMT_COMPILE("{:.4f},{:.4f},{:.4f},{:.9g},{:.9g},{:.9g},{:.9g},{:.3g},{:.6f},{:.6f}"),
-                           p.match.right.x, p.match.right.y, p.match.fitted.score, X.x, X.y, X.z, p.depth, p.deviation,
-                           p.space.errorLeft, p.space.errorRight);
+                           p.right.x, p.right.y, p.score, X.x, X.y, X.z, p.depth, p.deviation, p.errorLeft,
+                           p.errorRight);
         } else {
             csv += ",,,,,,,,,";
         }
-        fmt::format_to(out, FMT_COMPILE(",{}\n"), statusWord(p.match.status));
+        fmt::format_to(out, FMT_COMPILE(",{}\n"), statusWord(p.status));
     }
     return csv;
 }
@@ -74,11 +76,11 @@ std::string matchPly(const std::vector<MatchedPoint>& points, const Picture& lef
     constexpr std::size_t kBytesPerVertex = 19;
     ply.reserve(ply.size() + kBytesPerVertex * count);
     for (const MatchedPoint& p : points) {
-        if (p.match.status == MatchStatus::ok) {
-            appendFloat(ply, p.space.position.x);
-            appendFloat(ply, p.space.position.y);
-            appendFloat(ply, p.space.position.z);
-            ply.append(3, grayAt(left, p.match.left));
+        if (p.status == MatchStatus::ok) {
+            appendFloat(ply, p.position.x);
+            appendFloat(ply, p.position.y);
+            appendFloat(ply, p.position.z);
+            ply.append(3, grayAt(left, p.left));
             appendFloat(ply, p.deviation);
         }
     }

@@ -2,22 +2,40 @@
 #ifndef ZELM_TOOL_MATCH_FILES_H
 #define ZELM_TOOL_MATCH_FILES_H
 
+#include <zelmMeasure.h>
+
 #include <array>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "matchRun.h"
+#include "imageFile.h"
 
 namespace zelm::tool {
 
-// A point as it is written.
+// What became of a point, in the measuring library's words.
+enum class MatchStatus : std::int32_t {
+    ok = ZELM_MEASURE_MATCH_OK,
+    outside = ZELM_MEASURE_MATCH_OUTSIDE,
+    noTexture = ZELM_MEASURE_MATCH_NO_TEXTURE,
+    noMatch = ZELM_MEASURE_MATCH_NO_MATCH,
+    ambiguous = ZELM_MEASURE_MATCH_AMBIGUOUS,
+    inconsistent = ZELM_MEASURE_MATCH_INCONSISTENT,
+};
+constexpr std::size_t kMatchStatuses = 6;
+
+// A point as it is written; one that is not ok has its left pixel alone.
 struct MatchedPoint {
     std::string id;
-    PointMatch match;
-    SpacePoint space;        // of a match that is ok
+    MatchStatus status = MatchStatus::outside;
+    Point2d left{};          // raw pixel, as given
+    Point2d right{};         // raw pixel found
+    double score = 0.0;      // of the correlation
+    Point3d position{};      // world frame
     double depth = 0.0;      // along the left camera's axis
     double deviation = 0.0;  // expected, of the depth
+    double errorLeft = 0.0;  // pixels between the pixel and the raw projection of the point
+    double errorRight = 0.0;
 };
 
 // The word that files have for it.

@@ -45,7 +45,7 @@ struct DepthRange {
 DepthRange rangeOf(const std::vector<MatchedPoint>& points) {
     std::vector<double> depths;
     for (const MatchedPoint& p : points) {
-        if (p.match.status == MatchStatus::ok) {
+        if (p.status == MatchStatus::ok) {
             depths.push_back(p.depth);
         }
     }
@@ -116,11 +116,11 @@ std::string depthPicture(const std::vector<MatchedPoint>& points, const Picture&
     cairo_set_antialias(cairo.get(), CAIRO_ANTIALIAS_NONE);
     const DepthRange range = rangeOf(points);
     for (const MatchedPoint& p : points) {
-        if (p.match.status == MatchStatus::ok) {
+        if (p.status == MatchStatus::ok) {
             paint(cairo.get(), colourOf(range.partOf(p.depth)));
             // Cairo's whole numbers are the corners of pixels.
-            cairo_rectangle(cairo.get(), std::floor(p.match.left.x + 0.5) - spot / 2,
-                            std::floor(p.match.left.y + 0.5) - spot / 2, spot, spot);
+            cairo_rectangle(cairo.get(), std::floor(p.left.x + 0.5) - spot / 2, std::floor(p.left.y + 0.5) - spot / 2,
+                            spot, spot);
             cairo_fill(cairo.get());
         }
     }

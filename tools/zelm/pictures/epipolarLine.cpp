@@ -8,7 +8,7 @@ namespace zelm::tool {
 
 Zelm2ViewEpiLine epipolarLine(const LoadedRig& rig, char target, Point2d pixel) {
     Zelm2ViewEpiLine line{};
-    const std::int32_t status = zelm2ViewCalcEpiLine(rig.handle.get(), target, &pixel, &line);
+    const std::int32_t status = zelm2ViewCalcEpiLine(rig.calib(), target, &pixel, &line);
     if (status < 0) {
         failData("pixel ({}, {}): so far outside the image that the lens distortion cannot be removed", pixel.x,
                  pixel.y);

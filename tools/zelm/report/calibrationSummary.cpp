@@ -4,6 +4,8 @@
 
 #include <algorithm>
 
+#include "rigReport.h"
+
 namespace zelm::tool {
 namespace {
 
@@ -15,7 +17,7 @@ std::string imageCells(const std::filesystem::path& path, const ImageFigures& im
     }
     const DistanceFigures& d = image.distances;
     return fmt::format("{:<{}}  {:>4}  {:>6.4f}  {:>6.4f}  {:>6.4f}", imageName(path), nameWidth, image.found, d.mean,
-                       d.rms, d.worst);
+                       d.rms, d.max);
 }
 
 std::string viewTable(const Calibration& c) {
@@ -37,7 +39,7 @@ std::string viewTable(const Calibration& c) {
                         epipolar.count > 0 ? fmt::format("{:.4f}", epipolar.rms) : "-");
     }
     const auto total = [](const DistanceFigures& d, std::size_t width) {
-        return fmt::format("{:<{}}  {:>4}  {:>6.4f}  {:>6.4f}  {:>6.4f}", "", width, d.count, d.mean, d.rms, d.worst);
+        return fmt::format("{:<{}}  {:>4}  {:>6.4f}  {:>6.4f}  {:>6.4f}", "", width, d.count, d.mean, d.rms, d.max);
     };
     text += fmt::format("all   {}  {}  {:>8.4f}\n", total(c.figures.left.distances, leftWidth),
                         total(c.figures.right.distances, rightWidth), c.figures.epipolar.rms);
@@ -45,7 +47,7 @@ std::string viewTable(const Calibration& c) {
 }
 
 Json distancesJson(const DistanceFigures& d) {
-    return {{"mean", d.mean}, {"rms", d.rms}, {"worst", d.worst}};
+    return {{"mean", d.mean}, {"rms", d.rms}, {"worst", d.max}};
 }
 
 Json imageJson(const std::filesystem::path& path, const ImageFigures& image) {
@@ -111,7 +113,7 @@ std::string summaryText(const Calibration& c) {
     }
     text += fmt::format("\n{}\n", rigText(c.rig, c.plate.units));
     text += fmt::format("epipolar RMS distance {:.4f} px over {} dot pairs of {} views (worst {:.4f} px)",
-                        c.figures.epipolar.rms, c.figures.dotPairs, c.views.size(), c.figures.epipolar.worst);
+                        c.figures.epipolar.rms, c.figures.dotPairs, c.views.size(), c.figures.epipolar.max);
     return text;
 }
 
@@ -128,7 +130,7 @@ Json summaryJson(const Calibration& c) {
         {"epipolar",
          {{"rms", c.figures.epipolar.rms},
           {"mean", c.figures.epipolar.mean},
-          {"worst", c.figures.epipolar.worst},
+          {"worst", c.figures.epipolar.max},
           {"dotPairs", c.figures.dotPairs}}},
         {"left", rig["left"]},
         {"right", rig["right"]}};

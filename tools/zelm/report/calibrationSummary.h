@@ -2,6 +2,7 @@
 #ifndef ZELM_TOOL_CALIBRATION_SUMMARY_H
 #define ZELM_TOOL_CALIBRATION_SUMMARY_H
 
+#include <memory>
 #include <nlohmann/json.hpp>
 #include <string>
 
@@ -18,7 +19,10 @@ struct Calibration {
     std::vector<SkippedView> skipped;
     Rig rig;
     RigFigures figures;
-    std::string block;  // as saved
+    std::string block;                       // as saved
+    std::shared_ptr<PictureStore> pictures;  // of the views
+    double leftTilt = 0.0;                   // of a parallel camera, of the plate of view 0 against it, radians
+    double rightTilt = 0.0;                  //
 };
 
 // Of a view and a camera, the name of its image file; empty where there is none.

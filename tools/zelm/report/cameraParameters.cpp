@@ -3,12 +3,13 @@
 #include <fmt/format.h>
 
 #include <cmath>
-#include <numbers>
+
+#include "numberText.h"
+#include "rigReport.h"
 
 namespace zelm::tool {
 namespace {
 
-constexpr double kDegreesPerRadian = 180.0 / std::numbers::pi;
 constexpr double kSmallDistortion = 1e-3;  // below it six decimals would show too little
 constexpr const char* kNone = "-";
 
@@ -28,8 +29,8 @@ public:
 
     // The scales of the cameras of one kind; none when neither is.
     void addScales(bool parallel) {
-        const int model = parallel ? 2 : 0;
-        const auto isOfKind = [parallel](const RigCamera& camera) { return (camera.model == 2) == parallel; };
+        const int model = parallel ? ZELM_CAMERA_PARALLEL : ZELM_CAMERA_PERSPECTIVE;
+        const auto isOfKind = [parallel](const RigCamera& camera) { return camera.isParallel() == parallel; };
         if (!isOfKind(rig.left) && !isOfKind(rig.right)) {
             return;
         }
@@ -54,7 +55,7 @@ private:
 }  // namespace
 
 ScaleWords scaleWords(int model, const std::string& units) {
-    if (model != 2) {
+    if (model != ZELM_CAMERA_PARALLEL) {
         return {"focal length", "px"};
     }
     // One of them: "px/plane unit".

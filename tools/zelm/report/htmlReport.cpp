@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "cameraParameters.h"
+#include "numberText.h"
 #include "overlay.h"
 #include "reportDrawings.h"
 
@@ -93,10 +94,9 @@ std::string tiles(const Calibration& c) {
     html += tile(fmt::format("{:.4f} px", l.distances.mean), "mean error, left");
     html += tile(fmt::format("{:.4f} px", r.distances.mean), "mean error, right");
     html += tile(fmt::format("{:.4f} px", c.figures.epipolar.rms), "epipolar RMS distance");
-    if (hasPairGeometry(c.rig)) {
-        const PairGeometry pair = pairGeometry(c.rig);
-        html += tile(fmt::format("{:.3f} {}", pair.baseline, escaped(c.plate.units)), "baseline");
-        html += tile(fmt::format("{:.3f}°", pair.convergenceDegrees), "convergence angle");
+    if (const auto& pair = c.rig.pair) {
+        html += tile(fmt::format("{:.3f} {}", pair->baseline, escaped(c.plate.units)), "baseline");
+        html += tile(fmt::format("{:.3f}°", pair->convergence * kDegreesPerRadian), "convergence angle");
     }
     return html + "</div>";
 }
@@ -124,7 +124,7 @@ std::string imageCells(const std::filesystem::path& path, const ImageFigures& im
     }
     const DistanceFigures& d = image.distances;
     return fmt::format("<td class='name'>{}</td><td>{}</td><td>{:.4f}</td><td>{:.4f}</td><td>{:.4f}</td>",
-                       escaped(imageName(path)), image.found, d.mean, d.rms, d.worst);
+                       escaped(imageName(path)), image.found, d.mean, d.rms, d.max);
 }
 
 std::string viewTable(const Calibration& c) {
@@ -145,7 +145,7 @@ std::string overlayFigure(const Calibration& c, const std::filesystem::path& pat
     if (path.empty() || image.dots.empty()) {
         return {};
     }
-    const std::string png = drawOverlay(readPicture(path), c.plate, image.dots, kOverlaySide);
+    const std::string png = drawOverlay(*c.pictures->get(path), c.plate, image.dots, kOverlaySide);
     return fmt::format(
         "<figure><img alt='Dots found in {0}' src='data:image/png;base64,{1}'><figcaption>{0}</figcaption></figure>",
         escaped(imageName(path)), base64(png));

@@ -2,11 +2,15 @@
 #ifndef ZELM_TOOL_NUMBER_TEXT_H
 #define ZELM_TOOL_NUMBER_TEXT_H
 
+#include <numbers>
 #include <optional>
 #include <string_view>
 #include <vector>
 
 namespace zelm::tool {
+
+// Angles are told to people in degrees.
+inline constexpr double kDegreesPerRadian = 180.0 / std::numbers::pi;
 
 // The number that the whole text is, with a point for decimals whatever the locale; nothing when it is none or not
 // finite.

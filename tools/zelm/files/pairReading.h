@@ -4,12 +4,14 @@
 
 #include <cstddef>
 #include <filesystem>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "console.h"
 #include "imageFile.h"
+#include "pictureStore.h"
 #include "plateFile.h"
 #include "rigFile.h"
 
@@ -35,13 +37,13 @@ struct SkippedView {
 };
 
 struct PairReading {
-    CalibPtr handle;  // holds the dots of the used views, in their order
+    CalibPtr calib;  // holds the dots of the used views, in their order
     Zelm2ViewCameraDesc cameras{};
     std::vector<ViewFiles> used;
     std::vector<SkippedView> skipped;
+    std::shared_ptr<PictureStore> pictures;  // of all views
 };
 
-inline constexpr int kParallelModel = 2;  // the model of a camera that is calibrated from one view
 inline constexpr std::size_t kFewestViews = 3;
 
 // Pairs the images. Throws Failure when the numbers do not fit together or are too small.

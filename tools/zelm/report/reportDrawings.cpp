@@ -85,8 +85,8 @@ std::string residualField(const RigCamera& camera, const CameraFigures& figures)
     for (const ImageFigures& view : figures.views) {
         for (std::size_t i = 0; i < view.dots.size(); ++i) {
             const Point2d p = view.dots[i].pixel;
-            lines += fmt::format("M{:.1f} {:.1f}l{:.1f} {:.1f}", p.x + 0.5, p.y + 0.5, magnification * view.errors[i].x,
-                                 magnification * view.errors[i].y);
+            lines += fmt::format("M{:.1f} {:.1f}l{:.1f} {:.1f}", p.x + 0.5, p.y + 0.5,
+                                 magnification * view.dots[i].error.x, magnification * view.dots[i].error.y);
             dots += fmt::format("M{:.1f} {:.1f}h0", p.x + 0.5, p.y + 0.5);
         }
     }
@@ -96,7 +96,7 @@ std::string residualField(const RigCamera& camera, const CameraFigures& figures)
 
 std::string residualScatter(const CameraFigures& figures) {
     constexpr double kHalf = 150.0;  // of the drawing's side
-    const double reach = roundUp(figures.distances.worst);
+    const double reach = roundUp(figures.distances.max);
     const double scale = 0.92 * kHalf / reach;
     std::string svg =
         fmt::format("<svg viewBox='{0} {0} {1} {1}' role='img' aria-label='Errors of all dots'>", -kHalf, 2.0 * kHalf);
@@ -107,8 +107,8 @@ std::string residualScatter(const CameraFigures& figures) {
     svg += fmt::format("<path class='grid' d='M{0} 0H{1}M0 {0}V{1}'/>", -kHalf, kHalf);
     std::string dots;
     for (const ImageFigures& view : figures.views) {
-        for (const Point2d& error : view.errors) {
-            dots += fmt::format("M{:.1f} {:.1f}h0", scale * error.x, scale * error.y);
+        for (const Dot& dot : view.dots) {
+            dots += fmt::format("M{:.1f} {:.1f}h0", scale * dot.error.x, scale * dot.error.y);
         }
     }
     return svg + "<path class='scatter' d='" + dots + "'/></svg>";

@@ -31,15 +31,17 @@ struct CameraSize {
 // One image of a view; without pixels when the camera does not need it.
 struct ViewImage {
     fs::path path;
-    Picture picture;
+    std::shared_ptr<const Picture> picture;
 
-    const unsigned char* pixels() const { return path.empty() ? nullptr : picture.pixels.data(); }
+    const unsigned char* pixels() const { return picture ? picture->pixels.data() : nullptr; }
 };
 
 class PairReader {
 public:
     PairReader(const std::vector<ViewFiles>& allViews, const PairSettings& pairSettings, const Console& pairConsole)
-        : views(allViews), settings(pairSettings), console(pairConsole) {}
+        : views(allViews), settings(pairSettings), console(pairConsole) {
+        reading.pictures = std::make_shared<PictureStore>();
+    }
 
     PairReading read() {
         readAll(views, true);
@@ -48,7 +50,7 @@ public:
         if (neededSlots(reading.used.size()) != openedSlots) {
             const std::vector<ViewFiles> good = std::move(reading.used);
             reading.used.clear();
-            reading.handle.reset();
+            reading.calib.reset();
             readAll(good, false);
         }
         return std::move(reading);
@@ -56,7 +58,7 @@ public:
 
 private:
     bool isParallelPair() const {
-        return settings.leftModel == kParallelModel && settings.rightModel == kParallelModel;
+        return settings.leftModel == ZELM_CAMERA_PARALLEL && settings.rightModel == ZELM_CAMERA_PARALLEL;
     }
 
     std::size_t fewest() const { return isParallelPair() ? 1 : kFewestViews; }
@@ -98,15 +100,15 @@ private:
         open(viewCount);
         const unsigned char* const images[2] = {left.pixels(), right.pixels()};
         const std::int32_t status =
-            zelm2ViewReadPtnImg(reading.handle.get(), static_cast<std::int32_t>(reading.used.size()), images,
+            zelm2ViewReadPtnImg(reading.calib.get(), static_cast<std::int32_t>(reading.used.size()), images,
                                 settings.leftRegion ? &*settings.leftRegion : nullptr,
                                 settings.rightRegion ? &*settings.rightRegion : nullptr);
         return status < 0 ? reasonOf(status, left, right) : std::string();
     }
 
-    static void load(ViewImage& image) {
+    void load(ViewImage& image) const {
         if (!image.path.empty()) {
-            image.picture = readPicture(image.path);
+            image.picture = reading.pictures->get(image.path);
         }
     }
 
@@ -114,25 +116,25 @@ private:
         if (image.path.empty()) {
             return;
         }
-        size.require(image.picture, image.path);
+        size.require(*image.picture, image.path);
         if (region) {
-            checkRegion(*region, image.picture, image.path.string());
+            checkRegion(*region, *image.picture, image.path.string());
         }
     }
 
     void open(std::size_t viewCount) {
-        if (reading.handle) {
+        if (reading.calib) {
             return;
         }
         openedSlots = neededSlots(isParallelPair() ? 1 : viewCount);
         reading.cameras = {settings.leftModel,  leftSize.width,  leftSize.height,
                            settings.rightModel, rightSize.width, rightSize.height};
-        Zelm2ViewCalib* handle = nullptr;
+        Zelm2ViewCalib* calib = nullptr;
         if (zelm2ViewCalibOpen(static_cast<std::int32_t>(openedSlots), &settings.plate.pattern, &reading.cameras,
-                               &handle) < 0) {
+                               &calib) < 0) {
             failData("a calibration of {} views cannot be opened: out of memory", openedSlots);
         }
-        reading.handle.reset(handle);
+        reading.calib.reset(calib);
     }
 
     // The pair's status does not say which image it is about: each is read on its own.
@@ -151,10 +153,10 @@ private:
         if (image.path.empty()) {
             return {};
         }
-        const std::int32_t status = readDots(image.picture, settings.plate, region).status;
-        return status < 0
-                   ? fmt::format("{}: {}", image.path.string(), readingText(status, settings.plate, &image.picture))
-                   : std::string();
+        const std::int32_t status = readDots(*image.picture, settings.plate, region).status;
+        return status < 0 ? fmt::format("{}: {}", image.path.string(),
+                                        readingText(status, settings.plate, image.picture.get()))
+                          : std::string();
     }
 
     void requireEnoughViews() const {
@@ -177,14 +179,15 @@ private:
 
 std::vector<ViewFiles> pairImages(const std::vector<fs::path>& left, const std::vector<fs::path>& right,
                                   const PairSettings& settings) {
-    const bool leftOnce = settings.leftModel == kParallelModel && left.size() == 1;
-    const bool rightOnce = settings.rightModel == kParallelModel && right.size() == 1;
+    const bool leftOnce = settings.leftModel == ZELM_CAMERA_PARALLEL && left.size() == 1;
+    const bool rightOnce = settings.rightModel == ZELM_CAMERA_PARALLEL && right.size() == 1;
     if (left.size() != right.size() && !leftOnce && !rightOnce) {
         failUsage("{} left images but {} right ones (the last are {} and {}): give the two images of every view",
                   left.size(), right.size(), left.back().string(), right.back().string());
     }
     const std::size_t count = std::max(left.size(), right.size());
-    const bool isParallelPair = settings.leftModel == kParallelModel && settings.rightModel == kParallelModel;
+    const bool isParallelPair =
+        settings.leftModel == ZELM_CAMERA_PARALLEL && settings.rightModel == ZELM_CAMERA_PARALLEL;
     if (count < kFewestViews && !isParallelPair) {
         failUsage("{} views given (the last is {}): at least {} are needed, and ten or more are better", count,
                   left.back().string(), kFewestViews);

@@ -1,0 +1,105 @@
+#include "spacePoints.h"
+
+#include <fmt/compile.h>
+#include <fmt/format.h>
+
+#include <iterator>
+
+#include "numberText.h"
+
+namespace zelm::tool {
+namespace {
+
+constexpr std::size_t kBytesPerLine = 96;  // about; of a CSV or PLY line
+
+}  // namespace
+
+std::string_view statusWord(PointStatus status) {
+    constexpr std::array<std::string_view, kPointStatuses> kWords{"ok", "behind", "distortion", "parallel", "no_dot"};
+    return kWords[static_cast<std::size_t>(status)];
+}
+
+std::vector<SpacePoint> triangulate(const LoadedRig& rig, const std::string& file,
+                                    const std::vector<PixelPair>& pairs) {
+    std::vector<double> left;
+    std::vector<double> right;
+    for (const PixelPair& pair : pairs) {
+        left.insert(left.end(), {pair.left.x, pair.left.y});
+        right.insert(right.end(), {pair.right.x, pair.right.y});
+    }
+    const std::size_t count = pairs.size();
+    std::vector<std::int32_t> statuses(count);
+    std::vector<double> positions(3 * count);
+    std::vector<double> errors(2 * count);
+    std::vector<double> angles(count);
+    const ZelmMeasurePoints out{sizeof(out), 0, statuses.data(), positions.data(), errors.data(), angles.data()};
+    rig.require(
+        zelmMeasureTriangulate(rig.handle.get(), static_cast<std::int64_t>(count), left.data(), right.data(), &out),
+        file);
+    std::vector<SpacePoint> points(count);
+    for (std::size_t i = 0; i < count; ++i) {
+        const double* const X = &positions[3 * i];
+        points[i] = {static_cast<PointStatus>(statuses[i]),
+                     {X[0], X[1], X[2]},
+                     errors[2 * i],
+                     errors[2 * i + 1],
+                     angles[i] * kDegreesPerRadian};
+    }
+    return points;
+}
+
+std::string csvOf(const std::vector<PixelPair>& pairs, const std::vector<SpacePoint>& points) {
+    std::string csv = "id,X,Y,Z,error_left_px,error_right_px,angle_deg,status\n";
+    csv.reserve(csv.size() + kBytesPerLine * points.size());
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        const SpacePoint& p = points[i];
+        csv += csvField(pairs[i].id);
+        if (p.status == PointStatus::ok || p.status == PointStatus::behind) {
+            fmt::format_to(std::back_inserter(csv), FMT_COMPILE(",{:.10g},{:.10g},{:.10g},{:.6f},{:.6f},{:.6f},{}\n"),
+                           p.position.x, p.position.y, p.position.z, p.errorLeft, p.errorRight, p.degrees,
+                           statusWord(p.status));
+        } else {
+            fmt::format_to(std::back_inserter(csv), FMT_COMPILE(",,,,,,,{}\n"), statusWord(p.status));
+        }
+    }
+    return csv;
+}
+
+std::string plyOf(const std::vector<SpacePoint>& points) {
+    const std::size_t count = countStatuses(points)[static_cast<std::size_t>(PointStatus::ok)];
+    std::string ply = fmt::format(
+        "ply\nformat ascii 1.0\ncomment {} of {} pixel pairs; row counts them from 1\n"
+        "comment errors in pixels, angle between the rays in degrees\nelement vertex {}\n"
+        "property double x\nproperty double y\nproperty double z\nproperty float error_left\n"
+        "property float error_right\nproperty float angle\nproperty int row\nend_header\n",
+        count, points.size(), count);
+    ply.reserve(ply.size() + kBytesPerLine * count);
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        if (const SpacePoint& p = points[i]; p.status == PointStatus::ok) {
+            fmt::format_to(std::back_inserter(ply), FMT_COMPILE("{:.10g} {:.10g} {:.10g} {:.6f} {:.6f} {:.6f} {}\n"),
+                           p.position.x, p.position.y, p.position.z, p.errorLeft, p.errorRight, p.degrees, i + 1);
+        }
+    }
+    return ply;
+}
+
+std::string csvField(const std::string& text) {
+    if (text.find_first_of(",\"") == std::string::npos) {
+        return text;
+    }
+    std::string field = "\"";
+    for (const char c : text) {
+        field += c == '"' ? std::string("\"\"") : std::string(1, c);
+    }
+    return field + "\"";
+}
+
+std::array<std::size_t, kPointStatuses> countStatuses(const std::vector<SpacePoint>& points) {
+    std::array<std::size_t, kPointStatuses> counts{};
+    for (const SpacePoint& point : points) {
+        counts[static_cast<std::size_t>(point.status)] += 1;
+    }
+    return counts;
+}
+
+}  // namespace zelm::tool

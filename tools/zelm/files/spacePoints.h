@@ -1,0 +1,53 @@
+// 3-D points of pixel pairs, and the files that hold them.
+#ifndef ZELM_TOOL_SPACE_POINTS_H
+#define ZELM_TOOL_SPACE_POINTS_H
+
+#include <zelmMeasure.h>
+
+#include <array>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "pairFile.h"
+#include "rigFile.h"
+
+namespace zelm::tool {
+
+// What became of a pair: the measuring library's words, and those of pairs that never came to it.
+enum class PointStatus : std::int32_t {
+    ok = ZELM_MEASURE_POINT_OK,
+    behind = ZELM_MEASURE_POINT_BEHIND,  // has numbers too
+    distortion = ZELM_MEASURE_POINT_DISTORTION,
+    parallel = ZELM_MEASURE_POINT_PARALLEL,
+    noDot,  // no dot was found at the pixel
+};
+constexpr std::size_t kPointStatuses = 5;
+
+// The word that files have for it.
+std::string_view statusWord(PointStatus status);
+
+struct SpacePoint {
+    PointStatus status = PointStatus::ok;
+    Point3d position{};       // world frame
+    double errorLeft = 0.0;   // pixels between the pixel given and the raw projection of the point
+    double errorRight = 0.0;  // pixels
+    double degrees = 0.0;     // between the two rays at the point, 0 to 180
+};
+
+// Makes points of pairs. Throws Failure, naming `file`, for a rig that cannot triangulate, or when memory runs out.
+std::vector<SpacePoint> triangulate(const LoadedRig& rig, const std::string& file, const std::vector<PixelPair>& pairs);
+
+// The points as CSV, a line for each pair in the same order; and as an ASCII PLY of the points that are ok.
+std::string csvOf(const std::vector<PixelPair>& pairs, const std::vector<SpacePoint>& points);
+std::string plyOf(const std::vector<SpacePoint>& points);
+
+// An id as a field of a CSV file.
+std::string csvField(const std::string& text);
+
+// How many points have each status.
+std::array<std::size_t, kPointStatuses> countStatuses(const std::vector<SpacePoint>& points);
+
+}  // namespace zelm::tool
+
+#endif
