@@ -159,7 +159,7 @@ ZELM_API int32_t zelm2ViewDistortPoint(const Zelm2ViewCalib* tHandle, int32_t iC
 /// @param tHandle [in] calibrated pair, opened or loaded
 /// @param iCamera [in] 'L' or 'R'
 /// @param tIn [in] raw pixel
-/// @param tOut [out] undistorted pixel; on ZELM_ERR_UNDISTORT it is left as it was
+/// @param tOut [out] undistorted pixel; on ZELM_ERR_UNDISTORT the latest estimate, as from zelmCalibUnDistortPoint()
 /// @return ZELM_OK (never the count of Newton steps); ZELM_ERR_PARAM for a NULL pointer or another camera;
 ///         ZELM_ERR_UNDISTORT
 ZELM_API int32_t zelm2ViewUnDistortPoint(const Zelm2ViewCalib* tHandle, int32_t iCamera, const Point2d* tIn,

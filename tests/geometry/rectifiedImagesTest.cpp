@@ -266,11 +266,26 @@ TEST(TwoViewDistortion, BadArgumentsAreRefusedAndFailuresPassThrough) {
         EXPECT_EQ(function(handle.get(), 'L', nullptr, &q), ZELM_ERR_PARAM);
         EXPECT_EQ(function(handle.get(), 'L', &corner, nullptr), ZELM_ERR_PARAM);
     }
-    EXPECT_EQ(zelm2ViewUnDistortPoint(handle.get(), 'L', &corner, &q), ZELM_ERR_UNDISTORT);
-    EXPECT_EQ(q.x, 7.0);
     const Zelm2ViewHomParam params{640.0, 480.0, 0.0};
     EXPECT_EQ(zelm2ViewCalcHomImgPoint(handle.get(), 'L', &corner, &params, &q), ZELM_ERR_UNDISTORT);
     EXPECT_EQ(q.x, 7.0);
+}
+
+TEST(TwoViewDistortion, AFailedUndistortionLeavesTheEstimateOfTheCameraModel) {
+    TruePair pair = makePair(0, 0);
+    pair.left.intrinsics.k1 = 1e13;
+    Handle handle;
+    loadPair(pair, &handle);
+    const Point2d corner{1270.0, 950.0};
+    Point2d expected{7.0, 8.0};
+    Point2d q{7.0, 8.0};
+    ASSERT_EQ(zelmCalibUnDistortPoint(&pair.left.intrinsics, corner.x, corner.y, &expected.x, &expected.y),
+              ZELM_ERR_UNDISTORT);
+    EXPECT_EQ(zelm2ViewUnDistortPoint(handle.get(), 'L', &corner, &q), ZELM_ERR_UNDISTORT);
+    EXPECT_EQ(q.x, expected.x);
+    EXPECT_EQ(q.y, expected.y);
+    EXPECT_NE(q.x, 7.0);
+    EXPECT_NE(q.x, corner.x) << "twenty steps have moved it";
 }
 
 TEST(TwoViewMakeHomImage, EveryPixelShowsItsRawPosition) {

@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstdint>
 
 #include "calibObject.h"
@@ -63,11 +64,6 @@ std::int32_t zelm2ViewUnDistortPoint(const Zelm2ViewCalib* tHandle, std::int32_t
         return ZELM_ERR_PARAM;
     }
     const ZelmCameraIntrinsics intrinsics = intrinsicsOf(*tHandle, camera);
-    Point2d ideal{};
-    const std::int32_t status = zelmCalibUnDistortPoint(&intrinsics, tIn->x, tIn->y, &ideal.x, &ideal.y);
-    if (status < 0) {
-        return status;
-    }
-    *tOut = ideal;
-    return ZELM_OK;
+    const std::int32_t status = zelmCalibUnDistortPoint(&intrinsics, tIn->x, tIn->y, &tOut->x, &tOut->y);
+    return std::min<std::int32_t>(status, ZELM_OK);
 }
