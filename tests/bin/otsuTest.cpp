@@ -159,6 +159,12 @@ TEST(OtsuThreshold, GrayValuesAreRoundedAndClamped) {
     EXPECT_EQ(thresholdOfGrays({0.49, 0.5, 90.0}), 2);  // bins 0, 1 and 90
 }
 
+// In bin 0 the negative value is a class of its own, below bin 1. Left out it would give 91, without its sign 4, and as
+// an 8-bit number (253 or 254) 92.
+TEST(OtsuThreshold, ANegativeGrayValueCountsAsZero) {
+    EXPECT_EQ(thresholdOfGrays({-3.0, 90.0, 91.0}), 1);
+}
+
 TEST(OtsuThreshold, HugeGrayValuesClampWithoutOverflow) {
     const double inf = std::numeric_limits<double>::infinity();
     for (const double high : {1e18, 1e300, inf}) {

@@ -75,6 +75,14 @@ TEST(InnerLuDecomp, ScaledCandidatesDecideNotTheEntriesThemselves) {
     EXPECT_EQ(perm, (std::array<int32_t, 2>{1, 0}));
 }
 
+TEST(InnerLuDecomp, AZeroFirstPivotExchangesTheRows) {
+    std::array<double, 4> work = {0, 1, 1, 0};
+    std::array<int32_t, 2> perm = {9, 9};
+    ASSERT_EQ(zelm::innerLUDecomp(2, work.data(), perm.data()), ZELM_OK);
+    EXPECT_EQ(perm, (std::array<int32_t, 2>{1, 0}));
+    EXPECT_EQ(work, (std::array<double, 4>{0, 1, 1, 0})) << "the rows stay where they are";
+}
+
 TEST(InnerLuDecomp, ScalesAreThoseOfTheGivenRows) {
     // After the first step rows 1 and 2 hold (., 2, 0) and (., 1, 0.5). By the scales of the given rows (1/8 and 1) row
     // 2 wins with 1 against 0.25; by scales taken anew both would score 1 and row 1 would stay.
@@ -94,6 +102,22 @@ TEST(MatLu, ExchangeMatrixIsItsOwnInverse) {
     std::array<double, 4> inverse{};
     EXPECT_EQ(zelmMatInvert(2, a.data(), inverse.data()), ZELM_OK);
     EXPECT_EQ(inverse, a);
+    const std::array<double, 2> b = {3, 5};
+    std::array<double, 2> x{};
+    EXPECT_EQ(zelmMatSolveLU(2, a.data(), b.data(), x.data()), ZELM_OK);
+    EXPECT_EQ(x, (std::array<double, 2>{5, 3}));
+}
+
+// Unlike the exchange of two rows, this permutation is not its own inverse.
+TEST(MatLu, ACycleOfThreeRowsIsInvertedByItsTranspose) {
+    const std::array<double, 9> a = {0, 1, 0, 0, 0, 1, 1, 0, 0};
+    std::array<double, 9> inverse{};
+    EXPECT_EQ(zelmMatInvert(3, a.data(), inverse.data()), ZELM_OK);
+    EXPECT_EQ(inverse, (std::array<double, 9>{0, 0, 1, 1, 0, 0, 0, 1, 0}));
+    const std::array<double, 3> b = {1, 2, 3};
+    std::array<double, 3> x{};
+    EXPECT_EQ(zelmMatSolveLU(3, a.data(), b.data(), x.data()), ZELM_OK);
+    EXPECT_EQ(x, (std::array<double, 3>{3, 1, 2}));
 }
 
 TEST(MatLu, KnownSystem) {
