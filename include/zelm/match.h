@@ -29,7 +29,7 @@ typedef struct ZelmMatchPose {
     double x;      ///< position
     double y;      ///< position
     double angle;  ///< radians
-    double scale;  ///< not read from the model pose
+    double scale;  ///< not read from the model pose; from mode 5 it may be negative
 } ZelmMatchPose;
 
 /// Estimates the motion of the model points onto the reference points.
@@ -45,14 +45,16 @@ typedef struct ZelmMatchPose {
 ///
 /// The minimax modes minimise the radius of zelmCgSmallestEnclosingCircle() around the deviations over the angle (mode
 /// 4: downhill walk with doubling steps from the least-squares angle, then golden sections) or over angle and scale
-/// (mode 5: simplex). They assume one minimum near the least-squares estimate: an outlier counts in full. The prescribed
-/// circle is an approximation, whose radius exceeds the smallest one by 4e-8 of itself in the median, by 5e-5 in one of
-/// ten cases and by up to 1.2e-3, so that the cost is rough to that degree. The distance of the worst point came within
-/// 1e-8 of the true minimum in the median, 2e-5 in nine of ten cases and 1e-3 at worst in mode 4, which follows the
-/// walk and the sections to the letter; within 1e-10, 1e-7 and 2e-4 in mode 5, which compares several runs. Where the
-/// minimum is sharp (fixed by more points than there are parameters) both find it to 1e-7, the angle to 1e-6 degrees
+/// (mode 5: simplex). They assume one minimum near the least-squares estimate: an outlier counts in full. That circle
+/// is an approximation, whose radius exceeds the smallest one by 4e-8 of itself in the median, by 5e-5 in one of ten
+/// cases and by up to 1.2e-3, so that the cost is rough to that degree. The distance of the worst point came within
+/// 1e-8 of the true minimum in the median, 2e-5 in nine of ten cases and 1e-3 at worst in mode 4, which makes one walk
+/// and one run of sections; within 1e-10, 1e-7 and 2e-4 in mode 5, which compares several runs. Where the minimum is
+/// sharp (fixed by more points than there are parameters) both find it to 1e-7, the angle to 1e-6 degrees
 /// and the scale to 1e-6 percent.
 /// Deviations below 1e-10 (caller's units) are below the circle's resolution.
+/// Mode 5 may end at a negative scale, where the sets hardly resemble each other and the least-squares scale is small: a
+/// half turn. A scale of -s at the angle a is the same motion as the scale s at a + pi.
 ///
 /// What keeps the searches finite on any data: the walk of mode 4 ends after a full turn; golden sections end when the
 /// bracket is shorter than 1e-9 (|a| + |b|) of its ends or than 1e-13 degrees (which only matters within 1e-4 degrees of
@@ -72,7 +74,7 @@ typedef struct ZelmMatchPose {
 /// @param iMode      [in]  ZELM_MATCH_...
 /// @param dThreshold [in]  cut-off of the robust modes in standard deviations, > 0; else ignored
 /// @param tResult    [out] may be tModelPose; written unless ZELM_ERR_PARAM is returned, with the estimate reached so
-///     far (least squares in closed form, if nothing better); angle in (-pi, pi]
+///     far (least squares in closed form, if nothing better); angle in (-pi, pi]; scale negative at times in mode 5
 /// @return ZELM_OK; ZELM_MATCH_EXACT from a robust mode when k is below 1e-13; ZELM_ERR_PARAM: an unknown mode, iN < 2, a
 ///     NULL pointer, a robust mode with a threshold that is not > 0; ZELM_ERR_MEMORY; ZELM_ERR_DEGENERATE: a robust mode
 ///     rejected every point, or a minimax mode met a circle that is not finite. Points that are not finite, or whose

@@ -143,7 +143,7 @@ double roughness(const MatchScene& s, double degrees, double percent) {
     return cost.at(degrees, percent).circle.r / exact.at(degrees, percent).circle.r - 1.0;
 }
 
-// The radius at the known optimum is what the prescribed circle allows there.
+// The radius at the known optimum is what the library's approximate circle allows there.
 TEST(MatchMinimax, SharpOptimaAreReachedAsFarAsTheCircleAllows) {
     Random random(762);
     Quantiles excess[2];
@@ -165,6 +165,27 @@ TEST(MatchMinimax, SharpOptimaAreReachedAsFarAsTheCircleAllows) {
     }
     excess[0].print("mode 4, sharp optima: worst point above the true minimum");
     excess[1].print("mode 5, sharp optima: worst point above the true minimum");
+}
+
+// Three points that hardly resemble the others: the search over the scale passes 0, where the cost has no edge.
+TEST(MatchMinimax, ASimilarityMayEndAtANegativeScaleWhichIsAHalfTurn) {
+    MatchScene s;
+    s.ref = {{5.0, -9.0}, {7.0, -8.0}, {8.0, 7.0}};
+    s.model = {{-2.0, -2.0}, {3.0, 9.0}, {0.0, 2.0}};
+    ZelmMatchPose closed;
+    ZelmMatchPose r;
+    ASSERT_EQ(s.match(ZELM_MATCH_SIMILARITY, 0.0, &closed), ZELM_OK);
+    ASSERT_EQ(s.match(ZELM_MATCH_SIMILARITY_MINIMAX, 0.0, &r), ZELM_OK);
+    EXPECT_GT(closed.scale, 0.0);
+    EXPECT_LT(r.scale, -0.1);
+    EXPECT_LT(worstDistance(s, r), 0.99 * worstDistance(s, closed));
+
+    const ZelmMatchPose turned{r.x, r.y, r.angle + kPi, -r.scale};
+    const auto distances = distancesOf(s, r);
+    const auto same = distancesOf(s, turned);
+    for (size_t i = 0; i < distances.size(); ++i) {
+        EXPECT_NEAR(same[i], distances[i], 1e-13) << "coordinates around 10 carry some 1e-15";
+    }
 }
 
 // --- scenes with noise and outliers, against brute force
@@ -325,8 +346,8 @@ TEST(MatchMinimax, GoldenSectionsEndAtAnAngleOfZero) {
     }
 }
 
-// The added stop changes nothing where the prescribed one is met first: brackets around 1e-4 degrees and more.
-TEST(MatchMinimax, TheAddedStopComesAfterThePrescribedOne) {
+// The absolute stop changes nothing where the relative one is met first: brackets around 1e-4 degrees and more.
+TEST(MatchMinimax, TheAbsoluteStopComesAfterTheRelativeOne) {
     Random random(767);
     for (const double degrees : {1e-3, 1.0, 30.0, -179.0}) {
         MatchScene s = makeScene(random, 10, degrees * kDegree, 1.0, {0.0, 0.0}, 0.0);
