@@ -132,7 +132,7 @@ TEST(MatJacobiEigen, CoincidingAndClusteredValuesStayWithinTheBoundOfTheStopping
     }
 }
 
-TEST(MatJacobiEigen, PrescribedEigenvaluesAreRecovered) {
+TEST(MatJacobiEigen, GivenEigenvaluesAreRecovered) {
     Random random(74);
     for (const Spectrum kind : {Spectrum::kSpread, Spectrum::kNearlySingular, Spectrum::kTied, Spectrum::kRepeated,
                                 Spectrum::kClustered, Spectrum::kGraded}) {

@@ -1,4 +1,4 @@
-// Matrix products: shapes, refusals, the prescribed order of every sum to the bit, in-place use of zelmMatGenMul.
+// Matrix products: shapes, refusals, the documented order of every sum to the bit, in-place use of zelmMatGenMul.
 #include <gtest/gtest.h>
 
 #include <array>

@@ -71,7 +71,7 @@ TEST(MatSvd, ResidualAndOrthogonalityOfRandomMatrices) {
     }
 }
 
-TEST(MatSvd, ResidualAndOrthogonalityOfPrescribedSpectra) {
+TEST(MatSvd, ResidualAndOrthogonalityOfGivenSpectra) {
     Random random(52);
     for (const Spectrum kind : {Spectrum::kSpread, Spectrum::kGraded, Spectrum::kNearlySingular, Spectrum::kTied,
                                 Spectrum::kRepeated, Spectrum::kClustered}) {
@@ -120,7 +120,7 @@ TEST(MatSvd, RankDeficientMatricesKeepTheResidualAndTheOrthogonality) {
     EXPECT_EQ(zero.w.entries, (std::vector<double>{0, 0, 0}));
 }
 
-TEST(MatSvd, PrescribedSingularValuesAreRecovered) {
+TEST(MatSvd, GivenSingularValuesAreRecovered) {
     Random random(55);
     for (int trial = 0; trial < 100; ++trial) {
         const auto n = static_cast<std::size_t>(1 + trial % 10);

@@ -389,7 +389,7 @@ TEST(RemapKernels, PositionsThatAreNotNumbersOrHugeGiveZero) {
     }
 }
 
-// The prescribed single-precision arithmetic, rounded as the vector tier rounds: to nearest, ties to even.
+// The documented single-precision arithmetic with the rounding of the vector tier: to nearest, ties to even.
 std::uint8_t vectorTierGray(const TestImage& src, float u, float v, int channel) {
     const bool valid =
         u >= 0.0F && v >= 0.0F && u < static_cast<float>(src.width - 1) && v < static_cast<float>(src.height - 1);
@@ -425,7 +425,7 @@ Maps mapsOf(std::int32_t width, std::int32_t height) {
     return {width, height, std::vector<float>(bytesOf(width, height)), std::vector<float>(bytesOf(width, height)), {}};
 }
 
-TEST(RemapKernels, TheVectorTierHasTheBitsOfThePrescribedArithmetic) {
+TEST(RemapKernels, TheVectorTierHasTheBitsOfTheDocumentedArithmetic) {
     if (!machineHasAvx2Tier()) {
         GTEST_SKIP() << "this machine runs the plain tier alone";
     }
