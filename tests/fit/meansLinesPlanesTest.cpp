@@ -9,6 +9,7 @@
 #include <limits>
 #include <vector>
 
+#include "fitMeans.h"
 #include "fitShapes.h"
 #include "random.h"
 #include "zelm/fit.h"
@@ -214,6 +215,29 @@ TEST(FitMean, PlainMeansAreTheAverages) {
     EXPECT_NEAR(mean3.x, 2.0, kRounding);
     EXPECT_NEAR(mean3.y, 3.5, kRounding);
     EXPECT_NEAR(mean3.z, -2.0, kRounding);
+}
+
+// Weights 1, 0 and 3: what has no weight does not count, and a point of weight 3 counts as three.
+TEST(FitMean, SolvesWeighThePointsAndResidualsAreDistancesFromTheMean) {
+    const double weights[3] = {1.0, 0.0, 3.0};
+    const double values[3] = {-2.0, 50.0, 2.0};
+    const double plane[6] = {-2.0, 4.0, 50.0, 60.0, 2.0, 0.0};
+    const double space[9] = {-2.0, 4.0, 8.0, 50.0, 60.0, 70.0, 2.0, 0.0, -8.0};
+    double m[3];
+    double r[3];
+    EXPECT_EQ(zelm::fitMean1dimSolve(3, weights, values, m), ZELM_OK);
+    EXPECT_EQ(m[0], 1.0);
+    zelm::fitMean1dimResidual(3, values, m, r);
+    EXPECT_EQ(std::vector<double>(r, r + 3), (std::vector<double>{3.0, 49.0, 1.0}));
+    EXPECT_EQ(zelm::fitMean2dimSolve(3, weights, plane, m), ZELM_OK);
+    EXPECT_EQ(std::vector<double>(m, m + 2), (std::vector<double>{1.0, 1.0}));
+    zelm::fitMean2dimResidual(3, plane, m, r);
+    EXPECT_EQ(std::vector<double>(r, r + 3), (std::vector<double>{std::sqrt(18.0), std::sqrt(5882.0), std::sqrt(2.0)}));
+    EXPECT_EQ(zelm::fitMean3dimSolve(3, weights, space, m), ZELM_OK);
+    EXPECT_EQ(std::vector<double>(m, m + 3), (std::vector<double>{1.0, 1.0, -4.0}));
+    zelm::fitMean3dimResidual(3, space, m, r);
+    EXPECT_EQ(std::vector<double>(r, r + 3),
+              (std::vector<double>{std::sqrt(162.0), std::sqrt(11358.0), std::sqrt(18.0)}));
 }
 
 // The first cut-off is 1.4826 * 25 = 37.1 against a residual of 73.5, so that 100 drops out.
