@@ -6,28 +6,32 @@
 namespace zelm {
 namespace {
 
-// The four pixels around a position inside the buffer, as byte offsets, and its place between them.
+// The four pixels around a sampled position, as byte offsets, and its place between them.
 struct Neighbours {
+    using Place = BilinearPlace<std::ptrdiff_t>;
+
     const std::uint8_t* upper;
     const std::uint8_t* lower;
-    std::size_t left;
-    std::size_t right;
+    std::ptrdiff_t left;
+    std::ptrdiff_t right;
     double fx;
     double fy;
 
-    Neighbours(const vImage_Buffer& buffer, std::size_t pixelBytes, double x, double y) {
-        const auto ix = static_cast<std::size_t>(x);
-        const auto iy = static_cast<std::size_t>(y);
-        fx = x - static_cast<double>(ix);
-        fy = y - static_cast<double>(iy);
-        left = ix * pixelBytes;
-        right = ix + 1 == buffer.width ? left : left + pixelBytes;
-        upper = static_cast<const std::uint8_t*>(buffer.data) + iy * buffer.rowBytes;
-        lower = iy + 1 == buffer.height ? upper : upper + buffer.rowBytes;
+    Neighbours(const vImage_Buffer& buffer, std::ptrdiff_t pixelBytes, double x, double y) {
+        const Place column(x, static_cast<std::ptrdiff_t>(buffer.width));
+        const Place row(y, static_cast<std::ptrdiff_t>(buffer.height));
+        const auto* const pixels = static_cast<const std::uint8_t*>(buffer.data);
+        const auto rowBytes = static_cast<std::ptrdiff_t>(buffer.rowBytes);
+        upper = pixels + row.near * rowBytes;
+        lower = pixels + row.far * rowBytes;
+        left = column.near * pixelBytes;
+        right = column.far * pixelBytes;
+        fx = column.fraction;
+        fy = row.fraction;
     }
-    [[nodiscard]] double mix(std::size_t channel) const {
-        return ((1.0 - fx) * upper[left + channel] + fx * upper[right + channel]) * (1.0 - fy) +
-               ((1.0 - fx) * lower[left + channel] + fx * lower[right + channel]) * fy;
+    [[nodiscard]] double mix(std::ptrdiff_t channel) const {
+        return mixRows(mixAlongRow(upper[left + channel], upper[right + channel], fx),
+                       mixAlongRow(lower[left + channel], lower[right + channel], fx), fy);
     }
 };
 
@@ -38,7 +42,8 @@ std::uint8_t toByte(double value) {
 }  // namespace
 
 double sampleBilinearPlanar8(const vImage_Buffer& buffer, double x, double y) {
-    if (!(x >= 0.0 && y >= 0.0 && x < static_cast<double>(buffer.width) && y < static_cast<double>(buffer.height))) {
+    if (!isSampledPlanar8(x, static_cast<double>(buffer.width)) ||
+        !isSampledPlanar8(y, static_cast<double>(buffer.height))) {
         return 0.0;
     }
     return Neighbours(buffer, 1, x, y).mix(0);
@@ -46,9 +51,8 @@ double sampleBilinearPlanar8(const vImage_Buffer& buffer, double x, double y) {
 
 void sampleBilinearARGB8888(const vImage_Buffer& buffer, double x, double y, std::uint8_t& outR, std::uint8_t& outG,
                             std::uint8_t& outB) {
-    const double lastX = static_cast<double>(buffer.width) - 1.0;
-    const double lastY = static_cast<double>(buffer.height) - 1.0;
-    if (!(x >= 0.0 && y >= 0.0 && x <= lastX && y <= lastY)) {
+    if (!isSampledARGB8888(x, static_cast<double>(buffer.width)) ||
+        !isSampledARGB8888(y, static_cast<double>(buffer.height))) {
         outR = 0;
         outG = 0;
         outB = 0;

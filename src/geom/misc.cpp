@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "bufferSampling.h"
+
 namespace zelm {
 namespace {
 
@@ -37,19 +39,12 @@ int32_t zelmMiscChangeRect2ToRect(const ZelmRect2* tRect2, ZelmRect* tRect) {
 }
 
 double zelmMiscBilinearGrayLevel(const ZelmImage* tImage, double dX, double dY) {
-    // Written so that a coordinate that is not a number is refused too.
-    if (!(dX >= 0.0 && dX < tImage->width && dY >= 0.0 && dY < tImage->height)) {
+    if (!zelm::isSampledPlanar8(dX, tImage->width) || !zelm::isSampledPlanar8(dY, tImage->height)) {
         return 0.0;
     }
-    const auto ix = static_cast<int32_t>(dX);
-    const auto iy = static_cast<int32_t>(dY);
-    const double fx = dX - ix;
-    const double fy = dY - iy;
-    const std::size_t width = static_cast<std::size_t>(tImage->width);
-    const uint8_t* const p = tImage->pixels + static_cast<std::size_t>(iy) * width + static_cast<std::size_t>(ix);
-    const std::size_t right = ix + 1 == tImage->width ? 0 : 1;
-    const std::size_t below = iy + 1 == tImage->height ? 0 : width;
-    return ((1.0 - fx) * p[0] + fx * p[right]) * (1.0 - fy) + ((1.0 - fx) * p[below] + fx * p[below + right]) * fy;
+    const auto width = static_cast<std::size_t>(tImage->width);
+    return zelm::sampleBilinearPlanar8({tImage->pixels, static_cast<std::size_t>(tImage->height), width, width}, dX,
+                                       dY);
 }
 
 int32_t zelmMiscPlotPointsOfLine(const Point2i* tP0, const Point2i* tP1, Point2i* taPoints) {

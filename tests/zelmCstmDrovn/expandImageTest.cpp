@@ -57,10 +57,10 @@ std::vector<ZelmCstmExpPrm> expansions() {
     return all;
 }
 
-TEST(CstmExpandImage, EveryPixelIsTheBilinearGrayLevelRoundedHalfUp) {
+TEST(CstmExpandImage, EveryPixelIsTheBilinearSampleRoundedHalfUp) {
     Random random(252);
     Bytes source = randomBytes(random, kWidth * kHeight);
-    const ZelmImage image{source.data(), kWidth, kHeight};
+    const vImage_Buffer image{source.data(), kHeight, kWidth, kWidth};
     Handle handle;
     loadPair(makeQuarterPair(0, 0), &handle);
     for (const ZelmCstmExpPrm& expansion : expansions()) {
@@ -71,7 +71,7 @@ TEST(CstmExpandImage, EveryPixelIsTheBilinearGrayLevelRoundedHalfUp) {
                 const Point2d p = sourceOf(expansion, x, y);
                 const auto at = static_cast<std::size_t>(y) * static_cast<std::size_t>(expansion.iWidth) +
                                 static_cast<std::size_t>(x);
-                ASSERT_EQ(expanded[at], static_cast<int>(zelmMiscBilinearGrayLevel(&image, p.x, p.y) + 0.5))
+                ASSERT_EQ(expanded[at], static_cast<int>(zelm::sampleBilinearPlanar8(image, p.x, p.y) + 0.5))
                     << x << " " << y << " of " << expansion.dX << " " << expansion.dY << " x" << expansion.dVal;
             }
         }

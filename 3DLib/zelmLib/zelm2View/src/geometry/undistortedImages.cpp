@@ -75,9 +75,9 @@ private:
         const double fy = at.y[i] - row[i];
         const std::uint8_t* const p = image.pixels + static_cast<std::ptrdiff_t>(row[i]) * image.width + column[i];
         const std::uint8_t* const q = p + image.width;
-        const double upper = (1.0 - fx) * levels.of[p[0]] + fx * levels.of[p[1]];
-        const double lower = (1.0 - fx) * levels.of[q[0]] + fx * levels.of[q[1]];
-        return static_cast<std::uint8_t>(upper * (1.0 - fy) + lower * fy + 0.5);
+        const double upper = mixAlongRow(levels.of[p[0]], levels.of[p[1]], fx);
+        const double lower = mixAlongRow(levels.of[q[0]], levels.of[q[1]], fx);
+        return static_cast<std::uint8_t>(mixRows(upper, lower, fy) + 0.5);
     }
     [[nodiscard]] std::uint8_t general(const Stretch& at, std::int32_t i) const {
         return static_cast<std::uint8_t>(zelmMiscBilinearGrayLevel(&image, at.x[i], at.y[i]) + 0.5);

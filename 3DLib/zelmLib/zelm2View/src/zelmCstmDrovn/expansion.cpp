@@ -2,11 +2,12 @@
 //
 // The sampling grid is separable: the column positions are computed once for a stretch of columns, and the two source
 // rows around a destination row, mixed along x, serve all destination rows that fall between them. What is left a pixel
-// is one blend. Every value is formed by the same operations as zelmMiscBilinearGrayLevel, in the same order.
+// is one blend. The range, the places and both mixes are those of sampleBilinearPlanar8 and sampleBilinearARGB8888.
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
+#include "bufferSampling.h"
 #include "calibObject.h"
 #include "imageBuffer.h"
 #include "transferHomography.h"
@@ -42,26 +43,15 @@ Axis axisOf(double reference, std::int32_t size, double m) {
     return {reference - static_cast<double>(size / 2) / m, 1.0 / m};
 }
 
-// A position between two neighbouring samples of an axis; the last sample serves as its own neighbour.
-struct Place {
-    std::int32_t near;
-    std::int32_t far;
-    double fraction;
-
-    Place() = default;
-    Place(double position, std::int32_t size)
-        : near(static_cast<std::int32_t>(position)),
-          far(near + 1 == size ? near : near + 1),
-          fraction(position - near) {}
-};
+using Place = BilinearPlace<std::int32_t>;
 
 struct Gray {
     static constexpr int kBytes = 1;
     static constexpr std::uint8_t kOutside[kBytes] = {0};
 
-    static bool isInside(double position, std::int32_t size) { return position >= 0.0 && position < size; }
+    static bool isInside(double position, std::int32_t size) { return isSampledPlanar8(position, size); }
     static void mix(const double* p, const double* q, double fraction, double* out) {
-        out[0] = (1.0 - fraction) * p[0] + fraction * q[0];
+        out[0] = mixAlongRow(p[0], q[0], fraction);
     }
 };
 
@@ -70,10 +60,10 @@ struct Argb {
     static constexpr int kBytes = 4;
     static constexpr std::uint8_t kOutside[kBytes] = {255, 0, 0, 0};
 
-    static bool isInside(double position, std::int32_t size) { return position >= 0.0 && position <= size - 1.0; }
+    static bool isInside(double position, std::int32_t size) { return isSampledARGB8888(position, size); }
     static void mix(const double* p, const double* q, double fraction, double* out) {
         for (int c = 0; c < kBytes; ++c) {
-            out[c] = (1.0 - fraction) * p[c] + fraction * q[c];
+            out[c] = mixAlongRow(p[c], q[c], fraction);
         }
         out[0] = 255.0;  // alpha stays opaque through the blend
     }
@@ -151,8 +141,7 @@ private:
         const double* const b = lower;
         const std::int32_t bytes = count * Pixel::kBytes;
         for (std::int32_t i = 0; i < bytes; ++i) {
-            out[i] =
-                static_cast<std::uint8_t>(static_cast<std::int32_t>(a[i] * (1.0 - fraction) + b[i] * fraction + 0.5));
+            out[i] = static_cast<std::uint8_t>(static_cast<std::int32_t>(mixRows(a[i], b[i], fraction) + 0.5));
         }
     }
 
