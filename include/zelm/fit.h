@@ -30,7 +30,8 @@
 /// @return ZELM_OK; ZELM_ERR_PARAM (nothing allocated): fewer points than the least number, NULL points or result,
 ///     iRobust other than 0 and 1, a robust fit with a threshold that is not > 0; ZELM_ERR_MEMORY;
 ///     ZELM_ERR_FIT_DATA: every point was rejected, or a robust fit met residuals that are not numbers;
-///     ZELM_ERR_EIGEN_NOT_CONVERGED (not of means and circles): only for points that are not finite
+///     ZELM_ERR_EIGEN_NOT_CONVERGED (not of means and circles): points that are not finite; of lines and planes also
+///     points that all coincide, or of which only coinciding ones keep a weight
 ///
 /// Points that are not finite, or so large that their squares are not, end in one of these statuses or in ZELM_OK with
 /// results that mean nothing. Memory: a few doubles a point, freed before return. No shared state: calls on different
@@ -76,8 +77,9 @@ ZELM_API int32_t zelmFitMean3dim(int32_t iN, const Point3d* taPoints, int32_t iR
                                  Point3d* tResult);
 
 /// Line in the plane by total least squares (Pearson 1901): the perpendicular distances count, so no slope is special.
-/// At least 2 points. A plain fit reaches the Cramér-Rao bound. Points that all coincide give a line through them of
-/// arbitrary direction.
+/// At least 2 points. A plain fit reaches the Cramér-Rao bound. Points that all coincide have no direction and end in
+/// ZELM_ERR_EIGEN_NOT_CONVERGED; where the rounding of their mean sets them apart from it, a line through them of
+/// arbitrary direction may come out.
 ///
 /// @param iN         [in]  count, >= 2
 /// @param taPoints   [in]  iN points
@@ -99,7 +101,8 @@ ZELM_API int32_t zelmFitLine(int32_t iN, const Point2d* taPoints, int32_t iRobus
 ZELM_API int32_t zelmFitLineIn3d(int32_t iN, const Point3d* taPoints, int32_t iRobust, double dThreshold,
                                  double* daResult);
 
-/// Plane by total least squares (Pearson 1901). At least 3 points. Points on one line give a plane through it.
+/// Plane by total least squares (Pearson 1901). At least 3 points. Points on one line give a plane through it,
+/// points that all coincide what they give in zelmFitLine().
 ///
 /// @param iN         [in]  count, >= 3
 /// @param taPoints   [in]  iN points

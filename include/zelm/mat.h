@@ -222,8 +222,8 @@ ZELM_API int32_t zelmMatSolveSVD(int32_t iM, int32_t iN, const double* daA, cons
 ///
 /// Cyclic Jacobi rotations (Jacobi, 1846; rotation formulas of Rutishauser, 1966). With S the sum of squares of the
 /// upper triangle, the diagonal's halved, sweeps end before a sweep when the off-diagonal squares sum to less than
-/// 1e-32 * S, or to exactly 0 (so that the zero matrix is decomposed too), and after a sweep that started below 1e-16 *
-/// S.
+/// 1e-32 * S, and after a sweep that started below 1e-16 * S. The zero matrix meets neither and ends in
+/// ZELM_ERR_EIGEN_NOT_CONVERGED: it has no axes. Every other diagonal matrix of a norm above 1e-145 is sorted as it is.
 ///
 /// Accuracy: rows of V are orthonormal to 1e-13. The residual |A - V^T diag V| / |A| (Frobenius) stays below 1e-13
 /// where eigenvalues are apart by more than 1e-3 of the largest or all coincide, and for random, Hilbert and normal
@@ -238,8 +238,9 @@ ZELM_API int32_t zelmMatSolveSVD(int32_t iM, int32_t iN, const double* daA, cons
 /// @param daValues  [out] iN eigenvalues, descending; or NULL
 /// @param daVectors [out] iN x iN, row k is the unit eigenvector of value k; or NULL. Must not overlap A
 /// @return ZELM_OK, at once if both outputs are NULL; ZELM_ERR_MEMORY, nothing written; ZELM_ERR_EIGEN_NOT_CONVERGED
-///         after 100 sweeps, or at once if S is not finite (entries that are not finite, or above about 1e154): values
-///         are not written, vectors hold the rotations made so far
+///         after 100 sweeps (also of the zero matrix), or at once if S is not finite (entries that are not finite, or
+///         above about 1e154 unless the matrix is diagonal): values are not written, vectors hold the rotations made so
+///         far
 ZELM_API int32_t zelmMatJacobiEigen(int32_t iN, const double* daA, double* daValues, double* daVectors);
 
 ZELM_END_DECLS

@@ -42,6 +42,16 @@ struct Rotations {
         return diagonal / 2.0 + offDiagonal();
     }
 
+    // Where squares overflow, a diagonal matrix is still decomposed as it stands.
+    [[nodiscard]] bool isFiniteDiagonal() const {
+        for (Index i = 0; i < n; ++i) {
+            if (!std::isfinite(at(i, i))) {
+                return false;
+            }
+        }
+        return offDiagonal() == 0.0;
+    }
+
     static void rotate(double c, double s, double& x, double& y) {
         const double rotated = c * x - s * y;
         y = s * x + c * y;
@@ -88,12 +98,12 @@ struct Rotations {
     [[nodiscard]] std::int32_t diagonalise() const {
         const double size = halfSquaredNorm();
         if (!std::isfinite(size)) {
-            return ZELM_ERR_EIGEN_NOT_CONVERGED;
+            return isFiniteDiagonal() ? ZELM_OK : ZELM_ERR_EIGEN_NOT_CONVERGED;
         }
         for (int sweeps = 1; sweeps <= kMostSweeps; ++sweeps) {
             const double off = offDiagonal();
-            // An exact zero is diagonal even where the tolerance itself is zero (the zero matrix).
-            if (off < kStartShare * size || off == 0.0) {
+            // Deliberately strict: the zero matrix, which has no axes, is refused in the end.
+            if (off < kStartShare * size) {
                 return ZELM_OK;
             }
             sweep();

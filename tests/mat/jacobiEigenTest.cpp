@@ -167,11 +167,38 @@ TEST(MatJacobiEigen, DiagonalMatrixIsSortedWithPermutedIdentityRows) {
     EXPECT_EQ(d.vectors.entries, (std::vector<double>{0, 1, 0, 0, 0, 1, 1, 0, 0}));
 }
 
-TEST(MatJacobiEigen, ZeroMatrixIsDiagonal) {
-    const Decomposition d(Matrix(4, 4));
+// Its off-diagonal squares are not less than 1e-32 * 0, and no sweep changes that.
+TEST(MatJacobiEigen, TheZeroMatrixIsRefused) {
+    for (const std::size_t n : {1U, 2U, 4U}) {
+        const Decomposition d(Matrix(n, n));
+        EXPECT_EQ(d.status, ZELM_ERR_EIGEN_NOT_CONVERGED);
+        EXPECT_EQ(d.values.entries, std::vector<double>(n, kGuard)) << "values are not written";
+        EXPECT_EQ(zelmtest::columnOrthogonalityError(d.vectors), 0.0) << "no rotation was made";
+    }
+}
+
+TEST(MatJacobiEigen, OneEntryThatIsNotZeroMakesADiagonalMatrixOfZeros) {
+    const Decomposition d(Matrix(3, 3, {0, 0, 0, 0, 0, 0, 0, 0, -2}));
     ASSERT_EQ(d.status, ZELM_OK);
-    EXPECT_EQ(d.values.entries, (std::vector<double>{0, 0, 0, 0}));
-    EXPECT_EQ(zelmtest::columnOrthogonalityError(d.vectors), 0.0);
+    EXPECT_EQ(d.values.entries, (std::vector<double>{0, 0, -2}));
+    EXPECT_EQ(std::vector<double>(d.vectors.entries.begin() + 6, d.vectors.entries.end()),
+              (std::vector<double>{0, 0, 1}));
+}
+
+// 1e200 squared is not finite.
+TEST(MatJacobiEigen, DiagonalMatricesAreSortedWhateverTheSizeOfTheirEntries) {
+    for (const double most : {1e155, 1e200, std::numeric_limits<double>::max()}) {
+        const Decomposition d(Matrix(3, 3, {1, 0, 0, 0, most, 0, 0, 0, -most}));
+        ASSERT_EQ(d.status, ZELM_OK);
+        EXPECT_EQ(d.values.entries, (std::vector<double>{most, 1, -most}));
+        EXPECT_EQ(d.vectors.entries, (std::vector<double>{0, 1, 0, 1, 0, 0, 0, 0, 1}));
+    }
+    const double infinity = std::numeric_limits<double>::infinity();
+    for (const double bad : {infinity, -infinity, std::numeric_limits<double>::quiet_NaN()}) {
+        EXPECT_EQ(Decomposition(Matrix(2, 2, {bad, 0, 0, 1})).status, ZELM_ERR_EIGEN_NOT_CONVERGED) << bad;
+    }
+    EXPECT_EQ(Decomposition(Matrix(2, 2, {1e200, 1e190, 1e190, 1})).status, ZELM_ERR_EIGEN_NOT_CONVERGED)
+        << "not diagonal";
 }
 
 TEST(MatJacobiEigen, OnlyTheUpperTriangleIsRead) {
