@@ -1,8 +1,9 @@
 // Singular value decomposition after Golub and Reinsch: Householder reduction to bidiagonal form, then implicitly
 // shifted QR steps on it.
+#include "svd.h"
+
 #include <algorithm>
 #include <cmath>
-#include <cstddef>
 #include <limits>
 #include <utility>
 
@@ -15,8 +16,11 @@ namespace {
 
 using Index = std::ptrdiff_t;
 
-constexpr int kMostPasses = 30;  // QR passes for one singular value
-constexpr double kRounding = std::numeric_limits<double>::epsilon();
+constexpr int kMostPasses = 30;                                               // QR passes for one singular value
+constexpr double kStallShare = 2.0 * std::numeric_limits<double>::epsilon();  // of the norm
+// Binary exponent of the largest entry beyond which a matrix is scaled: squares stay far from either end, and what is
+// lost of small entries is less than 2^-1000 of the largest.
+constexpr int kMostExponent = 400;
 
 double hypotenuse(double a, double b) {
     const double x = std::fabs(a);
@@ -27,7 +31,15 @@ double hypotenuse(double a, double b) {
     return y == 0.0 ? 0.0 : y * std::sqrt(1.0 + (x / y) * (x / y));
 }
 
-// The rotation that turns (f, h) into (length, 0); keeps the present one when both are zero.
+// Zeros of either sign count as positive.
+double withSignOf(double magnitude, double f) {
+    return f < 0.0 ? -magnitude : magnitude;
+}
+
+// The rotation that turns (f, h) into (length, 0); keeps the present one when both are zero. Rotations of columns
+// multiply by the reciprocal of the length where those of rows divide by it. That order is kept: whether the last
+// superdiagonal entry counts as negligible after a step hangs on its last bits, and one step more or less may turn the
+// signs of a pair of singular vectors.
 struct Rotation {
     double c = 1.0;
     double s = 1.0;
@@ -38,6 +50,16 @@ struct Rotation {
             c = f / length;
             s = h / length;
         }
+        return length;
+    }
+    double turnByReciprocal(double f, double h) {
+        const double length = hypotenuse(f, h);
+        const double reciprocal = 1.0 / length;
+        if (!std::isfinite(reciprocal)) {
+            return turn(f, h);
+        }
+        c = f * reciprocal;
+        s = h * reciprocal;
         return length;
     }
     void apply(double& x, double& y) const {
@@ -95,7 +117,7 @@ struct Svd {
             s += U(k, i) * U(k, i);
         }
         const double f = U(i, i);
-        const double g = -std::copysign(std::sqrt(s), f);
+        const double g = -withSignOf(std::sqrt(s), f);
         const double h = f * g - s;
         U(i, i) = f - g;
         columnDots(i, i);
@@ -124,7 +146,7 @@ struct Svd {
             s += U(i, k) * U(i, k);
         }
         const double f = U(i, i + 1);
-        const double g = -std::copysign(std::sqrt(s), f);
+        const double g = -withSignOf(std::sqrt(s), f);
         const double h = f * g - s;
         U(i, i + 1) = f - g;
         for (Index k = i + 1; k < n; ++k) {
@@ -145,20 +167,15 @@ struct Svd {
         return scale * g;
     }
 
-    // False when the matrix is not finite, or so large that its norm is not.
-    [[nodiscard]] bool bidiagonalise() {
-        bool finite = true;
+    void bidiagonalise() {
         e[0] = 0.0;
         for (Index i = 0; i < n; ++i) {
             w[i] = reflectColumn(i);
-            const double norm = std::fabs(w[i]) + std::fabs(e[i]);
-            finite = finite && std::isfinite(norm);
-            anorm = std::max(anorm, norm);
+            anorm = std::max(anorm, std::fabs(w[i]) + std::fabs(e[i]));
             if (i + 1 < n) {
                 e[i + 1] = reflectRow(i);
             }
         }
-        return finite;
     }
 
     // The reflections are applied as I + p p^T / p_first with p = (reflected vector) / g, which stays in range however
@@ -224,8 +241,9 @@ struct Svd {
         }
     }
 
-    // A superdiagonal one rounding above negligible between tied values, which the QR step can no longer change.
-    [[nodiscard]] bool stalled(Index k) const { return std::fabs(e[k]) <= kRounding * anorm; }
+    // A superdiagonal entry one or two roundings above negligible between tied values, which QR steps change no more: so
+    // do the steps on (-1 50 10, 50 -1 10, 10 10 -49), 51 times an orthogonal matrix, go on without end.
+    [[nodiscard]] bool stalled(Index k) const { return std::fabs(e[k]) <= kStallShare * anorm; }
 
     // First index of the unreduced block that ends at k.
     [[nodiscard]] Index blockStart(Index k) const {
@@ -252,8 +270,9 @@ struct Svd {
                 break;
             }
             const double h = hypotenuse(f, w[i]);
-            c = w[i] / h;
-            s = -f / h;
+            const double reciprocal = 1.0 / h;
+            c = w[i] * reciprocal;
+            s = -f * reciprocal;
             w[i] = h;
             rotateLeft({c, s}, l - 1, i);
         }
@@ -265,10 +284,10 @@ struct Svd {
         const double y = w[k - 1];
         const double g0 = e[k - 1];
         const double h0 = e[k];
-        // The shift of the bottom 2 x 2 minor, written so that no square can overflow.
-        double f = 0.5 * (((g0 + z) / h0) * ((g0 - z) / y) + y / h0 - h0 / y);
         double x = w[l];
-        f = x - (z / x) * z + (h0 / x) * (y / (f + std::copysign(hypotenuse(f, 1.0), f)) - h0);
+        // The eigenvalue of the bottom 2 x 2 minor that lies nearer to its last entry is the shift.
+        double f = ((y - z) * (y + z) + (g0 - h0) * (g0 + h0)) / (2.0 * h0 * y);
+        f = ((x - z) * (x + z) + h0 * (y / (f + withSignOf(hypotenuse(f, 1.0), f)) - h0)) / x;
         Rotation rotation;
         for (Index j = l; j < k; ++j) {
             double g = rotation.c * e[j + 1];
@@ -280,7 +299,7 @@ struct Svd {
             h = below * rotation.s;
             below *= rotation.c;
             rotateRight(rotation, j, j + 1);
-            w[j] = rotation.turn(f, h);
+            w[j] = rotation.turnByReciprocal(f, h);
             f = g;
             x = below;
             rotation.apply(f, x);
@@ -324,41 +343,72 @@ struct Svd {
     }
 };
 
-// Entry j of a strided vector becomes the old entry index[j]; scratch holds as many entries.
-void permute(const WorkBuffer<std::int32_t>& index, double* entries, std::size_t stride, WorkBuffer<double>& scratch) {
-    for (std::size_t j = 0; j < index.size(); ++j) {
-        scratch[j] = entries[static_cast<std::size_t>(index[j]) * stride];
+// The power of two by which a matrix with this largest entry is multiplied before its decomposition.
+int scalingExponent(double largest) {
+    if (largest == 0.0) {
+        return 0;
     }
-    for (std::size_t j = 0; j < index.size(); ++j) {
+    const int exponent = std::ilogb(largest);
+    return std::clamp(exponent, -kMostExponent, kMostExponent) - exponent;
+}
+
+void multiplyByPowerOfTwo(int exponent, Index count, double* entries) {
+    const double factor = std::ldexp(1.0, exponent);
+    for (Index i = 0; exponent != 0 && i < count; ++i) {
+        entries[i] *= factor;
+    }
+}
+
+// Entry j of a strided vector becomes the old entry index[j]; scratch holds as many entries.
+void permute(Index n, const std::int32_t* index, double* entries, Index stride, double* scratch) {
+    for (Index j = 0; j < n; ++j) {
+        scratch[j] = entries[index[j] * stride];
+    }
+    for (Index j = 0; j < n; ++j) {
         entries[j * stride] = scratch[j];
     }
 }
 
-// Sorts w descending, columns of u and rows of v (either may be null) with it.
-std::int32_t sortDescending(std::size_t m, std::size_t n, double* u, double* w, double* v) {
-    if (u == nullptr && v == nullptr) {
-        innerHeapSortDescending(static_cast<std::int32_t>(n), w, nullptr);
-        return ZELM_OK;
+}  // namespace
+
+bool innerSVD(Index m, Index n, double* u, bool wantLeft, double* w, double* v, double* work) {
+    double largest = 0.0;
+    for (Index i = 0; i < m * n; ++i) {
+        if (!std::isfinite(u[i])) {
+            return false;
+        }
+        largest = std::max(largest, std::fabs(u[i]));
     }
-    WorkBuffer<std::int32_t> index(n);
-    WorkBuffer<double> scratch(n);
-    if (!index.ok() || !scratch.ok()) {
-        return ZELM_ERR_MEMORY;
+    const int exponent = scalingExponent(largest);
+    multiplyByPowerOfTwo(exponent, m * n, u);
+    Svd svd{m, n, u, w, v, work, work + n, wantLeft};
+    svd.bidiagonalise();
+    if (v != nullptr) {
+        svd.accumulateRight();
     }
-    for (std::size_t j = 0; j < n; ++j) {
-        index[j] = static_cast<std::int32_t>(j);
+    if (wantLeft) {
+        svd.accumulateLeft();
     }
-    innerHeapSortDescending(static_cast<std::int32_t>(n), w, index.data());
-    for (std::size_t i = 0; u != nullptr && i < m; ++i) {
-        permute(index, u + i * n, 1, scratch);
+    if (!svd.diagonalise()) {
+        return false;
     }
-    for (std::size_t i = 0; v != nullptr && i < n; ++i) {
-        permute(index, v + i, n, scratch);
-    }
-    return ZELM_OK;
+    multiplyByPowerOfTwo(-exponent, n, w);
+    return std::all_of(w, w + n, [](double value) { return std::isfinite(value); });
 }
 
-}  // namespace
+void innerSortSVD(Index m, Index n, double* u, double* w, double* v, double* scratch, std::int32_t* index) {
+    for (Index j = 0; j < n; ++j) {
+        index[j] = static_cast<std::int32_t>(j);
+    }
+    innerHeapSortDescending(static_cast<std::int32_t>(n), w, index);
+    for (Index i = 0; u != nullptr && i < m; ++i) {
+        permute(n, index, u + i * n, 1, scratch);
+    }
+    for (Index i = 0; v != nullptr && i < n; ++i) {
+        permute(n, index, v + i, n, scratch);
+    }
+}
+
 }  // namespace zelm
 
 int32_t zelmMatSVD(int32_t iM, int32_t iN, const double* daA, double* daU, double* daW, double* daV) {
@@ -374,30 +424,28 @@ int32_t zelmMatSVD(int32_t iM, int32_t iN, const double* daA, double* daU, doubl
     }
     const auto m = static_cast<std::size_t>(iM);
     const auto n = static_cast<std::size_t>(iN);
-    WorkBuffer<double> vectors(daW == nullptr ? 3 : 2, n);  // superdiagonal, scratch and singular values
+    WorkBuffer<double> work(daW == nullptr ? 3 : 2, n);  // superdiagonal, scratch and singular values
     WorkBuffer<double> ownU;
     if (daU == nullptr) {
         ownU = WorkBuffer<double>(m, n);
     }
     double* const u = daU != nullptr ? daU : ownU.data();
-    if (!vectors.ok() || u == nullptr) {
+    if (!work.ok() || u == nullptr) {
         return ZELM_ERR_MEMORY;
     }
-    double* const e = vectors.data();
-    double* const w = daW != nullptr ? daW : e + 2 * n;
+    double* const w = daW != nullptr ? daW : work.data() + 2 * n;
     std::copy_n(daA, m * n, u);
-    zelm::Svd svd{iM, iN, u, w, daV, e, e + n, daU != nullptr};
-    if (!svd.bidiagonalise()) {
+    if (!zelm::innerSVD(iM, iN, u, daU != nullptr, w, daV, work.data())) {
         return ZELM_ERR_SVD_FAILED;
     }
-    if (daV != nullptr) {
-        svd.accumulateRight();
+    if (daU == nullptr && daV == nullptr) {
+        zelm::innerHeapSortDescending(iN, w, nullptr);
+        return ZELM_OK;
     }
-    if (daU != nullptr) {
-        svd.accumulateLeft();
+    WorkBuffer<std::int32_t> index(n);
+    if (!index.ok()) {
+        return ZELM_ERR_MEMORY;
     }
-    if (!svd.diagonalise()) {
-        return ZELM_ERR_SVD_FAILED;
-    }
-    return zelm::sortDescending(m, n, daU, w, daV);
+    zelm::innerSortSVD(iM, iN, daU, w, daV, work.data(), index.data());
+    return ZELM_OK;
 }

@@ -8,6 +8,7 @@
 #include <functional>
 #include <limits>
 #include <string>
+#include <vector>
 
 #include "denseMatrix.h"
 #include "isClose.h"
@@ -147,6 +148,299 @@ TEST(MatSvd, SubdiagonalZerosOnTheDiagonalAreSplitOff) {
     }
 }
 
+// The signs of the vectors.
+
+// The method as published (Golub and Reinsch, Numer. Math. 14, 1970), written out formula by formula: columns of v are
+// right singular vectors, nothing is sorted, scaled against overflow or accepted beyond its 30 passes.
+struct PublishedSvd {
+    Matrix u;
+    Matrix v;
+    std::vector<double> w;
+    std::vector<double> e;
+    double norm = 0.0;
+    bool converged;
+
+    explicit PublishedSvd(const Matrix& a) : u(a), v(a.cols, a.cols), w(a.cols), e(a.cols) {
+        reduce();
+        accumulateRight();
+        accumulateLeft();
+        converged = true;
+        for (std::size_t k = u.cols; k-- > 0;) {
+            converged = converged && diagonalise(k);
+        }
+    }
+
+    // Positions of the values from the largest to the smallest.
+    [[nodiscard]] std::vector<std::size_t> descending() const {
+        std::vector<std::size_t> order(w.size());
+        for (std::size_t j = 0; j < order.size(); ++j) {
+            order[j] = j;
+        }
+        std::sort(order.begin(), order.end(), [this](std::size_t i, std::size_t j) { return w[i] > w[j]; });
+        return order;
+    }
+
+private:
+    static double signedAs(double magnitude, double f) {
+        return f >= 0.0 ? std::fabs(magnitude) : -std::fabs(magnitude);
+    }
+    static double hypotenuseOf(double a, double b) {
+        const double x = std::fabs(a);
+        const double y = std::fabs(b);
+        if (x > y) {
+            return x * std::sqrt(1.0 + y / x * (y / x));
+        }
+        return y == 0.0 ? 0.0 : y * std::sqrt(1.0 + x / y * (x / y));
+    }
+    [[nodiscard]] bool isNegligible(double x) const { return std::fabs(x) + norm == norm; }
+
+    void reduce() {
+        const std::size_t m = u.rows;
+        const std::size_t n = u.cols;
+        double beside = 0.0;
+        for (std::size_t i = 0; i < n; ++i) {
+            e[i] = beside;
+            double scale = 0.0;
+            double s = 0.0;
+            for (std::size_t k = i; k < m; ++k) {
+                scale += std::fabs(u(k, i));
+            }
+            if (scale != 0.0) {
+                for (std::size_t k = i; k < m; ++k) {
+                    u(k, i) /= scale;
+                    s += u(k, i) * u(k, i);
+                }
+                const double f = u(i, i);
+                const double g = -signedAs(std::sqrt(s), f);
+                const double h = f * g - s;
+                u(i, i) = f - g;
+                for (std::size_t j = i + 1; j < n; ++j) {
+                    s = 0.0;
+                    for (std::size_t k = i; k < m; ++k) {
+                        s += u(k, i) * u(k, j);
+                    }
+                    for (std::size_t k = i; k < m; ++k) {
+                        u(k, j) += s / h * u(k, i);
+                    }
+                }
+                for (std::size_t k = i; k < m; ++k) {
+                    u(k, i) *= scale;
+                }
+                w[i] = scale * g;
+            } else {
+                w[i] = 0.0;
+            }
+            beside = i + 1 < n ? reduceRow(i) : 0.0;
+            norm = std::max(norm, std::fabs(w[i]) + std::fabs(e[i]));
+        }
+    }
+
+    double reduceRow(std::size_t i) {
+        const std::size_t n = u.cols;
+        double scale = 0.0;
+        for (std::size_t k = i + 1; k < n; ++k) {
+            scale += std::fabs(u(i, k));
+        }
+        if (scale == 0.0) {
+            return 0.0;
+        }
+        double s = 0.0;
+        for (std::size_t k = i + 1; k < n; ++k) {
+            u(i, k) /= scale;
+            s += u(i, k) * u(i, k);
+        }
+        const double f = u(i, i + 1);
+        const double g = -signedAs(std::sqrt(s), f);
+        const double h = f * g - s;
+        u(i, i + 1) = f - g;
+        for (std::size_t j = i + 1; j < u.rows; ++j) {
+            s = 0.0;
+            for (std::size_t k = i + 1; k < n; ++k) {
+                s += u(j, k) * u(i, k);
+            }
+            for (std::size_t k = i + 1; k < n; ++k) {
+                u(j, k) += s * (u(i, k) / h);
+            }
+        }
+        for (std::size_t k = i + 1; k < n; ++k) {
+            u(i, k) *= scale;
+        }
+        return scale * g;
+    }
+
+    void accumulateRight() {
+        const std::size_t n = u.cols;
+        for (std::size_t i = n; i-- > 0;) {
+            const double g = i + 1 < n ? e[i + 1] : 0.0;
+            if (g != 0.0) {
+                for (std::size_t j = i + 1; j < n; ++j) {
+                    v(j, i) = u(i, j) / u(i, i + 1) / g;
+                }
+                for (std::size_t j = i + 1; j < n; ++j) {
+                    double s = 0.0;
+                    for (std::size_t k = i + 1; k < n; ++k) {
+                        s += u(i, k) * v(k, j);
+                    }
+                    for (std::size_t k = i + 1; k < n; ++k) {
+                        v(k, j) += s * v(k, i);
+                    }
+                }
+            }
+            for (std::size_t j = i + 1; j < n; ++j) {
+                v(i, j) = v(j, i) = 0.0;
+            }
+            v(i, i) = 1.0;
+        }
+    }
+
+    void accumulateLeft() {
+        const std::size_t m = u.rows;
+        const std::size_t n = u.cols;
+        for (std::size_t i = n; i-- > 0;) {
+            for (std::size_t j = i + 1; j < n; ++j) {
+                u(i, j) = 0.0;
+            }
+            for (std::size_t j = i + 1; w[i] != 0.0 && j < n; ++j) {
+                double s = 0.0;
+                for (std::size_t k = i + 1; k < m; ++k) {
+                    s += u(k, i) * u(k, j);
+                }
+                const double f = s / u(i, i) / w[i];
+                for (std::size_t k = i; k < m; ++k) {
+                    u(k, j) += f * u(k, i);
+                }
+            }
+            for (std::size_t k = i; k < m; ++k) {
+                u(k, i) = w[i] == 0.0 ? 0.0 : u(k, i) / w[i];
+            }
+            u(i, i) += 1.0;
+        }
+    }
+
+    static void rotate(Matrix& a, std::size_t i, std::size_t j, double c, double s) {
+        for (std::size_t k = 0; k < a.rows; ++k) {
+            const double x = a(k, i);
+            const double z = a(k, j);
+            a(k, i) = x * c + z * s;
+            a(k, j) = z * c - x * s;
+        }
+    }
+
+    bool diagonalise(std::size_t k) {
+        for (int pass = 1;; ++pass) {
+            std::size_t l = k;
+            while (l > 0 && !isNegligible(e[l]) && !isNegligible(w[l - 1])) {
+                --l;
+            }
+            if (l > 0 && !isNegligible(e[l])) {
+                cancel(l, k);
+            }
+            if (l == k) {
+                break;
+            }
+            if (pass == 30) {
+                return false;
+            }
+            step(l, k);
+        }
+        if (w[k] < 0.0) {
+            w[k] = -w[k];
+            for (std::size_t j = 0; j < v.rows; ++j) {
+                v(j, k) = -v(j, k);
+            }
+        }
+        return true;
+    }
+
+    void cancel(std::size_t l, std::size_t k) {
+        double c = 0.0;
+        double s = 1.0;
+        for (std::size_t i = l; i <= k; ++i) {
+            const double f = s * e[i];
+            e[i] = c * e[i];
+            if (isNegligible(f)) {
+                break;
+            }
+            const double g = w[i];
+            w[i] = hypotenuseOf(f, g);
+            const double inverse = 1.0 / w[i];
+            c = g * inverse;
+            s = -f * inverse;
+            rotate(u, l - 1, i, c, s);
+        }
+    }
+
+    void step(std::size_t l, std::size_t k) {
+        double x = w[l];
+        double y = w[k - 1];
+        double z = w[k];
+        double g = e[k - 1];
+        double h = e[k];
+        double f = ((y - z) * (y + z) + (g - h) * (g + h)) / (2.0 * h * y);
+        g = hypotenuseOf(f, 1.0);
+        f = ((x - z) * (x + z) + h * (y / (f + signedAs(g, f)) - h)) / x;
+        double c = 1.0;
+        double s = 1.0;
+        for (std::size_t j = l; j < k; ++j) {
+            g = e[j + 1];
+            y = w[j + 1];
+            h = s * g;
+            g = c * g;
+            z = hypotenuseOf(f, h);
+            e[j] = z;
+            c = f / z;
+            s = h / z;
+            f = x * c + g * s;
+            g = g * c - x * s;
+            h = y * s;
+            y *= c;
+            rotate(v, j, j + 1, c, s);
+            z = hypotenuseOf(f, h);
+            w[j] = z;
+            if (z != 0.0) {
+                z = 1.0 / z;
+                c = f * z;
+                s = h * z;
+            }
+            f = c * g + s * y;
+            x = c * y - s * g;
+            rotate(u, j, j + 1, c, s);
+        }
+        e[l] = 0.0;
+        e[k] = f;
+        w[k] = x;
+    }
+};
+
+// Signs hang on single roundings (a last step more or less turns a pair of them), so that formulas which are the same on
+// paper give another sign in one matrix of a hundred.
+TEST(MatSvd, SignsOfTheVectorsAreThoseOfThePublishedFormulas) {
+    Random random(60);
+    for (int trial = 0; trial < 24000; ++trial) {
+        const auto n = static_cast<std::size_t>(1 + trial % 12);
+        const auto m = n + static_cast<std::size_t>(trial / 12 % 4);
+        const Matrix a = zelmtest::randomMatrix(random, m, n);
+        const Decomposition d(a);
+        const PublishedSvd published(a);
+        ASSERT_TRUE(published.converged);
+        const auto order = published.descending();
+        for (std::size_t j = 0; j < n; ++j) {
+            ASSERT_NEAR(d.w(0, j), published.w[order[j]], 1e-14 * d.w(0, 0)) << m << " x " << n << ", " << trial;
+            double right = 0.0;
+            double left = 0.0;
+            for (std::size_t i = 0; i < n; ++i) {
+                right += d.v(j, i) * published.v(i, order[j]);
+            }
+            for (std::size_t i = 0; i < m; ++i) {
+                left += d.u(i, j) * published.u(i, order[j]);
+            }
+            // The cosine of their angle; gaps between values of random matrices leave it at 1 to far better than this.
+            ASSERT_GT(right, 0.99) << m << " x " << n << ", " << trial << ", row " << j;
+            ASSERT_GT(left, 0.99) << m << " x " << n << ", " << trial << ", column " << j;
+        }
+    }
+}
+
 // Conventions.
 
 TEST(MatSvd, DiagonalMatrixIsSortedWithItsVectors) {
@@ -259,22 +553,42 @@ TEST(MatSvd, ExtremeScalesChangeNothingButTheValues) {
             expectProven(a, "scaled");
             const Decomposition scaled(a);
             for (std::size_t j = 0; j < 5; ++j) {
-                EXPECT_TRUE(isClose(scaled.w(0, j) / scale, plain.w(0, j), 1e-14));
+                EXPECT_EQ(scaled.w(0, j) / scale, plain.w(0, j)) << "powers of two round nothing";
             }
+            EXPECT_EQ(scaled.u.entries, plain.u.entries);
+            EXPECT_EQ(scaled.v.entries, plain.v.entries);
         }
     }
 }
 
-// Between tied values the last superdiagonal can settle one rounding above what the stopping rule takes for negligible,
-// where no further step changes it. Seen once in some 10^4 matrices R - I and [r1 r2 r3] of rotations.
-TEST(MatSvd, TiedValuesThatStallOneRoundingAwayConverge) {
+TEST(MatSvd, SmallEntriesBesideTheLargestNumbersAreKept) {
+    const Decomposition d(Matrix(2, 2, {0x1p1020, 0, 0, 1e-20}));
+    ASSERT_EQ(d.status, ZELM_OK);
+    EXPECT_EQ(d.w.entries, (std::vector<double>{0x1p1020, 1e-20}));
+    const double least = std::numeric_limits<double>::denorm_min();
+    const Decomposition tiny(Matrix(2, 2, {least, 0, 0, 3 * least}));
+    ASSERT_EQ(tiny.status, ZELM_OK);
+    EXPECT_EQ(tiny.w.entries, (std::vector<double>{3 * least, least}));
+}
+
+// Between tied values the last superdiagonal can settle a rounding or two above what the stopping rule takes for
+// negligible, where no further step changes it. Seen in 1.5 of 10^4 matrices R - I and [r1 r2 r3] of rotations.
+TEST(MatSvd, TiedValuesThatStallARoundingAwayConverge) {
+    const Matrix stalling(3, 3, {-1, 50, 10, 50, -1, 10, 10, 10, -49});  // 51 times an orthogonal matrix
+    EXPECT_FALSE(PublishedSvd(stalling).converged) << "the acceptance is no longer needed: take it out";
+    expectProven(stalling, "stalled");
+    const Decomposition d(stalling);
+    for (std::size_t j = 0; j < 3; ++j) {
+        EXPECT_TRUE(isClose(d.w(0, j), 51.0, 1e-14));
+    }
+    // The one of 2.5 * 10^7 that stalls more than one rounding away.
+    expectProven(Matrix(3, 3,
+                        {1.9240271513876781, -1.4968859121306042, -0.70239215532974753,  //
+                         -1.4968859130922374, -2.0346216146158906, 0.23569069053459016, -0.70239215328038629,
+                         0.235690696641981, -2.4263136259781808}),
+                 "stalled farther away");
     const double angle = 0.1;
     Random random(59);
-    expectProven(Matrix(3, 3,
-                        {-0.0049893065574666551, -0.0083355877547562005, 0.099419504684904639,  //
-                         0.0079758469730934339, -3.9869310795803692e-05, 0.0040153327497791172, -0.099449011056273531,
-                         -0.0032023442682526976, -0.0049624935756859001}),
-                 "stalled");
     for (int trial = 0; trial < 50000; ++trial) {
         Matrix a(3, 3);
         double u[3] = {random.normal(), random.normal(), random.normal()};
