@@ -143,13 +143,13 @@ ZELM_API int32_t zelmCalibUnDistortPoint(const ZelmCameraIntrinsics* tCam, doubl
 /// angle atan2(u . w, trace(R) - 1) with w = (R21 - R12, R02 - R20, R10 - R01) lies in [-pi, pi], its sign going with
 /// the axis. For a rotation stored in doubles the vector is right to about 3e-15 radian at every angle: near 0, where
 /// the axis is known less and less well, near pi, where the antisymmetric part vanishes, and between. At pi itself both
-/// signs of the axis are right, and either may be returned. Without the decomposition, for want of its few
-/// bytes of work memory or for a matrix that is not finite, the closed form by acos takes over, which is right to 1e-5
-/// radian only near 0 and pi and, for half turns about an axis with no x component, takes y and z of one sign.
+/// signs of the axis are right, and either may be returned. For a matrix that is not finite, which has no
+/// decomposition, a closed form by acos takes over, and the result means nothing.
 /// @param iDirection [in] 0: vector to matrix; 1: matrix to vector
 /// @param daRvec 3 doubles; [in] for direction 0, [out] for direction 1
 /// @param daRmat 9 doubles, row-major; [in] for direction 1, [out] for direction 0
 /// @return ZELM_OK; ZELM_ERR_PARAM for another direction or a NULL pointer, nothing written
+/// Allocates nothing.
 ZELM_API int32_t zelmCalibRodrigues(int32_t iDirection, double* daRvec, double* daRmat);
 
 /// Estimates one camera's intrinsic parameters, its radial distortion and its pose in every view from the dots of a

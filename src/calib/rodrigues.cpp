@@ -1,8 +1,11 @@
 // Rotation vectors and rotation matrices (Rodrigues 1840).
+#include "rodrigues.h"
+
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
 
+#include "svd.h"
 #include "zelm/calib.h"
 #include "zelm/mat.h"
 #include "zelm/math.h"
@@ -31,23 +34,49 @@ void writeMatrix(const double* r, double* R) {
     }
 }
 
-// The null direction of R - I; false when its decomposition fails.
+// The null direction of R - I; false when its decomposition fails. All on the stack.
 bool axisOf(const double* R, double* u) {
     double identity[9];
     double difference[9];
     double values[3];
     double rightVectors[9];
+    double work[6];
+    std::int32_t index[3];
     zelmMatDiagonal(1.0, 3, identity);
     zelmMatSub(3, 3, R, identity, difference);
-    if (zelmMatSVD(3, 3, difference, nullptr, values, rightVectors) < 0) {
+    if (!innerSVD(3, 3, difference, false, values, rightVectors, work)) {
         return false;
     }
+    innerSortSVD(3, 3, nullptr, values, rightVectors, work, index);
     std::copy_n(rightVectors + 6, 3, u);
     return true;
 }
 
-// Without the decomposition: w = 2 sin(theta) * axis.
-void writeVectorInClosedForm(const double* R, const double* w, double* r) {
+// 2 sin(theta) * axis.
+void writeAntisymmetricPart(const double* R, double* w) {
+    w[0] = R[7] - R[5];
+    w[1] = R[2] - R[6];
+    w[2] = R[3] - R[1];
+}
+
+void writeVector(const double* R, double* r) {
+    double u[3];
+    if (!axisOf(R, u)) {
+        rotationVectorInClosedForm(R, r);
+        return;
+    }
+    double w[3];
+    writeAntisymmetricPart(R, w);
+    // Its sign follows the sign that the decomposition gave the axis, so that the product comes out right.
+    const double theta = std::atan2(zelmMathCalcInnerProduct(3, u, w), zelmMatTrace(3, R) - 1.0);
+    zelmMatMulScalar(theta, 1, 3, u, r);
+}
+
+}  // namespace
+
+void rotationVectorInClosedForm(const double* R, double* r) {
+    double w[3];
+    writeAntisymmetricPart(R, w);
     const double s = zelmMathCalcNorm(3, w) / 2.0;
     const double c = std::clamp((zelmMatTrace(3, R) - 1.0) / 2.0, -1.0, 1.0);
     const double theta = std::acos(c);
@@ -63,19 +92,6 @@ void writeVectorInClosedForm(const double* R, const double* w, double* r) {
     }
 }
 
-void writeVector(const double* R, double* r) {
-    const double w[3] = {R[7] - R[5], R[2] - R[6], R[3] - R[1]};
-    double u[3];
-    if (axisOf(R, u)) {
-        // Its sign follows the sign that the decomposition gave the axis, so that the product comes out right.
-        const double theta = std::atan2(zelmMathCalcInnerProduct(3, u, w), zelmMatTrace(3, R) - 1.0);
-        zelmMatMulScalar(theta, 1, 3, u, r);
-    } else {
-        writeVectorInClosedForm(R, w, r);
-    }
-}
-
-}  // namespace
 }  // namespace zelm
 
 int32_t zelmCalibRodrigues(int32_t iDirection, double* daRvec, double* daRmat) {
