@@ -5,7 +5,7 @@
 #include <cmath>
 #include <cstdint>
 
-#include "tukey.h"
+#include "robustStatistics.h"
 
 namespace zelm {
 namespace {
@@ -128,7 +128,7 @@ double accumulateDots(const CameraData& data, const CameraUnknowns& unknowns, bo
         }
         const double r[2] = {data.image[i].x - p.x, data.image[i].y - p.y};
         const double e2 = r[0] * r[0] + r[1] * r[1];
-        const double w = robust ? biweight(e2, eq->cutOff2) : 1.0;
+        const double w = robust ? tukeyWeightOfSquare(e2, eq->cutOff2) : 1.0;
         if (w > 0.0) {
             accumulate(du, dv, r, w, eq, &eq->views[v]);
         }

@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "cameraData.h"
+#include "cameraModel.h"
 #include "cameraNormalEq.h"
 #include "cameraRefine.h"
 #include "telecentricClosedForm.h"
@@ -18,8 +19,6 @@
 namespace zelm {
 namespace {
 
-constexpr std::int32_t kTiltedModel = 1;
-constexpr std::int32_t kParallelModel = 2;
 constexpr std::int32_t kLeastViews = 3;  // of a perspective camera
 constexpr std::int32_t kLeastDots = 4;   // of a view
 constexpr int kMostTiltRounds = 5;
@@ -237,7 +236,7 @@ std::int32_t calibrateCamera(std::int32_t views, const Zelm2ViewPtnEntry* entrie
 int32_t zelmCalibCameraParam(int32_t iViews, const Zelm2ViewPtnEntry* taViews, double dRobustThreshold,
                              ZelmCameraIntrinsics* tIntrinsics, ZelmCameraExtrinsics* taExtrinsics, double* dError,
                              int32_t iModel) {
-    if (iModel < 0 || iModel > zelm::kParallelModel) {
+    if (!zelm::isCameraModel(iModel)) {
         return ZELM_ERR_PARAM;
     }
     if (iViews < zelm::kLeastViews && iModel < zelm::kParallelModel) {

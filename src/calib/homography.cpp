@@ -5,6 +5,8 @@
 #include <cstddef>
 
 #include "homographyNormalEq.h"
+#include "matrix3.h"
+#include "settled.h"
 #include "workBuffer.h"
 #include "zelm/calib.h"
 #include "zelm/mat.h"
@@ -17,12 +19,9 @@ using Index = std::ptrdiff_t;
 constexpr Index kSize = 9;
 constexpr int kMostSteps = 100;
 constexpr double kStartDamping = 0.001;
-constexpr double kCostChange = 1e-8;      // relative
-constexpr double kRelativeChange = 1e-4;  // of a parameter
-constexpr double kAbsoluteChange = 1e-6;  // of a parameter, normalised units
-constexpr double kRoundingCost = 1e-28;   // squared: 1e-14 of a normalised coordinate, some 45 units of rounding
-constexpr double kUndetermined = 1e-14;   // second least eigenvalue over the greatest: rounding of the 9 x 9 sums
-constexpr double kLeastDivisor = 1e-9;    // of H22
+constexpr double kRoundingCost = 1e-28;  // squared: 1e-14 of a normalised coordinate, some 45 units of rounding
+constexpr double kUndetermined = 1e-14;  // second least eigenvalue over the greatest: rounding of the 9 x 9 sums
+constexpr double kLeastDivisor = 1e-9;   // of H22
 
 // The two point sets, normalised, and the transforms T1 of the source and the inverse of T2 of the destination.
 struct NormalisedPairs {
@@ -87,20 +86,6 @@ struct NormalEquations {
     }
 };
 
-bool isConverged(double oldCost, double newCost, const double* oldH, const double* newH) {
-    if (std::fabs(oldCost - newCost) <= kCostChange * oldCost) {
-        return true;
-    }
-    for (Index i = 0; i < kSize; ++i) {
-        const double change = std::fabs(oldH[i] - newH[i]);
-        // Deliberate: the signed old value, so that a negative parameter passes by the absolute test alone.
-        if (!(change <= oldH[i] * kRelativeChange || change <= kAbsoluteChange)) {
-            return false;
-        }
-    }
-    return true;
-}
-
 // Refines h; returns the count of steps plus one, or ZELM_ERR_CALIB_NOT_CONVERGED.
 std::int32_t refine(const NormalisedPairs& pairs, double robustK, double* h) {
     NormalEquations present;
@@ -124,7 +109,7 @@ std::int32_t refine(const NormalisedPairs& pairs, double robustK, double* h) {
         if (next.evaluate(pairs, moved, robustK) < 0) {
             return ZELM_ERR_CALIB_NOT_CONVERGED;
         }
-        const bool converged = isConverged(present.cost, next.cost, h, moved);
+        const bool settled = costSettled(present.cost, next.cost) || parametersSettled(kSize, h, moved);
         if (next.cost < present.cost) {
             lambda *= 0.1;
             present = next;
@@ -133,7 +118,7 @@ std::int32_t refine(const NormalisedPairs& pairs, double robustK, double* h) {
             lambda *= 10.0;
         }
         ++counter;
-        if (converged) {
+        if (settled) {
             return counter;
         }
     }
@@ -143,8 +128,8 @@ std::int32_t refine(const NormalisedPairs& pairs, double robustK, double* h) {
 void writeDenormalised(const NormalisedPairs& pairs, const double* h, double* H) {
     double partial[kSize];
     double result[kSize];
-    zelmMatMul(3, 3, pairs.T2inv, 3, 3, h, partial);
-    zelmMatMul(3, 3, partial, 3, 3, pairs.T1, result);
+    multiply3(pairs.T2inv, h, partial);
+    multiply3(partial, pairs.T1, result);
     const double divisor = std::fabs(result[8]) > kLeastDivisor ? result[8] : 1.0;
     std::transform(result, result + kSize, H, [divisor](double entry) { return entry / divisor; });
 }

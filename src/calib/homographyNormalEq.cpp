@@ -5,7 +5,7 @@
 #include <cmath>
 #include <cstddef>
 
-#include "tukey.h"
+#include "robustStatistics.h"
 #include "workBuffer.h"
 
 namespace zelm {
@@ -84,7 +84,7 @@ std::int32_t innerCalcHomographyNormalEq(std::int32_t n, const Point2d* src, con
     double weights = 0.0;
     for (Index i = 0; i < n; ++i) {
         const Residual res(H, src[i], dst[i]);
-        const double w = robust ? biweight(res.e2, c2) : 1.0;
+        const double w = robust ? tukeyWeightOfSquare(res.e2, c2) : 1.0;
         accumulate(res, src[i], w, N, g);
         squares += w * res.e2;
         weights += w;

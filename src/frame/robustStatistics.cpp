@@ -4,6 +4,11 @@
 #include <cmath>
 
 namespace zelm {
+namespace {
+
+constexpr double kLeastSquaredCutOff = 1e-10;  // normalised units; keeps exact data from rejecting itself
+
+}  // namespace
 
 double innerMedian(std::int32_t n, double* values) {
     // A strict weak order also where some values are not numbers.
@@ -11,6 +16,11 @@ double innerMedian(std::int32_t n, double* values) {
     double* const middle = values + n / 2;
     std::nth_element(values, middle, values + n, before);
     return n % 2 == 1 ? *middle : (*std::max_element(values, middle, before) + *middle) / 2.0;
+}
+
+double innerSquaredCutOff(std::int32_t n, double* squares, double k) {
+    const double scale = kMedianToSigma * k;
+    return std::max(kLeastSquaredCutOff, scale * scale * innerMedian(n, squares));
 }
 
 }  // namespace zelm

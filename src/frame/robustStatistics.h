@@ -13,15 +13,29 @@ constexpr double kMedianToSigma = 1.4826;
 // the values. Values that are not numbers count as larger than all others.
 double innerMedian(std::int32_t n, double* values);
 
-// (1 - (magnitude / cutOff)^2)^2 below the cut-off, else 0 (Beaton and Tukey 1974).
+// Tukey's biweight (Beaton and Tukey 1974) of u^2, the squared share of the cut-off: (1 - u^2)^2 below 1.
+inline double tukeyWeightOfShare(double u2) {
+    const double w = 1.0 - u2;
+    return w * w;
+}
+
+// The biweight of a magnitude; 0 from the cut-off on.
 inline double tukeyWeight(double magnitude, double cutOff) {
     if (!(magnitude < cutOff)) {
         return 0.0;
     }
     const double u = magnitude / cutOff;
-    const double w = 1.0 - u * u;
-    return w * w;
+    return tukeyWeightOfShare(u * u);
 }
+
+// The same of squares, where those are what there is.
+inline double tukeyWeightOfSquare(double square, double squaredCutOff) {
+    return square < squaredCutOff ? tukeyWeightOfShare(square / squaredCutOff) : 0.0;
+}
+
+// The squared cut-off for n squared distances in normalised units: (k * 1.4826)^2 times their median, at least 1e-10.
+// Reorders them.
+double innerSquaredCutOff(std::int32_t n, double* squares, double k);
 
 }  // namespace zelm
 

@@ -10,7 +10,6 @@
 #include "isClose.h"
 #include "random.h"
 #include "robustStatistics.h"
-#include "tukey.h"
 
 namespace {
 

@@ -5,18 +5,13 @@
 
 #include "calibObject.h"
 #include "calibratedCamera.h"
+#include "matrix3.h"
 #include "zelm/mat.h"
 
 namespace zelm {
 namespace {
 
 constexpr double kNormalisable = 1e-9;  // last element of a transform that may be scaled to 1
-
-// What shifts the reference pixel's image onto the image centre.
-Point2d centringOffset(const double F[9], const Zelm2ViewHomParam& params, const ImageSize& size) {
-    const Point2d w = transformPoint(F, params.px, params.py);
-    return {w.x - size.width / 2, w.y - size.height / 2};
-}
 
 }  // namespace
 
@@ -50,6 +45,11 @@ Point2d transformPoint(const double T[9], double x, double y) {
     return {image[0] / image[2], image[1] / image[2]};
 }
 
+Point2d centringOffset(const double T[9], const Point2d& reference, const ImageSize& size) {
+    const Point2d w = transformPoint(T, reference.x, reference.y);
+    return {w.x - size.width / 2, w.y - size.height / 2};
+}
+
 std::int32_t innerCalcHomMatrix(const unsigned char* data, Camera camera, const Zelm2ViewHomParam& params,
                                 RectifyingDirection direction, double T[9]) {
     DepthMatrix left;
@@ -61,16 +61,16 @@ std::int32_t innerCalcHomMatrix(const unsigned char* data, Camera camera, const 
     const DepthMatrix& own = isLeft(camera) ? left : right;
     const DepthMatrix& other = isLeft(camera) ? right : left;
     double forward[9];
-    zelmMatMul(3, 3, other.A, 3, 3, own.Ainv, forward);
-    const Point2d offset = centringOffset(forward, params, imageSizeOf(data, camera));
+    multiply3(other.A, own.Ainv, forward);
+    const Point2d offset = centringOffset(forward, {params.px, params.py}, imageSizeOf(data, camera));
     if (direction == RectifyingDirection::toRectified) {
         const double shift[9] = {1.0, 0.0, -offset.x, 0.0, 1.0, -offset.y, 0.0, 0.0, 1.0};
-        zelmMatMul(3, 3, shift, 3, 3, forward, T);
+        multiply3(shift, forward, T);
     } else {
         const double shift[9] = {1.0, 0.0, offset.x, 0.0, 1.0, offset.y, 0.0, 0.0, 1.0};
         double backward[9];
-        zelmMatMul(3, 3, own.A, 3, 3, other.Ainv, backward);
-        zelmMatMul(3, 3, backward, 3, 3, shift, T);
+        multiply3(own.A, other.Ainv, backward);
+        multiply3(backward, shift, T);
     }
     normaliseTransform(T);
     return ZELM_OK;

@@ -6,6 +6,7 @@
 #include <initializer_list>
 
 #include "calibBlock.h"
+#include "calibratedCamera.h"
 #include "zelm/twoViewGeometry.h"
 
 namespace zelm {
@@ -43,6 +44,9 @@ std::int32_t beginRectification(const Zelm2ViewCalib* calib, std::int32_t select
 
 // (x, y) carried by T.
 Point2d transformPoint(const double T[9], double x, double y);
+
+// What T moves the reference point away from the middle of an image of this size; halves of its size are truncated.
+Point2d centringOffset(const double T[9], const Point2d& reference, const ImageSize& size);
 
 }  // namespace zelm
 

@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "alloc.h"
+#include "cameraModel.h"
 
 namespace zelm {
 
@@ -36,13 +37,9 @@ bool isPatternValid(const Zelm2ViewPatternDesc& pattern) {
     return pattern.markers > 0 && (pattern.polarity == 0 || pattern.polarity == 1);
 }
 
-bool isModelValid(std::int32_t model) {
-    return static_cast<std::uint32_t>(model) <= 2U;
-}
-
 bool areCamerasValid(const Zelm2ViewCameraDesc& cameras) {
     return cameras.leftWidth > 0 && cameras.leftHeight > 0 && cameras.rightWidth > 0 && cameras.rightHeight > 0 &&
-           isModelValid(cameras.leftModel) && isModelValid(cameras.rightModel);
+           isCameraModel(cameras.leftModel) && isCameraModel(cameras.rightModel);
 }
 
 // Bytes of the work block of n views; 0 if they cannot be counted.

@@ -5,10 +5,9 @@
 #include <cstdint>
 
 #include "calibBlock.h"
+#include "cameraModel.h"
 
 namespace zelm {
-
-constexpr std::int32_t kParallelModel = 2;
 
 // A calibrated camera: its model, intrinsics and pose in view 0.
 struct CalibratedCamera {

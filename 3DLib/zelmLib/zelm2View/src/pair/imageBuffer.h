@@ -12,11 +12,16 @@
 
 namespace zelm {
 
-// Whether the buffer has data, the given size, and rows whose length the kernels can express.
+// Whether the buffer has data and the given size.
 inline bool isBufferOf(const vImage_Buffer& buffer, const ImageSize& size) {
-    constexpr auto kLongestRow = static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max());
     return buffer.data != nullptr && buffer.width == static_cast<std::size_t>(size.width) &&
-           buffer.height == static_cast<std::size_t>(size.height) && buffer.rowBytes <= kLongestRow;
+           buffer.height == static_cast<std::size_t>(size.height);
+}
+
+// Whether it has rows as well whose length the kernels can express.
+inline bool isKernelBufferOf(const vImage_Buffer& buffer, const ImageSize& size) {
+    constexpr auto kLongestRow = static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max());
+    return isBufferOf(buffer, size) && buffer.rowBytes <= kLongestRow;
 }
 
 // Whether both buffers hold images of the camera that the selector names; false for NULL pointers too.
@@ -26,7 +31,7 @@ inline bool areBuffersOf(const Zelm2ViewCalib* calib, std::int32_t selector, con
         return false;
     }
     const ImageSize size = imageSizeOf(calib->data, *camera);
-    return isBufferOf(*src, size) && isBufferOf(*dst, size);
+    return isKernelBufferOf(*src, size) && isKernelBufferOf(*dst, size);
 }
 
 }  // namespace zelm

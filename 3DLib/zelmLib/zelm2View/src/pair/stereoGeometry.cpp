@@ -3,17 +3,13 @@
 #include <algorithm>
 #include <cmath>
 
+#include "matrix3.h"
 #include "zelm/calib.h"
 #include "zelm/mat.h"
 #include "zelm/math.h"
 
 namespace zelm {
 namespace {
-
-// C = A B, all 3x3.
-std::int32_t multiply3(const double* A, const double* B, double* C) {
-    return zelmMatMul(3, 3, A, 3, 3, B, C);
-}
 
 // [v]x, so that [v]x w = v x w.
 void crossMatrix(const double* v, double* X) {
@@ -28,9 +24,7 @@ std::int32_t relativePose(const ZelmCameraExtrinsics& left, const ZelmCameraExtr
     if (const auto s = zelmMatInvert(3, right.R, inverse); s < 0) {
         return s;
     }
-    if (const auto s = multiply3(left.R, inverse, R); s < 0) {
-        return s;
-    }
+    multiply3(left.R, inverse, R);
     if (const auto s = zelmMatMul(3, 3, R, 3, 1, right.t, moved); s < 0) {
         return s;
     }
@@ -57,12 +51,8 @@ std::int32_t fundamentalOfPoses(const CalibratedCamera& left, const CalibratedCa
     double E[9];
     double ER[9];
     crossMatrix(t, X);
-    if (const auto s = multiply3(X, R, E); s < 0) {
-        return s;
-    }
-    if (const auto s = multiply3(E, rightInverse, ER); s < 0) {
-        return s;
-    }
+    multiply3(X, R, E);
+    multiply3(E, rightInverse, ER);
     return zelmMatMulTransposed2(1, 3, 3, leftInverse, 3, 3, ER, F);
 }
 
@@ -135,7 +125,8 @@ std::int32_t normaliseFundamental(double* F) {
     for (int i = 0; i < 9; ++i) {
         scaled[i] = U[i] * w[i % 3];
     }
-    return multiply3(scaled, V, F);
+    multiply3(scaled, V, F);
+    return ZELM_OK;
 }
 
 }  // namespace

@@ -3,6 +3,8 @@
 
 #include "bufferPacking.h"
 #include "calibObject.h"
+#include "cameraModel.h"
+#include "imageBuffer.h"
 #include "patternReader.h"
 #include "workBuffer.h"
 
@@ -23,7 +25,7 @@ CameraView cameraView(const Zelm2ViewCalib& calib, Camera camera, std::int32_t v
     const Zelm2ViewCameraDesc desc = block::cameras(calib.data);
     CameraView result = isLeft(camera) ? CameraView{desc.leftModel, desc.leftWidth, desc.leftHeight, false}
                                        : CameraView{desc.rightModel, desc.rightWidth, desc.rightHeight, false};
-    result.isRead = result.model != 2 || view == 0;
+    result.isRead = result.model != kParallelModel || view == 0;
     return result;
 }
 
@@ -70,10 +72,8 @@ struct BufferFormat {
     void (*pack)(const vImage_Buffer& buffer, std::uint8_t* plane);
 };
 
-bool isBufferOf(const vImage_Buffer& buffer, const CameraView& camera, const BufferFormat& format) {
-    return buffer.data != nullptr && buffer.width == static_cast<std::size_t>(camera.width) &&
-           buffer.height == static_cast<std::size_t>(camera.height) &&
-           buffer.rowBytes / format.bytesPerPixel >= buffer.width;
+bool isPackable(const vImage_Buffer& buffer, const CameraView& camera, const BufferFormat& format) {
+    return isBufferOf(buffer, {camera.width, camera.height}) && buffer.rowBytes / format.bytesPerPixel >= buffer.width;
 }
 
 // The buffer's gray pixels: its own where they are dense already, else a packed copy in plane.
@@ -105,7 +105,7 @@ std::int32_t readBuffers(Zelm2ViewCalib* calib, std::int32_t view, const vImage_
         if (!seen.isRead || buffers[i] == nullptr) {
             continue;
         }
-        if (!isBufferOf(*buffers[i], seen, format)) {
+        if (!isPackable(*buffers[i], seen, format)) {
             return ZELM_ERR_PARAM;
         }
         if (const auto s = grayOf(*buffers[i], format, &planes[i], &pixels[i]); s < 0) {

@@ -181,7 +181,7 @@ std::int32_t expandBuffers(const Zelm2ViewCalib* tHandle, std::int32_t iCamera, 
     }
     const ImageSize source = imageSizeOf(tHandle->data, camera);
     const ImageSize target{tExpPrm->iWidth, tExpPrm->iHeight};
-    if (!isBufferOf(*tSrc, source) || !isBufferOf(*tDst, target)) {
+    if (!isKernelBufferOf(*tSrc, source) || !isKernelBufferOf(*tDst, target)) {
         return ZELM_ERR_PARAM;
     }
     expand<Pixel>({static_cast<const std::uint8_t*>(tSrc->data), static_cast<std::ptrdiff_t>(tSrc->rowBytes), source},

@@ -54,8 +54,8 @@ std::int32_t makeHomImage(WarpKernel* kernel, const Zelm2ViewCalib* tHandle, std
     if (status < 0) {
         return status;
     }
-    if (tSrc == nullptr || tDst == nullptr || !isBufferOf(*tSrc, transfer.source) ||
-        !isBufferOf(*tDst, transfer.target)) {
+    if (tSrc == nullptr || tDst == nullptr || !isKernelBufferOf(*tSrc, transfer.source) ||
+        !isKernelBufferOf(*tDst, transfer.target)) {
         return ZELM_ERR_PARAM;
     }
     warpWith(kernel, transfer, static_cast<const std::uint8_t*>(tSrc->data), static_cast<std::int32_t>(tSrc->rowBytes),

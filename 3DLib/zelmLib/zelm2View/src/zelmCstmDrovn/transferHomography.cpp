@@ -4,21 +4,11 @@
 
 #include "assertion.h"
 #include "calibObject.h"
+#include "matrix3.h"
 #include "rectifyingTransform.h"
-#include "zelm/mat.h"
 
 namespace zelm {
 namespace {
-
-void multiply3(const double A[9], const double B[9], double C[9]) {
-    zelmMatMul(3, 3, A, 3, 3, B, C);
-}
-
-// What shifts the reference point's image under G onto the centre of the expanded image.
-Point2d centringOffset(const double G[9], const ZelmCstmExpPrm& tHomPrm) {
-    const Point2d q = transformPoint(G, tHomPrm.dX, tHomPrm.dY);
-    return {q.x - tHomPrm.iWidth / 2, q.y - tHomPrm.iHeight / 2};
-}
 
 // T G with the shift that centres the reference point.
 void centre(const double G[9], const Point2d& offset, double hom[9]) {
@@ -55,7 +45,7 @@ std::int32_t innerCalcExpHomography(const unsigned char* data, std::int32_t iCam
     double G[9];
     multiply3(S, other.A, magnified);
     multiply3(magnified, own.Ainv, G);
-    const Point2d offset = centringOffset(G, tHomPrm);
+    const Point2d offset = centringOffset(G, {tHomPrm.dX, tHomPrm.dY}, {tHomPrm.iWidth, tHomPrm.iHeight});
     if (direction == ExpDirection::toExpanded) {
         centre(G, offset, hom);
     } else {
