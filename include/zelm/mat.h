@@ -191,8 +191,8 @@ ZELM_API int32_t zelmMatCholeskyDecomp(int32_t iN, const double* daA, double* da
 ///
 /// Householder bidiagonalisation and implicitly shifted QR steps (Golub and Reinsch, 1970), whose formulas also set the
 /// signs of the vectors. Relative residual and orthogonality stay below 1e-13 for every class of matrix tried (random,
-/// graded, Hilbert, nearly singular, repeated and clustered values, to 12 x 12, and 2000 x 6), and for any scale between
-/// 2^-960 and 2^1000: matrices whose largest entry is beyond 2^-400 or 2^400 are multiplied by a power of two first.
+/// graded, Hilbert, nearly singular, repeated and clustered values, to 12 x 12, and 2000 x 6), and for any scale from
+/// 2^-960 to 2^1000: matrices whose largest entry is beyond 2^-400 or 2^400 are multiplied by a power of two first.
 /// Time O(m n^2).
 /// @param iM  [in]  rows, at least iN
 /// @param iN  [in]  columns
@@ -202,9 +202,9 @@ ZELM_API int32_t zelmMatCholeskyDecomp(int32_t iN, const double* daA, double* da
 /// @param daV [out] iN x iN, row j is the right singular vector of value j (textbooks call this V^T); or NULL
 /// @return ZELM_OK, at once if all outputs are NULL; ZELM_ERR_SVD_FAILED with nothing written if iM < iN;
 ///         ZELM_ERR_SVD_FAILED with partly written outputs if a value needs more than 29 QR steps (unless what is left
-///         is a rounding or two of the norm, where tied values can stall), if an entry of A is not finite, or if a value
-///         is not; ZELM_ERR_MEMORY, the outputs then either untouched or, if only the sort lacked memory,
-///         holding the unsorted decomposition
+///         is a rounding or two of the norm, where tied values can stall), or if an entry of A or a value is not finite;
+///         ZELM_ERR_MEMORY, the outputs then either untouched or, if only the sort lacked memory, holding the unsorted
+///         decomposition
 ZELM_API int32_t zelmMatSVD(int32_t iM, int32_t iN, const double* daA, double* daU, double* daW, double* daV);
 
 /// Solves A * x = b in the least-squares sense through zelmMatSVD; of all solutions the one of least norm.

@@ -53,8 +53,8 @@ typedef struct ZelmMatchPose {
 /// sharp (fixed by more points than there are parameters) both find it to 1e-7, the angle to 1e-6 degrees
 /// and the scale to 1e-6 percent.
 /// Deviations below 1e-10 (caller's units) are below the circle's resolution.
-/// Mode 5 may end at a negative scale, where the sets hardly resemble each other and the least-squares scale is small: a
-/// half turn. A scale of -s at the angle a is the same motion as the scale s at a + pi.
+/// Mode 5 may end at a negative scale, where the sets hardly resemble each other and the least-squares scale is small:
+/// a half turn. A scale of -s at the angle a is the same motion as the scale s at a + pi.
 ///
 /// What keeps the searches finite on any data: the walk of mode 4 ends after a full turn; golden sections end when the
 /// bracket is shorter than 1e-9 (|a| + |b|) of its ends or than 1e-13 degrees (which only matters within 1e-4 degrees of

@@ -1,4 +1,5 @@
-// Conics by their coefficients: unconstrained, and constrained to ellipses.
+// Conics by their coefficients.
+#include "fitConics.h"
 
 #include <algorithm>
 #include <cmath>
@@ -6,8 +7,6 @@
 
 #include "callersFrame.h"
 #include "conicScatter.h"
-#include "fitEllipse.h"
-#include "robustDriver.h"
 #include "zelm/fit.h"
 
 namespace zelm {
@@ -36,8 +35,10 @@ void conicInCallersFrame(const double* p, double s, const double* t, double* res
     std::transform(coefficients, coefficients + kConicTerms, result, [norm](double v) { return v / norm; });
 }
 
-int32_t fitCoefficients(int32_t n, const Point2d* points, int32_t robust, double threshold, ZelmFitSolveFn solve,
-                        double* result) {
+}  // namespace
+
+int32_t fitConicCoefficients(int32_t n, const Point2d* points, int32_t robust, double threshold, ZelmFitSolveFn solve,
+                             double* result) {
     double p[kConicTerms];
     double t[2];
     double s;
@@ -50,13 +51,8 @@ int32_t fitCoefficients(int32_t n, const Point2d* points, int32_t robust, double
     return ZELM_OK;
 }
 
-}  // namespace
 }  // namespace zelm
 
-int32_t zelmFitEllipseC(int32_t iN, const Point2d* taPoints, int32_t iRobust, double dThreshold, double* daResult) {
-    return zelm::fitCoefficients(iN, taPoints, iRobust, dThreshold, zelm::fitEllipseSolve, daResult);
-}
-
 int32_t zelmFitConics(int32_t iN, const Point2d* taPoints, int32_t iRobust, double dThreshold, double* daResult) {
-    return zelm::fitCoefficients(iN, taPoints, iRobust, dThreshold, zelm::fitConicSolve, daResult);
+    return zelm::fitConicCoefficients(iN, taPoints, iRobust, dThreshold, zelm::fitConicSolve, daResult);
 }

@@ -7,6 +7,7 @@
 
 #include "conicScatter.h"
 #include "constrainedFit.h"
+#include "fitConics.h"
 #include "robustDriver.h"
 #include "zelm/fit.h"
 #include "zelm/mat.h"
@@ -80,4 +81,8 @@ int32_t zelmFitEllipse(int32_t iN, const Point2d* taPoints, int32_t iRobust, dou
         return status;
     }
     return zelm::ellipseGeometry(p, s, t, tResult);
+}
+
+int32_t zelmFitEllipseC(int32_t iN, const Point2d* taPoints, int32_t iRobust, double dThreshold, double* daResult) {
+    return zelm::fitConicCoefficients(iN, taPoints, iRobust, dThreshold, zelm::fitEllipseSolve, daResult);
 }

@@ -241,8 +241,8 @@ struct Svd {
         }
     }
 
-    // A superdiagonal entry one or two roundings above negligible between tied values, which QR steps change no more: so
-    // do the steps on (-1 50 10, 50 -1 10, 10 10 -49), 51 times an orthogonal matrix, go on without end.
+    // A superdiagonal entry one or two roundings above negligible between tied values, which QR steps change no more:
+    // those on (-1 50 10, 50 -1 10, 10 10 -49), 51 times an orthogonal matrix, go on without end.
     [[nodiscard]] bool stalled(Index k) const { return std::fabs(e[k]) <= kStallShare * anorm; }
 
     // First index of the unreduced block that ends at k.

@@ -145,8 +145,8 @@ TEST(FitEllipse, AMajorAxisAlongYGivesAQuarterTurnOfEitherSign) {
     expectEllipse(e, {10.0, -4.0, 9.0, 5.0, kPi / 2.0}, kExact);
 }
 
-// Points in mirrored pairs make every sum that couples x and y exactly 0, so that the axes are rows of the identity. The
-// major axis (0, 1) is not negated: plus a quarter turn, to the bit. With a residual and without, that is, by the
+// Points in mirrored pairs make every sum that couples x and y exactly 0, so that the axes are rows of the identity.
+// The major axis (0, 1) is not negated: plus a quarter turn, to the bit. With a residual and without, that is, by the
 // inverse of the scatter matrix's factor and by its null space.
 TEST(FitEllipse, AMajorAxisOfNoXComponentKeepsItsSign) {
     for (const double off : {0.0, 0.5}) {

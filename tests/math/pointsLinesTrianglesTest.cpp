@@ -1,4 +1,5 @@
-// Lines in coefficient form: crossing points and angles, lines through points, perpendiculars, (r, q) form.
+// Points, lines in coefficient form and triangles: distances and nearest points; crossing points and angles, lines
+// through points, perpendiculars, (r, q) form; areas and their sign.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -177,6 +178,119 @@ TEST(MathCrossAngle, LineWithoutANormalGivesNoNumber) {
     EXPECT_TRUE(std::isnan(crossAngle({0, 0, 1}, {1, 0, 1})));
     EXPECT_TRUE(std::isnan(crossAngle({1, 0, 1}, {0, 0, 0})));
     EXPECT_TRUE(std::isnan(crossAngle({kNan, 0, 1}, {1, 0, 0})));
+}
+
+// Distances.
+
+TEST(MathDistances, PointToPoint) {
+    EXPECT_EQ(zelmMathGetDistFromPointToPoint(1, 2, 4, 6), 5.0);
+    EXPECT_EQ(zelmMathGetDistFromPointToPoint(4, 6, 1, 2), 5.0);
+    EXPECT_EQ(zelmMathGetDistFromPointToPoint(3, 3, 3, 3), 0.0);
+}
+
+TEST(MathDistances, PointToLineWhateverTheLinesScale) {
+    EXPECT_EQ(zelmMathGetDistFromPointToLine(3, 4, -5, 3, 4), 4.0);
+    EXPECT_EQ(zelmMathGetDistFromPointToLine(-6, -8, 10, 3, 4), 4.0);
+    EXPECT_FALSE(std::isfinite(zelmMathGetDistFromPointToLine(0, 0, 1, 3, 4))) << "no guard";
+    EXPECT_FALSE(std::isfinite(zelmMathGetDistFromPointToLine(0, 0, 0, 3, 4)));
+}
+
+TEST(MathDistances, FootOfThePerpendicular) {
+    double fx = kGuard;
+    double fy = kGuard;
+    EXPECT_EQ(zelmMathGetDistAndCrossPointFromPointToLine(0, 2, -4, 7, 5, &fx, &fy), 3.0);
+    EXPECT_EQ(fx, 7.0);
+    EXPECT_EQ(fy, 2.0);
+}
+
+TEST(MathDistances, FootLiesOnTheLineAndAtTheDistance) {
+    Random random(171);
+    for (int trial = 0; trial < 500; ++trial) {
+        const double a = random.normal();
+        const double b = random.normal();
+        const double c = random.normal();
+        const double x = random.uniform(-9, 9);
+        const double y = random.uniform(-9, 9);
+        double fx = kGuard;
+        double fy = kGuard;
+        const double distance = zelmMathGetDistAndCrossPointFromPointToLine(a, b, c, x, y, &fx, &fy);
+        EXPECT_EQ(distance, zelmMathGetDistFromPointToLine(a, b, c, x, y));
+        const double tolerance = 1e-13 * (1.0 + std::fabs(c) / std::hypot(a, b));  // foot coordinates grow with c
+        EXPECT_NEAR((a * fx + b * fy + c) / std::hypot(a, b), 0.0, tolerance);
+        EXPECT_NEAR(zelmMathGetDistFromPointToPoint(x, y, fx, fy), distance, tolerance);
+    }
+}
+
+TEST(MathDistances, LineWithoutANormalHasNoFootAndNoFiniteDistance) {
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    for (const double a : {0.0, 1e-9, 3.16e-5, nan}) {  // squares up to 1e-9
+        double fx = kGuard;
+        double fy = kGuard;
+        EXPECT_FALSE(std::isfinite(zelmMathGetDistAndCrossPointFromPointToLine(a, 0, 1, 2, 3, &fx, &fy))) << a;
+        EXPECT_EQ(fx, kGuard);
+        EXPECT_EQ(fy, kGuard);
+    }
+    double fx = kGuard;
+    double fy = kGuard;
+    EXPECT_TRUE(isClose(zelmMathGetDistAndCrossPointFromPointToLine(3.17e-5, 0, -3.17e-5, 2, 3, &fx, &fy), 1.0, 1e-15));
+    EXPECT_TRUE(isClose(fx, 1.0, 1e-15));
+    EXPECT_EQ(fy, 3.0);
+}
+
+TEST(MathDistances, PointToCircleFromOutsideInsideAndTheCentre) {
+    double px = kGuard;
+    double py = kGuard;
+    EXPECT_EQ(zelmMathGetDistFromPointToCircle(1, 2, 3, 6, 2, &px, &py), 2.0);
+    EXPECT_EQ(px, 4.0);
+    EXPECT_EQ(py, 2.0);
+    EXPECT_EQ(zelmMathGetDistFromPointToCircle(1, 2, 3, 2, 2, &px, &py), 2.0);
+    EXPECT_EQ(px, 4.0);
+    EXPECT_EQ(zelmMathGetDistFromPointToCircle(1, 2, 3, 1, 2, &px, &py), 3.0);
+    EXPECT_EQ(px, 4.0) << "the centre takes the direction of the x axis";
+    EXPECT_EQ(py, 2.0);
+}
+
+TEST(MathDistances, NearestPointLiesOnTheCircle) {
+    Random random(172);
+    for (int trial = 0; trial < 500; ++trial) {
+        const double r = random.uniform(0.1, 9.0);
+        const double x = random.uniform(-9, 9);
+        const double y = random.uniform(-9, 9);
+        double px = kGuard;
+        double py = kGuard;
+        const double distance = zelmMathGetDistFromPointToCircle(1, -2, r, x, y, &px, &py);
+        EXPECT_NEAR(std::hypot(px - 1, py + 2), r, 1e-14 * 20);
+        EXPECT_NEAR(distance, std::fabs(std::hypot(x - 1, y + 2) - r), 1e-14 * 20);
+    }
+}
+
+// Triangles.
+
+TEST(MathTriangles, AreaOfARightTriangle) {
+    EXPECT_EQ(zelmMathSignAreaTriangle(0, 0, 4, 0, 0, 3), 6.0);
+    EXPECT_EQ(zelmMathSignAreaTriangle(0, 0, 0, 3, 4, 0), -6.0) << "the other way round";
+    EXPECT_EQ(zelmMathAreaTriangle(0, 0, 4, 0, 0, 3), 6.0);
+    EXPECT_EQ(zelmMathAreaTriangle(0, 0, 0, 3, 4, 0), 6.0);
+}
+
+TEST(MathTriangles, CollinearPointsHaveNoArea) {
+    EXPECT_EQ(zelmMathAreaTriangle(1, 1, 2, 2, 5, 5), 0.0);
+    EXPECT_EQ(zelmMathAreaTriangle(1, 1, 1, 1, 5, 7), 0.0);
+}
+
+TEST(MathTriangles, CyclicOrderKeepsTheSignAndSwapsChangeIt) {
+    Random random(121);
+    for (int trial = 0; trial < 300; ++trial) {
+        double p[6];
+        for (double& value : p) {
+            value = random.uniform(-10.0, 10.0);
+        }
+        const double area = zelmMathSignAreaTriangle(p[0], p[1], p[2], p[3], p[4], p[5]);
+        const double tolerance = 1e-12;  // roundings of products up to 400
+        EXPECT_NEAR(zelmMathSignAreaTriangle(p[2], p[3], p[4], p[5], p[0], p[1]), area, tolerance);
+        EXPECT_NEAR(zelmMathSignAreaTriangle(p[2], p[3], p[0], p[1], p[4], p[5]), -area, tolerance);
+        EXPECT_EQ(zelmMathAreaTriangle(p[0], p[1], p[2], p[3], p[4], p[5]), std::fabs(area));
+    }
 }
 
 }  // namespace
