@@ -3,6 +3,9 @@
 set -eu
 build=$1
 source=$2
+generator=$3
+compiler=$4
+compile_flags=${5:-}
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 cmake --install "$build" --prefix "$work/prefix" >/dev/null
@@ -17,13 +20,15 @@ target_link_libraries(user PRIVATE zelm::zelmLib)
 add_executable(userStatic cClient.c)
 target_link_libraries(userStatic PRIVATE zelm::zelmLibStatic)
 TXT
-cmake -S "$work/user" -B "$work/user/build" -DCMAKE_PREFIX_PATH="$work/prefix" -DCMAKE_C_FLAGS="${3:-}" >/dev/null
+# The generator and compiler of the build under test: a machine need not have others.
+cmake -S "$work/user" -B "$work/user/build" -G "$generator" -DCMAKE_PREFIX_PATH="$work/prefix" \
+  -DCMAKE_C_COMPILER="$compiler" -DCMAKE_C_FLAGS="$compile_flags" >/dev/null
 cmake --build "$work/user/build" >/dev/null
 "$work/user/build/user"
 "$work/user/build/userStatic"
-if command -v pkg-config >/dev/null; then
-  flags=$(PKG_CONFIG_PATH=$(dirname "$(find "$work/prefix" -name zelmLib.pc)") pkg-config --define-variable=prefix="$work/prefix" --cflags --libs zelmLib)
-  # shellcheck disable=SC2086
-  cc ${3:-} "$source/tests/abi/cClient.c" $flags -o "$work/userPc"
-  LD_LIBRARY_PATH=$(dirname "$(find "$work/prefix" -name libzelmLib.so)") "$work/userPc"
-fi
+
+package_folder=$(dirname "$(find "$work/prefix" -name zelmLib.pc)")
+flags=$(PKG_CONFIG_PATH=$package_folder pkg-config --define-variable=prefix="$work/prefix" --cflags --libs zelmLib)
+# shellcheck disable=SC2086
+"$compiler" $compile_flags "$source/tests/abi/cClient.c" $flags -o "$work/userPc"
+LD_LIBRARY_PATH=$(dirname "$(find "$work/prefix" -name libzelmLib.so)") "$work/userPc"

@@ -57,7 +57,8 @@ outside_frame=$(echo "$sources" | grep -vE '^src/frame/(alloc|assertion)\.cpp$')
   refuse "switched-off code" '^ *# *if +0' $sources
 }
 
-duplicates=$(git ls-files 'src/*' '3DLib/*' 'measure/*' 'render/*' 'tests/*' 'tools/*' 'bench/*' | grep -E '\.(cpp|h)$' | xargs -n1 basename | sort | uniq -d)
+trees=(src 3DLib measure render tests tools bench)
+duplicates=$(find "${trees[@]}" -name '*.cpp' -o -name '*.h' | xargs -n1 basename | sort | uniq -d)
 if [ -n "$duplicates" ]; then
   echo "file names that are not unique in the tree: $duplicates"
   failed=1
