@@ -10,3 +10,4 @@ i386_packages=(gcc-multilib g++-multilib)
 # OpenCV, which the benchmarks compare with: 160 MB in some 290 packages on a bare system, as calib3d brings the headers
 # of half of that library; about a minute.
 bench_packages=(libbenchmark-dev libopencv-imgproc-dev libopencv-calib3d-dev)
+fresh_packages=(debootstrap git)
