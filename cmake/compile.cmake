@@ -26,9 +26,9 @@ target_compile_options(zelm_library_options INTERFACE
   $<$<COMPILE_LANGUAGE:CXX>:-fvisibility-inlines-hidden -fno-exceptions -fno-rtti -fno-threadsafe-statics>)
 target_include_directories(zelm_library_options INTERFACE ${PROJECT_SOURCE_DIR}/include)
 
-# zelm_add_layer(<name> SOURCES <files> [BELOW <layers>]): makes the folder the object library zelm_<name>, whose internal
-# headers are seen by the layers that name it in BELOW. (Object files are gathered in library.cmake; BELOW only opens
-# include paths.)
+# zelm_add_layer(<name> SOURCES <files> [BELOW <layers>]): makes the folder the object library zelm_<name>, whose
+# internal headers are seen by the layers that name it in BELOW. (Object files are gathered in library.cmake; BELOW only
+# opens include paths.)
 function(zelm_add_layer name)
   cmake_parse_arguments(LAYER "" "" "SOURCES;BELOW" ${ARGN})
   add_library(zelm_${name} OBJECT ${LAYER_SOURCES})
@@ -41,8 +41,8 @@ function(zelm_add_layer name)
   set_property(GLOBAL APPEND PROPERTY ZELM_LAYERS zelm_${name})
 endfunction()
 
-# zelm_add_tier(<layer> <NAME> SOURCES <files> FLAGS <flags>): files of a layer that are built with flags of their own; the
-# layer is built with ZELM_<NAME>_TIER.
+# zelm_add_tier(<layer> <NAME> SOURCES <files> FLAGS <flags>): files of a layer that are built with flags of their own;
+# the layer is built with ZELM_<NAME>_TIER.
 function(zelm_add_tier layer name)
   cmake_parse_arguments(TIER "" "" "SOURCES;FLAGS" ${ARGN})
   target_sources(zelm_${layer} PRIVATE ${TIER_SOURCES})

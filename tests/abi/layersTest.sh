@@ -52,8 +52,11 @@ sources=$(find src 3DLib -name '*.cpp' -o -name '*.h')
 outside_frame=$(echo "$sources" | grep -vE '^src/frame/(alloc|assertion)\.cpp$')
 # shellcheck disable=SC2086
 {
-  refuse "heap memory past the allocation seam" '\b(malloc|calloc|realloc|free) *\(|\bnew +[A-Za-z]|\bdelete +[A-Za-z[]|std::(vector|string|map|unique_ptr)' $outside_frame
-  refuse "printing, exits or jumps in the library" '\b(printf|fprintf|puts|exit|abort) *\(|std::c(out|err)|\bgoto\b|\bthrow\b|\bcatch\b' $outside_frame
+  refuse "heap memory past the allocation seam" \
+    '\b(malloc|calloc|realloc|free) *\(|\bnew +[A-Za-z]|\bdelete +[A-Za-z[]|std::(vector|string|map|unique_ptr)' \
+    $outside_frame
+  refuse "printing, exits or jumps in the library" \
+    '\b(printf|fprintf|puts|exit|abort) *\(|std::c(out|err)|\bgoto\b|\bthrow\b|\bcatch\b' $outside_frame
   refuse "switched-off code" '^ *# *if +0' $sources
 }
 
