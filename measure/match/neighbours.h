@@ -11,7 +11,7 @@ namespace zelm::measure {
 
 class Neighbours {
 public:
-    // The points outlive the object; most are in an image of width x height. Points farther away than `reach` pixels
+    // The points outlive the object; most are in an image of width x height. Points farther apart than `reach` pixels
     // are no neighbours.
     Neighbours(const std::vector<Point2d>& points, int width, int height, double reach);
 
