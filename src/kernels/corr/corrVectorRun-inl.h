@@ -140,7 +140,7 @@ void vectorRun(const CorrWindows& windows, std::int32_t count, CorrSums* sums) {
 }
 
 constexpr CorrTier kVectorTier = {{{ZELM_CORR_VECTOR_MODES(kCorrFull)},
-                                   // Deliberate: only the plain tier samples the checker pattern.
+                                   // Every pixel for checker: docs/decisions.md#checker-vector.
                                    {ZELM_CORR_VECTOR_MODES(kCorrFull)},
                                    {ZELM_CORR_VECTOR_MODES(kCorrQuarter)}},
                                   vectorRun};

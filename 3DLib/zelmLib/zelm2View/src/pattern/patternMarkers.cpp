@@ -42,7 +42,7 @@ struct Untilt {
     }
 };
 
-// The mean tilt of the dots. A direction and its opposite are the same foreshortening, so the mean is taken over twice
+// The mean tilt of the dots (docs/decisions.md#right-angle-on-plate). A direction and its opposite are the same foreshortening, so the mean is taken over twice
 // the angle.
 Untilt meanTilt(std::span<const PatternDot> dots) {
     double c = 0.0;

@@ -122,7 +122,7 @@ std::int32_t zelmCstmDrovnCalcMagnification(const Zelm2ViewCalib* tHandle, doubl
     return ZELM_OK;
 }
 
-// Deliberate: the expansion's fields are not tested here.
+// The expansion's fields are not tested here: docs/decisions.md#expansion-not-tested.
 std::int32_t zelmCstmDrovnCalcHomImgMemSize(const Zelm2ViewCalib* tHandle, std::int32_t iCamera, const ZelmRect* tRoi,
                                             const ZelmCstmExpPrm* tExpPrm, std::int32_t* iWidth, std::int32_t* iHeight,
                                             Point2d* tCentre, double dD) {
