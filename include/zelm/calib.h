@@ -35,8 +35,8 @@ typedef struct Zelm2ViewPtnEntry {
     Point2d* image;  ///< count image coordinates in pixels, in the same order
 } Zelm2ViewPtnEntry;
 
-/// Centres points on their mean and scales them so that their mean distance from it is sqrt(2) (Hartley 1997).
-/// With m the mean and d the mean distance, s = sqrt(2) / d for points in space too (deliberate, not sqrt(3)), and
+/// Centres points on their mean and scales them so that their mean distance from it is sqrt(2) (Hartley 1997). With m
+/// the mean and d the mean distance, s = sqrt(2) / d for points in space too (`docs/decisions.md#mean-distance`), and
 /// T = [s I, -s m; 0, 1]. Identical points have d = 0: the scale is infinite and the results are not finite.
 /// @param iDim [in] coordinates of a point, 2 or 3
 /// @param iN [in] number of points, at least 1
@@ -200,7 +200,7 @@ ZELM_API int32_t zelmCalibRodrigues(int32_t iDirection, double* daRvec, double* 
 /// @param taExtrinsics [out] iViews poses; every plate is before the camera (t_z > 0 at its centre)
 /// @param dError [out] mean Euclidean distance in pixels between measured and projected dots, unweighted over all dots
 ///   of all views, at the written parameters; may be NULL
-/// @param iModel [in] 0 perspective, 1 perspective with sheared axes, 2 parallel projection
+/// @param iModel [in] 0 perspective, 1 tilted, 2 parallel
 /// @return ZELM_OK; ZELM_ERR_PARAM for a bad model, count of views or pointer, checked in this order;
 ///   ZELM_ERR_CALIB_HOMOGRAPHY when a view has fewer than 4 dots or NULL arrays, or its homography fails (dots on a
 ///   line, values that are not finite); ZELM_ERR_CALIB_ESTIMATE when the views do not determine a camera (all parallel,

@@ -9,11 +9,11 @@
 /// Sampling patterns. Full takes every pixel of the window; Checker every second one, as the dark fields of a board;
 /// Quarter every second one of every second row. On processors with SSE4.1 or AVX2 (64-bit builds) the coarse pass with
 /// Checker takes every pixel as well. Without a search mask, scores of fewer pixels are still scaled for the full
-/// window, so that a perfect match scores less than 1 in the coarse pass, and how much less depends on the images. This
-/// is kept, and it costs matches: with Quarter (and Checker in its plain form) choose a low minScore, for the coarse
-/// pass holds its peaks to minScore - 0.2, or use Full. With a search mask all sums are those of the pixels that take
-/// part, and a perfect match scores 1 in every mode; but a pixel there needs a positive score to count as a neighbour,
-/// so that textures whose detail is as fine as the pixels are lost.
+/// window (`docs/decisions.md#full-window-count`), so that a perfect match scores less than 1 in the coarse pass. With
+/// Quarter (and Checker in its plain form) choose a low minScore, for the coarse pass holds its peaks to minScore -
+/// 0.2, or use Full. With a search mask all sums are those of the pixels that take part, and a perfect match scores 1
+/// in every mode; but a pixel there needs a positive score to count as a neighbour, so that textures whose detail is as
+/// fine as the pixels are lost.
 ///
 /// A template of more than 66,051 pixels may overflow the 32-bit sums of the scores and statistics, unnoticed.
 #ifndef ZELM_CSTM_SEARCH_H
@@ -101,10 +101,10 @@ ZELM_API int32_t zelmCstmDrovnCalcBasicStatisticsOfRefImg_vImagePlanar8(const vI
 ///    minDistance to an earlier one is dropped. The search ends when maxResults are listed; worse peaks are not tried,
 ///    even where a full score would have shown them better.
 ///
-/// Accuracy: see docs/accuracy.md. A line parallel to an axis that passes through pixel centres, as in rectified images,
-/// is matched best (to 0.006 pixel there); other lines are left by the pixels walked by up to a pixel, because the ends
-/// of the walk are rounded too, and are matched to about 0.06 pixel.
-/// Cost: one coarse score a pixel of the line, 3 to 5 full scores a peak (mode 2: none).
+/// Accuracy: see docs/accuracy.md. A line parallel to an axis that passes through pixel centres is matched best
+/// (to 0.006 pixel); other lines are left by the pixels walked by up to a pixel, because
+/// the ends of the walk are rounded too, and are matched to about 0.06 pixel. Cost: one coarse score a pixel of the
+/// line, 3 to 5 full scores a peak (mode 2: none).
 /// @param tRef     [in]  template; the statistics are not needed, nor tested, with a search mask
 /// @param tPrm     [in]  search
 /// @param iCount   [out] number of matches, 0 to maxResults
@@ -128,8 +128,8 @@ ZELM_API int32_t zelmCstmDrovnSearchOnEpiLine(const ZelmCstmRefImg* tRef, const 
 /// @param tMask     [in]  its mask, of the same width and height; NULL for none
 /// @param iCount    [out] number of matches
 /// @param taMatches [out] room for maxResults matches
-/// @return as zelmCstmDrovnSearchOnEpiLine; also ZELM_ERR_PARAM when a buffer has no data, a width, height or row length
-///         beyond 2^31 - 1, or a mask another size than its image
+/// @return as zelmCstmDrovnSearchOnEpiLine; also ZELM_ERR_PARAM when a buffer has no data, a width, height or row
+///         length beyond 2^31 - 1, or a mask another size than its image
 ZELM_API int32_t zelmCstmDrovnSearchOnEpiLine_vImagePlanar8(const ZelmCstmRefImg* tRef, const vImage_Buffer* tRefImage,
                                                             const vImage_Buffer* tRefMask,
                                                             const ZelmCstmSearchPrm* tPrm, const vImage_Buffer* tImage,

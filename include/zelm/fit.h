@@ -22,7 +22,7 @@
 /// @param points     [in]  the points; only read
 /// @param iRobust    [in]  0: plain fit; 1: robust fit
 /// @param dThreshold [in]  cut-off in standard deviations of the residuals; > 0 for a robust fit, ignored by a plain
-/// one
+///         one
 /// @param result     [out] written on success only (but see zelmFitCone()); must not overlap the points
 ///
 /// Statuses that all fits share:
@@ -134,7 +134,7 @@ ZELM_API int32_t zelmFitEllipse(int32_t iN, const Point2d* taPoints, int32_t iRo
 /// The ellipse of zelmFitEllipse() by its coefficients.
 ///
 /// They are divided by the norm that they have in the normalised frame, so their own norm is in general not 1
-/// (deliberate).
+/// (`docs/decisions.md#conic-norm`).
 ///
 /// @param iN         [in]  count, >= 5
 /// @param taPoints   [in]  iN points
@@ -190,12 +190,12 @@ ZELM_API int32_t zelmFitCircle(int32_t iN, const Point2d* taPoints, int32_t iRob
 /// On the full surface and with axes of 10 : 8 : 6 all parameters reach the Cramér-Rao bound to 5 % without significant
 /// bias; with 20 : 5 : 2 they need up to 1.7 times of it, because the algebraic distance weighs the flat sides more
 /// than the ends, and the mean error of an axis is up to 0.2 of its bound (noise of a hundredth of the smallest axis).
-/// Axes that are equal come out apart by their noise. A robust fit bears a fifth of the points off by 10 to 30 sigma
-/// at 1.2 times the bound of all points (1.8 for 20 : 5 : 2). Nine points, or more that lie exactly on a quadric, give
+/// Axes that are equal come out apart by their noise. A robust fit bears a fifth of the points off by 10 to 30 sigma at
+/// 1.2 times the bound of all points (1.8 for 20 : 5 : 2). Nine points, or more that lie exactly on a quadric, give
 /// that quadric if it is an ellipsoid. Unlike with ellipses the constraint admits some hyperboloids (x^2 + y^2 - z^2 /
 /// 5), so that points with noise on such a surface are refused as well. On a cap ellipsoids come out too small, as of
-/// every fit by algebraic distances: half of 10 : 8 : 6 still gives 9.9 for the largest axis with noise of 0.2, the upper
-/// quarter of the height 9.5 with noise of 0.05.
+/// every fit by algebraic distances: half of 10 : 8 : 6 still gives 9.9 for the largest axis with noise of 0.2, the
+/// upper quarter of the height 9.5 with noise of 0.05.
 ///
 /// @param iN         [in]  count, >= 9
 /// @param taPoints   [in]  iN points
@@ -217,16 +217,15 @@ ZELM_API int32_t zelmFitEllipsoid(int32_t iN, const Point3d* taPoints, int32_t i
 /// that goes with the square of the noise (130 degrees, 200 points on slants of 1.2 to 4, noise 0.003: 0.04 degrees,
 /// 0.4 of the bound). One nappe tells the cone from its neighbours much less than two. The radicand by which definite
 /// quadratic parts are found may round to less than 0 where the three eigenvalues are equal, so that some spheres pass
-/// (deliberate: the test is not guarded).
+/// (`docs/decisions.md#cone-radicand`).
 ///
 /// @param iN         [in]  count, >= 9
 /// @param taPoints   [in]  iN points
 /// @param iRobust    [in]  0 or 1, see above
 /// @param dThreshold [in]  see above
 /// @param daResult   [out] 10 doubles p of p0*x^2 + p1*y^2 + p2*z^2 + p3*x*y + p4*x*z + p5*y*z + p6*x + p7*y + p8*z +
-/// p9
-///     = 0, of unit norm (that of the result, unlike zelmFitConics()) and either sign; with ZELM_ERR_FIT_NOT_CONE the
-///     quadric that was refused, in the normalised frame
+///     p9 = 0, of unit norm (that of the result, unlike zelmFitConics()) and either sign; with ZELM_ERR_FIT_NOT_CONE
+///     the quadric that was refused, in the normalised frame
 /// @return the statuses that all fits share; ZELM_ERR_FIT_DATA also when a robust fit leaves fewer than 9 points with
 ///     weight; ZELM_ERR_FIT_NOT_CONE: the determinant of the quadratic part is below 1e-12 in the normalised frame
 ///     (cylinders, planes), or its eigenvalues are all of one sign (ellipsoids)

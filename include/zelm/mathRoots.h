@@ -67,9 +67,8 @@ ZELM_API int32_t zelmMathCubicRoots(const double* daCoef, double* daRoots);
 /// - Four real roots: the value of the polynomial at each is within 1e-14 |a| s^4 of 0. Two roots closer than about
 ///   1e-6 s may be missed together, more than two closer than about 1e-2 s likewise.
 /// - Two real roots: S is the distance of their mean from the real part of the complex pair, and z - p = S^2 a
-/// difference
-///   of rounded values. The value of the polynomial is within 1e-13 (s/S)^2 |a| s^4 of 0 for S above 1e-6 s, which
-///   leaves six digits of a root at S = 1e-3 s. Below 1e-7 s the roots are wrong, too many or missing.
+///   difference of rounded values. The value of the polynomial is within 1e-13 (s/S)^2 |a| s^4 of 0 for S above 1e-6 s,
+///   which leaves six digits of a root at S = 1e-3 s. Below 1e-7 s the roots are wrong, too many or missing.
 /// @param daCoef  [in]  a, b, c, d, e
 /// @param daRoots [out] 4
 /// @return 0 to 4
@@ -83,8 +82,7 @@ ZELM_API int32_t zelmMathQuarticRoots(const double* daCoef, double* daRoots);
 ///
 /// The quartic's limits are those of this function:
 /// - Circles, and ellipses with |k| below about 3.2e-5, give ZELM_ERR_DEGENERATE: the quartic loses its leading term.
-/// Use
-///   zelmMathGetDistFromPointToCircle for circles, and larger units for small ellipses.
+///   Use zelmMathGetDistFromPointToCircle for circles, and larger units for small ellipses.
 /// - Points on the own x axis (Y = 0) with |a X| >= |k| give ZELM_ERR_DEGENERATE. Beside that part of the axis digits
 ///   are lost: with axes of 5 : 1 to 5 : 4, and |a X| beyond |k| by at least a twentieth, the distance is right to
 ///   1e-12 b for |Y| >= b/10, but may be wrong by 1e-7 b at b/100 and by 1e-4 b at b/1000, where the status may also be
@@ -92,8 +90,8 @@ ZELM_API int32_t zelmMathQuarticRoots(const double* daCoef, double* daRoots);
 /// - Points close to the own y axis (|X| below 1e-6 a, also 0) or to the x axis within |a X| < |k| (|Y| below 1e-6 b,
 ///   but not 0) may lose the root of their nearest point, a sine that rounds beyond 1 or half of a double root: the
 ///   result is then another of the points at right angles, or ZELM_ERR_DEGENERATE.
-/// - Far away the nearest point loses digits with the square of the distance: with axes of 5 : 1 to 5 : 4 it is right to
-///   1e-8 a at the distance 100 a, 1e-4 a at 10000 a, not at all at a million a, where some points give
+/// - Far away the nearest point loses digits with the square of the distance: with axes of 5 : 1 to 5 : 4 it is right
+///   to 1e-8 a at the distance 100 a, 1e-4 a at 10000 a, not at all at a million a, where some points give
 ///   ZELM_ERR_DEGENERATE. The distance keeps 12 digits up to 100000 a.
 /// - Distances of 1e7 and more give ZELM_ERR_DEGENERATE. So does input that is not finite.
 ///

@@ -215,11 +215,11 @@ ZELM_API int32_t zelm2ViewReadPtnImg(Zelm2ViewCalib* tHandle, int32_t iView, con
 /// The same for gray platform buffers. Rows without padding are read in place, others are packed first.
 /// @param tHandle [in/out] an opened object
 /// @param iView [in] 0..n - 1
+/// @param tLeft  [in] Planar8 buffer of the size given at open; one of the two may be NULL where its image is
+///               not needed
+/// @param tRight [in] the same of the right camera
 /// @param tRegionLeft [in] where to look for dots in the left image, or NULL
 /// @param tRegionRight [in] the same for the right image
-/// @param tLeft  [in] Planar8 buffer of the size given at open; one of the two may be NULL where its image is not
-/// needed
-/// @param tRight [in] the same of the right camera
 /// @return as zelm2ViewReadPtnImg; ZELM_ERR_PARAM also for two NULL buffers, a buffer without data, of another size, or
 ///         with rows shorter than its width; ZELM_ERR_MEMORY also when a packed copy cannot be had
 ZELM_API int32_t zelm2ViewReadPtnImg_vImagePlanar8(Zelm2ViewCalib* tHandle, int32_t iView, const vImage_Buffer* tLeft,
@@ -229,11 +229,11 @@ ZELM_API int32_t zelm2ViewReadPtnImg_vImagePlanar8(Zelm2ViewCalib* tHandle, int3
 /// The same for colour platform buffers; a pixel's gray is the truncated mean of its R, G and B.
 /// @param tHandle [in/out] an opened object
 /// @param iView [in] 0..n - 1
+/// @param tLeft  [in] ARGB8888 buffer of the size given at open; one of the two may be NULL where its image is
+///               not needed
+/// @param tRight [in] the same of the right camera
 /// @param tRegionLeft [in] where to look for dots in the left image, or NULL
 /// @param tRegionRight [in] the same for the right image
-/// @param tLeft  [in] ARGB8888 buffer of the size given at open; one of the two may be NULL where its image is not
-/// needed
-/// @param tRight [in] the same of the right camera
 /// @return as zelm2ViewReadPtnImg_vImagePlanar8
 ZELM_API int32_t zelm2ViewReadPtnImg_vImageARGB8888(Zelm2ViewCalib* tHandle, int32_t iView, const vImage_Buffer* tLeft,
                                                     const vImage_Buffer* tRight, const ZelmRect* tRegionLeft,
@@ -246,8 +246,8 @@ ZELM_API int32_t zelm2ViewReadPtnImg_vImageARGB8888(Zelm2ViewCalib* tHandle, int
 /// principal point to the image's centre. The fundamental matrix is K_L^-T [t]x R K_R^-1 of the two poses of view 0
 /// (Longuet-Higgins, 1981), or, for a left camera of model 2, (P_R P_L^+)' [e]x (Hartley and Zisserman, 2004) turned to
 /// the same order; divided by its largest element and then made of rank 2. Accepted pairs of models: 0 and 1 in any
-/// combination, 2 with 0, 1 or 2. A perspective left with a model-2 right camera is refused, deliberately, after both
-/// cameras have been estimated and written: swap the cameras.
+/// combination, 2 with 0, 1 or 2. A perspective left with a model-2 right camera is refused after both cameras have
+/// been estimated and written (`docs/decisions.md#right-parallel-refused`): swap the cameras.
 ///
 /// One view of a plane does not tell the sign of a parallel camera's tilt: seen from the other side the dots lie the
 /// same. The estimation takes one of the two poses, so in a pair with a camera of model 2 that is tilted against the

@@ -94,8 +94,8 @@ ZELM_API int32_t zelm2ViewMakeHomImage(const Zelm2ViewCalib* tHandle, int32_t iC
 /// As zelm2ViewMakeHomImage for ARGB8888 buffers; all four bytes of a pixel are treated alike.
 /// @param tHandle [in] calibrated pair, opened or loaded
 /// @param iCamera [in] 'L' or 'R'
-/// @param tParams [in] rectification
 /// @param tSrc [in]  raw image of the camera's size
+/// @param tParams [in] rectification
 /// @param tDst [out] rectified image of the same size; its data is written
 /// @return as zelm2ViewMakeHomImage; also ZELM_ERR_PARAM when a buffer has no data, a row longer than 2^31 - 1 bytes,
 ///         or another size than the camera's image
@@ -106,8 +106,8 @@ ZELM_API int32_t zelm2ViewMakeHomImage_vImageARGB8888(const Zelm2ViewCalib* tHan
 /// Maps a raw pixel into the rectified image.
 /// @param tHandle [in] calibrated pair, opened or loaded
 /// @param iCamera [in] 'L' or 'R'
-/// @param tParams [in] rectification
 /// @param tIn  [in]  raw pixel
+/// @param tParams [in] rectification
 /// @param tOut [out] rectified pixel
 /// @return ZELM_OK; ZELM_ERR_PARAM for a NULL pointer or another camera; ZELM_ERR_DEGENERATE when the rectifying
 ///         transform cannot be formed; ZELM_ERR_UNDISTORT when the pixel's distortion cannot be removed
@@ -117,8 +117,8 @@ ZELM_API int32_t zelm2ViewCalcHomImgPoint(const Zelm2ViewCalib* tHandle, int32_t
 /// Maps a rectified pixel back to the raw image.
 /// @param tHandle [in] calibrated pair, opened or loaded
 /// @param iCamera [in] 'L' or 'R'
-/// @param tParams [in] rectification
 /// @param tIn  [in]  rectified pixel
+/// @param tParams [in] rectification
 /// @param tOut [out] raw pixel
 /// @return ZELM_OK; ZELM_ERR_PARAM for a NULL pointer or another camera; ZELM_ERR_DEGENERATE when the rectifying
 ///         transform cannot be formed
