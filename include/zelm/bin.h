@@ -41,7 +41,7 @@ ZELM_API int32_t zelmBinOtsuThresholdHistogram(int32_t iBins, const uint32_t* ua
 /// @return the threshold, 1 to 255, or ZELM_ERR_PARAM: a NULL pointer
 ZELM_API int32_t zelmBinOtsuThresholdImage(const ZelmImage* tImage, const ZelmRect* tRegion);
 
-/// Otsu threshold over a list of gray values, each rounded half up to a level and clamped to 0..255. Infinite and huge
+/// Otsu threshold over a list of gray levels, each rounded half up to a level and clamped to 0..255. Infinite and huge
 /// values are clamped like all others; values that are not numbers are left out.
 ///
 /// @param iCount   [in] number of values, >= 1

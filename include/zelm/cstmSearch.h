@@ -34,9 +34,9 @@ enum {
 typedef struct ZelmCstmRefImg {
     int32_t width;    ///< size in pixels, >= 1
     int32_t height;   ///< see width
-    uint8_t* pixels;  ///< width * height gray values
+    uint8_t* pixels;  ///< width * height gray levels
     uint8_t* mask;    ///< width * height bytes, non-zero where a pixel takes part; NULL for all
-    double mean[3];   ///< mean gray value over the pixels of Quarter, Checker and Full, in this order
+    double mean[3];   ///< mean gray level over the pixels of Quarter, Checker and Full, in this order
     double sigma[3];  ///< standard deviation over the same pixels
     double anchorX;   ///< the template pixel that is laid on the line, 0 <= anchorX < width; rounded to a whole pixel
     double anchorY;   ///< see anchorX; 0 <= anchorY < height
@@ -46,7 +46,7 @@ typedef struct ZelmCstmRefImg {
 typedef struct ZelmCstmSearchPrm {
     int32_t width;        ///< size of the image in pixels, >= 1
     int32_t height;       ///< see width
-    uint8_t* pixels;      ///< width * height gray values
+    uint8_t* pixels;      ///< width * height gray levels
     uint8_t* mask;        ///< width * height bytes, non-zero where a pixel takes part; NULL for all
     int32_t roiX;         ///< rectangle whose pixels on the line are searched, >= 0; windows may reach beyond it
     int32_t roiY;         ///< see roiX

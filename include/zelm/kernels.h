@@ -14,9 +14,9 @@
 
 ZELM_BEGIN_DECLS
 
-/// Warps an 8-bit image: every destination pixel is carried by the homography to its ideal source position, pushed
-/// through the camera's radial distortion and sampled there bilinearly.
-/// @param daHom      [in]  3x3 homography, row-major: destination pixel (x, y, 1) to ideal source position
+/// Warps an 8-bit image: every destination pixel is carried by the homography to its undistorted source position,
+/// pushed through the camera's radial distortion and sampled there bilinearly.
+/// @param daHom      [in]  3x3 homography, row-major: destination pixel (x, y, 1) to undistorted source position
 /// @param daCamera   [in]  22 doubles of the camera's ZelmCameraIntrinsics (alpha, beta, gamma, cx, cy, theta, k1, k2
 ///                         are used)
 /// @param ucSrc      [in]  source, iSrcHeight rows of iSrcWidth bytes

@@ -2,10 +2,10 @@
 /// Measuring with a calibrated pair: 3-D points, projections, epipolar lines, rectified and undistorted images, point
 /// mappings.
 ///
-/// All functions read only the calibration data block, so opened (and calibrated) and loaded objects serve alike. The
-/// world frame is the pattern plane of view 0; 3-D coordinates are in the units of the dot pitch. Raw pixels are pixels
-/// of the image as taken (distorted); undistorted pixels are those of the ideal camera. A camera is named by 'L' or 'R'
-/// in the low byte of an integer. Nothing in the object changes; all functions are reentrant.
+/// All functions read only the calibration block, so opened (and calibrated) and loaded objects serve alike. The world
+/// frame is the plate of view 0; 3-D coordinates are in plate units. Raw pixels are pixels of the image as taken
+/// (distorted); undistorted pixels are those of the same camera without its lens distortion. A camera is named by 'L'
+/// or 'R' in the low byte of an integer. Nothing in the object changes; all functions are reentrant.
 #ifndef ZELM_TWO_VIEW_GEOMETRY_H
 #define ZELM_TWO_VIEW_GEOMETRY_H
 
@@ -34,12 +34,12 @@ typedef struct Zelm2ViewHomParam {
                 ///< perspective cameras it scales a column of both matrices alike and changes nothing
 } Zelm2ViewHomParam;
 
-/// The 3-D point of a pair of corresponding raw pixels: the lens distortion is removed, the pair is moved to satisfy
+/// The 3-D point of a raw pixel pair: the lens distortion is removed, the pair is moved to satisfy
 /// the epipolar constraint by first-order optimal correction (Kanatani, Sugaya and Niitsuma, 2008; at most 20 rounds,
 /// else the points are used as they are), and the point is found by linear least squares.
 /// @param tHandle [in]  calibrated pair; at most one camera may have model 2
 /// @param tLeft   [in]  raw pixel of the left image
-/// @param tRight  [in]  corresponding raw pixel of the right image
+/// @param tRight  [in]  its counterpart in the right image, raw
 /// @param tOut    [out] point in the world frame, written on success
 /// @return ZELM_OK; ZELM_ERR_PARAM for a NULL pointer or two model-2 cameras; ZELM_ERR_UNDISTORT when a pixel's
 ///         distortion cannot be removed; ZELM_ERR_DEGENERATE when the linear system cannot be solved; ZELM_ERR_MEMORY
