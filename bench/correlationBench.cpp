@@ -3,10 +3,10 @@
 // process. Scores are compared before anything is timed. Many short repetitions; the last lines give fractions and
 // ratios of the shortest times, as the others tell more about the machine's load.
 //
-// The limit is that of a window by itself. It counts what cannot be avoided there: a multiply-add for each 16 pixels and
-// each of sum(IT) and sum(II), and a sum of bytes for each 32 pixels, at the throughput measured in the same run. Loads,
-// widening, additions, the ends of rows, the choice of the tier and the square root come on top. Windows that follow one
-// another share sum(II) and sum(I), so that a list may exceed it.
+// The limit is that of a window by itself. It counts what cannot be avoided there: a multiply-add for each 16 pixels
+// and each of sum(IT) and sum(II), and a sum of bytes for each 32 pixels, at the throughput measured in the same run.
+// Loads, widening, additions, the ends of rows, the choice of the tier and the square root come on top. Windows that
+// follow one another share sum(II) and sum(I), so that a list may exceed it.
 #include <benchmark/benchmark.h>
 
 #include <cmath>

@@ -1,6 +1,6 @@
-// Image kernels and triangulation beside OpenCV, on the same data, one thread, in one process, in many short repetitions;
-// bench/report lets them alternate, so that what else the machine does meets all alike. Every result is compared with the peer's before
-// it is timed. The last lines give the ratios of the processor times.
+// Image kernels and triangulation beside OpenCV, on the same data, one thread, in one process, in many short
+// repetitions; bench/report lets them alternate, so that what else the machine does meets all alike. Every result is
+// compared with the peer's before it is timed. The last lines give the ratios of the processor times.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>

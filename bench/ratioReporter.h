@@ -40,8 +40,8 @@ public:
             ConsoleReporter::ReportRuns(shown);
         }
     }
-    // The shortest time of a benchmark that computes the statistic kShortest, in its unit; 0 when it did not run. Of real
-    // time, as what the system accounts to a process may fall short of it.
+    // The shortest time of a benchmark that computes the statistic kShortest, in its unit; 0 when it did not run. Of
+    // real time, as what the system accounts to a process may fall short of it.
     double fastest(const std::string& name) { return shortest[name]; }
     // Ratios of the medians and of the shortest times, with the spread between the quartiles in percent of the median.
     void printRatio(const std::string& what, const std::string& ours, const std::string& peer) {

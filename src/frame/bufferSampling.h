@@ -12,8 +12,8 @@ namespace zelm {
 // the border the last pixel counts twice. 0.0 anywhere else, also for coordinates that are not numbers.
 double sampleBilinearPlanar8(const vImage_Buffer& buffer, double x, double y);
 
-// R, G and B of an ARGB8888 buffer, rounded to bytes, at 0 <= x <= width - 1 and 0 <= y <= height - 1: a narrower
-// range than the gray one (docs/decisions.md#colour-border). Zeros anywhere else, also for coordinates that are not numbers.
+// R, G and B of an ARGB8888 buffer, rounded to bytes, at 0 <= x <= width - 1 and 0 <= y <= height - 1: a narrower range
+// than the gray one (docs/decisions.md#colour-border). Zeros anywhere else, also for coordinates that are not numbers.
 void sampleBilinearARGB8888(const vImage_Buffer& buffer, double x, double y, std::uint8_t& outR, std::uint8_t& outG,
                             std::uint8_t& outB);
 

@@ -1,5 +1,5 @@
-// Closed form and re-weighted least squares: against the procedure written down once more, against neighbouring motions,
-// and against truth with noise and outliers.
+// Closed form and re-weighted least squares: against the procedure written down once more, against neighbouring
+// motions, and against truth with noise and outliers.
 #include <gtest/gtest.h>
 
 #include <algorithm>

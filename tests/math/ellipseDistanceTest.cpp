@@ -199,8 +199,8 @@ TEST(PointToEllipse, PointsTenMillionAwayAndFartherAreRefused) {
     EXPECT_EQ(distanceToEllipse(far, {1e9 + 3, 1e9 + 4}).status, ZELM_OK) << "only the distance counts";
 }
 
-// The worst errors of the nearest point and of the distance, relative to a, over seeded points at the distance share * a
-// away from the axes.
+// The worst errors of the nearest point and of the distance, relative to a, over seeded points at the distance share *
+// a away from the axes.
 struct FarErrors {
     double point = 0.0;
     double distance = 0.0;

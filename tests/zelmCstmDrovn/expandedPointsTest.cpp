@@ -124,8 +124,8 @@ TEST(CstmHomPoints, TheMagnificationScalesAboutTheCentre) {
     EXPECT_NEAR(magnified.y, 40.0 + 3.0 * (plain.y - 40.0), 1e-8);
 }
 
-// With a parallel camera in the pair, a point of the plane Z = d lands, up to the shift and the magnification, where the
-// other camera sees it.
+// With a parallel camera in the pair, a point of the plane Z = d lands, up to the shift and the magnification, where
+// the other camera sees it.
 TEST(CstmHomPoints, APairWithAParallelCameraCarriesThePlaneAtHeightD) {
     Random random(222);
     const std::int32_t models[][2] = {{2, 0}, {2, 2}};

@@ -6,7 +6,8 @@ namespace {
 
 using namespace zelmtest;
 
-// While the line is clipped, a failing allocation looks like a missing intersection: two crossings of three blocks each.
+// While the line is clipped, a failing allocation looks like a missing intersection: two crossings of three blocks
+// each.
 constexpr long kClippingRequests = 6;
 
 void expectFault(FaultProbe& probe, std::int32_t status, const SearchScene& scene) {

@@ -40,8 +40,8 @@ struct CorrSums {
 
 using CorrSumsFunction = void (*)(const CorrWindows& windows, CorrSums& sums);
 
-// i, ii and it of so many windows, over all of their pixels and without masks: of windows.img, of the window that begins
-// one pixel to the right of it, and so on.
+// i, ii and it of so many windows, over all of their pixels and without masks: of windows.img, of the window that
+// begins one pixel to the right of it, and so on.
 using CorrRunFunction = void (*)(const CorrWindows& windows, std::int32_t count, CorrSums* sums);
 
 struct CorrTier {

@@ -1,16 +1,16 @@
 // Normalised cross-correlation of 8-bit gray windows from exact integer sums: three sampling patterns, four mask modes.
 //
-// A window is given by its first pixel and the bytes from one row to the next (any sign); a mask byte other than 0 marks
-// a pixel that takes part. Patterns: full takes every pixel; checker takes in row r the columns of r's parity; quarter
-// takes even columns of even rows. Every call runs the variant that the processor calls for (AVX2, SSE4.1 or plain);
-// all give the same bits, but for one intended asymmetry: only the plain variant samples the checker pattern, the
-// vector variants take every pixel of the window in its place.
+// A window is given by its first pixel and the bytes from one row to the next (any sign); a mask byte other than 0
+// marks a pixel that takes part. Patterns: full takes every pixel; checker takes in row r the columns of r's parity;
+// quarter takes even columns of even rows. Every call runs the variant that the processor calls for (AVX2, SSE4.1 or
+// plain); all give the same bits, but for one intended asymmetry: only the plain variant samples the checker pattern,
+// the vector variants take every pixel of the window in its place.
 //
 // The score is (N * sum(IT) - sum(I) * sum(T)) / sqrt(D), D = (N * sum(TT) - sum(T)^2) * (N * sum(II) - sum(I)^2); D is
-// formed in single precision, and a D below 1e-9 (a flat window) gives 0.0. Sums are kept modulo 2^32, so windows beyond
-// 66,051 pixels may overflow them. Nothing is read outside the w bytes of each of the h rows, nothing is checked or
-// allocated. Statistics that the caller gives are taken as they are: when they belong to other pixels than those that
-// the pattern visits, the score is not bound to [-1, 1].
+// formed in single precision, and a D below 1e-9 (a flat window) gives 0.0. Sums are kept modulo 2^32, so windows
+// beyond 66,051 pixels may overflow them. Nothing is read outside the w bytes of each of the h rows, nothing is checked
+// or allocated. Statistics that the caller gives are taken as they are: when they belong to other pixels than those
+// that the pattern visits, the score is not bound to [-1, 1].
 #ifndef ZELM_CORRELATION_H
 #define ZELM_CORRELATION_H
 

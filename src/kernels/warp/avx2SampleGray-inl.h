@@ -1,9 +1,9 @@
 // Bilinear sampling of gray pixels, for the files of the AVX2 tier alone.
 //
-// Four gathers a group would bound it (about eight cycles each). Instead, a group whose sources lie within 15 columns and
-// two rows is served by windows of 16 bytes in three rows, from which shuffles pick the neighbours. Windows never leave
-// the source, wherever the positions lie; groups that turn out not to fit (strong minification, rotation, parts outside
-// the source) are done again pixel by pixel.
+// Four gathers a group would bound it (about eight cycles each). Instead, a group whose sources lie within 15 columns
+// and two rows is served by windows of 16 bytes in three rows, from which shuffles pick the neighbours. Windows never
+// leave the source, wherever the positions lie; groups that turn out not to fit (strong minification, rotation, parts
+// outside the source) are done again pixel by pixel.
 #ifndef ZELM_AVX2_SAMPLE_GRAY_INL_H
 #define ZELM_AVX2_SAMPLE_GRAY_INL_H
 
@@ -33,7 +33,8 @@ inline void splitPositions(GrayStretch& s, const float* u, const float* v, int g
     }
 }
 
-// Steps of the tree that finds smallest words: what remains of a in the first part of its former room, of b in the next.
+// Steps of the tree that finds smallest words: what remains of a in the first part of its former room, of b in the
+// next.
 inline __m256i smallestOfHalves(__m256i a, __m256i b) {
     return _mm256_min_epu16(_mm256_blend_epi32(a, b, 0xF0), _mm256_permute2x128_si256(a, b, 0x21));
 }

@@ -13,8 +13,8 @@ inline const float* mapRow(const float* map, std::int32_t strideBytes, std::int3
                                           static_cast<std::ptrdiff_t>(y) * strideBytes);
 }
 
-// Asks for a stretch of a map further on, wherever the map ends: only its first pass reads the maps, and the processor's
-// own prefetching rests while the others compute.
+// Asks for a stretch of a map further on, wherever the map ends: only its first pass reads the maps, and the
+// processor's own prefetching rests while the others compute.
 [[gnu::always_inline]] inline void prefetchMap(const float* map) {
     constexpr std::uintptr_t kCacheLine = 64;
     const std::uintptr_t first = reinterpret_cast<std::uintptr_t>(map) + kMapAhead * sizeof(float);

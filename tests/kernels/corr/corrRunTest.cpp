@@ -1,5 +1,5 @@
-// Windows that share work because they follow one another: their sums are those of the windows one by one, and a list of
-// positions gets the scores of the entry points, whatever runs, gaps and batches it falls into.
+// Windows that share work because they follow one another: their sums are those of the windows one by one, and a list
+// of positions gets the scores of the entry points, whatever runs, gaps and batches it falls into.
 #include <gtest/gtest.h>
 
 #include <vector>

@@ -1,4 +1,5 @@
-// The correlation entry points in each tier: sums and scores against the definition, at guard pages, and which tier runs.
+// The correlation entry points in each tier: sums and scores against the definition, at guard pages, and which tier
+// runs.
 #include <gtest/gtest.h>
 
 #include <limits>

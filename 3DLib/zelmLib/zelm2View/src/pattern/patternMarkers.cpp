@@ -42,8 +42,8 @@ struct Untilt {
     }
 };
 
-// The mean tilt of the dots (docs/decisions.md#right-angle-on-plate). A direction and its opposite are the same foreshortening, so the mean is taken over twice
-// the angle.
+// The mean tilt of the dots (docs/decisions.md#right-angle-on-plate). A direction and its opposite are the same
+// foreshortening, so the mean is taken over twice the angle.
 Untilt meanTilt(std::span<const PatternDot> dots) {
     double c = 0.0;
     double s = 0.0;

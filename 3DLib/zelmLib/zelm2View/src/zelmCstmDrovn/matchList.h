@@ -15,7 +15,8 @@ public:
     // they come; else all as they come.
     MatchList(ZelmCstmMatch* room, std::int32_t minDistance, bool isSorted);
 
-    // Puts a match in its place, and drops it when an earlier one is too close, and later ones that are too close to it.
+    // Puts a match in its place, and drops it when an earlier one is too close, and later ones that are too close to
+    // it.
     void add(const ZelmCstmMatch& match);
     [[nodiscard]] std::int32_t size() const { return count; }
 
