@@ -54,8 +54,7 @@ ZELM_API int32_t zelmMathCubicRoots(const double* daCoef, double* daRoots);
 /// zelmMathQuadraticRoots; a double root of one factor is reported once.
 ///
 /// |a| of 1e-9 or less, or not finite, means no roots. So does z <= p: where q is exactly 0 and r < 0, the two real
-/// roots
-/// are not found, as of x^4 - 1 (`docs/decisions.md#quartic-even`).
+/// roots are not found, as of x^4 - 1 (`docs/decisions.md#quartic-even`).
 ///
 /// Four real roots are good to 1e-14 |a| s^4 in the polynomial's value, s being about the size of the largest root; two
 /// real roots beside a close complex pair, and roots close to each other, lose digits or are missed. See

@@ -11,8 +11,8 @@ namespace zelm::tool {
 
 class Neighbours {
 public:
-    // The points outlive the object; most are in an image of width x height. Points farther away than `reach` pixels are
-    // no neighbours.
+    // The points outlive the object; most are in an image of width x height. Points farther apart than `reach` pixels
+    // are no neighbours.
     Neighbours(const std::vector<Point2d>& points, int width, int height, double reach);
 
     // The indices of at most `most` usable points around one of them, nearest first, of equally near ones the earlier.
