@@ -60,8 +60,8 @@ std::int32_t boundCorners(const ZelmCameraIntrinsics& intrinsics, const double h
 
 // trunc(extent) + 1 rounded up to a multiple of 4; false when 32 bits cannot hold it.
 bool sizeOf(double extent, std::int32_t* size) {
-    constexpr double kLargest = 2147483644.0;  // the largest multiple of 4
-    if (!(extent >= 0.0 && extent < kLargest)) {
+    constexpr double kMaxSize = 2147483644.0;  // pixels: the largest multiple of 4
+    if (!(extent >= 0.0 && extent < kMaxSize)) {
         return false;
     }
     const std::int32_t pixels = static_cast<std::int32_t>(extent) + 1;
