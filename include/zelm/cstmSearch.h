@@ -87,19 +87,21 @@ ZELM_API int32_t zelmCstmDrovnCalcBasicStatisticsOfRefImg_vImagePlanar8(const vI
 /// The places on a line where a template matches.
 ///
 /// 1. The line is clipped to the rectangle through the centres of the region's outer pixels, and its pixels between the
-///    rounded end points are walked (Bresenham 1965). 2. Each pixel whose window lies in the image is scored with the
-///    sampling of the mode. With a search mask, pixels whose score is not positive are not scored. 3. A peak is a pixel
-///    that scores no less than both its neighbours, which must be scored; a plateau holds several. Of two or more
-///    peaks, those below max(0, minScore), less 0.2 unless the mode is 2, are dropped, and so is each one closer than
-///    minDistance - 4 (mode 2: minDistance - 2; below 2: none) to a better one. Equal peaks are taken in the order of
-///    the line. 4. From the best down, a peak is scored with all pixels; unless the mode is 2 it climbs, at most twice,
-///    one pixel to its higher neighbour (of equal ones the earlier on the line) and is dropped where a window is not
-///    scored or no maximum is reached. 5. The extremum of the parabola through the logarithms of the scores of the peak
-///    and its neighbours, over the feet of their perpendiculars on the line, is the match (log-parabolic interpolation:
-///    exact for a Gaussian peak). It is dropped when it scores less than max(0, minScore), is no maximum or lies beyond
-///    the neighbours. 6. Matches are listed by score, best first (mode 2: as they were found), and one closer than
-///    minDistance to an earlier one is dropped. The search ends when maxResults are listed; worse peaks are not tried,
-///    even where a full score would have shown them better.
+///    rounded end points are walked (Bresenham 1965).
+/// 2. Each pixel whose window lies in the image is scored with the sampling of the mode. With a search mask, pixels
+///    whose score is not positive are not scored.
+/// 3. A peak is a pixel that scores no less than both its neighbours, which must be scored; a plateau holds several. Of
+///    two or more peaks, those below max(0, minScore), less 0.2 unless the mode is 2, are dropped, and so is each one
+///    closer than minDistance - 4 (mode 2: minDistance - 2; below 2: none) to a better one. Equal peaks are taken in
+///    the order of the line.
+/// 4. From the best down, a peak is scored with all pixels. Unless the mode is 2 it climbs, at most twice, one pixel to
+///    its higher neighbour (of equal ones the earlier on the line), and is dropped where a window is not scored or no
+///    maximum is reached.
+/// 5. The extremum of the parabola through the logarithms of the scores of the peak and its neighbours, over the feet
+///    of their perpendiculars on the line, is the match (log-parabolic interpolation: exact for a Gaussian peak). It is
+///    dropped when it scores less than max(0, minScore), is no maximum or lies beyond the neighbours.
+/// 6. Matches are listed by score, best first (mode 2: as they were found), and one closer than minDistance to an
+///    earlier one is dropped. The search ends when maxResults are listed (`docs/decisions.md#results-stop`).
 ///
 /// Accuracy: see docs/accuracy.md. A line parallel to an axis that passes through pixel centres is matched best
 /// (to 0.006 pixel); other lines are left by the pixels walked by up to a pixel, because
