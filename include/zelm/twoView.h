@@ -77,9 +77,9 @@ typedef struct Zelm2ViewPatternDesc {
 /// What the calibration of a pair reports of each camera.
 typedef struct Zelm2ViewCalibResult {
     int32_t statusL;  ///< status of the left camera's estimation
-    double errorL;    ///< its mean reprojection distance in pixels
+    double errorL;    ///< its mean reprojection error in pixels
     int32_t statusR;  ///< status of the right camera's estimation
-    double errorR;    ///< its mean reprojection distance in pixels
+    double errorR;    ///< its mean reprojection error in pixels
 } Zelm2ViewCalibResult;
 
 /// Opens an object for a new calibration.
