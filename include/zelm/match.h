@@ -45,8 +45,9 @@ typedef struct ZelmMatchPose {
 ///
 /// The minimax modes minimise the radius of zelmCgSmallestEnclosingCircle() around the residual vectors, over the angle
 /// (mode 4: downhill walk and golden sections) or over angle and scale (mode 5: simplex). They assume one minimum near
-/// the least-squares estimate and never return a worse one; an outlier counts in full. Rules and figures:
-/// `docs/limits.md`, Minimax registration.
+/// the least-squares estimate and never return a worse one; an outlier counts in full. Mode 5 may
+/// end at a negative scale: -s at the angle a is the motion of scale s at a + pi. Rules and figures: `docs/limits.md`,
+/// Minimax registration.
 ///
 /// @param iN         [in]  number of points, >= 2
 /// @param taRef      [in]  iN reference points
@@ -55,7 +56,7 @@ typedef struct ZelmMatchPose {
 /// @param iMode      [in]  ZELM_MATCH_...
 /// @param dThreshold [in]  cut-off of the robust modes in standard deviations, > 0; else ignored
 /// @param tResult    [out] may be tModelPose; written unless ZELM_ERR_PARAM is returned, with the estimate reached so
-///     far (least squares in closed form, if nothing better); angle in (-pi, pi]
+///     far (least squares in closed form, if nothing better); angle in (-pi, pi]; scale negative at times in mode 5
 /// @return ZELM_OK; ZELM_MATCH_EXACT from a robust mode when k is below 1e-13; ZELM_ERR_PARAM: an unknown mode, iN < 2,
 ///     a NULL pointer, a robust mode with a threshold that is not > 0; ZELM_ERR_MEMORY; ZELM_ERR_DEGENERATE: a robust
 ///     mode rejected every point, or a minimax mode met a circle that is not finite. Points that are not finite, or

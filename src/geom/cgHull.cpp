@@ -91,7 +91,7 @@ Circle2d walkToCentre(std::size_t count, const Point2d* hull) {
             }
         }
     }
-    // The radius belongs to the centre before its last move: docs/decisions.md#enclosing-radius.
+    // Deliberate: the radius belongs to the centre before its last move.
     return {c.x, c.y, std::sqrt(squaredRadius)};
 }
 

@@ -14,9 +14,9 @@ namespace zelm {
 
 // Whether the buffer has data, the given size, and rows whose length the kernels can express.
 inline bool isBufferOf(const vImage_Buffer& buffer, const ImageSize& size) {
-    constexpr auto kMaxRowBytes = static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max());
+    constexpr auto kLongestRow = static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max());
     return buffer.data != nullptr && buffer.width == static_cast<std::size_t>(size.width) &&
-           buffer.height == static_cast<std::size_t>(size.height) && buffer.rowBytes <= kMaxRowBytes;
+           buffer.height == static_cast<std::size_t>(size.height) && buffer.rowBytes <= kLongestRow;
 }
 
 // Whether both buffers hold images of the camera that the selector names; false for NULL pointers too.
