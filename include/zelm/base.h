@@ -38,7 +38,7 @@ enum {
     ZELM_ERR_PARAM = -2,
     /// Degenerate geometry or data: points that coincide, a direction without length, parallel lines, no
     /// intersection; in the matrix products a mismatch of dimensions. Each family states its own threshold (Math 1e-9,
-    /// Clp2d and Clp3d 1e-14, Cg 1e-13). The stereo and search families return it also where the matrix toolkit
+    /// Clp2d and Clp3d 1e-14, Cg 1e-13). The pair and search families return it also where the matrix toolkit
     /// reports ZELM_ERR_SINGULAR or ZELM_ERR_SVD_FAILED.
     ZELM_ERR_DEGENERATE = -100,
     /// LU factorisation found a row of zeros, an entry that is not finite, a zero pivot, or a product of pivots that
@@ -59,7 +59,7 @@ enum {
     ZELM_ERR_FIT_NOT_ELLIPSOID = -132,
     /// The cone fit is degenerate: a determinant below 1e-12, or no apex. From the cone fit.
     ZELM_ERR_FIT_NOT_CONE = -133,
-    /// The homography of one calibration view could not be estimated, or a rectifying pair of the stereo calibration
+    /// The homography of one calibration view could not be estimated, or a rectifying pair of two cameras
     /// failed. From zelmCalibCameraParam and zelm2ViewCalibCameraParam.
     ZELM_ERR_CALIB_HOMOGRAPHY = -150,
     /// The closed-form estimate of the camera parameters failed: too few views, or views that do not determine the
@@ -71,16 +71,16 @@ enum {
     /// Lens distortion could not be removed from a point: its 2 x 2 system was singular, or Newton's iteration did not
     /// converge within 20 steps. From zelmCalibUnDistortPoint and what builds on it.
     ZELM_ERR_UNDISTORT = -153,
-    /// The calibration pattern was not found in an image, or shows fewer dots than required. From the pattern readers.
+    /// Too few dots were found in an image. From the plate readers.
     ZELM_ERR_PATTERN = -200,
-    /// The marker dots of the pattern could not be identified: wrong number, no right angle, or axes of very different
-    /// length. From the pattern readers.
+    /// The markers of the plate could not be identified: wrong number, no right angle, or axes of very different
+    /// length. From the plate readers.
     ZELM_ERR_PATTERN_MARKERS = -201,
-    /// The marker frame or the grid homography is singular or could not be estimated. From the pattern readers.
+    /// The marker frame or the grid homography is singular or could not be estimated. From the plate readers.
     ZELM_ERR_PATTERN_GRID = -202,
-    /// The fundamental matrix of a stereo pair could not be formed. From zelm2ViewCalibCameraParam.
+    /// The fundamental matrix of a pair could not be formed. From zelm2ViewCalibCameraParam.
     ZELM_ERR_STEREO_GEOMETRY = -210,
-    /// No pattern plate was found in the image. From the pattern readers.
+    /// No plate was found in the image. From the plate readers.
     ZELM_ERR_PATTERN_PLATE = -220
 };
 

@@ -41,7 +41,7 @@ ZELM_API int32_t zelmBinOtsuThresholdHistogram(int32_t iBins, const uint32_t* ua
 /// @return the threshold, 1 to 255, or ZELM_ERR_PARAM: a NULL pointer
 ZELM_API int32_t zelmBinOtsuThresholdImage(const ZelmImage* tImage, const ZelmRect* tRegion);
 
-/// Otsu threshold over a list of gray values, each rounded half up to a level and clamped to 0..255. Infinite and huge
+/// Otsu threshold over a list of gray levels, each rounded half up to a level and clamped to 0..255. Infinite and huge
 /// values are clamped like all others; values that are not numbers are left out.
 ///
 /// @param iCount   [in] number of values, >= 1
@@ -51,22 +51,22 @@ ZELM_API int32_t zelmBinOtsuThresholdGray(int32_t iCount, const double* daValues
 
 /// Makes each pixel of a region 255 if it is at or above the threshold, else 0. Pixels outside the region are left.
 ///
-/// The region is checked against the target's size alone, and its position not for being negative (deliberate): source
-/// and target are expected to be of one size, and the caller keeps the region inside. May run in place.
+/// The region's far edges are checked against the destination alone, its near edges not at all
+/// (`docs/decisions.md#region-one-sided`): the caller keeps it inside. May run in place.
 ///
 /// @param tSrc       [in]  gray image
 /// @param tRegion    [in]  region of both images; width and height may be 0
 /// @param iThreshold [in]  any value; 0 and below: all foreground, 256 and above: none
 /// @param tDst       [out] its pixels are written; its record is only read
 /// @return ZELM_OK, or ZELM_ERR_PARAM with nothing written: a NULL pointer, a source width or height below 1, a
-///     negative region size, or a region that ends beyond the target
+///     negative region size, or a region that ends beyond the destination
 ZELM_API int32_t zelmBinBinaryImage(const ZelmImage* tSrc, const ZelmRect* tRegion, int32_t iThreshold,
                                     ZelmImage* tDst);
 
 /// Dilates the foreground of a region with a 3 x 3 square, repeatedly: a pixel becomes 255 when any pixel of its
 /// neighbourhood inside the region is foreground, else 0.
 ///
-/// The region is checked as in zelmBinBinaryImage(). Source and target regions must not overlap.
+/// The region is checked as in zelmBinBinaryImage(). Source and destination regions must not overlap.
 ///
 /// @param tSrc        [in]  gray image
 /// @param tRegion     [in]  region of both images, wider and higher than iIterations
@@ -74,8 +74,8 @@ ZELM_API int32_t zelmBinBinaryImage(const ZelmImage* tSrc, const ZelmRect* tRegi
 /// @param iIterations [in]  number of dilations, >= 1
 /// @param tDst        [out] its pixels inside the region are written; its record is only read
 /// @return ZELM_OK, or with nothing written: ZELM_ERR_PARAM: a NULL pointer, iIterations < 1, a source or a region that
-///     is not wider and higher than iIterations, or a region that ends beyond the target; ZELM_ERR_MEMORY (one plane of
-///     the region's size)
+///     is not wider and higher than iIterations, or a region that ends beyond the destination; ZELM_ERR_MEMORY (one
+///     plane of the region's size)
 ZELM_API int32_t zelmBinDilation(const ZelmImage* tSrc, const ZelmRect* tRegion, int32_t iThreshold,
                                  int32_t iIterations, ZelmImage* tDst);
 
@@ -94,8 +94,7 @@ ZELM_API int32_t zelmBinErosion(const ZelmImage* tSrc, const ZelmRect* tRegion, 
 
 /// Erosions followed by as many dilations: removes what is narrower than 2 * iIterations + 1 pixels.
 ///
-/// The intermediate image is of the region's size, so the region must start at x = 0, y = 0; any other position is
-/// refused (deliberate).
+/// The region must start at x = 0, y = 0 (`docs/decisions.md#opening-origin`).
 ///
 /// @param tSrc        [in]  gray image
 /// @param tRegion     [in]  region of both images at the origin, wider and higher than iIterations
@@ -123,13 +122,14 @@ ZELM_API int32_t zelmBinClosing(const ZelmImage* tSrc, const ZelmRect* tRegion, 
 /// over the horizontal runs of each row.
 ///
 /// A run takes the smallest label that the runs it touches in the row above stand for, which is looked up one level
-/// deep and not followed to its root (deliberate). Bodies without branches, such as dots with ragged outlines, are
+/// deep (`docs/decisions.md#label-one-level`). Bodies without branches, such as dots with ragged outlines, are
 /// always found whole; where three or more branches of a body join in a certain order it may be reported in parts or
 /// short of pixels. In pure noise this befalls at most 5 components in 1000.
 ///
-/// The terms of a run of n pixels from column x in row y are signed 32-bit and wrap around (deliberate): area and box
-/// are always right, the centroid while x * n + n^2 / 2 and y * n stay below 2^31, the angle while also
-/// x^2 * n + x * n^2, y^2 * n, y * (x * n + n^2 / 2) and 2 * n^3 do (runs of up to 1000 pixels near the origin).
+/// The terms of a run of n pixels from column x in row y are signed 32-bit and wrap around
+/// (`docs/decisions.md#moments-wrap`): area and box are always right, the centroid while x * n + n^2 / 2 and y * n stay
+/// below 2^31, the angle while also x^2 * n + x * n^2, y^2 * n, y * (x * n + n^2 / 2) and 2 * n^3 do (runs of up to
+/// 1000 pixels near the origin).
 ///
 /// @param tImage     [in]  gray image
 /// @param tRegion    [in]  region, kept inside the image by the caller

@@ -31,19 +31,19 @@ typedef struct ZelmCameraIntrinsics {
 /// Pose of a camera relative to a calibration view: X_camera = R * X_world + t. 15 doubles.
 typedef struct ZelmCameraExtrinsics {
     double R[9];  ///< 3x3 rotation matrix, row-major
-    double t[3];  ///< translation, plane units
+    double t[3];  ///< translation, plate units
     double r[3];  ///< rotation vector, axis * angle in radians
 } ZelmCameraExtrinsics;
 
 /// The dots of one calibration view as one camera sees them.
 typedef struct Zelm2ViewPtnEntry {
     int32_t count;   ///< number of dots
-    Point2d* plane;  ///< count plane coordinates (z = 0), plane units
+    Point2d* plane;  ///< count plane coordinates (z = 0), plate units
     Point2d* image;  ///< count image coordinates in pixels, in the same order
 } Zelm2ViewPtnEntry;
 
-/// Centres points on their mean and scales them so that their mean distance from it is sqrt(2) (Hartley 1997).
-/// With m the mean and d the mean distance, s = sqrt(2) / d for points in space too (deliberate, not sqrt(3)), and
+/// Centres points on their mean and scales them so that their mean distance from it is sqrt(2) (Hartley 1997). With m
+/// the mean and d the mean distance, s = sqrt(2) / d for points in space too (`docs/decisions.md#mean-distance`), and
 /// T = [s I, -s m; 0, 1]. Identical points have d = 0: the scale is infinite and the results are not finite.
 /// @param iDim [in] coordinates of a point, 2 or 3
 /// @param iN [in] number of points, at least 1
@@ -111,26 +111,26 @@ ZELM_API int32_t zelmCalibCameraMatrix(const double* daA, const ZelmCameraExtrin
 ZELM_API int32_t zelmCalibChange3Dto2D(const Point3d* tX, const ZelmCameraIntrinsics* tCam,
                                        const ZelmCameraExtrinsics* tExt, Point2d* tP, int32_t iModel);
 
-/// Moves an ideal pixel to where the lens images it.
+/// Moves an undistorted pixel to where the lens images it.
 /// With (dx, dy) the offset from the principal point in pixels, xn = (dx - (gamma / beta) dy) / alpha,
 /// yn = (dy / beta) cos(theta), r^2 = xn^2 + yn^2 and D = (k2 r^2 + k1) r^2, the point moves by D * (dx, dy). The
 /// stored theta always takes part; records of models 0 and 2 hold 0. A zero alpha or beta is not guarded.
 /// @param tCam [in] camera
-/// @param dX, dY [in] ideal pixel
+/// @param dX, dY [in] undistorted pixel
 /// @param dXd, dYd [out] distorted pixel
 /// @return ZELM_OK; ZELM_ERR_PARAM for a NULL pointer, nothing written
 /// Allocates nothing.
 ZELM_API int32_t zelmCalibDistortPoint(const ZelmCameraIntrinsics* tCam, double dX, double dY, double* dXd,
                                        double* dYd);
 
-/// Removes the lens distortion from a pixel: Newton's method on zelmCalibDistortPoint, started at the given pixel.
-/// It ends after a step of at most 0.0001 pixel in x and in y. The steps converge quadratically, so the result is as a
+/// Removes the lens distortion from a pixel: Newton's method on zelmCalibDistortPoint, started at the given pixel. It
+/// ends after a step of at most 0.0001 pixel in x and in y. The steps converge quadratically, so the result is as a
 /// rule far closer: within 1e-9 pixel of the exact inverse for lenses that move no pixel by more than a tenth of its
-/// radius. A pixel beyond the radius where the lens folds the image (1 + 3 k1 r^2 + 5 k2 r^4 = 0) has no ideal position
-/// on the near side of the fold: the search fails or ends on its far side.
+/// radius. A pixel beyond the radius where the lens folds the image (1 + 3 k1 r^2 + 5 k2 r^4 = 0) has no undistorted
+/// position on the near side of the fold: the search fails or ends on its far side.
 /// @param tCam [in] camera
 /// @param dXd, dYd [in] distorted pixel
-/// @param dX, dY [out] ideal pixel; the latest estimate also on ZELM_ERR_UNDISTORT
+/// @param dX, dY [out] undistorted pixel; the latest estimate also on ZELM_ERR_UNDISTORT
 /// @return the number of steps, 1 to 20; ZELM_ERR_PARAM for a NULL pointer, nothing written; ZELM_ERR_UNDISTORT when a
 ///         step's equations are singular or 20 steps do not converge
 /// Allocates nothing.
@@ -170,12 +170,12 @@ ZELM_API int32_t zelmCalibRodrigues(int32_t iDirection, double* daRvec, double* 
 ///    cx; 0, beta / cos(theta), cy; 0, 0, 1), gamma / beta = tan(theta): beta is the focal length along the sheared
 ///    axis. The same cameras can be described under models 0 and 1; theta follows from A, it is not a parameter of its
 ///    own which a view without distortion could leave open.
-///  - Model 2: A as for model 0, alpha and beta being the image scales in pixels per plane unit, so that k1 and k2 are
-///    per square and fourth power of the plane unit. gamma is what rounding and noise leave of a shear, about 0. A
+///  - Model 2: A as for model 0, alpha and beta being the image scales in pixels per plate unit, so that k1 and k2 are
+///    per square and fourth power of the plate unit. gamma is what rounding and noise leave of a shear, about 0. A
 ///    mirrored image gives one negative scale.
 ///
 /// Model 2, from its only view. Preset in tIntrinsics: alpha and beta, the plane distances of two reference dots, which
-/// must be at (alpha, 0) and (0, beta) beside the one at (0, 0), to 1e-5 plane units; cx and cy, the principal point,
+/// must be at (alpha, 0) and (0, beta) beside the one at (0, 0), to 1e-5 plate units; cx and cy, the principal point,
 /// about which the distortion is measured. One view under parallel projection does not tell:
 ///  - the principal point from the translation: cx and cy stay as preset;
 ///  - the depth: t[2] is 1, whatever the truth; it moves no image point;
@@ -207,7 +207,7 @@ ZELM_API int32_t zelmCalibRodrigues(int32_t iDirection, double* daRvec, double* 
 /// @param taExtrinsics [out] iViews poses; every plate is before the camera (t_z > 0 at its centre)
 /// @param dError [out] mean Euclidean distance in pixels between measured and projected dots, unweighted over all dots
 ///   of all views, at the written parameters; may be NULL
-/// @param iModel [in] 0 perspective, 1 perspective with sheared axes, 2 parallel projection
+/// @param iModel [in] 0 perspective, 1 tilted, 2 parallel
 /// @return ZELM_OK; ZELM_ERR_PARAM for a bad model, count of views or pointer, checked in this order;
 ///   ZELM_ERR_CALIB_HOMOGRAPHY when a view has fewer than 4 dots or NULL arrays, or its homography fails (dots on a
 ///   line, values that are not finite); ZELM_ERR_CALIB_ESTIMATE when the views do not determine a camera (all parallel,

@@ -65,7 +65,7 @@ ZELM_API int32_t zelmCgIntersectionOfTwoSegments(const Point2d* tA1, const Point
 ZELM_API int32_t zelmCgPointInConvexPolygon(int32_t iN, const Point2d* taPolygon, const Point2d* tP, int32_t* iResult);
 
 /// Where a line crosses the boundary of a convex polygon. A line along an edge gives 0 points, even when one was found
-/// before (deliberate). O(n).
+/// before (`docs/decisions.md#edge-along-line`). O(n).
 /// @param iN        [in]  number of vertices, >= 2
 /// @param taPolygon [in]  iN vertices
 /// @param tLine     [in]  line, any scale; not NULL (not checked)

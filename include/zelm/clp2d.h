@@ -113,8 +113,8 @@ ZELM_API int32_t zelmClp2dCircleThreePoints(const Point2d* tP1, const Point2d* t
 /// @param tCircle  [out] circle
 ZELM_API void zelmClp2dCircleTwoPoints(const Point2d* tP1, const Point2d* tP2, Circle2d* tCircle);
 
-/// The intersections of a line and a circle. The line is taken as normalised (as every line of this library is); its
-/// a and b are used as they stand to step from the foot of the perpendicular, so another scale gives wrong points.
+/// The intersections of a line and a circle. The line is taken as normalised, as every line of this library is; another
+/// scale gives wrong points (`docs/decisions.md#circle-line-scale`).
 /// @param tLine    [in]  line with a^2 + b^2 = 1
 /// @param tCircle  [in]  circle
 /// @param tQ1, tQ2 [out] intersections; Q1 lies along (-b, a) from the foot, Q2 opposite; equal when tangent (within
@@ -126,8 +126,10 @@ ZELM_API int32_t zelmClp2dIntersectionLineAndCircle(const Line2d* tLine, const C
 /// The two tangents from a point to a circle.
 /// @param tP               [in]  point outside the circle or on it
 /// @param tCircle          [in]  circle
-/// @param tLine1, tLine2   [out] tangent lines through P, unit normals away from the centre
-/// @param tPoint1, tPoint2 [out] points of contact; equal when P lies on the circle (within 1e-14)
+/// @param tLine1           [out] first tangent line through P, unit normal away from the centre
+/// @param tPoint1          [out] its point of contact
+/// @param tLine2           [out] second tangent line, likewise
+/// @param tPoint2          [out] its point of contact; the first one when P lies on the circle (within 1e-14)
 /// @return ZELM_OK; ZELM_ERR_DEGENERATE when the radius is below 1e-14, P lies inside the circle, or a solve fails
 ZELM_API int32_t zelmClp2dTangentPointToCircle(const Point2d* tP, const Circle2d* tCircle, Line2d* tLine1,
                                                Point2d* tPoint1, Line2d* tLine2, Point2d* tPoint2);

@@ -111,9 +111,8 @@ ZELM_API int32_t zelmClp3dDistancePointToPlane(const Point3d* tP, const Plane3d*
 /// @param tLine  [in]  line, direction of any length
 /// @param tPlane [in]  plane, normal of any length
 /// @param tPoint [out] intersection
-/// @return ZELM_OK; ZELM_ERR_DEGENERATE when the direction or the normal is shorter than 1e-14, or their dot product,
-/// as
-///         they are given, is below 1e-14 in magnitude (line parallel to the plane or in it)
+/// @return ZELM_OK; ZELM_ERR_DEGENERATE when the direction or the normal is shorter than 1e-14, or their dot product
+///         as given is below 1e-14 in magnitude (line parallel to the plane or in it)
 ZELM_API int32_t zelmClp3dIntersectionLineAndPlane(const Line3d* tLine, const Plane3d* tPlane, Point3d* tPoint);
 
 /// The foot of the perpendicular from a point to a plane: where the line through P along the normal, as it is given,
@@ -121,8 +120,8 @@ ZELM_API int32_t zelmClp3dIntersectionLineAndPlane(const Line3d* tLine, const Pl
 /// @param tP     [in]  point
 /// @param tPlane [in]  plane
 /// @param tFoot  [out] the point of the plane closest to P
-/// @return ZELM_OK; ZELM_ERR_DEGENERATE when the normal is shorter than 1e-7: its square, the dot product that the
-///         intersection tests, is then below 1e-14
+/// @return ZELM_OK; ZELM_ERR_DEGENERATE when the normal is shorter than 1e-7, not 1e-14
+///         (`docs/decisions.md#raw-normal-foot`)
 ZELM_API int32_t zelmClp3dFootOfPerpendicularToPlane(const Point3d* tP, const Plane3d* tPlane, Point3d* tFoot);
 
 /// The angle between a line and a plane.
@@ -130,9 +129,8 @@ ZELM_API int32_t zelmClp3dFootOfPerpendicularToPlane(const Point3d* tP, const Pl
 /// @param tPlane [in]  plane, normal of any length
 /// @param dAngle [out] radians in [0, pi/2]: 0 for a line parallel to the plane. Near 0 its resolution is about 1e-8
 /// @return ZELM_OK; ZELM_ERR_DEGENERATE when the direction or the normal is shorter than 1e-14, or when direction .
-///         normal is below 1e-14 and normal . point + d is above 1e-14. Both tests are signed, deliberately: refused is
-///         also a line that crosses the plane at a large angle, where it runs against the normal and its point lies on
-///         the positive side; written the other way round, with the opposite direction, that line is accepted
+///         normal is below 1e-14 and normal . point + d is above 1e-14. Both tests are signed, so that some lines
+///         are refused in one direction and accepted in the other: `docs/decisions.md#signed-line-plane`
 ZELM_API int32_t zelmClp3dAngleLineAndPlane(const Line3d* tLine, const Plane3d* tPlane, double* dAngle);
 
 /// The intersection of two planes.

@@ -1,6 +1,6 @@
 /// @file
 /// Expanded images: one camera's image carried into the other camera's image plane and magnified about a chosen point,
-/// so that a small region fills a working image in which correspondences are searched.
+/// so that a small region fills a working image in which matches are looked for.
 ///
 /// The camera that a function names by 'L' or 'R' (low byte of an integer) is the one whose own image is the source;
 /// the expanded image lies in the other camera's image plane. Typical order: zelmCstmDrovnCalcHomImgMemSize, then
@@ -22,7 +22,7 @@
 /// whatever d is, and d = -1 makes both matrices singular. There, objects at depth Z keep a displacement along the
 /// epipolar lines that the search resolves.
 ///
-/// All functions read only the calibration data block, so opened (and calibrated) and loaded objects serve alike.
+/// All functions read only the calibration block, so opened (and calibrated) and loaded objects serve alike.
 /// Nothing in the object changes and there is no state: all functions are reentrant. Raw pixels are pixels of an image
 /// as taken (distorted). The geometry follows Hartley and Zisserman, Multiple View Geometry (2004), chapters 8 and 13.
 #ifndef ZELM_CSTM_GEOMETRY_H
@@ -35,15 +35,15 @@
 
 ZELM_BEGIN_DECLS
 
-/// A record of two roles. As target (tHomPrm): size of the expanded image, the point of the source camera's undistorted
-/// image that lands on its centre, and d. As expansion (tExpPrm): the magnification in dVal; the transfers use dVal
-/// alone, pure magnifications use all fields.
+/// A record of two roles. As destination (tHomPrm): size of the expanded image, the point of the source camera's
+/// undistorted image that lands on its centre, and d. As expansion (tExpPrm): the magnification in dVal; the transfers
+/// use dVal alone, pure magnifications use all fields.
 typedef struct ZelmCstmExpPrm {
     int32_t iWidth;   ///< width of the expanded image, >= 0
     int32_t iHeight;  ///< height of the expanded image, >= 0
     double dX;        ///< reference point, x
     double dY;        ///< reference point, y
-    double dVal;      ///< expansion: magnification m, >= 1; target: plane term d, see above
+    double dVal;      ///< expansion: magnification m, >= 1; destination: plane term d, see above
 } ZelmCstmExpPrm;
 
 /// Where the pixels of an expanded image come from. The caller owns the two planes of floats.
@@ -86,8 +86,8 @@ ZELM_API int32_t zelmCstmDrovnCalcMagnification(const Zelm2ViewCalib* tHandle, d
 /// @param tRoi    [in]  region of the raw image; x, y >= 0, width, height > 0; need not lie inside the image
 /// @param tExpPrm [in]  expansion; dVal is used, and not tested
 /// @param iWidth, iHeight [out] size, multiples of 4, >= 4
-/// @param tCentre [out] undistorted source point in the middle of the box: as (dX, dY) of a target record of that size
-///                      it shows the region to a pixel. May be NULL
+/// @param tCentre [out] undistorted source point in the middle of the box: as (dX, dY) of a destination record of that
+///                      size it shows the region to a pixel. May be NULL
 /// @param dD      [in]  plane term d
 /// @return ZELM_OK; ZELM_ERR_PARAM for a NULL pointer, a bad region or another camera; ZELM_ERR_DEGENERATE when the
 ///         homography cannot be formed, a corner is carried to infinity or the size exceeds 32 bits;
@@ -96,20 +96,20 @@ ZELM_API int32_t zelmCstmDrovnCalcHomImgMemSize(const Zelm2ViewCalib* tHandle, i
                                                 const ZelmCstmExpPrm* tExpPrm, int32_t* iWidth, int32_t* iHeight,
                                                 Point2d* tCentre, double dD);
 
-/// Maps a source point into an image expanded by pure magnification (zelmCstmDrovnExpandImage), without transfer:
+/// Maps a source point into a magnified image (zelmCstmDrovnExpandImage), without transfer:
 /// (iWidth / 2 + (x - dX) * dVal, iHeight / 2 + (y - dY) * dVal), integer halves.
 /// @param tExpPrm [in]  expansion; all fields
 /// @param tIn     [in]  source point
-/// @param tOut    [out] expanded point
+/// @param tOut    [out] magnified point
 /// @return ZELM_OK; ZELM_ERR_PARAM for a NULL pointer, a negative size or dVal not >= 1
 ZELM_API int32_t zelmCstmDrovnChangeOrg2DtoExp2D(const ZelmCstmExpPrm* tExpPrm, const Point2d* tIn, Point2d* tOut);
 
-/// Maps a raw pixel into the transferred image without magnification (m = 1).
+/// Maps a raw pixel into the expanded image of magnification 1.
 /// @param tHandle [in]  calibrated pair
 /// @param iCamera [in]  'L' or 'R'
-/// @param tHomPrm [in]  target
+/// @param tHomPrm [in]  destination
 /// @param tIn     [in]  raw pixel of the source image
-/// @param tOut    [out] pixel of the transferred image
+/// @param tOut    [out] pixel of that image
 /// @return ZELM_OK; ZELM_ERR_PARAM for a NULL pointer or another camera; ZELM_ERR_DEGENERATE when the homography cannot
 ///         be formed; ZELM_ERR_UNDISTORT when the pixel's distortion cannot be removed
 ZELM_API int32_t zelmCstmDrovnChangeOrg2DtoHom2D(const Zelm2ViewCalib* tHandle, int32_t iCamera,
@@ -118,7 +118,7 @@ ZELM_API int32_t zelmCstmDrovnChangeOrg2DtoHom2D(const Zelm2ViewCalib* tHandle, 
 /// Maps a raw pixel into the expanded image.
 /// @param tHandle [in]  calibrated pair
 /// @param iCamera [in]  'L' or 'R'
-/// @param tHomPrm [in]  target
+/// @param tHomPrm [in]  destination
 /// @param tExpPrm [in]  expansion; dVal is used, and not tested
 /// @param tIn [in]  raw pixel of the source image
 /// @param tOut    [out] pixel of the expanded image
@@ -131,7 +131,7 @@ ZELM_API int32_t zelmCstmDrovnChangeOrg2DtoHom2DExp(const Zelm2ViewCalib* tHandl
 /// @param tHandle [in]  calibrated pair
 /// @param iCamera [in]  'L' or 'R'
 /// @param tIn     [in]  pixel of the expanded image
-/// @param tHomPrm [in]  target
+/// @param tHomPrm [in]  destination
 /// @param tExpPrm [in]  expansion; size >= 0 and dVal >= 1, of which dVal is used
 /// @param tOut    [out] raw pixel of the source image
 /// @return ZELM_OK; ZELM_ERR_PARAM for a NULL pointer, a bad expansion or another camera; ZELM_ERR_DEGENERATE when the
@@ -144,7 +144,7 @@ ZELM_API int32_t zelmCstmDrovnInvHomImgPointExp(const Zelm2ViewCalib* tHandle, i
 /// on every side, so that sampling on it keeps its neighbours.
 /// @param tHandle [in]  calibrated pair
 /// @param iCamera [in]  'L' or 'R'
-/// @param tHomPrm [in]  target; its size bounds the segment
+/// @param tHomPrm [in]  destination; its size bounds the segment
 /// @param tExpPrm [in]  expansion; size >= 0 and dVal >= 1, of which dVal is used
 /// @param tLine   [in]  line, any scale
 /// @param tOut    [out] line (a^2 + b^2 = 1) and segment in the expanded image. The end points are 0 when the line
@@ -161,10 +161,10 @@ ZELM_API int32_t zelmCstmDrovnChangeHomEpiLineExp(const Zelm2ViewCalib* tHandle,
 /// @param tHandle [in]  calibrated pair
 /// @param iCamera [in]  camera that took the image, 'L' or 'R'; W x H is its image size
 /// @param ucSrc   [in]  raw image, H rows of W bytes; not tested
-/// @param tHomPrm [in]  target
+/// @param tHomPrm [in]  destination
 /// @param tExpPrm [in]  expansion; size >= 0 and dVal >= 1, of which dVal is used
-/// @param ucDst   [out] expanded image, iHeight rows of iWidth bytes of the target record; not tested, must not overlap
-///                      the source
+/// @param ucDst   [out] expanded image, iHeight rows of iWidth bytes of the destination record; not tested, must not
+///                      overlap the source
 /// @return ZELM_OK; ZELM_ERR_PARAM for a NULL record or handle, a bad expansion or another camera; ZELM_ERR_DEGENERATE
 ///         when the homography cannot be formed
 ZELM_API int32_t zelmCstmDrovnMakeHomImageExp(const Zelm2ViewCalib* tHandle, int32_t iCamera,
@@ -175,9 +175,9 @@ ZELM_API int32_t zelmCstmDrovnMakeHomImageExp(const Zelm2ViewCalib* tHandle, int
 /// @param tHandle [in]  calibrated pair
 /// @param iCamera [in]  'L' or 'R'
 /// @param tSrc [in]  raw image of the camera's size
-/// @param tHomPrm [in]  target
+/// @param tHomPrm [in]  destination
 /// @param tExpPrm [in]  expansion; size >= 0 and dVal >= 1, of which dVal is used
-/// @param tDst [out] expanded image of the target record's size; its data is written
+/// @param tDst [out] expanded image of the destination record's size; its data is written
 /// @return as zelmCstmDrovnMakeHomImageExp; then ZELM_ERR_PARAM when a buffer is NULL, has no data, a row longer than
 ///         2^31 - 1 bytes or another size
 ZELM_API int32_t zelmCstmDrovnMakeHomImageExp_vImagePlanar8(const Zelm2ViewCalib* tHandle, int32_t iCamera,
@@ -188,9 +188,9 @@ ZELM_API int32_t zelmCstmDrovnMakeHomImageExp_vImagePlanar8(const Zelm2ViewCalib
 /// @param tHandle [in]  calibrated pair
 /// @param iCamera [in]  'L' or 'R'
 /// @param tSrc [in]  raw image of the camera's size
-/// @param tHomPrm [in]  target
+/// @param tHomPrm [in]  destination
 /// @param tExpPrm [in]  expansion; size >= 0 and dVal >= 1, of which dVal is used
-/// @param tDst [out] expanded image of the target record's size; its data is written
+/// @param tDst [out] expanded image of the destination record's size; its data is written
 /// @return as zelmCstmDrovnMakeHomImageExp_vImagePlanar8
 ZELM_API int32_t zelmCstmDrovnMakeHomImageExp_vImageARGB8888(const Zelm2ViewCalib* tHandle, int32_t iCamera,
                                                              const vImage_Buffer* tSrc, const ZelmCstmExpPrm* tHomPrm,
@@ -199,7 +199,7 @@ ZELM_API int32_t zelmCstmDrovnMakeHomImageExp_vImageARGB8888(const Zelm2ViewCali
 /// Computes the source position of every pixel of the expanded image once, for zelmCstmDrovnRemapImage on every frame.
 /// @param tHandle [in]  calibrated pair
 /// @param iCamera [in]  'L' or 'R'
-/// @param tHomPrm [in]  target; its size fixes the centre, not the extent of the maps
+/// @param tHomPrm [in]  destination; its size fixes the centre, not the extent of the maps
 /// @param tExpPrm [in]  expansion; size >= 0 and dVal >= 1, of which dVal is used
 /// @param tMap    [in,out] size, planes and strides are read; the planes' contents and the box are written
 /// @return as zelmCstmDrovnMakeHomImageExp; then ZELM_ERR_PARAM when the map or one of its planes is NULL or its size

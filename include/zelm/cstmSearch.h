@@ -9,11 +9,11 @@
 /// Sampling patterns. Full takes every pixel of the window; Checker every second one, as the dark fields of a board;
 /// Quarter every second one of every second row. On processors with SSE4.1 or AVX2 (64-bit builds) the coarse pass with
 /// Checker takes every pixel as well. Without a search mask, scores of fewer pixels are still scaled for the full
-/// window, so that a perfect match scores less than 1 in the coarse pass, and how much less depends on the images. This
-/// is kept, and it costs matches: with Quarter (and Checker in its plain form) choose a low minScore, for the coarse
-/// pass holds its peaks to minScore - 0.2, or use Full. With a search mask all sums are those of the pixels that take
-/// part, and a perfect match scores 1 in every mode; but a pixel there needs a positive score to count as a neighbour,
-/// so that textures whose detail is as fine as the pixels are lost.
+/// window (`docs/decisions.md#full-window-count`), so that a perfect match scores less than 1 in the coarse pass. With
+/// Quarter (and Checker in its plain form) choose a low minScore, for the coarse pass holds its peaks to minScore -
+/// 0.2, or use Full. With a search mask all sums are those of the pixels that take part, and a perfect match scores 1
+/// in every mode; but a pixel there needs a positive score to count as a neighbour, so that textures whose detail is as
+/// fine as the pixels are lost.
 ///
 /// A template of more than 66,051 pixels may overflow the 32-bit sums of the scores and statistics, unnoticed.
 #ifndef ZELM_CSTM_SEARCH_H
@@ -34,9 +34,9 @@ enum {
 typedef struct ZelmCstmRefImg {
     int32_t width;    ///< size in pixels, >= 1
     int32_t height;   ///< see width
-    uint8_t* pixels;  ///< width * height gray values
+    uint8_t* pixels;  ///< width * height gray levels
     uint8_t* mask;    ///< width * height bytes, non-zero where a pixel takes part; NULL for all
-    double mean[3];   ///< mean gray value over the pixels of Quarter, Checker and Full, in this order
+    double mean[3];   ///< mean gray level over the pixels of Quarter, Checker and Full, in this order
     double sigma[3];  ///< standard deviation over the same pixels
     double anchorX;   ///< the template pixel that is laid on the line, 0 <= anchorX < width; rounded to a whole pixel
     double anchorY;   ///< see anchorX; 0 <= anchorY < height
@@ -46,7 +46,7 @@ typedef struct ZelmCstmRefImg {
 typedef struct ZelmCstmSearchPrm {
     int32_t width;        ///< size of the image in pixels, >= 1
     int32_t height;       ///< see width
-    uint8_t* pixels;      ///< width * height gray values
+    uint8_t* pixels;      ///< width * height gray levels
     uint8_t* mask;        ///< width * height bytes, non-zero where a pixel takes part; NULL for all
     int32_t roiX;         ///< rectangle whose pixels on the line are searched, >= 0; windows may reach beyond it
     int32_t roiY;         ///< see roiX
@@ -87,24 +87,26 @@ ZELM_API int32_t zelmCstmDrovnCalcBasicStatisticsOfRefImg_vImagePlanar8(const vI
 /// The places on a line where a template matches.
 ///
 /// 1. The line is clipped to the rectangle through the centres of the region's outer pixels, and its pixels between the
-///    rounded end points are walked (Bresenham 1965). 2. Each pixel whose window lies in the image is scored with the
-///    sampling of the mode. With a search mask, pixels whose score is not positive are not scored. 3. A peak is a pixel
-///    that scores no less than both its neighbours, which must be scored; a plateau holds several. Of two or more
-///    peaks, those below max(0, minScore), less 0.2 unless the mode is 2, are dropped, and so is each one closer than
-///    minDistance - 4 (mode 2: minDistance - 2; below 2: none) to a better one. Equal peaks are taken in the order of
-///    the line. 4. From the best down, a peak is scored with all pixels; unless the mode is 2 it climbs, at most twice,
-///    one pixel to its higher neighbour (of equal ones the earlier on the line) and is dropped where a window is not
-///    scored or no maximum is reached. 5. The extremum of the parabola through the logarithms of the scores of the peak
-///    and its neighbours, over the feet of their perpendiculars on the line, is the match (log-parabolic interpolation:
-///    exact for a Gaussian peak). It is dropped when it scores less than max(0, minScore), is no maximum or lies beyond
-///    the neighbours. 6. Matches are listed by score, best first (mode 2: as they were found), and one closer than
-///    minDistance to an earlier one is dropped. The search ends when maxResults are listed; worse peaks are not tried,
-///    even where a full score would have shown them better.
+///    rounded end points are walked (Bresenham 1965).
+/// 2. Each pixel whose window lies in the image is scored with the sampling of the mode. With a search mask, pixels
+///    whose score is not positive are not scored.
+/// 3. A peak is a pixel that scores no less than both its neighbours, which must be scored; a plateau holds several. Of
+///    two or more peaks, those below max(0, minScore), less 0.2 unless the mode is 2, are dropped, and so is each one
+///    closer than minDistance - 4 (mode 2: minDistance - 2; below 2: none) to a better one. Equal peaks are taken in
+///    the order of the line.
+/// 4. From the best down, a peak is scored with all pixels. Unless the mode is 2 it climbs, at most twice, one pixel to
+///    its higher neighbour (of equal ones the earlier on the line), and is dropped where a window is not scored or no
+///    maximum is reached.
+/// 5. The extremum of the parabola through the logarithms of the scores of the peak and its neighbours, over the feet
+///    of their perpendiculars on the line, is the match (log-parabolic interpolation: exact for a Gaussian peak). It is
+///    dropped when it scores less than max(0, minScore), is no maximum or lies beyond the neighbours.
+/// 6. Matches are listed by score, best first (mode 2: as they were found), and one closer than minDistance to an
+///    earlier one is dropped. The search ends when maxResults are listed (`docs/decisions.md#results-stop`).
 ///
-/// Accuracy: see docs/accuracy.md. A line parallel to an axis that passes through pixel centres, as in rectified images,
-/// is matched best (to 0.006 pixel there); other lines are left by the pixels walked by up to a pixel, because the ends
-/// of the walk are rounded too, and are matched to about 0.06 pixel.
-/// Cost: one coarse score a pixel of the line, 3 to 5 full scores a peak (mode 2: none).
+/// Accuracy: see docs/accuracy.md. A line parallel to an axis that passes through pixel centres is matched best
+/// (to 0.006 pixel); other lines are left by the pixels walked by up to a pixel, because
+/// the ends of the walk are rounded too, and are matched to about 0.06 pixel. Cost: one coarse score a pixel of the
+/// line, 3 to 5 full scores a peak (mode 2: none).
 /// @param tRef     [in]  template; the statistics are not needed, nor tested, with a search mask
 /// @param tPrm     [in]  search
 /// @param iCount   [out] number of matches, 0 to maxResults
@@ -128,8 +130,8 @@ ZELM_API int32_t zelmCstmDrovnSearchOnEpiLine(const ZelmCstmRefImg* tRef, const 
 /// @param tMask     [in]  its mask, of the same width and height; NULL for none
 /// @param iCount    [out] number of matches
 /// @param taMatches [out] room for maxResults matches
-/// @return as zelmCstmDrovnSearchOnEpiLine; also ZELM_ERR_PARAM when a buffer has no data, a width, height or row length
-///         beyond 2^31 - 1, or a mask another size than its image
+/// @return as zelmCstmDrovnSearchOnEpiLine; also ZELM_ERR_PARAM when a buffer has no data, a width, height or row
+///         length beyond 2^31 - 1, or a mask another size than its image
 ZELM_API int32_t zelmCstmDrovnSearchOnEpiLine_vImagePlanar8(const ZelmCstmRefImg* tRef, const vImage_Buffer* tRefImage,
                                                             const vImage_Buffer* tRefMask,
                                                             const ZelmCstmSearchPrm* tPrm, const vImage_Buffer* tImage,

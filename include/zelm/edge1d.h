@@ -114,9 +114,9 @@ ZELM_API int32_t zelmEdge1dGenNearestC(const ZelmImage* tImage, const Point2d* t
 /// @param tImage [in] the image
 /// @param tP1, tP2 [in] ends of the segment
 /// @param iSign [in] 1, -1 or 0, as there
+/// @param tParam [in] the parameters
 /// @param tEdgePoint [out] the edge
 /// @param dStrength [out] its strength
-/// @param tParam [in] the parameters
 /// @return as zelmEdge1dDiffMax; ZELM_ERR_PARAM also when tParam is NULL or its selector is outside 0..4
 ZELM_API int32_t zelmEdge1dManual(const ZelmImage* tImage, const Point2d* tP1, const Point2d* tP2, int32_t iSign,
                                   const ZelmEdge1dParam* tParam, Point2d* tEdgePoint, double* dStrength);

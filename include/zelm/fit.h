@@ -22,7 +22,7 @@
 /// @param points     [in]  the points; only read
 /// @param iRobust    [in]  0: plain fit; 1: robust fit
 /// @param dThreshold [in]  cut-off in standard deviations of the residuals; > 0 for a robust fit, ignored by a plain
-/// one
+///         one
 /// @param result     [out] written on success only (but see zelmFitCone()); must not overlap the points
 ///
 /// Statuses that all fits share:
@@ -137,7 +137,7 @@ ZELM_API int32_t zelmFitEllipse(int32_t iN, const Point2d* taPoints, int32_t iRo
 /// The ellipse of zelmFitEllipse() by its coefficients.
 ///
 /// They are divided by the norm that they have in the normalised frame, so their own norm is in general not 1
-/// (deliberate).
+/// (`docs/decisions.md#conic-norm`).
 ///
 /// @param iN         [in]  count, >= 5
 /// @param taPoints   [in]  iN points
@@ -183,22 +183,9 @@ ZELM_API int32_t zelmFitCircle(int32_t iN, const Point2d* taPoints, int32_t iRob
 /// (Geometric Modeling and Processing 2004), without its term in the trace; residual: the algebraic distance. At least
 /// 9 points.
 ///
-/// The angles: the largest axis points along (cos(elevation) cos(azimuth), cos(elevation) sin(azimuth),
-/// sin(elevation)), of its two directions the one whose y is not negative. Of the directions across it, up = (-sin(
-/// elevation) cos(azimuth), -sin(elevation) sin(azimuth), cos(elevation)) is the steepest; the smallest axis points
-/// along cos(roll) up + sin(roll) (largest x up), or opposite; the middle axis across both. This returns every
-/// orientation to rounding, but for a roll near a quarter turn, which the arc sine gives to half the digits (2e-8 rad).
-/// Angles of equal axes are arbitrary.
-///
-/// On the full surface and with axes of 10 : 8 : 6 all parameters reach the Cramér-Rao bound to 5 % without significant
-/// bias; with 20 : 5 : 2 they need up to 1.7 times of it, because the algebraic distance weighs the flat sides more
-/// than the ends, and the mean error of an axis is up to 0.2 of its bound (noise of a hundredth of the smallest axis).
-/// Axes that are equal come out apart by their noise. A robust fit bears a fifth of the points off by 10 to 30 sigma
-/// at 1.2 times the bound of all points (1.8 for 20 : 5 : 2). Nine points, or more that lie exactly on a quadric, give
-/// that quadric if it is an ellipsoid. Unlike with ellipses the constraint admits some hyperboloids (x^2 + y^2 - z^2 /
-/// 5), so that points with noise on such a surface are refused as well. On a cap ellipsoids come out too small, as of
-/// every fit by algebraic distances: half of 10 : 8 : 6 still gives 9.9 for the largest axis with noise of 0.2, the upper
-/// quarter of the height 9.5 with noise of 0.05.
+/// The angles are defined in `docs/limits.md`, with what the fit reaches on full surfaces, caps and in noise. On the
+/// full surface the parameters come within 1.05 (axes 10 : 8 : 6) to 1.7 (20 : 5 : 2) of the Cramér-Rao bound; on a cap
+/// ellipsoids come out too small. Nine points, or more exactly on a quadric, give that quadric if it is an ellipsoid.
 ///
 /// @param iN         [in]  count, >= 9
 /// @param taPoints   [in]  iN points
@@ -215,21 +202,15 @@ ZELM_API int32_t zelmFitEllipsoid(int32_t iN, const Point3d* taPoints, int32_t i
 /// points.
 ///
 /// Nothing forces the quadric to have an apex: with noise it is a slender hyperboloid, and hyperboloids themselves
-/// pass. The aperture of a circular cone (from its eigenvalues) comes within 1.1 to 1.2 of the Cramér-Rao bound among
-/// quadrics, without significant bias from both nappes; from one nappe flat cones come out too wide by a mean error
-/// that goes with the square of the noise (130 degrees, 200 points on slants of 1.2 to 4, noise 0.003: 0.04 degrees,
-/// 0.4 of the bound). One nappe tells the cone from its neighbours much less than two. The radicand by which definite
-/// quadratic parts are found may round to less than 0 where the three eigenvalues are equal, so that some spheres pass
-/// (deliberate: the test is not guarded).
+/// pass, and some spheres (`docs/decisions.md#cone-radicand`). `docs/limits.md` has figures.
 ///
 /// @param iN         [in]  count, >= 9
 /// @param taPoints   [in]  iN points
 /// @param iRobust    [in]  0 or 1, see above
 /// @param dThreshold [in]  see above
 /// @param daResult   [out] 10 doubles p of p0*x^2 + p1*y^2 + p2*z^2 + p3*x*y + p4*x*z + p5*y*z + p6*x + p7*y + p8*z +
-/// p9
-///     = 0, of unit norm (that of the result, unlike zelmFitConics()) and either sign; with ZELM_ERR_FIT_NOT_CONE the
-///     quadric that was refused, in the normalised frame
+///     p9 = 0, of unit norm (that of the result, unlike zelmFitConics()) and either sign; with ZELM_ERR_FIT_NOT_CONE
+///     the quadric that was refused, in the normalised frame
 /// @return the statuses that all fits share; ZELM_ERR_FIT_DATA also when a robust fit leaves fewer than 9 points with
 ///     weight; ZELM_ERR_FIT_NOT_CONE: the determinant of the quadratic part is below 1e-12 in the normalised frame
 ///     (cylinders, planes), or its eigenvalues are all of one sign (ellipsoids)

@@ -14,17 +14,17 @@
 
 ZELM_BEGIN_DECLS
 
-/// Warps an 8-bit image: every destination pixel is carried by the homography to its ideal source position, pushed
-/// through the camera's radial distortion and sampled there bilinearly.
-/// @param iSrcWidth, iSrcHeight [in] size of the source in pixels
-/// @param iDstWidth, iDstHeight [in] size of the destination in pixels
-/// @param daHom      [in]  3x3 homography, row-major: destination pixel (x, y, 1) to ideal source position
+/// Warps an 8-bit image: every destination pixel is carried by the homography to its undistorted source position,
+/// pushed through the camera's radial distortion and sampled there bilinearly.
+/// @param daHom      [in]  3x3 homography, row-major: destination pixel (x, y, 1) to undistorted source position
 /// @param daCamera   [in]  22 doubles of the camera's ZelmCameraIntrinsics (alpha, beta, gamma, cx, cy, theta, k1, k2
 ///                         are used)
 /// @param ucSrc      [in]  source, iSrcHeight rows of iSrcWidth bytes
 /// @param iSrcStride [in]  bytes from one source row to the next, >= iSrcWidth
+/// @param iSrcWidth, iSrcHeight [in] size of the source in pixels
 /// @param ucDst      [out] destination, iDstHeight rows of iDstWidth bytes
 /// @param iDstStride [in]  bytes from one destination row to the next, >= iDstWidth
+/// @param iDstWidth, iDstHeight [in] size of the destination in pixels
 ZELM_API void perspectiveTransAndDistortImage_8uC1(const double* daHom, const double* daCamera, const uint8_t* ucSrc,
                                                    int32_t iSrcStride, int32_t iSrcWidth, int32_t iSrcHeight,
                                                    uint8_t* ucDst, int32_t iDstStride, int32_t iDstWidth,
@@ -45,15 +45,16 @@ ZELM_API void perspectiveTransAndDistortImage_8uC4(const double* daHom, const do
                                                    int32_t iDstHeight);
 
 /// Samples an 8-bit image bilinearly at the positions held in two maps, inside a rectangle of the destination.
+/// @param ucSrc       [in]  source, iSrcHeight rows of iSrcWidth bytes
+/// @param iSrcStride  [in]  bytes from one source row to the next, >= iSrcWidth
 /// @param iSrcWidth, iSrcHeight [in] size of the source in pixels
-/// @param ucSrc           [in]  source, iSrcHeight rows of iSrcWidth bytes
-/// @param iSrcStride      [in]  bytes from one source row to the next, >= iSrcWidth
-/// @param ucDst           [out] destination; pixels outside the rectangle are not touched
-/// @param iDstStride      [in]  bytes from one destination row to the next
-/// @param iDstWidth       [in]  ignored
-/// @param iDstHeight      [in]  ignored
-/// @param faMapX, faMapY  [in]  source column and row of each destination pixel; a pixel is valid by the rule above
-/// @param iMapXStride, iMapYStride [in] bytes from one map row to the next
+/// @param ucDst       [out] destination; pixels outside the rectangle are not touched
+/// @param iDstStride  [in]  bytes from one destination row to the next
+/// @param iDstWidth, iDstHeight [in] ignored
+/// @param faMapX      [in]  source column of each destination pixel; a pixel is valid by the rule above
+/// @param iMapXStride [in]  bytes from one row of faMapX to the next
+/// @param faMapY      [in]  source row of each destination pixel
+/// @param iMapYStride [in]  bytes from one row of faMapY to the next
 /// @param iX0, iY0, iX1, iY1 [in] rectangle, inclusive; empty when iX0 > iX1 or iY0 > iY1
 ZELM_API void remapImage_8uC1(const uint8_t* ucSrc, int32_t iSrcStride, int32_t iSrcWidth, int32_t iSrcHeight,
                               uint8_t* ucDst, int32_t iDstStride, int32_t iDstWidth, int32_t iDstHeight,
@@ -67,8 +68,10 @@ ZELM_API void remapImage_8uC1(const uint8_t* ucSrc, int32_t iSrcStride, int32_t 
 /// @param ucDst [out] destination, four bytes a pixel
 /// @param iDstStride [in] bytes from one destination row to the next
 /// @param iDstWidth, iDstHeight [in] ignored
-/// @param faMapX, faMapY [in] source column and row of each destination pixel
-/// @param iMapXStride, iMapYStride [in] bytes from one map row to the next
+/// @param faMapX [in] source column of each destination pixel
+/// @param iMapXStride [in] bytes from one row of faMapX to the next
+/// @param faMapY [in] source row of each destination pixel
+/// @param iMapYStride [in] bytes from one row of faMapY to the next
 /// @param iX0, iY0, iX1, iY1 [in] rectangle, inclusive
 ZELM_API void remapImage_8uC4(const uint8_t* ucSrc, int32_t iSrcStride, int32_t iSrcWidth, int32_t iSrcHeight,
                               uint8_t* ucDst, int32_t iDstStride, int32_t iDstWidth, int32_t iDstHeight,

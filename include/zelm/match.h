@@ -1,5 +1,5 @@
 /// @file
-/// Point-pattern matching: registers a model point set onto a reference point set of the same size and order.
+/// Registration: lays a model point set on a reference point set of the same size and order.
 ///
 /// With the model point m relative to the position (x, y) of the model pose, the motion that is sought takes it to
 /// s * R(a) * m + t, near its reference point. A result pose holds t, the scale s and the angle a + that of the model
@@ -34,38 +34,20 @@ typedef struct ZelmMatchPose {
 
 /// Estimates the motion of the model points onto the reference points.
 ///
-/// All modes start with the closed form of least squares (the planar case of Horn, J. Opt. Soc. Am. A 4, 1987; its scale
+/// All modes start with the closed form of least squares (planar case of Horn, J. Opt. Soc. Am. A 4, 1987; its scale
 /// is the one of Umeyama 1991). A model without extent (n * sum |m|^2 - |sum m|^2 below 1e-13) keeps the scale 1.
 ///
-/// The robust modes re-weight by Tukey's biweight (Holland and Welsch 1977; Beaton and Tukey 1974) in at most 20 passes:
+/// The robust modes re-weight by Tukey's biweight (Holland and Welsch 1977; Beaton and Tukey 1974) in up to 20 passes:
 /// w = (1 - (e / k)^2)^2 for distances e below k = threshold * 1.4826 * median e, else 0. They end when the weights
-/// change by less than 0.02 of their sum; those weights are not used for another solve (deliberate). With a threshold of
-/// 4, a fifth of the points off by many times the noise does not pull the result, if the first solve still tells them
-/// apart.
+/// change by less than 0.02 of their sum; those are not used for another solve (`docs/decisions.md#settled-weights`).
+/// With a threshold of 4, a fifth of the points off by many times the noise does not pull the result, if the first
+/// solve still tells them apart.
 ///
-/// The minimax modes minimise the radius of zelmCgSmallestEnclosingCircle() around the deviations over the angle (mode
-/// 4: downhill walk with doubling steps from the least-squares angle, then golden sections) or over angle and scale
-/// (mode 5: simplex). They assume one minimum near the least-squares estimate: an outlier counts in full. That circle
-/// is an approximation, whose radius exceeds the smallest one by 4e-8 of itself in the median, by 5e-5 in one of ten
-/// cases and by up to 1.2e-3, so that the cost is rough to that degree. The distance of the worst point came within
-/// 1e-8 of the true minimum in the median, 2e-5 in nine of ten cases and 1e-3 at worst in mode 4, which makes one walk
-/// and one run of sections; within 1e-10, 1e-7 and 2e-4 in mode 5, which compares several runs. Where the minimum is
-/// sharp (fixed by more points than there are parameters) both find it to 1e-7, the angle to 1e-6 degrees
-/// and the scale to 1e-6 percent.
-/// Deviations below 1e-10 (caller's units) are below the circle's resolution.
-/// Mode 5 may end at a negative scale, where the sets hardly resemble each other and the least-squares scale is small:
-/// a half turn. A scale of -s at the angle a is the same motion as the scale s at a + pi.
-///
-/// What keeps the searches finite on any data: the walk of mode 4 ends after a full turn; golden sections end when the
-/// bracket is shorter than 1e-9 (|a| + |b|) of its ends or than 1e-13 degrees (which only matters within 1e-4 degrees of
-/// 0, and is below what rounding leaves of an angle); the simplex ends after 2000 circles. Its rules: the start vertices
-/// lie at (-1, -1), (1, -1) and (-1, 1) degrees and percent from the least-squares estimate. The highest vertex is
-/// reflected at the middle of the others, and expanded to twice the way if it becomes the lowest; if it does not get
-/// below the second, it is moved halfway to the lowest, and if it still fails to improve, the second too. A run ends
-/// when no vertex is farther than 1e-9 from the lowest. Further runs start beside the lowest place, each on another
-/// side, and where two runs end apart the line through both is searched. The search ends when two runs agree to 5e-7
-/// degrees and percent, or when four in a row lower the radius by less than 1e-10 of itself. Neither search returns a
-/// larger circle than that of the least-squares estimate.
+/// The minimax modes minimise the radius of zelmCgSmallestEnclosingCircle() around the residual vectors, over the angle
+/// (mode 4: downhill walk and golden sections) or over angle and scale (mode 5: simplex). They assume one minimum near
+/// the least-squares estimate and never return a worse one; an outlier counts in full. Mode 5 may
+/// end at a negative scale (a half turn): -s at the angle a is the motion of scale s at a + pi. Rules and figures: `docs/limits.md`,
+/// Minimax registration.
 ///
 /// @param iN         [in]  number of points, >= 2
 /// @param taRef      [in]  iN reference points
@@ -75,12 +57,12 @@ typedef struct ZelmMatchPose {
 /// @param dThreshold [in]  cut-off of the robust modes in standard deviations, > 0; else ignored
 /// @param tResult    [out] may be tModelPose; written unless ZELM_ERR_PARAM is returned, with the estimate reached so
 ///     far (least squares in closed form, if nothing better); angle in (-pi, pi]; scale negative at times in mode 5
-/// @return ZELM_OK; ZELM_MATCH_EXACT from a robust mode when k is below 1e-13; ZELM_ERR_PARAM: an unknown mode, iN < 2, a
-///     NULL pointer, a robust mode with a threshold that is not > 0; ZELM_ERR_MEMORY; ZELM_ERR_DEGENERATE: a robust mode
-///     rejected every point, or a minimax mode met a circle that is not finite. Points that are not finite, or whose
-///     squares are not, end in ZELM_ERR_DEGENERATE from modes 2 to 5 and in a result that means nothing from 0 and 1.
-///     Memory: three numbers a point in modes 2 and 3, one point a point in modes 4 and 5. Time: O(iN) a pass; a minimax
-///     search takes 40 to 100 circles (mode 4) or 250 to 2000 (mode 5), O(iN log iN) each
+/// @return ZELM_OK; ZELM_MATCH_EXACT from a robust mode when k is below 1e-13; ZELM_ERR_PARAM: an unknown mode, iN < 2,
+///     a NULL pointer, a robust mode with a threshold that is not > 0; ZELM_ERR_MEMORY; ZELM_ERR_DEGENERATE: a robust
+///     mode rejected every point, or a minimax mode met a circle that is not finite. Points that are not finite, or
+///     whose squares are not, end in ZELM_ERR_DEGENERATE from modes 2 to 5 and in a result that means nothing from 0
+///     and 1. Memory: three numbers a point in modes 2 and 3, one point a point in modes 4 and 5. Time: O(iN) a pass,
+///     O(iN log iN) a circle of the minimax modes
 ZELM_API int32_t zelmMatchBasic(int32_t iN, const Point2d* taRef, const Point2d* taModel,
                                 const ZelmMatchPose* tModelPose, int32_t iMode, double dThreshold,
                                 ZelmMatchPose* tResult);

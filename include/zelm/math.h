@@ -60,7 +60,7 @@ ZELM_API int32_t zelmMathCalcAngle(int32_t iN, const double* daU, const double* 
 /// @param iN         [in]  values, at least 2
 /// @param daData     [in]  iN
 /// @param dMean      [out] sum / iN
-/// @param dVariance  [out] sum of (x - mean)^2 / iN: deliberately by iN, although two values are required
+/// @param dVariance  [out] sum of (x - mean)^2 / iN (`docs/decisions.md#population-variance`)
 /// @param dDeviation [out] square root of the variance
 /// @return ZELM_OK, or ZELM_ERR_DEGENERATE if iN is below 2
 ZELM_API int32_t zelmMathStat(int32_t iN, const double* daData, double* dMean, double* dVariance, double* dDeviation);
@@ -92,11 +92,11 @@ ZELM_API void zelmMathRotatePoint(double dCx, double dCy, double dTheta, double 
                                   double* dYOut);
 
 /// The frame whose x axis points from (x1, y1) towards (x2, y2).
+/// @param iMode [in] 0: the origin is the midpoint of the two; otherwise (x1, y1)
 /// @param dX1, dY1 [in] the first point
 /// @param dX2, dY2 [in] the second point
 /// @param dOx, dOy [out] the origin
 /// @param dTheta [out] the direction of the x axis in radians
-/// @param iMode [in] 0: the origin is the midpoint of the two; otherwise (x1, y1)
 ZELM_API void zelmMathCreateTransParam(int32_t iMode, double dX1, double dY1, double dX2, double dY2, double* dOx,
                                        double* dOy, double* dTheta);
 
@@ -142,8 +142,8 @@ ZELM_API void zelmMathComposeCoord(double dOx1, double dOy1, double dTheta1, dou
 
 /// The sum of two angles, wrapped.
 ///
-/// The first operand is wrapped into (-h, h], the second into [-h, h], then their sum into [-h, h]. That the first
-/// alone leaves -h is deliberate: in degrees (-180, 0) gives 180, (0, -180) gives -180.
+/// The first operand is wrapped into (-h, h], the second into [-h, h], then their sum into [-h, h]. So in
+/// degrees (-180, 0) gives 180, (0, -180) gives -180 (`docs/decisions.md#add-angle-end`).
 /// @param iFull [in] non-zero: period of a full turn; zero: of a half turn
 /// @param iDegrees [in] non-zero: degrees; zero: radians
 /// @param dA, dB [in] the operands
@@ -204,8 +204,8 @@ ZELM_API double zelmMathGetDistAndCrossPointFromPointToLine(double dA, double dB
 ZELM_API int32_t zelmMathCrossPoint(double dA1, double dB1, double dC1, double dA2, double dB2, double dC2, double* dX,
                                     double* dY);
 
-/// The normalised line through two points, its normal ((y2 - y1), (x1 - x2)) / distance: deliberately the opposite of
-/// the normal that the Clp2d family gives.
+/// The normalised line through two points, its normal ((y2 - y1), (x1 - x2)) / distance: the opposite of the normal
+/// that the Clp2d family gives (`docs/decisions.md#line-normals`).
 /// @param dX1, dY1 [in] the first point
 /// @param dX2, dY2 [in] the second point
 /// @param dA, dB, dC [out] the line

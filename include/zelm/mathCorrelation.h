@@ -31,7 +31,7 @@ ZELM_API double zelmMathNormCorrelation(int32_t iN, const double* daU, const dou
 /// @param iM     [in]  lags, from 1 to iN
 /// @param daOut  [out] iM; may be daData
 /// @return ZELM_OK; ZELM_ERR_DEGENERATE if iN or iM is below 1 or iM above iN. Where the work memory of iN + iM doubles
-///         cannot be obtained: ZELM_OK with nothing written, deliberately
+///         cannot be obtained: ZELM_OK with nothing written (`docs/decisions.md#no-memory-status-math`)
 ZELM_API int32_t zelmMathAutoCorrelation(int32_t iN, const double* daData, int32_t iM, double* daOut);
 
 /// The circular auto-correlation as cosines: out[k] is zelmMathNormCorrelation of the signal and itself shifted by k.
@@ -40,7 +40,7 @@ ZELM_API int32_t zelmMathAutoCorrelation(int32_t iN, const double* daData, int32
 /// @param daData [in]  iN
 /// @param iM     [in]  lags, from 1 to iN
 /// @param daOut  [out] iM; may be daData
-/// @return as zelmMathAutoCorrelation, ZELM_OK with nothing written where there is no memory, deliberately
+/// @return as zelmMathAutoCorrelation, ZELM_OK with nothing written where there is no memory
 ZELM_API int32_t zelmMathNormAutoCorrelation(int32_t iN, const double* daData, int32_t iM, double* daOut);
 
 /// Where in a signal a template correlates best, by zelmMathNormCorrelation at every offset from 0 to iN - iM. Takes
@@ -62,8 +62,8 @@ ZELM_API int32_t zelmMathSearchOf1DWithNormCorrelation(int32_t iN, const double*
 /// @param dThreshold [out] halfway between the largest value of the lower class and the smallest of the upper one; of
 ///                         splits of equal variance the lowest. A single value is its own threshold; values of which
 ///                         one is not a number give a threshold that is not a number
-/// @return ZELM_OK; ZELM_ERR_DEGENERATE if iN is below 1, a pointer is NULL, or, deliberately the same status, the work
-///         memory cannot be obtained
+/// @return ZELM_OK; ZELM_ERR_DEGENERATE if iN is below 1, a pointer is NULL, or the work memory cannot be obtained
+///         (`docs/decisions.md#no-memory-status-math`)
 ZELM_API int32_t zelmMathOtsuThreshold1d(int32_t iN, const double* daData, double* dThreshold);
 
 ZELM_END_DECLS

@@ -22,9 +22,8 @@ ZELM_BEGIN_DECLS
 /// q = -(b + sign(b) sqrt(D)) / 2, the larger in magnitude first (sign(0) = +1). A double root (D exactly 0) is
 /// reported once. Where a is 0 (or not a number) the root of b x + c; where b is 0, too, none.
 ///
-/// D = b^2 - 4 a c is not computed in extended precision: roots closer to each other than about 1e-8 of their size
-/// may come out as one, as none, or apart by as much. Coefficients beyond 1e154 overflow D; products below 1e-308
-/// vanish in it. A D that is not a number means no roots.
+/// Roots closer to each other than about 1e-8 of their size may come out as one, as none, or apart by as much.
+/// Coefficients beyond 1e154 overflow D; a D that is not a number means no roots. See `docs/limits.md`.
 /// @param daCoef  [in]  a, b, c
 /// @param daRoots [out] 2
 /// @return 0, 1 or 2
@@ -39,12 +38,9 @@ ZELM_API int32_t zelmMathQuadraticRoots(const double* daCoef, double* daRoots);
 ///
 /// |a| of 1e-9 or less, or not finite, means no roots: the polynomial is not reduced to a quadratic, nor is it scaled.
 ///
-/// Accuracy, with s = max(|b/a|, |c/a|^(1/2), |d/a|^(1/3)), about the size of the largest root, complex ones included:
-/// for s between 1e-45 and 1e50 the value of the polynomial at a root is within 5e-14 |a| s^3 of 0. The error of a
-/// simple root is that over the slope there, so that a root much smaller than s has lost digits. Two roots closer than
-/// about 1e-7 s, or three closer than about 1e-4 s, may come out as a single one or the other way round. Beyond that
-/// range of s the squares and cubes overflow, which gives one root that is not a number, or vanish, which gives three
-/// roots -p/3.
+/// The value of the polynomial at a root is within 5e-14 |a| s^3 of 0, s being about the size of the largest root, for
+/// s between 1e-45 and 1e50. Two roots closer than about 1e-7 s, or three closer than about 1e-4 s, may come out as one
+/// or the other way round. See `docs/limits.md`.
 /// @param daCoef  [in]  a, b, c, d
 /// @param daRoots [out] 3, all written unless the result is 0
 /// @return 0, 1 or 3
@@ -57,19 +53,12 @@ ZELM_API int32_t zelmMathCubicRoots(const double* daCoef, double* daRoots);
 /// and y^2 + S y + (z/2 - t). The roots of the first factor come first, each pair in the order of
 /// zelmMathQuadraticRoots; a double root of one factor is reported once.
 ///
-/// |a| of 1e-9 or less, or not finite, means no roots. So does z <= p, although there may be roots then: where q is
-/// exactly 0 and r < 0, the two real roots are not found (x^4 - 1 has none here; the same polynomial moved along x may
-/// give wrong ones, see below). z is taken from the factors (z - p)(z^2 - 4 r) where q is exactly 0, so that this does
-/// not depend on rounding.
+/// |a| of 1e-9 or less, or not finite, means no roots. So does z <= p: where q is exactly 0 and r < 0, the two real
+/// roots are not found, as of x^4 - 1 (`docs/decisions.md#quartic-even`).
 ///
-/// Accuracy, with s = max(|b/a|, |c/a|^(1/2), |d/a|^(1/3), |e/a|^(1/4)), from 1e-24 to 1e25; beyond that range the
-/// powers of s overflow, which gives no roots, or vanish, which gives wrong ones:
-/// - Four real roots: the value of the polynomial at each is within 1e-14 |a| s^4 of 0. Two roots closer than about
-///   1e-6 s may be missed together, more than two closer than about 1e-2 s likewise.
-/// - Two real roots: S is the distance of their mean from the real part of the complex pair, and z - p = S^2 a
-/// difference
-///   of rounded values. The value of the polynomial is within 1e-13 (s/S)^2 |a| s^4 of 0 for S above 1e-6 s, which
-///   leaves six digits of a root at S = 1e-3 s. Below 1e-7 s the roots are wrong, too many or missing.
+/// Four real roots are good to 1e-14 |a| s^4 in the polynomial's value, s being about the size of the largest root; two
+/// real roots beside a close complex pair, and roots close to each other, lose digits or are missed. See
+/// `docs/limits.md`.
 /// @param daCoef  [in]  a, b, c, d, e
 /// @param daRoots [out] 4
 /// @return 0 to 4
@@ -81,24 +70,9 @@ ZELM_API int32_t zelmMathQuarticRoots(const double* daCoef, double* daRoots);
 /// to the point where the sine of its parameter is a root of a quartic, solved by zelmMathQuarticRoots; of the
 /// ellipse's points at these sines the nearest is taken, the first on a tie.
 ///
-/// The quartic's limits are those of this function:
-/// - Circles, and ellipses with |k| below about 3.2e-5, give ZELM_ERR_DEGENERATE: the quartic loses its leading term.
-/// Use
-///   zelmMathGetDistFromPointToCircle for circles, and larger units for small ellipses.
-/// - Points on the own x axis (Y = 0) with |a X| >= |k| give ZELM_ERR_DEGENERATE. Beside that part of the axis digits
-///   are lost: with axes of 5 : 1 to 5 : 4, and |a X| beyond |k| by at least a twentieth, the distance is right to
-///   1e-12 b for |Y| >= b/10, but may be wrong by 1e-7 b at b/100 and by 1e-4 b at b/1000, where the status may also be
-///   ZELM_ERR_DEGENERATE; below b/100000 the result is worthless, without any sign of it.
-/// - Points close to the own y axis (|X| below 1e-6 a, also 0) or to the x axis within |a X| < |k| (|Y| below 1e-6 b,
-///   but not 0) may lose the root of their nearest point, a sine that rounds beyond 1 or half of a double root: the
-///   result is then another of the points at right angles, or ZELM_ERR_DEGENERATE.
-/// - Far away the nearest point loses digits with the square of the distance: with axes of 5 : 1 to 5 : 4 it is right to
-///   1e-8 a at the distance 100 a, 1e-4 a at 10000 a, not at all at a million a, where some points give
-///   ZELM_ERR_DEGENERATE. The distance keeps 12 digits up to 100000 a.
-/// - Distances of 1e7 and more give ZELM_ERR_DEGENERATE. So does input that is not finite.
-///
-/// Everywhere else the distance is right to a few roundings of the coordinates, the nearest point to about 1e-8 of the
-/// ellipse's size or better.
+/// The quartic's limits are those of this function: circles and nearly circular ellipses are refused (use
+/// zelmMathGetDistFromPointToCircle), points on and close to an own axis lose digits or are refused, far ones lose
+/// digits of the nearest point. `docs/limits.md` says where; elsewhere the distance is right to a few roundings.
 /// @param dCx, dCy   [in]  centre
 /// @param dA         [in]  semi-axis along the own x axis; need not be the longer one
 /// @param dB         [in]  semi-axis along the own y axis

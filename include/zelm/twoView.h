@@ -1,8 +1,8 @@
 /// @file
-/// The stereo pair: calibration object, pattern reading and stereo calibration.
+/// The pair of cameras: calibration object, plate reading and calibration.
 ///
-/// One object describes a pair of cameras, left and right, that see a flat dot plate together in several views. Calling
-/// order: zelm2ViewCalibOpen, then zelm2ViewReadPtnImg (or a buffer variant) once per view, then
+/// One object describes a pair of cameras, left and right, that see a flat plate of dots together in several views.
+/// Calling order: zelm2ViewCalibOpen, then zelm2ViewReadPtnImg (or a buffer variant) once per view, then
 /// zelm2ViewCalibCameraParam, then the accessors; zelm2ViewGetCalibDataSize and zelm2ViewSaveCalibData to persist;
 /// later zelm2ViewLoadCalibData; zelm2ViewCalibClose at the end in every case.
 ///
@@ -12,10 +12,11 @@
 /// integer coordinates.
 ///
 /// A camera is selected by an integer whose low byte is 'L' or 'R'; the other bytes are not looked at. Cameras of model
-/// 0 and 1 are perspective, cameras of model 2 of parallel projection (telecentric); these are read and calibrated from
-/// view 0 alone. Functions on different objects may run at the same time; an object is for one thread at a time.
+/// 0 (perspective) and 1 (tilted) are perspective, those of model 2 are parallel, as telecentric lenses see; parallel
+/// ones are read and calibrated from view 0 alone (`docs/decisions.md#first-view-only`). Functions on different objects
+/// may run at the same time; an object is for one thread at a time.
 ///
-/// The calibration data block, which Save hands out and Load takes, is a file format. All numbers are little-endian,
+/// The calibration block, which Save hands out and Load takes, is a file format. All numbers are little-endian,
 /// the fields packed without padding; n is the number of views, the size n * 240 + 812 bytes:
 ///
 /// | offset | type | contents |
@@ -38,20 +39,20 @@
 
 ZELM_BEGIN_DECLS
 
-/// The stereo calibration object, opened or loaded and closed by the functions below.
+/// The calibration object of a pair, opened or loaded and closed by the functions below.
 typedef struct Zelm2ViewCalib Zelm2ViewCalib;
 
 /// Models and image sizes of the two cameras.
 typedef struct Zelm2ViewCameraDesc {
-    int32_t leftModel;    ///< 0, 1 or 2
+    int32_t leftModel;    ///< 0 perspective, 1 tilted, 2 parallel
     int32_t leftWidth;    ///< pixels, > 0
     int32_t leftHeight;   ///< pixels, > 0
-    int32_t rightModel;   ///< 0, 1 or 2
+    int32_t rightModel;   ///< 0 perspective, 1 tilted, 2 parallel
     int32_t rightWidth;   ///< pixels, > 0
     int32_t rightHeight;  ///< pixels, > 0
 } Zelm2ViewCameraDesc;
 
-/// The dot plate: 96 bytes, fixed layout. Lengths are in plane units (for example millimetres) and > 0.
+/// The plate: 96 bytes, fixed layout. Lengths are > 0 and in any one unit, the plate unit (for example millimetres).
 ///
 /// A grid of round dots of one size, of which some larger ones, the markers, fix origin and axes: the corner marker at
 /// the origin, one on the x axis and one on the y axis. The dot field is centred on the corner marker.
@@ -73,12 +74,12 @@ typedef struct Zelm2ViewPatternDesc {
     int32_t reserved92;      ///< carried along, not read
 } Zelm2ViewPatternDesc;
 
-/// What the stereo calibration reports of each camera.
+/// What the calibration of a pair reports of each camera.
 typedef struct Zelm2ViewCalibResult {
     int32_t statusL;  ///< status of the left camera's estimation
-    double errorL;    ///< its mean reprojection distance in pixels
+    double errorL;    ///< its mean reprojection error in pixels
     int32_t statusR;  ///< status of the right camera's estimation
-    double errorR;    ///< its mean reprojection distance in pixels
+    double errorR;    ///< its mean reprojection error in pixels
 } Zelm2ViewCalibResult;
 
 /// Opens an object for a new calibration.
@@ -89,25 +90,25 @@ typedef struct Zelm2ViewCalibResult {
 /// @param tHandle   [in/out] must hold NULL; receives the object
 /// @return ZELM_OK; ZELM_ERR_PARAM, with nothing allocated: views below 3, a NULL pointer, a live handle, a length of
 ///         the plate that is not positive, markers < 1, polarity other than 0 or 1, an image size < 1, a model other
-///         than 0, 1 or 2; ZELM_ERR_MEMORY: the object cannot be had, or its data block would exceed 2^31 - 1 bytes.
-///         On failure the handle stays NULL
-/// The data block starts as zeros but for its first 28 bytes.
+///         than 0, 1 or 2; ZELM_ERR_MEMORY: the object cannot be had, or its calibration block would exceed 2^31 - 1
+///         bytes. On failure the handle stays NULL
+/// The calibration block starts as zeros but for its first 28 bytes.
 ZELM_API int32_t zelm2ViewCalibOpen(int32_t iViews, const Zelm2ViewPatternDesc* tPattern,
                                     const Zelm2ViewCameraDesc* tCameras, Zelm2ViewCalib** tHandle);
 
-/// Size of the calibration data block in bytes.
+/// Size of the calibration block in bytes.
 /// @param tHandle [in] an opened or loaded object
 /// @return n * 240 + 812; ZELM_ERR_PARAM: NULL handle, or a loaded block whose n gives no size that an int32 can hold
 ZELM_API int32_t zelm2ViewGetCalibDataSize(const Zelm2ViewCalib* tHandle);
 
-/// Copies the calibration data block out. The dots that were read are not part of it.
+/// Copies the calibration block out. The dots that were read are not part of it.
 /// @param tHandle [in] an opened or loaded object
 /// @param ucBuffer [out] zelm2ViewGetCalibDataSize bytes
 /// @return ZELM_OK; ZELM_ERR_PARAM: a NULL pointer, or a block without a size
 ZELM_API int32_t zelm2ViewSaveCalibData(const Zelm2ViewCalib* tHandle, unsigned char* ucBuffer);
 
-/// Makes an object from a saved data block. It serves everything that reads only the block; reading, calibration,
-/// zelm2ViewGetPtnNum and zelm2ViewGetPattern refuse it.
+/// Makes an object from a saved calibration block. It serves everything that reads only the block; reading,
+/// calibration, zelm2ViewGetPtnNum and zelm2ViewGetPattern refuse it.
 /// @param iSize    [in]     bytes in the buffer, >= 1. Taken at its word: it is not compared with the size that follows
 ///                          from the block's own view count, so check untrusted files before: a shorter buffer makes
 ///                          later calls read beyond the object
@@ -215,11 +216,11 @@ ZELM_API int32_t zelm2ViewReadPtnImg(Zelm2ViewCalib* tHandle, int32_t iView, con
 /// The same for gray platform buffers. Rows without padding are read in place, others are packed first.
 /// @param tHandle [in/out] an opened object
 /// @param iView [in] 0..n - 1
+/// @param tLeft  [in] Planar8 buffer of the size given at open; one of the two may be NULL where its image is
+///               not needed
+/// @param tRight [in] the same of the right camera
 /// @param tRegionLeft [in] where to look for dots in the left image, or NULL
 /// @param tRegionRight [in] the same for the right image
-/// @param tLeft  [in] Planar8 buffer of the size given at open; one of the two may be NULL where its image is not
-/// needed
-/// @param tRight [in] the same of the right camera
 /// @return as zelm2ViewReadPtnImg; ZELM_ERR_PARAM also for two NULL buffers, a buffer without data, of another size, or
 ///         with rows shorter than its width; ZELM_ERR_MEMORY also when a packed copy cannot be had
 ZELM_API int32_t zelm2ViewReadPtnImg_vImagePlanar8(Zelm2ViewCalib* tHandle, int32_t iView, const vImage_Buffer* tLeft,
@@ -229,11 +230,11 @@ ZELM_API int32_t zelm2ViewReadPtnImg_vImagePlanar8(Zelm2ViewCalib* tHandle, int3
 /// The same for colour platform buffers; a pixel's gray is the truncated mean of its R, G and B.
 /// @param tHandle [in/out] an opened object
 /// @param iView [in] 0..n - 1
+/// @param tLeft  [in] ARGB8888 buffer of the size given at open; one of the two may be NULL where its image is
+///               not needed
+/// @param tRight [in] the same of the right camera
 /// @param tRegionLeft [in] where to look for dots in the left image, or NULL
 /// @param tRegionRight [in] the same for the right image
-/// @param tLeft  [in] ARGB8888 buffer of the size given at open; one of the two may be NULL where its image is not
-/// needed
-/// @param tRight [in] the same of the right camera
 /// @return as zelm2ViewReadPtnImg_vImagePlanar8
 ZELM_API int32_t zelm2ViewReadPtnImg_vImageARGB8888(Zelm2ViewCalib* tHandle, int32_t iView, const vImage_Buffer* tLeft,
                                                     const vImage_Buffer* tRight, const ZelmRect* tRegionLeft,
@@ -246,8 +247,8 @@ ZELM_API int32_t zelm2ViewReadPtnImg_vImageARGB8888(Zelm2ViewCalib* tHandle, int
 /// principal point to the image's centre. The fundamental matrix is K_L^-T [t]x R K_R^-1 of the two poses of view 0
 /// (Longuet-Higgins, 1981), or, for a left camera of model 2, (P_R P_L^+)' [e]x (Hartley and Zisserman, 2004) turned to
 /// the same order; divided by its largest element and then made of rank 2. Accepted pairs of models: 0 and 1 in any
-/// combination, 2 with 0, 1 or 2. A perspective left with a model-2 right camera is refused, deliberately, after both
-/// cameras have been estimated and written: swap the cameras.
+/// combination, 2 with 0, 1 or 2. A perspective left with a model-2 right camera is refused after both cameras have
+/// been estimated and written (`docs/decisions.md#right-parallel-refused`): swap the cameras.
 ///
 /// One view of a plane does not tell the sign of a parallel camera's tilt: seen from the other side the dots lie the
 /// same. The estimation takes one of the two poses, so in a pair with a camera of model 2 that is tilted against the
@@ -258,10 +259,10 @@ ZELM_API int32_t zelm2ViewReadPtnImg_vImageARGB8888(Zelm2ViewCalib* tHandle, int
 ///                      has been estimated
 /// @return ZELM_OK; ZELM_ERR_PARAM: a NULL pointer, a loaded object, left model not 2 with right model 2;
 ///         ZELM_ERR_STEREO_GEOMETRY: no fundamental matrix, as for two cameras in the same place or a parallel camera
-///         whose scale is below about 3e-5 pixels a plane unit; ZELM_ERR_CALIB_HOMOGRAPHY: no rectifying pair;
-///         codes of zelmCalibCameraParam (left camera first) and of the matrix toolkit; ZELM_ERR_MEMORY
-/// On failure the data block holds what was finished before: left camera, right camera, fundamental matrix, left and
-/// right rectifying pair, in this order.
+///         whose scale is below about 3e-5 pixels a plate unit; ZELM_ERR_CALIB_HOMOGRAPHY: no rectifying pair; codes of
+///         zelmCalibCameraParam (left camera first) and of the matrix toolkit; ZELM_ERR_MEMORY
+/// On failure the calibration block holds what was finished before: left camera, right camera, fundamental matrix, left
+/// and right rectifying pair, in this order.
 ZELM_API int32_t zelm2ViewCalibCameraParam(Zelm2ViewCalib* tHandle, Zelm2ViewCalibResult* tResult);
 
 ZELM_END_DECLS

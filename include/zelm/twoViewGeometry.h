@@ -2,10 +2,10 @@
 /// Measuring with a calibrated pair: 3-D points, projections, epipolar lines, rectified and undistorted images, point
 /// mappings.
 ///
-/// All functions read only the calibration data block, so opened (and calibrated) and loaded objects serve alike. The
-/// world frame is the pattern plane of view 0; 3-D coordinates are in the units of the dot pitch. Raw pixels are pixels
-/// of the image as taken (distorted); undistorted pixels are those of the ideal camera. A camera is named by 'L' or 'R'
-/// in the low byte of an integer. Nothing in the object changes; all functions are reentrant.
+/// All functions read only the calibration block, so opened (and calibrated) and loaded objects serve alike. The world
+/// frame is the plate of view 0; 3-D coordinates are in plate units. Raw pixels are pixels of the image as taken
+/// (distorted); undistorted pixels are those of the same camera without its lens distortion. A camera is named by 'L'
+/// or 'R' in the low byte of an integer. Nothing in the object changes; all functions are reentrant.
 #ifndef ZELM_TWO_VIEW_GEOMETRY_H
 #define ZELM_TWO_VIEW_GEOMETRY_H
 
@@ -34,12 +34,12 @@ typedef struct Zelm2ViewHomParam {
                 ///< perspective cameras it scales a column of both matrices alike and changes nothing
 } Zelm2ViewHomParam;
 
-/// The 3-D point of a pair of corresponding raw pixels: the lens distortion is removed, the pair is moved to satisfy
+/// The 3-D point of a raw pixel pair: the lens distortion is removed, the pair is moved to satisfy
 /// the epipolar constraint by first-order optimal correction (Kanatani, Sugaya and Niitsuma, 2008; at most 20 rounds,
 /// else the points are used as they are), and the point is found by linear least squares.
 /// @param tHandle [in]  calibrated pair; at most one camera may have model 2
 /// @param tLeft   [in]  raw pixel of the left image
-/// @param tRight  [in]  corresponding raw pixel of the right image
+/// @param tRight  [in]  its counterpart in the right image, raw
 /// @param tOut    [out] point in the world frame, written on success
 /// @return ZELM_OK; ZELM_ERR_PARAM for a NULL pointer or two model-2 cameras; ZELM_ERR_UNDISTORT when a pixel's
 ///         distortion cannot be removed; ZELM_ERR_DEGENERATE when the linear system cannot be solved; ZELM_ERR_MEMORY
@@ -94,8 +94,8 @@ ZELM_API int32_t zelm2ViewMakeHomImage(const Zelm2ViewCalib* tHandle, int32_t iC
 /// As zelm2ViewMakeHomImage for ARGB8888 buffers; all four bytes of a pixel are treated alike.
 /// @param tHandle [in] calibrated pair, opened or loaded
 /// @param iCamera [in] 'L' or 'R'
-/// @param tParams [in] rectification
 /// @param tSrc [in]  raw image of the camera's size
+/// @param tParams [in] rectification
 /// @param tDst [out] rectified image of the same size; its data is written
 /// @return as zelm2ViewMakeHomImage; also ZELM_ERR_PARAM when a buffer has no data, a row longer than 2^31 - 1 bytes,
 ///         or another size than the camera's image
@@ -106,8 +106,8 @@ ZELM_API int32_t zelm2ViewMakeHomImage_vImageARGB8888(const Zelm2ViewCalib* tHan
 /// Maps a raw pixel into the rectified image.
 /// @param tHandle [in] calibrated pair, opened or loaded
 /// @param iCamera [in] 'L' or 'R'
-/// @param tParams [in] rectification
 /// @param tIn  [in]  raw pixel
+/// @param tParams [in] rectification
 /// @param tOut [out] rectified pixel
 /// @return ZELM_OK; ZELM_ERR_PARAM for a NULL pointer or another camera; ZELM_ERR_DEGENERATE when the rectifying
 ///         transform cannot be formed; ZELM_ERR_UNDISTORT when the pixel's distortion cannot be removed
@@ -117,8 +117,8 @@ ZELM_API int32_t zelm2ViewCalcHomImgPoint(const Zelm2ViewCalib* tHandle, int32_t
 /// Maps a rectified pixel back to the raw image.
 /// @param tHandle [in] calibrated pair, opened or loaded
 /// @param iCamera [in] 'L' or 'R'
-/// @param tParams [in] rectification
 /// @param tIn  [in]  rectified pixel
+/// @param tParams [in] rectification
 /// @param tOut [out] raw pixel
 /// @return ZELM_OK; ZELM_ERR_PARAM for a NULL pointer or another camera; ZELM_ERR_DEGENERATE when the rectifying
 ///         transform cannot be formed

@@ -24,7 +24,7 @@ int main(void) {
         printf("calibration failed with status %d\n", status);
         return 1;
     }
-    printf("left camera: focal lengths %.1f %.1f px, mean reprojection distance %.3f px\n", left.alpha, left.beta,
+    printf("left camera: focal lengths %.1f %.1f px, mean reprojection error %.3f px\n", left.alpha, left.beta,
            result.errorL);
 
     /* The calibration to store; zelm2ViewLoadCalibData brings it back in another process. */

@@ -61,7 +61,8 @@ private:
     size_t count = 0;
 };
 
-// The smallest of `next` and what the neighbours stand for. One level of look-up, not a walk to the root: deliberate.
+// The smallest of `next` and what the neighbours stand for. One level of look-up, not a walk to the root: see
+// docs/decisions.md#label-one-level.
 int32_t chooseLabel(BlobLabels& labels, std::span<const Run> neighbours, int32_t next) {
     int32_t L = next;
     for (const Run& q : neighbours) {

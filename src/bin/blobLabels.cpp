@@ -8,9 +8,9 @@ namespace {
 
 constexpr int32_t kGrowth = 1000;  // labels per step
 
-// Deliberate: the terms of a run are signed 32-bit and wrap around, so second moments are right only while x^2 * n,
-// y^2 * n and n^3 / 3 stay below 2^31. Unsigned arithmetic gives that result without undefined overflow; the
-// conversion back is modular.
+// The terms of a run are signed 32-bit and wrap around (docs/decisions.md#moments-wrap), so second moments are right
+// only while x^2 * n, y^2 * n and n^3 / 3 stay below 2^31. Unsigned arithmetic gives that result without undefined
+// overflow; the conversion back is modular.
 int32_t wrapped(uint32_t value) {
     return static_cast<int32_t>(value);
 }

@@ -86,8 +86,8 @@ int32_t repeat(const ZelmImage* src, const ZelmRect* region, int32_t threshold, 
     return ZELM_OK;
 }
 
-// A position other than the origin cannot be in the intermediate image, which is of the region's size. Beyond the far
-// edge the first step finds out; before the near edge, which it does not check, it would write outside the image.
+// docs/decisions.md#opening-origin: a position other than the origin cannot be in the intermediate image. Beyond the
+// far edge the first step finds out; before the near edge, which it does not check, it would write outside the image.
 bool startsBeforeOrigin(const ZelmRect& region) {
     return region.x < 0 || region.y < 0;
 }

@@ -8,8 +8,8 @@
 
 namespace zelm {
 
-// Whether the region's far edges lie inside an image. Deliberate: neither the near edges nor any other image are looked
-// at.
+// Whether the region's far edges lie inside an image. Neither the near edges nor any other image are looked at: see
+// docs/decisions.md#region-one-sided.
 inline bool endsInside(const ZelmRect& region, const ZelmImage& image) {
     return static_cast<int64_t>(region.x) + region.width <= image.width &&
            static_cast<int64_t>(region.y) + region.height <= image.height;

@@ -44,8 +44,8 @@ inline double mixRows(double upper, double lower, double fraction) {
 // the border the last pixel counts twice. 0.0 anywhere else, also for coordinates that are not numbers.
 double sampleBilinearPlanar8(const vImage_Buffer& buffer, double x, double y);
 
-// R, G and B of an ARGB8888 buffer, rounded to bytes, at 0 <= x <= width - 1 and 0 <= y <= height - 1: deliberately a
-// narrower range than the gray one. Zeros anywhere else, also for coordinates that are not numbers.
+// R, G and B of an ARGB8888 buffer, rounded to bytes, at 0 <= x <= width - 1 and 0 <= y <= height - 1: a narrower range
+// than the gray one (docs/decisions.md#colour-border). Zeros anywhere else, also for coordinates that are not numbers.
 void sampleBilinearARGB8888(const vImage_Buffer& buffer, double x, double y, std::uint8_t& outR, std::uint8_t& outG,
                             std::uint8_t& outB);
 

@@ -50,7 +50,7 @@ int32_t zelmClp2dIntersectionLineAndCircle(const Line2d* tLine, const Circle2d* 
         d = r;
     }
     const double h = std::sqrt(r * r - d * d);
-    // Deliberate: a and b as stored, so the points are right for a normalised line only.
+    // a and b as stored: the points are right for a normalised line only (docs/decisions.md#circle-line-scale).
     *tQ1 = {foot.x - tLine->b * h, foot.y + tLine->a * h};
     *tQ2 = {foot.x + tLine->b * h, foot.y - tLine->a * h};
     return ZELM_OK;

@@ -78,7 +78,7 @@ int32_t zelmClp3dAngleLineAndPlane(const Line3d* tLine, const Plane3d* tPlane, d
     if (lengthOf(direction) < kClp3dDegenerate || lengthOf(normal) < kClp3dDegenerate) {
         return ZELM_ERR_DEGENERATE;
     }
-    // Deliberate: signed tests, which refuse also a line that runs against the normal from the positive side.
+    // Signed tests: docs/decisions.md#signed-line-plane.
     if (dotProduct(direction, normal) < kClp3dDegenerate && valueAt(*tPlane, pointOf(*tLine)) > kClp3dDegenerate) {
         return ZELM_ERR_DEGENERATE;
     }

@@ -84,7 +84,7 @@ void cpuFeaturesFill(CpuidSource query) {
     }
     publishLeaf(cpuFeatures.extendedLeaves[0], query, kFirstExtendedLeaf);
     publish(cpuFeatures.extendedCount, cappedCount(read(cpuFeatures.extendedLeaves[0][kEax]) ^ kFirstExtendedLeaf));
-    // Deliberate: as many extended leaves as there are basic ones.
+    // As many extended leaves as there are basic ones: docs/decisions.md#leaf-count.
     for (std::int32_t k = 1; k <= basicCount; ++k) {
         publishLeaf(cpuFeatures.extendedLeaves[k], query, kFirstExtendedLeaf + static_cast<std::uint32_t>(k));
     }

@@ -1,7 +1,6 @@
 // The processor's identification words, cached once a process, and the feature tests that choose a kernel tier.
 //
-// The tests consult no operating-system state (OSXSAVE, XCR0): deliberate, the library relies on platforms enabling the
-// vector state that the processor reports.
+// The tests consult no operating-system state (OSXSAVE, XCR0): docs/decisions.md#no-os-state.
 #ifndef ZELM_CPU_FEATURES_H
 #define ZELM_CPU_FEATURES_H
 

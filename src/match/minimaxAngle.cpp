@@ -13,7 +13,7 @@ namespace {
 constexpr double kFullScale = 100.0;
 constexpr double kGoldenShare = 0.38196601125010515;
 constexpr double kBracketShare = 1e-09;     // of the ends' magnitudes, below which the bracket is narrow enough
-constexpr double kShortestBracket = 1e-13;  // degrees; the angle's rounding in the deviations, reached only near 0
+constexpr double kShortestBracket = 1e-13;  // degrees; docs/decisions.md#minimax-stop
 constexpr double kFullTurn = 360.0;         // degrees, after which a walk that never rises ends
 
 struct Bracket {

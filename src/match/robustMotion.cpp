@@ -62,7 +62,7 @@ std::int32_t robustMotion(const PointPairs& pairs, bool withScale, double thresh
             return ZELM_ERR_DEGENERATE;
         }
         if (weight.change < kSettledFraction * weight.sum) {
-            return ZELM_OK;  // deliberate: weights that have settled are not used for another solve
+            return ZELM_OK;  // docs/decisions.md#settled-weights
         }
         *motion = weightedMotion(pairs, weights.data(), withScale);
     }

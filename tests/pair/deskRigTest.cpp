@@ -142,7 +142,7 @@ TEST_F(DeskRig, ReprojectionIsWithinAFewHundredthsOfAPixel) {
     EXPECT_LE(result.errorR, kMeanDistance);
     EXPECT_GT(result.errorL, 0.0);
     EXPECT_GT(result.errorR, 0.0);
-    std::printf("mean reprojection distance %.4f px left, %.4f px right\n", result.errorL, result.errorR);
+    std::printf("mean reprojection error %.4f px left, %.4f px right\n", result.errorL, result.errorR);
 }
 
 TEST_F(DeskRig, BaselineHasItsLengthInEveryView) {

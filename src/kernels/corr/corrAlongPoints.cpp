@@ -124,7 +124,7 @@ CorrWindows windowsOf(const Template& tmpl, const SearchImage& search, CorrMode 
 CorrWindows windowsAt(const Search& search, std::ptrdiff_t offset) {
     CorrWindows windows = search.first;
     windows.img.pixels += offset;
-    // The search mask's window is found by the image's stride: deliberate.
+    // The search mask's window is found by the image's stride: docs/decisions.md#mask-stride.
     if (search.mode == kCorrSharedMask) {
         windows.mask.pixels += offset;
     } else if (search.mode == kCorrTwoMasks) {

@@ -17,17 +17,17 @@ struct CorrScore {
 static_assert(sizeof(CorrScore) == 16);
 
 // Lays the template's pixel (trunc(anchorX + 0.5), trunc(anchorY + 0.5)) on positions[k], k0 <= k <= k1, and scores
-// every position whose whole window lies inside the search image: scores[k] = (k, score). The entries of other positions
-// are left alone.
+// every position whose whole window lies inside the search image: scores[k] = (k, score). The entries of other
+// positions are left alone.
 //
 // The masks choose the mode (correlation.h); both may be null. Without a search mask every window is scored. With one,
 // only scores above 0.0 are written. The search mask's rows are imgMaskStride apart but its window's origin is found
-// with imgStride: deliberate, the two are expected to be equal.
+// with imgStride (docs/decisions.md#mask-stride).
 //
 // mean and sigma are the template's, over the pattern's pixels; without a search mask they stand in for sums, over a
-// pixel count N that is always taken over the full window (w * h, or its template mask's set bytes): deliberate also
-// for the patterns that visit fewer pixels. The sums are trunc(mean * N) and trunc((sigma * N)^2); values beyond their
-// integer types are taken as the nearest end of the range, NaN as 0.
+// pixel count N that is always taken over the full window (w * h, or its template mask's set bytes), also for the
+// patterns that visit fewer pixels (docs/decisions.md#full-window-count). The sums are trunc(mean * N) and trunc((sigma
+// * N)^2); values beyond their integer types are taken as the nearest end of the range, NaN as 0.
 //
 // An anchor that is not a number or lies beyond every image accepts no position. Windows without pixels give no entry,
 // nor, without a search mask, do those of more than 2^31 - 1 pixels. Positions may be any integers. Nothing else is

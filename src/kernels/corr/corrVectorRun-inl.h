@@ -1,10 +1,10 @@
 // The sums of windows that follow one another in a row of the search image, in vectors, for the two vector tiers. A
-// tier's file includes this after corrVectorSums-inl.h, with whose definitions it is written, and defines besides: loadQuarter
-// (bytes widened to lanes), everyLane, subtract (lanes) and store.
+// tier's file includes this after corrVectorSums-inl.h, with whose definitions it is written, and defines besides:
+// loadQuarter (bytes widened to lanes), everyLane, subtract (lanes) and store.
 //
-// From one window to the next one column leaves and one joins, so that sum(I) and sum(II) need those columns alone. What
-// is left, sum(IT), is computed for as many windows at once as a vector has lanes: the template is loaded and widened
-// once for all of them.
+// From one window to the next one column leaves and one joins, so that sum(I) and sum(II) need those columns alone.
+// What is left, sum(IT), is computed for as many windows at once as a vector has lanes: the template is loaded and
+// widened once for all of them.
 #ifndef ZELM_CORR_VECTOR_RUN_INL_H
 #define ZELM_CORR_VECTOR_RUN_INL_H
 
@@ -140,7 +140,7 @@ void vectorRun(const CorrWindows& windows, std::int32_t count, CorrSums* sums) {
 }
 
 constexpr CorrTier kVectorTier = {{{ZELM_CORR_VECTOR_MODES(kCorrFull)},
-                                   // Deliberate: only the plain tier samples the checker pattern.
+                                   // Every pixel for checker: docs/decisions.md#checker-vector.
                                    {ZELM_CORR_VECTOR_MODES(kCorrFull)},
                                    {ZELM_CORR_VECTOR_MODES(kCorrQuarter)}},
                                   vectorRun};

@@ -28,7 +28,7 @@ RowTerms rowTerms(const WarpModel& m, std::int32_t row) {
 }
 
 Position sourcePosition(const WarpModel& m, const RowTerms& row, float x) {
-    // Divided twice: a product with 1 / w would cost a tenth of a thousandth of a pixel in wide images.
+    // Divided twice: docs/decisions.md#divide-twice.
     const float w = m.h[6] * x + row.w + m.h[8];
     const float u = (m.h[0] * x + row.u + m.h[2]) / w;
     const float v = (m.h[3] * x + row.v + m.h[5]) / w;
@@ -41,7 +41,7 @@ Position sourcePosition(const WarpModel& m, const RowTerms& row, float x) {
     return {du * distortion + u, v + dv * distortion};
 }
 
-// The strict upper limits keep both bilinear neighbours inside the image.
+// The strict upper limits keep both bilinear neighbours inside the image (docs/decisions.md#strict-validity).
 bool isValid(const Position& p, const WarpSource& source) {
     return p.u >= 0.0F && p.v >= 0.0F && p.u < source.limitX && p.v < source.limitY;
 }

@@ -39,7 +39,7 @@ void checkFirstWord(const CLI::App& app, int argc, const char* const* argv) {
         return;
     }
     if (std::string_view(*word).starts_with('-')) {
-        failUsage("{}: no option of zelm itself: options of a subcommand stand behind its name (--help)", *word);
+        failUsage("{}: not an option of zelm itself: the options of a subcommand come after its name (--help)", *word);
     }
     std::vector<std::string> names;
     for (const CLI::App* const sub : app.get_subcommands([](const CLI::App*) { return true; })) {
@@ -125,14 +125,14 @@ void Subcommand::does(std::function<void()> work) {
 CommandLine::CommandLine(Console& output)
     : console(output),
       parser(std::make_unique<CLI::App>(
-          "zelm: calibrates a pair of cameras from images of a dot plate and measures with it", "zelm")) {
+          "zelm: calibrates a pair of cameras from images of a plate of dots and measures with it", "zelm")) {
     parser->set_version_flag("--version", "zelm " ZELM_VERSION);
     parser->require_subcommand(1);
     parser->footer(
         "Example:\n  zelm calibrate --plate plate.json --left 'left_*.png' --right 'right_*.png' -o out\n"
         "\nExit codes: 0 done, 1 the data did not allow it, 2 wrong usage.");
     parser->failure_message([](const CLI::App*, const CLI::Error& error) {
-        return fmt::format("zelm: {} (--help tells the options)\n", oneLine(error.what()));
+        return fmt::format("zelm: {} (--help lists the options)\n", oneLine(error.what()));
     });
 }
 

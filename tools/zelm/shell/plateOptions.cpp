@@ -4,7 +4,8 @@ namespace zelm::tool {
 
 void addPlateOptions(Subcommand& sub, PlateOptions& options) {
     sub.option("--plate", options.file, "Description of the plate (JSON)").required();
-    sub.option("--min-dots", options.minDots, "Fewest dots that an image must yield; default: half the plate's")
+    sub.option("--min-dots", options.minDots,
+               "Smallest number of dots that an image must yield; default: half the plate's")
         .positive();
     sub.option("--min-area", options.minArea, "Smallest area of a dot in pixels; default 20").positive();
     sub.option("--min-strength", options.minStrength,

@@ -52,7 +52,7 @@ std::int32_t zelm2ViewCalcEpiLine(const Zelm2ViewCalib* tHandle, std::int32_t iC
     if (tHandle == nullptr || tPoint == nullptr || tOut == nullptr) {
         return ZELM_ERR_PARAM;
     }
-    clearEndPoints(tOut);  // deliberate: also when the camera is refused
+    clearEndPoints(tOut);  // also when the camera is refused: docs/decisions.md#epiline-clears
     Camera camera{};
     if (!selectCamera(iCamera, &camera)) {
         return ZELM_ERR_PARAM;

@@ -11,7 +11,7 @@ constexpr double kScale = 600.0;           // f0: pixels are divided by it
 constexpr double kEpipoleSquared = 1e-13;  // squared length of an epipolar line that counts as none
 constexpr double kSettled = 1e-9;          // relative change of the sum of squared corrections
 constexpr double kFirstResidual = 1e20;    // E0 before the first round
-constexpr int kMostRounds = 20;
+constexpr int kMaxRounds = 20;             // of correction; a pixel pair that takes more is used as it is
 
 // u . xi*
 double constraint(const double u[9], const PointPair& h, const PointPair& t) {
@@ -79,7 +79,7 @@ PointPair correctOptimally(const double F[9], const PointPair& observed) {
     PointPair corrected = x;
     PointPair correction{{0.0, 0.0}, {0.0, 0.0}};
     double residual = kFirstResidual;
-    for (int round = 0; round < kMostRounds; ++round) {
+    for (int round = 0; round < kMaxRounds; ++round) {
         const Epipolar left = leftLine(u, corrected.right);
         const Epipolar right = rightLine(u, corrected.left);
         if (left.squared() < kEpipoleSquared && right.squared() < kEpipoleSquared) {

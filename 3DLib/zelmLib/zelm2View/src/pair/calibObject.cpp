@@ -18,10 +18,10 @@ void emptyEntry(Zelm2ViewPtnEntry* entry) {
 
 namespace {
 
-// The dot field's extents grow by this part of the pitch, so that dots on its rim lie well inside.
+// The dot field's extents grow by this part of the pitch: docs/decisions.md#field-margin.
 constexpr double kExtentMarginDivisor = 3.0;
 
-// A NaN passes, deliberately: only a value that is known not to be positive is refused.
+// A NaN passes: docs/decisions.md#nan-length-passes.
 bool isRefusedLength(double value) {
     return 0 >= value;
 }

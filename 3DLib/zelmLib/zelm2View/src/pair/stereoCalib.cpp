@@ -14,7 +14,7 @@ namespace {
 
 constexpr double kRobustThreshold = 3.5;  // Tukey cut-off of the estimation, robust deviations
 
-// What a single view of a parallel camera cannot tell, set beforehand.
+// What a single view of a parallel camera cannot tell, set beforehand: docs/decisions.md#parallel-presets.
 void presetParallel(const unsigned char* data, const Zelm2ViewPatternDesc& pattern, Camera camera,
                     ZelmCameraIntrinsics* intrinsics) {
     const ImageSize size = imageSizeOf(data, camera);

@@ -105,7 +105,7 @@ std::int32_t fundamentalOfProjections(const CalibratedCamera& left, const Calibr
 }
 
 // Divides by the largest element and drops the smallest singular value. An F of zeros, as of two cameras in one place,
-// becomes NaN here, deliberately: the decomposition then reports it.
+// becomes NaN here: the decomposition then reports it. See docs/decisions.md#fundamental-rank.
 std::int32_t normaliseFundamental(double* F) {
     double largest = 0.0;
     for (int i = 0; i < 9; ++i) {

@@ -9,7 +9,7 @@
 namespace zelm {
 namespace {
 
-constexpr int kRays = 20;
+constexpr int kRays = 20;                           // a dot: docs/decisions.md#twenty-rays
 constexpr double kRayStep = std::numbers::pi / 10;  // radians
 constexpr double kRayStart = -3.0;                  // pixels from the centroid, against the ray's direction
 constexpr double kRayEnd = 2.0;                     // from the centroid, in radii of the blob

@@ -11,8 +11,8 @@ namespace {
 
 constexpr double kGridTolerance = 0.15;    // of a pitch
 constexpr double kFieldTolerance = 0.001;  // of a pitch, for the rounding of the field's extent
-constexpr double kMostIndex = 1e6;         // a larger one is beyond what the tolerance can tell apart in an image
-constexpr double kNotRobust = -1.0;
+constexpr double kMaxIndex = 1e6;          // a larger one is beyond what the tolerance can tell apart in an image
+constexpr double kNotRobust = -1.0;        // docs/decisions.md#grid-not-robust
 
 // The grid index that a value lies near to. Indices stay doubles, so that no value is too large for them.
 double nearestIndex(double value) {
@@ -163,7 +163,7 @@ std::int32_t fitFromNeighbours(std::span<const PatternDot> dots, const MarkerFra
 std::int32_t estimateGridMap(std::span<const PatternDot> dots, const MarkerFrame& frame,
                              const Zelm2ViewPatternDesc& pattern, double* G) {
     const IndexWindow around = {std::trunc(pattern.d6 / pattern.d4 + 0.5), std::trunc(pattern.d7 / pattern.d5 + 0.5)};
-    if (!(around.mostU <= kMostIndex && around.mostV <= kMostIndex)) {
+    if (!(around.mostU <= kMaxIndex && around.mostV <= kMaxIndex)) {
         return ZELM_ERR_PATTERN_GRID;
     }
     MarkerMap markerMap{};
@@ -181,7 +181,7 @@ std::int32_t estimateGridMap(std::span<const PatternDot> dots, const MarkerFrame
     if (direct == ZELM_ERR_MEMORY || placed == dots.size()) {
         return gridStatus(direct);
     }
-    double other[9];
+    double other[9];  // docs/decisions.md#second-grid-fit
     const auto indirect = fitFromNeighbours(dots, frame, markerMap, around, &candidates, other);
     if (indirect == ZELM_ERR_MEMORY) {
         return indirect;

@@ -15,7 +15,7 @@ constexpr double kRimTolerance = 1.5;                        // a marker's area 
                                                              // pixels along its outline, or by so many mean dot areas
 constexpr double kSmallerTolerance = 1.1;                    // ... and fall short by so many mean dot areas
 constexpr double kRightAngleTolerance = 0.3490658503988659;  // radians, 20 degrees
-constexpr double kMostAxisDifference = 100.0;                // pixels
+constexpr double kMaxAxisDifference = 100.0;                 // pixels
 
 std::int32_t meanDotArea(std::span<const PatternDot> dots, double* mean) {
     WorkBuffer<double> areas(dots.size());
@@ -42,8 +42,8 @@ struct Untilt {
     }
 };
 
-// The mean tilt of the dots. A direction and its opposite are the same foreshortening, so the mean is taken over twice
-// the angle.
+// The mean tilt of the dots (docs/decisions.md#right-angle-on-plate). A direction and its opposite are the same
+// foreshortening, so the mean is taken over twice the angle.
 Untilt meanTilt(std::span<const PatternDot> dots) {
     double c = 0.0;
     double s = 0.0;
@@ -113,7 +113,7 @@ std::int32_t findMarkerFrame(std::span<const PatternDot> markers, std::span<cons
             *frame = {markers[i].centre, isUFirst ? u : v, isUFirst ? v : u};
         }
     }
-    if (best == HUGE_VAL || std::fabs(lengthOf(frame->toX) - lengthOf(frame->toY)) > kMostAxisDifference) {
+    if (best == HUGE_VAL || std::fabs(lengthOf(frame->toX) - lengthOf(frame->toY)) > kMaxAxisDifference) {
         return ZELM_ERR_PATTERN_MARKERS;
     }
     return ZELM_OK;

@@ -7,10 +7,10 @@
 namespace zelm {
 namespace {
 
-constexpr std::size_t kFewestDots = 2;      // a mean and a deviation need as many
-constexpr double kEccentricityLimit = 3.0;  // deviations above the mean
-constexpr double kAreaLimit = 2.8;          // deviations above the mean
-constexpr double kSmallestDeviation = 0.01;
+constexpr std::size_t kMinDots = 2;         // a mean and a standard deviation need as many
+constexpr double kEccentricityLimit = 3.0;  // standard deviations above the mean
+constexpr double kAreaLimit = 2.8;          // standard deviations above the mean
+constexpr double kMinDeviation = 0.01;      // of either property; dots that are all alike have no outliers
 
 // The value that lies so many deviations above the mean of a dot's property.
 std::int32_t upperLimit(const DotList& dots, double PatternDot::*property, double deviations,
@@ -24,14 +24,14 @@ std::int32_t upperLimit(const DotList& dots, double PatternDot::*property, doubl
     if (const auto s = zelmMathStat(n, values->data(), &mean, &variance, &deviation); s < 0) {
         return s;
     }
-    *limit = mean + deviations * std::max(deviation, kSmallestDeviation);
+    *limit = mean + deviations * std::max(deviation, kMinDeviation);
     return ZELM_OK;
 }
 
 }  // namespace
 
 std::int32_t rejectOutlierDots(DotList* dots) {
-    if (dots->size() < kFewestDots) {
+    if (dots->size() < kMinDots) {
         return ZELM_ERR_PATTERN;
     }
     WorkBuffer<double> values(dots->size());

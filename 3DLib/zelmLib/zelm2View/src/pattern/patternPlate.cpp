@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::int64_t kPlateShare = 20;  // the plate covers at least this part of the image's pixels
 
-// Otsu's threshold separates nothing in such an image: all of it would pass for plate or none, depending on polarity.
+// Otsu's threshold separates nothing in such an image: docs/decisions.md#flat-image.
 bool isOneGrayLevel(const ZelmImage& image) {
     const std::size_t pixels = static_cast<std::size_t>(image.width) * static_cast<std::size_t>(image.height);
     const std::uint8_t first = image.pixels[0];

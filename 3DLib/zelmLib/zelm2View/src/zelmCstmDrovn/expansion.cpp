@@ -55,7 +55,7 @@ struct Gray {
     }
 };
 
-// Deliberately narrower than gray: nothing beyond the centre of the last column and row.
+// Narrower than gray, nothing beyond the centre of the last column and row: docs/decisions.md#colour-border.
 struct Argb {
     static constexpr int kBytes = 4;
     static constexpr std::uint8_t kOutside[kBytes] = {255, 0, 0, 0};

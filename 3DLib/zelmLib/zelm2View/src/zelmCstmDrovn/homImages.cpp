@@ -91,8 +91,9 @@ std::int32_t remap(RemapKernel* kernel, const ZelmCstmHomMap& map, const std::ui
 
 // The size of a buffer; negative where the kernels cannot express it, and refused with the empty ones.
 ImageSize sizeOf(const vImage_Buffer& buffer) {
-    constexpr auto kLargest = static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max());
-    if (buffer.data == nullptr || buffer.width > kLargest || buffer.height > kLargest || buffer.rowBytes > kLargest) {
+    // Pixels, or bytes of a row.
+    constexpr auto kMaxSize = static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max());
+    if (buffer.data == nullptr || buffer.width > kMaxSize || buffer.height > kMaxSize || buffer.rowBytes > kMaxSize) {
         return {-1, -1};
     }
     return {static_cast<std::int32_t>(buffer.width), static_cast<std::int32_t>(buffer.height)};

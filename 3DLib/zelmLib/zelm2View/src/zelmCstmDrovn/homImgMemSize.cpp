@@ -60,8 +60,8 @@ std::int32_t boundCorners(const ZelmCameraIntrinsics& intrinsics, const double h
 
 // trunc(extent) + 1 rounded up to a multiple of 4; false when 32 bits cannot hold it.
 bool sizeOf(double extent, std::int32_t* size) {
-    constexpr double kLargest = 2147483644.0;  // the largest multiple of 4
-    if (!(extent >= 0.0 && extent < kLargest)) {
+    constexpr double kMaxSize = 2147483644.0;  // pixels: the largest multiple of 4
+    if (!(extent >= 0.0 && extent < kMaxSize)) {
         return false;
     }
     const std::int32_t pixels = static_cast<std::int32_t>(extent) + 1;
@@ -122,7 +122,7 @@ std::int32_t zelmCstmDrovnCalcMagnification(const Zelm2ViewCalib* tHandle, doubl
     return ZELM_OK;
 }
 
-// Deliberate: the expansion's fields are not tested here.
+// The expansion's fields are not tested here: docs/decisions.md#expansion-not-tested.
 std::int32_t zelmCstmDrovnCalcHomImgMemSize(const Zelm2ViewCalib* tHandle, std::int32_t iCamera, const ZelmRect* tRoi,
                                             const ZelmCstmExpPrm* tExpPrm, std::int32_t* iWidth, std::int32_t* iHeight,
                                             Point2d* tCentre, double dD) {

@@ -54,7 +54,7 @@ std::int32_t zelmCstmDrovnChangeOrg2DtoHom2D(const Zelm2ViewCalib* tHandle, std:
     return toExpanded(tHandle->data, camera, iCamera, *tHomPrm, 1.0, *tIn, tOut);
 }
 
-// Deliberate: the expansion's fields are not tested here.
+// The expansion's fields are not tested here: docs/decisions.md#expansion-not-tested.
 std::int32_t zelmCstmDrovnChangeOrg2DtoHom2DExp(const Zelm2ViewCalib* tHandle, std::int32_t iCamera,
                                                 const ZelmCstmExpPrm* tHomPrm, const ZelmCstmExpPrm* tExpPrm,
                                                 const Point2d* tIn, Point2d* tOut) {

@@ -27,9 +27,10 @@ inline MaskedPlane densePlane(std::int32_t width, std::int32_t height, const std
 
 // Whether the buffer has data and a size and row length that 32 bits can express.
 inline bool isUsableBuffer(const vImage_Buffer& buffer) {
-    constexpr auto kLargest = static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max());
-    return buffer.data != nullptr && buffer.width <= kLargest && buffer.height <= kLargest &&
-           buffer.rowBytes <= kLargest;
+    // Pixels, or bytes of a row.
+    constexpr auto kMaxSize = static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max());
+    return buffer.data != nullptr && buffer.width <= kMaxSize && buffer.height <= kMaxSize &&
+           buffer.rowBytes <= kMaxSize;
 }
 
 // The plane of an image buffer and, unless null, its mask; false when one of them is not usable or the sizes differ.

@@ -10,8 +10,8 @@ namespace {
 // How far a score of fewer pixels may fall short of the score of all.
 constexpr double kCoarseAllowance = 0.2;
 // How far a peak may move by refinement, in pixels: a little for the parabola, and two steps of climbing.
-constexpr std::int64_t kFullAllowance = 2;
-constexpr std::int64_t kCoarseDistanceAllowance = 4;
+constexpr std::int64_t kFullAllowance = 2;            // pixels
+constexpr std::int64_t kCoarseDistanceAllowance = 4;  // pixels
 
 bool ranksHigher(const CorrScore& a, const CorrScore& b) {
     return a.score > b.score || (a.score == b.score && a.index < b.index);

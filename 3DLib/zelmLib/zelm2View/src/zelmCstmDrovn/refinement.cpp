@@ -10,9 +10,9 @@
 namespace zelm {
 namespace {
 
-constexpr int kMostSteps = 2;
-constexpr double kLeastLogArgument = 0.1;
-constexpr double kFlatCurvature = 1e-9;
+constexpr int kMaxSteps = 2;             // pixels that a peak climbs
+constexpr double kMinLogArgument = 0.1;  // score; lower ones are raised by a common offset
+constexpr double kFlatCurvature = 1e-9;  // logarithms a squared pixel
 
 double distance(const Point2d& p, const Point2d& q) {
     const double dx = p.x - q.x;
@@ -48,7 +48,7 @@ bool innerClimbToPeak(const LineScorer& scorer, std::int32_t iLatNum, std::int32
             *k = centre;
             return true;
         }
-        if (step == kMostSteps) {
+        if (step == kMaxSteps) {
             return false;
         }
         const std::int32_t uphill = behind > before ? 1 : -1;
@@ -63,7 +63,7 @@ bool innerClimbToPeak(const LineScorer& scorer, std::int32_t iLatNum, std::int32
 std::int32_t innerLogParabolaPeak(const double s[3], const double score[3], double* peak, bool* found) {
     *found = false;
     const double least = std::min({score[0], score[1], score[2]});
-    const double raise = least < kLeastLogArgument ? std::max(0.0, -least) + kLeastLogArgument : 0.0;
+    const double raise = least < kMinLogArgument ? std::max(0.0, -least) + kMinLogArgument : 0.0;
     double powers[9];
     double logs[3];
     for (int i = 0; i < 3; ++i) {

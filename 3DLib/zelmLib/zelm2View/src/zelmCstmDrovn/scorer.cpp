@@ -33,9 +33,9 @@ std::int32_t LineScorer::rescore(std::int32_t k0, std::int32_t k1) const {
     return score(ZELM_CSTM_FULL, k0, k1);
 }
 
-// The position lists find the origin of a mask window by the image's stride. Where the two strides differ, the points of
-// one row are therefore scored together, in an image and a mask that begin with the row of their windows: the origin
-// then lies in row 0 of both.
+// The position lists find the origin of a mask window by the image's stride (docs/decisions.md#mask-stride). Where the
+// two strides differ, the points of one row are therefore scored together, in an image and a mask that begin with the
+// row of their windows: the origin then lies in row 0 of both.
 std::int32_t LineScorer::scoreRows(std::int32_t pattern, std::int32_t k0, std::int32_t k1) const {
     const auto anchorRow = static_cast<std::int32_t>(tmpl.anchorY + 0.5);
     std::int32_t written = 0;

@@ -104,7 +104,7 @@ std::int32_t innerSearchOnEpiLine(const SearchTemplate& tmpl, const MaskedPlane&
     }
     const std::int32_t iLatNum = zelmMiscPlotPointsOfLine(&span.first, &span.last, lattice.data());
     if (iLatNum < 1) {
-        return kCrossings;  // deliberate: no status, callers take any result >= 0 for success
+        return kCrossings;  // docs/decisions.md#search-count-status
     }
     WorkBuffer<CorrScore> scores(static_cast<std::size_t>(iLatNum));
     WorkBuffer<CorrScore> peaks(static_cast<std::size_t>(iLatNum));
