@@ -1,19 +1,20 @@
 /// @file
 /// What a measuring station does with a pair of cameras: dots of plates and targets, how well a calibration fits, 3-D
-/// points with figures that tell how good they are, and correspondences over whole images. The library `libzelmMeasure`,
-/// a plain C interface above zelmLib.h; valid C99 and C++17.
+/// points with figures that tell how good they are, and correspondences over whole images. The library
+/// `libzelmMeasure`, a plain C interface above zelmLib.h; valid C99 and C++17.
 ///
 /// Conventions of all functions
 /// - A status >= 0 is success. ZELM_ERR_PARAM: an argument cannot be meant; ZELM_ERR_MEMORY: memory ran out;
-///   ZELM_MEASURE_ERR_DATA: the data do not allow it; ZELM_MEASURE_ERR_CANCELLED: the caller's progress function ended it.
-///   Outputs are written on success alone, and untouched otherwise.
+///   ZELM_MEASURE_ERR_DATA: the data do not allow it; ZELM_MEASURE_ERR_CANCELLED: the caller's progress function ended
+///   it. Outputs are written on success alone, and untouched otherwise.
 /// - A rig says what was wrong with the last call that failed: zelmMeasureRigError().
-/// - Many points are one call: n points of an image are an array of 2 n doubles x0, y0, x1, y1, ...; n points of space are
-///   3 n doubles. What becomes of one point is told in an array of statuses, one of the enumerations below each.
+/// - Many points are one call: n points of an image are an array of 2 n doubles x0, y0, x1, y1, ...; n points of space
+///   are 3 n doubles. What becomes of one point is told in an array of statuses, one of the enumerations below each.
 /// - Records begin with `size`, in bytes: set it to sizeof the record as your compiler knows it. Newer libraries take
 ///   older, shorter records; fields that a record does not have are taken as 0, or are not written.
 /// - Arrays of outputs may be NULL where the caller does not need them.
-/// - Images are gray, a byte a pixel; nothing writes into them. Pixel centres are whole numbers, x to the right, y down.
+/// - Images are gray, a byte a pixel; nothing writes into them. Pixel centres are whole numbers, x to the right, y
+///   down.
 /// - Lengths are in the units of the plate, angles in radians, unless a name says otherwise.
 /// - Different handles may be used by different threads at a time; one handle by one thread at a time.
 #ifndef ZELM_MEASURE_H
@@ -68,8 +69,8 @@ typedef struct ZelmMeasureRelativePose {
 /// fits the number of views, models and image sizes can be meant, all numbers are finite, focal lengths are positive.
 /// @param block the bytes; copied
 /// @param size of the block, bytes
-/// @param[out] rig the handle, to be closed by zelmMeasureRigClose(); must be NULL before. Also when the block is refused:
-///     such a handle holds the error text alone, and every other function refuses it.
+/// @param[out] rig the handle, to be closed by zelmMeasureRigClose(); must be NULL before. Also when the block is
+///     refused: such a handle holds the error text alone, and every other function refuses it.
 /// @return ZELM_OK; ZELM_ERR_PARAM: NULL or a handle that is not NULL; ZELM_MEASURE_ERR_DATA: the block is refused;
 ///     ZELM_ERR_MEMORY
 ZELM_API int32_t zelmMeasureRigOpen(const void* block, int64_t size, ZelmMeasureRig** rig);
@@ -87,8 +88,8 @@ ZELM_API void zelmMeasureRigClose(ZelmMeasureRig** rig);
 /// belongs to the rig and holds until the next call.
 ZELM_API const char* zelmMeasureRigError(const ZelmMeasureRig* rig);
 
-/// The rig as an object of zelmLib.h, for the functions that only read its block. It belongs to the rig and holds no dots.
-/// NULL for a refused rig.
+/// The rig as an object of zelmLib.h, for the functions that only read its block. It belongs to the rig and holds no
+/// dots. NULL for a refused rig.
 ZELM_API const Zelm2ViewCalib* zelmMeasureRigCalib(const ZelmMeasureRig* rig);
 
 /// The number of views that the rig was calibrated from.
@@ -114,14 +115,15 @@ ZELM_API int32_t zelmMeasureRigFundamental(const ZelmMeasureRig* rig, double* F)
 ZELM_API int32_t zelmMeasureRigRelativePose(ZelmMeasureRig* rig, ZelmMeasureRelativePose* pose);
 
 /// How far the plate of view 0 is turned against a parallel camera of square pixels, radians. Such a camera shortens
-/// what is tilted, so that a circle's axes are as one to the cosine; a calibration from a tilted plate has wrong scales.
+/// what is tilted, so that a circle's axes are as one to the cosine; a calibration from a tilted plate has wrong
+/// scales.
 /// @param side 'L' or 'R'
 /// @return ZELM_OK; ZELM_ERR_PARAM; ZELM_MEASURE_ERR_DATA for a camera that is not parallel
 ZELM_API int32_t zelmMeasureRigTilt(ZelmMeasureRig* rig, int32_t side, double* tilt);
 
-/// The undistorted pixels of both cameras that a rectified pair is best centred on, so that the field of view that the two
-/// share stays in sight: of the point that both cameras look at; where that is not seen by both, of the origin of the
-/// plate of view 0; else the image centres.
+/// The undistorted pixels of both cameras that a rectified pair is best centred on, so that the field of view that the
+/// two share stays in sight: of the point that both cameras look at; where that is not seen by both, of the origin of
+/// the plate of view 0; else the image centres.
 /// @param[out] left,right x, y
 /// @param[out] origin which of the three it is: 0, 1 or 2; may be NULL
 /// @return ZELM_OK, ZELM_ERR_PARAM
@@ -148,7 +150,8 @@ typedef struct ZelmMeasureFigures {
 /// @return ZELM_OK, ZELM_ERR_PARAM, ZELM_ERR_MEMORY. O(count).
 ZELM_API int32_t zelmMeasureFigures(int64_t count, const double* distances, ZelmMeasureFigures* figures);
 
-/// Dots of an image, with the places that they have on the plate. Arrays of the caller's, with room for `capacity` dots.
+/// Dots of an image, with the places that they have on the plate. Arrays of the caller's, with room for `capacity`
+/// dots.
 typedef struct ZelmMeasureDots {
     int32_t size;      ///< of this record, bytes
     int32_t reserved;  ///< 0
@@ -171,8 +174,8 @@ typedef struct ZelmMeasureDots {
 ZELM_API int32_t zelmMeasureRigDots(ZelmMeasureRig* rig, const Zelm2ViewPatternDesc* pattern, int32_t side,
                                     int32_t view, const ZelmMeasureDots* dots, int64_t* placed, int64_t* found);
 
-/// Distances of the dot pairs of one view from each other's epipolar lines, undistorted pixels: two a dot that both images
-/// show, in the left and in the right image in turn.
+/// Distances of the dot pairs of one view from each other's epipolar lines, undistorted pixels: two a dot that both
+/// images show, in the left and in the right image in turn.
 /// @param[out] distances room for `capacity` of them; NULL: they are only counted
 /// @param[out] count their number; those beyond the capacity are not written
 /// @return ZELM_OK, ZELM_ERR_PARAM, ZELM_ERR_MEMORY
@@ -197,11 +200,10 @@ ZELM_API int32_t zelmMeasurePlateDots(const ZelmMeasureImage* image, const Zelm2
 
 /// What an image of a plate that cannot be read shows.
 typedef struct ZelmMeasurePlateTraits {
-    int32_t size;         ///< of this record, bytes
-    int32_t brightLevel;  ///< gray level that all but the brightest thousandth of the pixels stay within
-    int32_t markerSized;  ///< spots of the size of a marker, beside dots of the usual size
-    int32_t
-        oppositeDots;  ///< dots that are read when dark and bright are exchanged; 0 when the plate is not read so either
+    int32_t size;          ///< of this record, bytes
+    int32_t brightLevel;   ///< gray level that all but the brightest thousandth of the pixels stay within
+    int32_t markerSized;   ///< spots of the size of a marker, beside dots of the usual size
+    int32_t oppositeDots;  ///< dots that are read when dark and bright are exchanged; 0: none are
 } ZelmMeasurePlateTraits;
 
 /// Traits of an image that tell why its plate cannot be read.
@@ -313,8 +315,8 @@ typedef struct ZelmMeasureMatchOptions {
     void* context;                  ///< for `progress`
 } ZelmMeasureMatchOptions;
 
-/// Counterparts and their points of space, in arrays of the caller's with room for all points. A point that is not OK has
-/// its status alone.
+/// Counterparts and their points of space, in arrays of the caller's with room for all points. A point that is not OK
+/// has its status alone.
 typedef struct ZelmMeasureMatches {
     int32_t size;        ///< of this record, bytes
     int32_t reserved;    ///< 0
@@ -327,14 +329,14 @@ typedef struct ZelmMeasureMatches {
     double* errors;      ///< 2 a point: pixels from both pixels to the point's projections; or NULL
 } ZelmMeasureMatches;
 
-/// The options that hold where a user names none: a window of 21 pixels, a score of 0.8, and for each perspective camera
-/// depths from half the distance of the nearest plate of the calibration to twice that of the farthest.
+/// The options that hold where a user names none: a window of 21 pixels, a score of 0.8, and for each perspective
+/// camera depths from half the distance of the nearest plate of the calibration to twice that of the farthest.
 /// @param rig NULL: the options of any rig, without limits of depth
 /// @return ZELM_OK, ZELM_ERR_PARAM
 ZELM_API int32_t zelmMeasureMatchDefaults(const ZelmMeasureRig* rig, ZelmMeasureMatchOptions* options);
 
-/// The standard deviation of the noise of an image, gray values, from what its smoothest parts show (Immerkaer, 1996); at
-/// least 0.3, which is what rounding makes.
+/// The standard deviation of the noise of an image, gray values, from what its smoothest parts show (Immerkaer, 1996);
+/// at least 0.3, which is what rounding makes.
 /// @return ZELM_OK, ZELM_ERR_PARAM, ZELM_ERR_MEMORY
 ZELM_API int32_t zelmMeasureNoise(const ZelmMeasureImage* image, double* noise);
 
@@ -345,10 +347,10 @@ ZELM_API int32_t zelmMeasureNoise(const ZelmMeasureImage* image, double* noise);
 ZELM_API int32_t zelmMeasureOverlap(ZelmMeasureRig* rig, const ZelmMeasureMatchOptions* options, int64_t count,
                                     const double* pixels, int32_t* any);
 
-/// Finds the counterparts of pixels of the left image in the right one and triangulates them. Each pixel is looked for along
-/// its whole epipolar line by correlation, the best places are refined by least-squares matching of a plane (Gruen, 1985)
-/// and must lead back; pixels not found are tried again where the surfaces of found neighbours lead; small groups that
-/// nothing around agrees with are left out.
+/// Finds the counterparts of pixels of the left image in the right one and triangulates them. Each pixel is looked for
+/// along its whole epipolar line by correlation, the best places are refined by least-squares matching of a plane
+/// (Gruen, 1985) and must lead back; pixels not found are tried again where the surfaces of found neighbours lead;
+/// small groups that nothing around agrees with are left out.
 /// @param left,right images as taken, of the sizes that were calibrated
 /// @param count of pixels
 /// @param pixels of the left image, 2 each
@@ -358,8 +360,8 @@ ZELM_API int32_t zelmMeasureMatch(ZelmMeasureRig* rig, const ZelmMeasureImage* l
                                   const ZelmMeasureMatchOptions* options, int64_t count, const double* pixels,
                                   const ZelmMeasureMatches* matches);
 
-/// The same for every pixel of the left image, row by row: a grid of every fourth pixel as above, then the pixels between
-/// on the surfaces found around them.
+/// The same for every pixel of the left image, row by row: a grid of every fourth pixel as above, then the pixels
+/// between on the surfaces found around them.
 /// @param matches with room for width x height points
 ZELM_API int32_t zelmMeasureMatchDense(ZelmMeasureRig* rig, const ZelmMeasureImage* left, const ZelmMeasureImage* right,
                                        const ZelmMeasureMatchOptions* options, const ZelmMeasureMatches* matches);

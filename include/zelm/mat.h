@@ -202,7 +202,8 @@ ZELM_API int32_t zelmMatCholeskyDecomp(int32_t iN, const double* daA, double* da
 /// @param daV [out] iN x iN, row j is the right singular vector of value j (textbooks call this V^T); or NULL
 /// @return ZELM_OK, at once if all outputs are NULL; ZELM_ERR_SVD_FAILED with nothing written if iM < iN;
 ///         ZELM_ERR_SVD_FAILED with partly written outputs if a value needs more than 29 QR steps (unless what is left
-///         is a rounding or two of the norm, where tied values can stall), or if an entry of A or a value is not finite;
+///         is a rounding or two of the norm, where tied values can stall), or if an entry of A or a value is not
+///     finite;
 ///         ZELM_ERR_MEMORY, the outputs then either untouched or, if only the sort lacked memory, holding the unsorted
 ///         decomposition
 ZELM_API int32_t zelmMatSVD(int32_t iM, int32_t iN, const double* daA, double* daU, double* daW, double* daV);

@@ -46,8 +46,8 @@ typedef struct ZelmMatchPose {
 /// The minimax modes minimise the radius of zelmCgSmallestEnclosingCircle() around the residual vectors, over the angle
 /// (mode 4: downhill walk and golden sections) or over angle and scale (mode 5: simplex). They assume one minimum near
 /// the least-squares estimate and never return a worse one; an outlier counts in full. Mode 5 may
-/// end at a negative scale (a half turn): -s at the angle a is the motion of scale s at a + pi. Rules and figures: `docs/limits.md`,
-/// Minimax registration.
+/// end at a negative scale (a half turn): -s at the angle a is the motion of scale s at a + pi. Rules and figures:
+/// `docs/limits.md`, Minimax registration.
 ///
 /// @param iN         [in]  number of points, >= 2
 /// @param taRef      [in]  iN reference points

@@ -31,8 +31,8 @@ struct DotReading {
 
 DotReading readDots(const DenseImage& image, const Pattern& plate, const ZelmRect* region);
 
-// Puts the points on the grid by the markers, which are told by their size in the image. Empty when the markers cannot be
-// told.
+// Puts the points on the grid by the markers, which are told by their size in the image. Empty when the markers cannot
+// be told.
 std::vector<Dot> indexDots(const DenseImage& image, const Pattern& plate, const std::vector<Point2d>& points);
 
 // Puts the points on the grid by the plane-to-image homography H (3 x 3, row-major); points of no grid place are left

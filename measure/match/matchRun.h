@@ -24,8 +24,8 @@ struct MatchInput {
 };
 
 // Matches the points: each on its own along its whole epipolar line; then those not found where the surfaces of found
-// neighbours lead; then leaves out small groups that nothing around agrees with. Results come in the order of the points
-// and are the same for any number of threads.
+// neighbours lead; then leaves out small groups that nothing around agrees with. Results come in the order of the
+// points and are the same for any number of threads.
 std::vector<PointMatch> matchPoints(const MatchInput& input, const std::vector<Point2d>& points);
 
 // Matches every pixel of the left image: a grid as above, then the pixels between on the surfaces found around them.

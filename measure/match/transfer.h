@@ -7,8 +7,8 @@
 #include <optional>
 #include <vector>
 
-#include "matrix3.h"
 #include "rig.h"
+#include "space3.h"
 
 namespace zelm::measure {
 

@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "fault.h"
-#include "matrix3.h"
+#include "space3.h"
 
 namespace zelm::measure {
 

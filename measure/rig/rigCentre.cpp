@@ -33,8 +33,8 @@ std::optional<RigCentre> centreAt(const Rig& rig, const Point3d& X, int origin) 
 
 }  // namespace
 
-// A point of the scene in the middle of both images keeps the field of view that they share: first where the rays of the
-// image centres come closest; then, for cameras that look past each other or along each other, the plate of view 0.
+// A point of the scene in the middle of both images keeps the field of view that they share: first where the rays of
+// the image centres come closest; then, for cameras that look past each other or along each other, the plate of view 0.
 RigCentre rigCentre(const Rig& rig) {
     const Point2d left = centreOf(rig.left);
     const Point2d right = centreOf(rig.right);

@@ -12,8 +12,8 @@ namespace zelm::measure {
 
 class TrueDepths {
 public:
-    // A depth along the left camera's axis for each pixel of its image, in `unit`s; 0: nothing there. The rig and the map
-    // outlive the object. Throws for a rig with a parallel camera.
+    // A depth along the left camera's axis for each pixel of its image, in `unit`s; 0: nothing there. The rig and the
+    // map outlive the object. Throws for a rig with a parallel camera.
     TrueDepths(const Rig& rig, const std::uint16_t* map, double unit);
 
     // The depth at a pixel; nothing where there is no surface, or an edge.

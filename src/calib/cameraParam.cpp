@@ -74,7 +74,7 @@ std::int32_t gather(std::int32_t views, const Zelm2ViewPtnEntry* entries, std::i
     }
     data->planeUnits = normalise(&data->plane);
     data->imageUnits = normalise(&data->image);
-    data->parallel = model == kParallelModel;
+    data->parallel = model == ZELM_CAMERA_PARALLEL;
     return ZELM_OK;
 }
 
@@ -143,7 +143,7 @@ void writeIntrinsics(const CameraData& data, const double* k, std::int32_t model
                                         k[kK1] * (length * length),
                                         k[kK2] * (length * length) * (length * length)};
     writeCameraMatrix(pixels, out->A);
-    out->theta = model == kTiltedModel ? std::atan2(out->A[1], out->A[4]) : 0.0;
+    out->theta = model == ZELM_CAMERA_TILTED ? std::atan2(out->A[1], out->A[4]) : 0.0;
     const double cosTheta = std::cos(out->theta);
     out->alpha = pixels[kAlpha];
     out->beta = pixels[kBeta] * cosTheta;
@@ -239,10 +239,10 @@ int32_t zelmCalibCameraParam(int32_t iViews, const Zelm2ViewPtnEntry* taViews, d
     if (!zelm::isCameraModel(iModel)) {
         return ZELM_ERR_PARAM;
     }
-    if (iViews < zelm::kLeastViews && iModel < zelm::kParallelModel) {
+    if (iViews < zelm::kLeastViews && iModel < ZELM_CAMERA_PARALLEL) {
         return ZELM_ERR_PARAM;
     }
-    if (iViews != 1 && iModel == zelm::kParallelModel) {
+    if (iViews != 1 && iModel == ZELM_CAMERA_PARALLEL) {
         return ZELM_ERR_PARAM;
     }
     if (taViews == nullptr || tIntrinsics == nullptr || taExtrinsics == nullptr) {

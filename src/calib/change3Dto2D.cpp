@@ -20,7 +20,7 @@ int32_t zelmCalibChange3Dto2D(const Point3d* tX, const ZelmCameraIntrinsics* tCa
         const double* const row = P + 4 * i;
         q[i] = row[0] * tX->x + row[1] * tX->y + row[2] * tX->z + row[3];
     }
-    const double theta = iModel == zelm::kTiltedModel ? tCam->theta : 0.0;
+    const double theta = iModel == ZELM_CAMERA_TILTED ? tCam->theta : 0.0;
     *tP = zelm::LensDistortion(*tCam, theta).distort({q[0] / q[2], q[1] / q[2]});
     return status;
 }

@@ -90,7 +90,7 @@ inline std::vector<unsigned char> blockOf(const TruePair& pair) {
     zelm::FundamentalPair fundamental{};
     EXPECT_EQ(zelm::innerFundamentalPair(pair.left, pair.right, &fundamental), ZELM_OK);
     block::write(data.data(), block::kFundamental, fundamental);
-    const bool parallel = pair.left.model == zelm::kParallelModel || pair.right.model == zelm::kParallelModel;
+    const bool parallel = pair.left.model == ZELM_CAMERA_PARALLEL || pair.right.model == ZELM_CAMERA_PARALLEL;
     for (const zelm::Camera which : {zelm::Camera::left, zelm::Camera::right}) {
         const zelm::CalibratedCamera& c = zelm::isLeft(which) ? pair.left : pair.right;
         zelm::RectifyingPair rectifying{};

@@ -74,7 +74,8 @@ std::vector<bool> moveToDots(const Picture& picture, const std::string& polarity
     return found;
 }
 
-// Moves the pixels of the pairs onto the centres of the dots that they lie in; tells where there is none in both images.
+// Moves the pixels of the pairs onto the centres of the dots that they lie in; tells where there is none in both
+// images.
 std::vector<bool> moveToDots(std::vector<PixelPair>& pairs, const TriangulateOptions& o, const LoadedRig& rig) {
     const Picture leftPicture = readGrayCameraPicture(o.dotImages[0], rig, 'L');
     const Picture rightPicture = readGrayCameraPicture(o.dotImages[1], rig, 'R');

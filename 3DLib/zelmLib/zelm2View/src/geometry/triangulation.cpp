@@ -58,7 +58,7 @@ std::int32_t zelm2ViewChange2Dto3D(const Zelm2ViewCalib* tHandle, const Point2d*
     }
     const CalibratedCamera left = calibratedCamera(tHandle->data, Camera::left);
     const CalibratedCamera right = calibratedCamera(tHandle->data, Camera::right);
-    if (left.model == kParallelModel && right.model == kParallelModel) {
+    if (left.model == ZELM_CAMERA_PARALLEL && right.model == ZELM_CAMERA_PARALLEL) {
         return ZELM_ERR_PARAM;
     }
     PointPair ideal{};

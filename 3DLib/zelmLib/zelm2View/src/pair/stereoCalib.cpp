@@ -36,7 +36,7 @@ std::int32_t estimateCamera(const Zelm2ViewCalib& calib, Camera camera, double* 
     std::fill_n(poses.data(), poses.size(), ZelmCameraExtrinsics{});
     auto intrinsics = block::read<ZelmCameraIntrinsics>(calib.data, block::intrinsics(camera));
     std::int32_t views = n;
-    if (model == kParallelModel) {
+    if (model == ZELM_CAMERA_PARALLEL) {
         presetParallel(calib.data, work->pattern, camera, &intrinsics);
         views = 1;  // view 0; the poses of the others stay zero
     }
@@ -74,7 +74,7 @@ std::int32_t completePair(unsigned char* data) {
     }
     block::write(data, block::kFundamental, fundamental);
 
-    const bool isPairWithParallel = left.model == kParallelModel || right.model == kParallelModel;
+    const bool isPairWithParallel = left.model == ZELM_CAMERA_PARALLEL || right.model == ZELM_CAMERA_PARALLEL;
     for (const Camera camera : {Camera::left, Camera::right}) {
         RectifyingPair pair{};
         if (const auto s = innerRectifyingPair(isLeft(camera) ? left : right, isPairWithParallel, &pair); s < 0) {

@@ -132,8 +132,8 @@ std::int32_t normaliseFundamental(double* F) {
 }  // namespace
 
 std::int32_t innerFundamentalPair(const CalibratedCamera& left, const CalibratedCamera& right, FundamentalPair* pair) {
-    const bool isLeftParallel = left.model == kParallelModel;
-    if (!isLeftParallel && right.model == kParallelModel) {
+    const bool isLeftParallel = left.model == ZELM_CAMERA_PARALLEL;
+    if (!isLeftParallel && right.model == ZELM_CAMERA_PARALLEL) {
         return ZELM_ERR_PARAM;
     }
     const auto formed =

@@ -25,7 +25,7 @@ CameraView cameraView(const Zelm2ViewCalib& calib, Camera camera, std::int32_t v
     const Zelm2ViewCameraDesc desc = block::cameras(calib.data);
     CameraView result = isLeft(camera) ? CameraView{desc.leftModel, desc.leftWidth, desc.leftHeight, false}
                                        : CameraView{desc.rightModel, desc.rightWidth, desc.rightHeight, false};
-    result.isRead = result.model != kParallelModel || view == 0;
+    result.isRead = result.model != ZELM_CAMERA_PARALLEL || view == 0;
     return result;
 }
 

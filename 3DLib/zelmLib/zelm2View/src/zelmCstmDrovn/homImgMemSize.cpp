@@ -80,7 +80,7 @@ void projectionOf(const CalibratedCamera& camera, double P[12]) {
     const double* const R = camera.pose.R;
     const double* const t = camera.pose.t;
     double Rt[12] = {R[0], R[1], R[2], t[0], R[3], R[4], R[5], t[1], R[6], R[7], R[8], t[2]};
-    if (camera.model == kParallelModel) {
+    if (camera.model == ZELM_CAMERA_PARALLEL) {
         Rt[8] = Rt[9] = Rt[10] = 0.0;
         Rt[11] = 1.0;
     }

@@ -1,6 +1,6 @@
 // Vectors of three numbers, 3 x 3 matrices and homographies.
-#ifndef ZELM_MEASURE_MATRIX3_H
-#define ZELM_MEASURE_MATRIX3_H
+#ifndef ZELM_MEASURE_SPACE3_H
+#define ZELM_MEASURE_SPACE3_H
 
 #include <zelmLib.h>
 

@@ -1,4 +1,4 @@
-#include "matrix3.h"
+#include "space3.h"
 
 #include <algorithm>
 #include <cmath>
