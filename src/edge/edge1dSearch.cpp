@@ -38,7 +38,7 @@ int32_t innerEdge1dSearch(const ZelmImage& tImage, const Point2d& tP1, const Poi
                            .threshold = edgeThreshold(profile, tParam),
                            .flatTolerance = std::max(tParam.flatTolerance, 0),
                            .minFlatRun = minFlatRun,
-                           .doubledCentre = segment.last - 2 * profile.first};
+                           .doubledCentre = segment.length - 2.0 * static_cast<double>(profile.first)};
     const std::span<const int32_t> q =
         profile.quantised.span().subspan(kEdgeGuard, static_cast<std::size_t>(profile.count));
     EdgeCandidate edge = {};

@@ -6,6 +6,19 @@
 namespace zelm {
 namespace {
 
+// Whether the steps from sample i on, minRun but at least two of them, all exceed the tolerance in one sense.
+bool isSlope(std::span<const int32_t> q, const EdgeFlatness& flatness, int64_t i) {
+    const int64_t last = std::min<int64_t>(i + std::max(flatness.minRun, 2), static_cast<int64_t>(q.size()) - 1);
+    const int32_t* const s = q.data();
+    bool rising = true;
+    bool falling = true;
+    for (int64_t k = i + 1; k <= last; ++k) {
+        rising = rising && s[k] - s[k - 1] > flatness.tolerance;
+        falling = falling && s[k - 1] - s[k] > flatness.tolerance;
+    }
+    return rising || falling;
+}
+
 // Whether the minRun steps from sample i on are flat: each within the tolerance, or all their samples within the band.
 // sum: of those samples.
 bool isFlat(std::span<const int32_t> q, const EdgeFlatness& flatness, int64_t i, int64_t& sum) {
@@ -23,7 +36,7 @@ bool isFlat(std::span<const int32_t> q, const EdgeFlatness& flatness, int64_t i,
         }
         sum += s[k];
     }
-    return true;
+    return small || flatness.slopes || !isSlope(q, flatness, i);
 }
 
 }  // namespace

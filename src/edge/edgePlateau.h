@@ -18,6 +18,7 @@ struct EdgeFlatness {
     int32_t band;       // samples that stay together within this are flat too; >= tolerance
     int32_t span;       // a plateau whose level, a mean over minRun + 1 samples, moves by this much hides an edge
     int32_t minRun;     // steps that confirm a plateau; >= 1
+    bool slopes;        // within the band, steps that all exceed the tolerance in one sense are flat as well
 };
 
 enum class EdgeRun { none, found, hidesEdge };

@@ -121,17 +121,19 @@ double innerEdge1dSampleGray(const ZelmImage& tImage, double x, double y) {
 int32_t makeEdgeSegment(const Point2d& tP1, const Point2d& tP2, EdgeSegment& segment) {
     const double dx = tP2.x - tP1.x;
     const double dy = tP2.y - tP1.y;
-    const double length = std::hypot(dx, dy);
+    const double length = std::sqrt(dx * dx + dy * dy);
     // A point that is not finite makes the length infinite or not a number.
     if (!(length < kMaxLength)) {
         return ZELM_ERR_PARAM;
     }
-    if (length == 0.0) {
+    if (dx == 0.0 && dy == 0.0) {
         return ZELM_ERR_DEGENERATE;
     }
     segment.start = tP1;
-    segment.unit = {dx / length, dy / length};
+    // Squares below the range of doubles leave no direction; such a segment has a single sample, hence no edge.
+    segment.unit = length > 0.0 ? Point2d{dx / length, dy / length} : Point2d{1.0, 0.0};
     segment.last = static_cast<int64_t>(length);
+    segment.length = length;
     return ZELM_OK;
 }
 

@@ -16,6 +16,7 @@ struct EdgeSegment {
     Point2d start;
     Point2d unit;
     int64_t last;
+    double length;  // pixels; last is its whole part
 };
 
 // Samples first..first + count - 1 of a segment; sample first + j is stored in cell j + kEdgeGuard. What the segment

@@ -1,8 +1,10 @@
 #include "edgeSelect.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 
+#include "edgeNoise.h"
 #include "edgePlateau.h"
 
 namespace zelm {
@@ -27,30 +29,41 @@ int32_t meanLevel(std::span<const int32_t> q, int64_t begin, int64_t end) {
     return static_cast<int32_t>((2 * sum + count) / (2 * count));
 }
 
-// How far a plateau's end goes back, from sample i towards limit, over the steps that change in the sense of the
-// transition: all that exceed the tolerance, and one more if it still changes.
-int64_t trimmed(std::span<const int32_t> q, int64_t i, int64_t limit, int32_t sense, int32_t flatTolerance) {
+// Whether sample i and its neighbour towards limit, a sample of the same plateau, differ in the sense of the transition.
+// change: by how much.
+bool changesTowards(std::span<const int32_t> q, int64_t i, int64_t limit, int32_t sense, int32_t& change) {
+    if (i == limit) {
+        return false;
+    }
     const int32_t direction = limit < i ? -1 : 1;
-    while (i != limit) {
-        const int32_t next = q[static_cast<std::size_t>(i + direction)];
-        const int32_t change = sense * direction * (next - q[static_cast<std::size_t>(i)]);
-        if (change <= 0) {
-            break;
-        }
-        i += direction;
-        if (change <= flatTolerance) {
-            break;
-        }
+    change = sense * direction * (q[static_cast<std::size_t>(i + direction)] - q[static_cast<std::size_t>(i)]);
+    return change > 0;
+}
+
+// A plateau's end at sample i, taken back towards limit over the steps that exceed the tolerance in the sense of the
+// transition: a band lets the plateau reach into the transition's foot.
+int64_t strictEnd(std::span<const int32_t> q, int64_t i, int64_t limit, int32_t sense, int32_t flatTolerance) {
+    int32_t change = 0;
+    while (changesTowards(q, i, limit, sense, change) && change > flatTolerance) {
+        i += limit < i ? -1 : 1;
+    }
+    return i;
+}
+
+// The same end one step further back if that step still changes, so that the sub-pixel step sees the whole foot.
+int64_t footEnd(std::span<const int32_t> q, int64_t i, int64_t limit, int32_t sense) {
+    int32_t change = 0;
+    if (changesTowards(q, i, limit, sense, change)) {
+        i += limit < i ? -1 : 1;
     }
     return i;
 }
 
 EdgeCandidate makeCandidate(std::span<const int32_t> q, const EdgeRule& rule, const EdgePlateau& before,
                             const EdgePlateau& after) {
-    // The band lets a plateau reach into the foot of the transition; the sub-pixel step is to see the whole of it.
     const int32_t sense = signOf(q[static_cast<std::size_t>(after.begin)] - q[static_cast<std::size_t>(before.end)]);
-    EdgeCandidate edge = {trimmed(q, before.end, before.begin, sense, rule.flatTolerance),
-                          trimmed(q, after.begin, after.end, sense, rule.flatTolerance), 0, before.begin, after.end};
+    EdgeCandidate edge = {strictEnd(q, before.end, before.begin, sense, rule.flatTolerance),
+                          strictEnd(q, after.begin, after.end, sense, rule.flatTolerance), 0, before.begin, after.end};
     // Selector 0 takes the levels where the plateaus meet the transition, the others average the samples that confirm
     // the plateau.
     const int64_t reach = rule.selector == 0 ? 0 : rule.minFlatRun;
@@ -72,7 +85,8 @@ bool isBetter(const EdgeCandidate& edge, const EdgeCandidate& best, const EdgeRu
         case 3:
             return difference * (best.b - best.a) > bestDifference * (edge.b - edge.a);
         case 4:
-            return std::abs(edge.a + edge.b - rule.doubledCentre) < std::abs(best.a + best.b - rule.doubledCentre);
+            return std::fabs(static_cast<double>(edge.a + edge.b) - rule.doubledCentre) <
+                   std::fabs(static_cast<double>(best.a + best.b) - rule.doubledCentre);
         default:
             return difference > bestDifference;
     }
@@ -85,8 +99,8 @@ struct Walk {
 };
 
 // One walk over the profile, up to a plateau that hides an edge.
-Walk walkProfile(std::span<const int32_t> q, const EdgeRule& rule, int32_t band) {
-    const EdgeFlatness flatness = {rule.flatTolerance, band, rule.threshold, rule.minFlatRun};
+Walk walkProfile(std::span<const int32_t> q, const EdgeRule& rule, int32_t band, bool slopes) {
+    const EdgeFlatness flatness = {rule.flatTolerance, band, rule.threshold, rule.minFlatRun, slopes};
     Walk walk;
     EdgePlateau before = {};
     EdgePlateau after = {};
@@ -107,15 +121,20 @@ Walk walkProfile(std::span<const int32_t> q, const EdgeRule& rule, int32_t band)
     return walk;
 }
 
-}  // namespace
+bool selectStrictly(std::span<const int32_t> q, const EdgeRule& rule, EdgeCandidate& edge) {
+    const Walk walk = walkProfile(q, rule, rule.flatTolerance, false);
+    if (walk.found) {
+        edge = walk.best;
+    }
+    return walk.found;
+}
 
-bool selectEdge(std::span<const int32_t> q, const EdgeRule& rule, EdgeCandidate& edge) {
-    // A band too wide swallows a blurred edge, and noise may feign a plateau halfway up one: then the band is halved.
-    // The last walk takes the bare tolerance, so that nothing that a strict reading finds is missed.
-    auto band = static_cast<int32_t>(int64_t{rule.threshold} * kBandNumerator / kBandDenominator);
+// A band too wide swallows a blurred edge, and noise may feign a plateau halfway up one: then the band is halved, down
+// to the bare tolerance.
+bool selectInBand(std::span<const int32_t> q, const EdgeRule& rule, int32_t widest, bool slopes, EdgeCandidate& edge) {
     bool found = false;
-    for (; band > rule.flatTolerance; band /= 2) {
-        const Walk walk = walkProfile(q, rule, band);
+    for (int32_t band = widest; band > rule.flatTolerance; band /= 2) {
+        const Walk walk = walkProfile(q, rule, band, slopes);
         if (walk.found && (!found || !walk.hidden)) {
             edge = walk.best;
             found = true;
@@ -124,11 +143,27 @@ bool selectEdge(std::span<const int32_t> q, const EdgeRule& rule, EdgeCandidate&
             return true;
         }
     }
-    const Walk strict = walkProfile(q, rule, rule.flatTolerance);
-    if (strict.found) {
-        edge = strict.best;
+    return selectStrictly(q, rule, edge) || found;
+}
+
+}  // namespace
+
+bool selectEdge(std::span<const int32_t> q, const EdgeRule& rule, EdgeCandidate& edge) {
+    const auto widest = static_cast<int32_t>(int64_t{rule.threshold} * kBandNumerator / kBandDenominator);
+    // The band bridges noise. Without noise it serves only where the strict walk finds nothing: on plateaus that blur
+    // has rounded off and, if need be, on plateaus that slope.
+    const bool clean = !isNoisyProfile(q, widest) && selectStrictly(q, rule, edge);
+    if (!clean && !selectInBand(q, rule, widest, false, edge) && !selectInBand(q, rule, widest, true, edge)) {
+        return false;
     }
-    return found || strict.found;
+    const int32_t sense = signOf(edge.difference);
+    edge.a = footEnd(q, edge.a, edge.from, sense);
+    edge.b = footEnd(q, edge.b, edge.to, sense);
+    if (clean) {
+        edge.from = edge.a;
+        edge.to = edge.b;
+    }
+    return true;
 }
 
 }  // namespace zelm

@@ -9,11 +9,11 @@ namespace zelm {
 
 // The transition between two plateaus.
 struct EdgeCandidate {
-    int64_t a;           // last sample of the first plateau
-    int64_t b;           // first sample of the second plateau
+    int64_t a;           // where it begins: the last sample of the first plateau
+    int64_t b;           // where it ends: the first sample of the second plateau
     int32_t difference;  // level of the second plateau minus level of the first, gray levels
-    int64_t from;        // first sample of the first plateau
-    int64_t to;          // last sample of the second plateau
+    int64_t from;        // samples from..to tell of the edge; beyond a and b they belong to noisy plateaus
+    int64_t to;
 };
 
 struct EdgeRule {
@@ -22,7 +22,7 @@ struct EdgeRule {
     int32_t threshold;      // least difference, gray levels
     int32_t flatTolerance;  // gray levels, >= 0
     int32_t minFlatRun;     // steps, >= 1
-    int64_t doubledCentre;  // twice the sample index of the segment's centre, for selector 4
+    double doubledCentre;   // twice the place of the segment's centre, in samples, for selector 4
 };
 
 // False when no candidate satisfies the rule.

@@ -55,6 +55,23 @@ TEST(EdgeSample, TheLastRowAndColumnAreNeverSampled) {
     EXPECT_DOUBLE_EQ(innerEdge1dSampleGray(scene.image, 0.0, 0.0), 100.0);
 }
 
+TEST(EdgeSegment, ItsLengthIsTheRootOfTheSumOfSquares) {
+    Random random(14);
+    for (int trial = 0; trial < 10000; ++trial) {
+        const Point2d p1 = {random.uniform(-50.0, 50.0), random.uniform(-50.0, 50.0)};
+        const Point2d p2 = {random.uniform(-50.0, 50.0), random.uniform(-50.0, 50.0)};
+        EdgeSegment segment = {};
+        ASSERT_EQ(zelm::makeEdgeSegment(p1, p2, segment), ZELM_OK);
+        const double dx = p2.x - p1.x;
+        const double dy = p2.y - p1.y;
+        const double length = std::sqrt(dx * dx + dy * dy);
+        EXPECT_EQ(segment.length, length);
+        EXPECT_EQ(segment.last, static_cast<int64_t>(length));
+        EXPECT_EQ(segment.unit.x, dx / length);
+        EXPECT_EQ(segment.unit.y, dy / length);
+    }
+}
+
 TEST(EdgeProfile, HoldsTheMeanAcrossTheSegment) {
     const GrayScene scene = textured(40, 30, 11);
     const Point2d p1 = {6.3, 8.1};

@@ -24,7 +24,8 @@ constexpr double kPi = 3.14159265358979323846;
 EdgeProfile makeProfile(const std::vector<double>& values) {
     EdgeProfile profile;
     const std::size_t cells = values.size() + 2 * static_cast<std::size_t>(kEdgeGuard);
-    profile.segment = {{0.0, 0.0}, {1.0, 0.0}, static_cast<int64_t>(values.size()) - 1};
+    const auto last = static_cast<int64_t>(values.size()) - 1;
+    profile.segment = {{0.0, 0.0}, {1.0, 0.0}, last, static_cast<double>(last)};
     profile.count = static_cast<int64_t>(values.size());
     profile.quantised = zelm::WorkBuffer<int32_t>(cells);
     profile.gray = zelm::WorkBuffer<double>(cells);

@@ -1,0 +1,16 @@
+// Noise in a quantised profile.
+#ifndef ZELM_EDGE_NOISE_H
+#define ZELM_EDGE_NOISE_H
+
+#include <cstdint>
+#include <span>
+
+namespace zelm {
+
+// Whether the profile turns back and forth as only noise does: rising, falling and rising again, or the reverse, within
+// four steps and by at most swing gray levels in between. Plateaus, ramps and smooth curves do not, rounded or not.
+bool isNoisyProfile(std::span<const int32_t> q, int32_t swing);
+
+}  // namespace zelm
+
+#endif
