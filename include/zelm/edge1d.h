@@ -11,17 +11,19 @@
 ///
 /// Threshold. T is the larger of minContrast and contrastPercent of the range of the profile rounded to gray levels.
 ///
-/// Candidates. Neighbouring rounded values that differ by at most flatTolerance are flat, and so are, against image
-/// noise, minFlatRun + 1 neighbours that stay together within a band of 2/3 of T. minFlatRun flat steps make a plateau.
-/// The band is halved, down to the bare tolerance, and the profile walked again as long as no edge is found or a
-/// plateau moves by T itself. A candidate is the transition between two neighbouring plateaus whose levels differ by at
-/// least T in the sense asked for. Where a plateau meets the transition its end goes back over every step that still
-/// changes in that sense, so that the position is taken from the whole of a blurred edge. The level of a plateau is the
-/// mean of the minFlatRun + 1 values next to the transition. All of this is symmetric in the two directions.
+/// Candidates. Neighbouring rounded values that differ by at most flatTolerance are flat; minFlatRun flat steps make a
+/// plateau. A candidate is the transition between two neighbouring plateaus whose levels differ by at least T in the
+/// sense asked for; the level of a plateau is the mean of the minFlatRun + 1 values next to the transition.
 ///
-/// Position. The profile, held constant beyond the two plateaus, is filtered by the derivative of a Gaussian (Canny,
-/// 1986) of sigma 1.5 (size 7) or 1 (size 5) samples; a Gaussian through the largest derivative and its neighbours
-/// gives position and strength (gray levels a pixel).
+/// Noise. Where the profile turns back and forth as only noise does, or has no candidate, minFlatRun + 1 neighbours
+/// that stay together within a band of 2/3 of T are flat too, unless all their steps exceed flatTolerance in one sense
+/// (such slopes only if nothing else is found). The band is halved, down to the bare tolerance, and the profile walked
+/// again as long as no edge is found or a plateau moves by T itself. All of this is symmetric in the two directions.
+///
+/// Position. The transition, with one step more on each side if that still changes in its sense, is held constant
+/// beyond its ends, in noise beyond the two plateaus. It is filtered by the derivative of a Gaussian (Canny, 1986) of
+/// sigma 1.5 (size 7) or 1 (size 5) samples; a Gaussian through the largest derivative and its neighbours gives
+/// position and strength (gray levels a pixel).
 ///
 /// Accuracy. On noise-free straight edges of 8-bit images with a blur of 0.5 to 1.5 pixels, met at right angles at any
 /// position and in any direction, the error is at most 0.013 pixel (root mean square 0.005) at a contrast of 240 gray
@@ -63,8 +65,9 @@ typedef struct ZelmEdge1dParam {
 ///         ZELM_ERR_DEGENERATE: the two points are equal, or no sample of the segment lies inside the image.
 ///         ZELM_ERR_MEMORY: a work buffer could not be allocated, or the window of the filter leaves the profile (only
 ///         with a filterSize other than 5 or 7).
-/// Memory: three work buffers of the length of the segment. However far a segment runs outside the image, only what is
-/// near the image is sampled, and the result is the same. Reentrant: yes.
+/// Memory: three work buffers, together 20 bytes a sample. They hold the samples within a pixel of the image, at most
+/// minFlatRun + 11 more on each side, and 20 cells: what they take grows with the image, not with the segment, however
+/// far that runs outside. The result is that of the whole segment. Reentrant: yes.
 ZELM_API int32_t zelmEdge1dDiffMax(const ZelmImage* tImage, const Point2d* tP1, const Point2d* tP2, int32_t iSign,
                                    Point2d* tEdgePoint, double* dStrength);
 

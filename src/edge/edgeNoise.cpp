@@ -1,5 +1,6 @@
 #include "edgeNoise.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdlib>
 
@@ -30,6 +31,19 @@ bool isNoisyProfile(std::span<const int32_t> q, int32_t swing) {
         }
         sense = change;
         last = i;
+    }
+    return false;
+}
+
+bool hasJitter(std::span<const int32_t> q, int32_t tolerance) {
+    for (std::size_t i = 1; i + 1 < q.size(); ++i) {
+        const int32_t before = q[i] - q[i - 1];
+        const int32_t after = q[i] - q[i + 1];
+        const bool peak = before > 0 && after > 0;
+        const bool dip = before < 0 && after < 0;
+        if ((peak || dip) && std::min(std::abs(before), std::abs(after)) <= tolerance) {
+            return true;
+        }
     }
     return false;
 }

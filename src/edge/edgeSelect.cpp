@@ -159,7 +159,8 @@ bool selectEdge(std::span<const int32_t> q, const EdgeRule& rule, EdgeCandidate&
     const int32_t sense = signOf(edge.difference);
     edge.a = footEnd(q, edge.a, edge.from, sense);
     edge.b = footEnd(q, edge.b, edge.to, sense);
-    if (clean) {
+    // Against noise the filter sees the plateaus as far as it reaches; else they end with the transition.
+    if (clean && !hasJitter(q, rule.flatTolerance)) {
         edge.from = edge.a;
         edge.to = edge.b;
     }
