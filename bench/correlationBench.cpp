@@ -32,13 +32,13 @@ using zelmtest::Processor;
 using zelmtest::Random;
 
 constexpr std::int32_t kStripWidth = 833;
-constexpr std::int32_t kMostRows = 64;
+constexpr std::int32_t kMaxRows = 64;
 
 // A textured strip, and a square template cut from it.
 struct Scene {
     explicit Scene(std::int32_t templateSize) : size(templateSize) {
         Random random(1);
-        for (std::int32_t y = 0; y < kMostRows; ++y) {
+        for (std::int32_t y = 0; y < kMaxRows; ++y) {
             for (std::int32_t x = 0; x < kStripWidth; ++x) {
                 const double gray = 120.0 + 50.0 * std::sin(x / 5.1 + 0.3 * y) + 40.0 * std::cos(x / 17.0 - y / 4.0);
                 strip.push_back(static_cast<std::uint8_t>(gray + 8.0 * random.uniform()));

@@ -306,7 +306,7 @@ typedef struct ZelmMeasureMatchOptions {
     double minScore;         ///< correlation of a match, after its surface has been fitted, 0 to 1
     double returnTolerance;  ///< pixels by which the way back may miss the start
     double precision;        ///< pixels; the standard deviation that the texture near a pixel must promise
-    double noise;            ///< standard deviation of a gray value; 0: as zelmMeasureNoise() tells of both images
+    double noise;            ///< standard deviation of a gray level; 0: as zelmMeasureNoise() tells of both images
     double reach;            ///< pixels from a point to those that may tell of its surface
     ZelmMeasureDepthLimits limits;  ///<
     int32_t threads;                ///< 0: as many as the machine runs at a time. The results are the same for any.
@@ -335,7 +335,7 @@ typedef struct ZelmMeasureMatches {
 /// @return ZELM_OK, ZELM_ERR_PARAM
 ZELM_API int32_t zelmMeasureMatchDefaults(const ZelmMeasureRig* rig, ZelmMeasureMatchOptions* options);
 
-/// The standard deviation of the noise of an image, gray values, from what its smoothest parts show (Immerkaer, 1996);
+/// The standard deviation of the noise of an image, gray levels, from what its smoothest parts show (Immerkaer, 1996);
 /// at least 0.3, which is what rounding makes.
 /// @return ZELM_OK, ZELM_ERR_PARAM, ZELM_ERR_MEMORY
 ZELM_API int32_t zelmMeasureNoise(const ZelmMeasureImage* image, double* noise);

@@ -47,10 +47,10 @@ bool isUnfolded(const Camera& camera, double r2) {
 
 // No lens throws a point ten times as far out: k1 and k2 are then meant for another kind of projection, and drawing the
 // outlines of such a plate would take for ever.
-constexpr double kMostRadialGain = 10.0;
+constexpr double kMaxRadialGain = 10.0;
 
 bool isWithinGain(const Camera& camera, double r2) {
-    return 1.0 + (camera.k1 + camera.k2 * r2) * r2 <= kMostRadialGain;
+    return 1.0 + (camera.k1 + camera.k2 * r2) * r2 <= kMaxRadialGain;
 }
 
 bool isUsable(const Camera& camera, const Normalised& n) {
@@ -80,8 +80,8 @@ std::array<double, 3> rotate(const std::array<double, 9>& R, const std::array<do
 }  // namespace
 
 void checkCamera(const Camera& camera) {
-    constexpr int kLargestSide = 32768;  // pixels
-    if (camera.width <= 0 || camera.height <= 0 || camera.width > kLargestSide || camera.height > kLargestSide) {
+    constexpr int kMaxSide = 32768;  // pixels
+    if (camera.width <= 0 || camera.height <= 0 || camera.width > kMaxSide || camera.height > kMaxSide) {
         throw std::invalid_argument("width and height must be between 1 and 32768 pixels");
     }
     if (!(camera.fx > 0.0) || !(camera.fy > 0.0)) {

@@ -8,10 +8,10 @@
 namespace zelm::render {
 namespace {
 
-constexpr double kMostNodes = 2e6;  // of one outline; beyond, the image is so large that nobody can look at the node
+constexpr double kMaxNodes = 2e6;  // of one outline; beyond, the image is so large that nobody can look at the node
 
 int stepsFor(double length, double spacing, int least) {
-    return std::max(least, static_cast<int>(std::min(std::ceil(length / spacing), kMostNodes)));
+    return std::max(least, static_cast<int>(std::min(std::ceil(length / spacing), kMaxNodes)));
 }
 
 // A bound of the image's speed along the plane, by the Frobenius norm of the derivatives.
@@ -28,7 +28,7 @@ int circleSteps(const PlateDot& dot, const Camera& camera, const Pose& pose, dou
         const PlanePoint p = {dot.centre.x + dot.radius * std::cos(angle), dot.centre.y + dot.radius * std::sin(angle)};
         fastest = std::max(fastest, speed(project(camera, pose, p)));
     }
-    return stepsFor(2.0 * std::numbers::pi * dot.radius * fastest, spacing, kLeastCircleNodes);
+    return stepsFor(2.0 * std::numbers::pi * dot.radius * fastest, spacing, kMinCircleNodes);
 }
 
 struct Side {

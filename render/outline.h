@@ -16,9 +16,9 @@ struct OutlineNode {
     double dy = 0.0;
 };
 
-// Nodes of a circle's image, at most `spacing` pixels apart and at least kLeastCircleNodes. Equal steps of the circle's
+// Nodes of a circle's image, at most `spacing` pixels apart and at least kMinCircleNodes. Equal steps of the circle's
 // angle make the trapezoidal rule, which converges exponentially on a smooth closed curve.
-inline constexpr int kLeastCircleNodes = 48;
+inline constexpr int kMinCircleNodes = 48;
 std::vector<OutlineNode> circleOutline(const PlateDot& dot, const Camera& camera, const Pose& pose, double spacing);
 
 // Nodes of the image of the plate's edge: Gauss-Legendre panels at most `panel` pixels long.

@@ -62,8 +62,8 @@ void checkPlate(const Plate& plate) {
     requirePositive(plate.markerDiameter, "marker diameter");
     requirePositive(plate.marginX, "margin along x");
     requirePositive(plate.marginY, "margin along y");
-    constexpr int kMostDots = 100;  // a side, either way from the corner marker
-    require(plate.minX >= -kMostDots && plate.maxX <= kMostDots && plate.minY >= -kMostDots && plate.maxY <= kMostDots,
+    constexpr int kMaxDots = 100;  // a side, either way from the corner marker
+    require(plate.minX >= -kMaxDots && plate.maxX <= kMaxDots && plate.minY >= -kMaxDots && plate.maxY <= kMaxDots,
             "more than 100 dots from the corner marker to the edge");
     require(plate.minX <= 0 && plate.minY <= 0, "the corner marker (0, 0) is not on the grid");
     require(plate.markerX > 0 && plate.markerX <= plate.maxX, "the x marker is not on the grid");

@@ -14,7 +14,7 @@ struct GridIndex {
     bool operator==(const GridIndex&) const = default;
 };
 
-// A point of the plate's plane, plane units.
+// A point of the plate's plane, plate units.
 struct PlanePoint {
     double x = 0.0;
     double y = 0.0;
@@ -27,7 +27,7 @@ enum class Polarity { darkDots = 0, lightDots = 1 };
 struct Plate {
     int minX = -6, maxX = 6;      // grid indices of the outermost columns
     int minY = -5, maxY = 5;      // grid indices of the outermost rows
-    double pitchX = 10.0;         // distance of the columns, plane units
+    double pitchX = 10.0;         // distance of the columns, plate units
     double pitchY = 10.0;         // distance of the rows
     double dotDiameter = 4.0;     //
     double markerDiameter = 7.0;  //

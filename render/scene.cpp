@@ -16,7 +16,7 @@ constexpr int kPlacesPerView = 8;      // in the image, tried for each orientati
 constexpr int kAttemptsPerView = 100;  // orientations drawn before giving up
 constexpr int kBisections = 40;        // of the interval that holds the distance at which the plate just fits
 constexpr double kRadiansPerDegree = std::numbers::pi / 180.0;
-constexpr double kFarthest = 64.0;  // distance up to which the plate is moved away, in multiples of the nearest
+constexpr double kMaxDistanceRatio = 64.0;  // distance up to which the plate is moved away, in multiples of the nearest
 
 void requireFinite(double value, const char* name) {
     if (!std::isfinite(value)) {
@@ -70,7 +70,7 @@ double fittingScale(const Viewer& viewer, const Aim& aim, double largest) {
     double fits = largest;
     while (!viewer.sees(withScale(camera, aim, fits))) {
         fits *= 0.95;
-        if (fits * kFarthest < largest) {
+        if (fits * kMaxDistanceRatio < largest) {
             return 0.0;
         }
     }
@@ -149,8 +149,8 @@ void checkOptics(const Optics& optics) {
     requireFinite(optics.light.gradientX, "gradient along x");
     requireFinite(optics.light.gradientY, "gradient along y");
     requireFinite(optics.light.falloff, "falloff");
-    constexpr double kLeastBlur = 0.02, kMostBlur = 50.0;  // pixels; the cost grows with sharper and wider blur
-    if (optics.blurSigma != 0.0 && !(optics.blurSigma >= kLeastBlur && optics.blurSigma <= kMostBlur)) {
+    constexpr double kMinBlur = 0.02, kMaxBlur = 50.0;  // pixels; the cost grows with sharper and wider blur
+    if (optics.blurSigma != 0.0 && !(optics.blurSigma >= kMinBlur && optics.blurSigma <= kMaxBlur)) {
         throw std::invalid_argument("the blur must be 0 or between 0.02 and 50 pixels");
     }
     if (!(optics.noiseSigma >= 0.0) || !std::isfinite(optics.noiseSigma)) {

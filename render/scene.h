@@ -46,7 +46,7 @@ struct StereoRig {
     Pose rightFromLeft;  // X_right = R X_left + t
 };
 
-// Two slightly different cameras, about 120 plane units apart, whose axes meet about 350 plane units away.
+// Two slightly different cameras, about 120 plate units apart, whose axes meet about 350 plate units away.
 StereoRig exampleRig();
 
 // Limits of the poses that makeViewPoses draws.

@@ -10,9 +10,9 @@
 namespace zelm::render {
 namespace {
 
-constexpr double kSpacing = 0.5;         // pixels between nodes; the sums over them converge exponentially
-constexpr int kMostSteps = 20;           // Gauss-Newton steps of the ellipse
-constexpr double kSmallestStep = 1e-12;  // pixels
+constexpr double kSpacing = 0.5;    // pixels between nodes; the sums over them converge exponentially
+constexpr int kMaxSteps = 20;       // Gauss-Newton steps of the ellipse
+constexpr double kMinStep = 1e-12;  // pixels
 
 // Area, centroid and second central moments of the region inside an outline.
 struct Moments {
@@ -111,11 +111,11 @@ EllipseTruth ellipseFrom(const Conic& e) {
 EllipseTruth fitEllipse(const std::vector<OutlineNode>& outline, const Moments& moments) {
     Conic e = conicFrom(moments);
     const double size = std::sqrt(moments.area / std::numbers::pi);
-    for (int i = 0; i < kMostSteps; ++i) {
+    for (int i = 0; i < kMaxSteps; ++i) {
         const std::array<double, 5> d = sampsonStep(outline, e, size);
         const double shape = 1.0 / (size * size * size);
         e = {e.x + d[0], e.y + d[1], e.s11 + d[2] * shape, e.s12 + d[3] * shape, e.s22 + d[4] * shape};
-        if (std::all_of(d.begin(), d.end(), [](double step) { return std::abs(step) < kSmallestStep; })) {
+        if (std::all_of(d.begin(), d.end(), [](double step) { return std::abs(step) < kMinStep; })) {
             break;
         }
     }

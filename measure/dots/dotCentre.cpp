@@ -13,19 +13,19 @@ namespace zelm::measure {
 namespace {
 
 constexpr int kRays = 20;
-constexpr std::size_t kFewestEdges = 15;  // points of a whole outline that agree with an ellipse
-constexpr int kArcRays = 60;              // of a dot that is partly hidden
-constexpr std::size_t kShortestArc = 33;  // points of its outline that agree: more than half of it
-constexpr double kDisturbed = 2.0;        // pixels around an occlusion: the width of a profile and the blur
-constexpr double kAgreement = 0.2;        // pixels from the ellipse; an edge is found to 0.1 pixels or better
-constexpr double kHiddenReach = 60.0;     // pixels of the rays where no whole spot is seen
-constexpr double kRayStart = -3.0;        // pixels from the centroid, against the ray's direction
-constexpr double kRayEnd = 1.7;           // from the centroid, in radii: before whatever surrounds the dot's pad
-constexpr double kEllipseTukey = 3.0;     // robust constant of the ellipse fit
-constexpr int kSmallestArea = 12;         // pixels
-constexpr double kLeastFill = 0.6;        // of the box, of which an upright ellipse fills pi/4 and a slanted one less
-constexpr double kMostFill = 0.9;         //
-constexpr double kLongestBox = 4.0;       // its longer side over its shorter one
+constexpr std::size_t kMinEdges = 15;  // points of a whole outline that agree with an ellipse
+constexpr int kArcRays = 60;           // of a dot that is partly hidden
+constexpr std::size_t kMinArc = 33;    // points of its outline that agree: more than half of it
+constexpr double kDisturbed = 2.0;     // pixels around an occlusion: the width of a profile and the blur
+constexpr double kAgreement = 0.2;     // pixels from the ellipse; an edge is found to 0.1 pixels or better
+constexpr double kHiddenReach = 60.0;  // pixels of the rays where no whole spot is seen
+constexpr double kRayStart = -3.0;     // pixels from the centroid, against the ray's direction
+constexpr double kRayEnd = 1.7;        // from the centroid, in radii: before whatever surrounds the dot's pad
+constexpr double kEllipseTukey = 3.0;  // robust constant of the ellipse fit
+constexpr int kMinArea = 12;           // pixels
+constexpr double kMinFill = 0.6;       // of the box, of which an upright ellipse fills pi/4 and a slanted one less
+constexpr double kMaxFill = 0.9;       //
+constexpr double kMaxBoxRatio = 4.0;   // its longer side over its shorter one
 constexpr std::array kReaches{12, 24, 48, 96};  // pixels from the given one to the edges of the windows tried
 
 // Owns what the library found.
@@ -52,7 +52,7 @@ bool isRound(const ZelmBlob& blob) {
     const double fill = blob.area / (static_cast<double>(blob.width) * blob.height);
     const double longer = std::max(blob.width, blob.height);
     const double shorter = std::min(blob.width, blob.height);
-    return blob.area >= kSmallestArea && fill >= kLeastFill && fill <= kMostFill && longer <= kLongestBox * shorter;
+    return blob.area >= kMinArea && fill >= kMinFill && fill <= kMaxFill && longer <= kMaxBoxRatio * shorter;
 }
 
 bool covers(const ZelmBlob& blob, Point2d p) {
@@ -66,8 +66,8 @@ std::optional<ZelmBlob> spotAt(const DenseImage& image, Point2d near, DotPolarit
         const ZelmRect window = windowAround(image, near, reach);
         const std::int32_t threshold = zelmBinOtsuThresholdImage(&record, &window);
         Blobs blobs;
-        requireMemory(zelmBinBlob(&record, &window, threshold, polarity == DotPolarity::bright ? 1 : 0, 0,
-                                  kSmallestArea, &blobs.data, &blobs.count));
+        requireMemory(zelmBinBlob(&record, &window, threshold, polarity == DotPolarity::bright ? 1 : 0, 0, kMinArea,
+                                  &blobs.data, &blobs.count));
         const std::span<const ZelmBlob> found(blobs.data, static_cast<std::size_t>(blobs.count));
         const auto spot = std::find_if(found.begin(), found.end(),
                                        [&](const ZelmBlob& blob) { return isRound(blob) && covers(blob, near); });
@@ -116,9 +116,9 @@ std::size_t countAgreeing(const Ellipse2d& e, std::span<const Point2d> outline) 
 // The ellipse of a whole outline, of which some points may be astray.
 std::optional<Ellipse2d> wholeEllipse(std::span<const Point2d> outline) {
     Ellipse2d ellipse{};
-    if (outline.size() < kFewestEdges ||
+    if (outline.size() < kMinEdges ||
         zelmFitEllipse(static_cast<std::int32_t>(outline.size()), outline.data(), 1, kEllipseTukey, &ellipse) < 0 ||
-        countAgreeing(ellipse, outline) < kFewestEdges) {
+        countAgreeing(ellipse, outline) < kMinEdges) {
         return std::nullopt;
     }
     return ellipse;
@@ -153,12 +153,12 @@ std::span<const Point2d> withoutEnds(std::span<const Point2d> arc) {
 std::optional<Ellipse2d> arcEllipse(std::span<const Point2d> outline) {
     std::vector<Point2d> twice(outline.begin(), outline.end());
     twice.insert(twice.end(), outline.begin(), outline.end());
-    for (std::size_t length = outline.size(); length >= kShortestArc; --length) {
+    for (std::size_t length = outline.size(); length >= kMinArc; --length) {
         for (std::size_t start = 0; start < outline.size(); ++start) {
             const auto arc = std::span<const Point2d>(twice).subspan(start, length);
             if (ellipseThrough(arc)) {
                 const auto inner = withoutEnds(arc);
-                return inner.size() >= kFewestEdges ? ellipseThrough(inner) : std::nullopt;
+                return inner.size() >= kMinEdges ? ellipseThrough(inner) : std::nullopt;
             }
         }
     }

@@ -18,16 +18,16 @@ namespace {
 
 constexpr std::size_t kPointsAStep = 2048;  // of the progress bar
 constexpr std::size_t kPointsATask = 16;
-constexpr int kMostRounds = 6;                  // of spreading surfaces to neighbours
-constexpr std::size_t kSurfaces = 6;            // of neighbours that are tried for a point
-constexpr std::size_t kSurfacesOfAPixel = 5;    // that are tried for a pixel between matched ones
-constexpr int kDenseStep = 4;                   // pixels between those
-constexpr std::size_t kJudges = 16;             // neighbours asked whether a point is plausible
-constexpr std::size_t kLeastIsland = 12;        // points that agree with each other, if others around disagree
-constexpr std::size_t kLeastAmongFailures = 3;  // if most of those around were not found
-constexpr std::size_t kFewestOpponents = 4;     // so many of these
-constexpr double kConsentPixels = 1.0;          // along the epipolar line by which they may disagree
-constexpr double kConsentPixelsPerPixel = .1;   // and by their distance
+constexpr int kMaxRounds = 6;                  // of spreading surfaces to neighbours
+constexpr std::size_t kSurfaces = 6;           // of neighbours that are tried for a point
+constexpr std::size_t kSurfacesOfAPixel = 5;   // that are tried for a pixel between matched ones
+constexpr int kDenseStep = 4;                  // pixels between those
+constexpr std::size_t kJudges = 16;            // neighbours asked whether a point is plausible
+constexpr std::size_t kMinIsland = 12;         // points that agree with each other, if others around disagree
+constexpr std::size_t kMinAmongFailures = 3;   // if most of those around were not found
+constexpr std::size_t kMinOpponents = 4;       // so many of these
+constexpr double kConsentPixels = 1.0;         // along the epipolar line by which they may disagree
+constexpr double kConsentPixelsPerPixel = .1;  // and by their distance
 
 // More threads than the machine runs at a time are of no use, and the thread library complains of them.
 int threadsFor(int threads) {
@@ -125,7 +125,7 @@ private:
     // Tries the points that were looked for in vain where neighbours lead, and again with what that has found.
     void spread() {
         std::vector<char> fresh = foundOnes();  // found in the round before
-        for (int round = 0; round < kMostRounds; ++round) {
+        for (int round = 0; round < kMaxRounds; ++round) {
             const std::vector<char> found = foundOnes();
             std::vector<std::size_t> open;
             std::vector<std::size_t> near;
@@ -217,8 +217,8 @@ private:
         }
         for (std::size_t i = 0; i < matches.size(); ++i) {
             const std::size_t first = firstOf(i);
-            const bool isIsland = members[first] < kLeastIsland && opponents[first] >= kFewestOpponents;
-            const bool isChance = members[first] < kLeastAmongFailures && 2 * failures[i] >= kJudges;
+            const bool isIsland = members[first] < kMinIsland && opponents[first] >= kMinOpponents;
+            const bool isChance = members[first] < kMinAmongFailures && 2 * failures[i] >= kJudges;
             if (found[i] != 0 && (isIsland || isChance)) {
                 matches[i].status = MatchStatus::inconsistent;
             }

@@ -13,7 +13,7 @@ double noiseOf(const ZelmMeasureImage& image) {
     // smoothest twentieth of the blocks tells.
     constexpr int kBlock = 16;
     constexpr double kPart = 0.05;
-    constexpr double kLeast = 0.3;  // gray values: what rounding to whole ones makes
+    constexpr double kLeast = 0.3;  // gray levels: what rounding to whole ones makes
     std::vector<double> blocks;
     for (int y0 = 1; y0 + kBlock < image.height; y0 += kBlock) {
         for (int x0 = 1; x0 + kBlock < image.width; x0 += kBlock) {

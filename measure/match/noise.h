@@ -6,7 +6,7 @@
 
 namespace zelm::measure {
 
-// The standard deviation of an image's noise in gray values, from what its smoothest parts show.
+// The standard deviation of an image's noise in gray levels, from what its smoothest parts show.
 double noiseOf(const ZelmMeasureImage& image);
 
 }  // namespace zelm::measure

@@ -10,22 +10,22 @@ namespace {
 
 constexpr double kZoneRatio = 1.25;   // of depths that share a template: beyond, the two views differ too much
 constexpr double kEvenZones = 4.0;    // where depths have no ratio: a parallel camera, or no farthest depth
-constexpr double kMostZones = 64.0;   //
+constexpr double kMaxZones = 64.0;    //
 constexpr int kReach = 2;             // pixels by which strips go beyond their zone
 constexpr double kCoarseScore = 0.3;  // of a candidate: its window is not yet turned to its surface
 constexpr double kCoarseLead = 0.3;   // candidates that score less than the best by this are left out
-constexpr std::size_t kMostCandidates = 4;
-constexpr int kPeakDistance = 3;     // pixels between candidates
-constexpr double kNear = 4.0;        // pixels around the place where neighbours expect a point
-constexpr double kNearness = 0.4;    // half windows within which texture counts: a standard deviation
-constexpr double kSamePixels = 0.5;  // by which the same surface may differ along the line,
-constexpr double kSameSlope = 0.05;  // and a pixel
-constexpr double kLeadNear = 0.2;    // by which another place may score better on the way back, if neighbours agree
-constexpr double kLeastShare = 0.4;  // of the window that must lie on the surface, where neighbours expect it,
-constexpr double kLeastShareAlone = 0.6;   // and where nothing speaks for it but its looks
-constexpr double kLeastCentreShare = 0.6;  // and of its middle
-constexpr double kLeadOfBest = 1.3;        // factor by which the best place must excel every other one
-constexpr double kLongestStrip = 16384.0;  // pixels
+constexpr std::size_t kMaxCandidates = 4;
+constexpr int kPeakDistance = 3;         // pixels between candidates
+constexpr double kNear = 4.0;            // pixels around the place where neighbours expect a point
+constexpr double kNearness = 0.4;        // half windows within which texture counts: a standard deviation
+constexpr double kSamePixels = 0.5;      // by which the same surface may differ along the line,
+constexpr double kSameSlope = 0.05;      // and a pixel
+constexpr double kLeadNear = 0.2;        // by which another place may score better on the way back, if neighbours agree
+constexpr double kMinShare = 0.4;        // of the window that must lie on the surface, where neighbours expect it,
+constexpr double kMinShareAlone = 0.6;   // and where nothing speaks for it but its looks
+constexpr double kMinCentreShare = 0.6;  // and of its middle
+constexpr double kLeadOfBest = 1.3;      // factor by which the best place must excel every other one
+constexpr double kMaxStrip = 16384.0;    // pixels
 
 double distance(Point2d a, Point2d b) {
     return std::hypot(a.x - b.x, a.y - b.y);
@@ -88,7 +88,7 @@ bool PointMatcher::cutPattern(const CameraView& view, const Matrix3& toView) {
 // Cuts the stretch of a view between two undistorted pixels of a line, as far as whole windows are seen.
 bool PointMatcher::cutStrip(const CameraView& view, Point2d from, Point2d to) {
     const double length = distance(from, to);
-    if (!(length > 1e-6 && length < kLongestStrip)) {
+    if (!(length > 1e-6 && length < kMaxStrip)) {
         return false;
     }
     const int margin = settings.half + kReach;
@@ -126,7 +126,7 @@ void PointMatcher::searchZone(Point2d ideal, Interval zone) {
     if (!cutPattern(left, product(*toSource, inTarget))) {
         return;
     }
-    std::array<StripMatch, kMostCandidates> matches;
+    std::array<StripMatch, kMaxCandidates> matches;
     const std::size_t count =
         searchStrip(pattern.data(), side, strip.pixels.data(), strip.width, kCoarseScore, kPeakDistance, matches);
     for (std::size_t i = 0; i < count; ++i) {
@@ -141,7 +141,7 @@ void PointMatcher::searchAll(Point2d ideal) {
     const bool byRatio = !toRight.isParallel() && interval.low > 0.0;
     const double ratio = interval.high / interval.low;
     const double steps = byRatio ? std::ceil(std::log(ratio) / std::log(kZoneRatio)) : kEvenZones;
-    const int zones = static_cast<int>(std::clamp(steps, 1.0, kMostZones));
+    const int zones = static_cast<int>(std::clamp(steps, 1.0, kMaxZones));
     for (int i = 0; i < zones; ++i) {
         const auto border = [&](int k) {
             const double part = static_cast<double>(k) / zones;
@@ -180,7 +180,7 @@ void PointMatcher::thinOut() {
     std::vector<Candidate> kept;
     for (const Candidate& c : candidates) {
         const auto isNear = [&](const Candidate& k) { return distance(k.target, c.target) < kPeakDistance; };
-        if (kept.size() < kMostCandidates && c.score >= candidates.front().score - kCoarseLead &&
+        if (kept.size() < kMaxCandidates && c.score >= candidates.front().score - kCoarseLead &&
             std::none_of(kept.begin(), kept.end(), isNear)) {
             kept.push_back(c);
         }
@@ -213,7 +213,7 @@ void PointMatcher::settle(PointMatch& match, double leastShare) {
         }
     }
     const FittedSurface& f = match.fitted;
-    if (best <= 0.0 || f.score < settings.minScore || f.share < leastShare || f.centreShare < kLeastCentreShare) {
+    if (best <= 0.0 || f.score < settings.minScore || f.share < leastShare || f.centreShare < kMinCentreShare) {
         return;
     }
     match.right = right.distorted(place);
@@ -233,7 +233,7 @@ bool PointMatcher::returns(const PointMatch& match, double lead) {
     if (!cutPattern(right, product(toRight.homographyOf(surface), inSource))) {
         return false;
     }
-    std::array<StripMatch, kMostCandidates> found;
+    std::array<StripMatch, kMaxCandidates> found;
     const std::size_t count =
         searchStrip(pattern.data(), side, strip.pixels.data(), strip.width, kCoarseScore, kPeakDistance, found);
     for (std::size_t i = 0; i < count && found[i].score >= found[0].score - lead; ++i) {
@@ -292,7 +292,7 @@ PointMatch PointMatcher::operator()(Point2d raw) {
     match.left = raw;
     if (prepare(match)) {
         searchAll(match.fitted.surface.at);
-        settle(match, kLeastShareAlone);
+        settle(match, kMinShareAlone);
     }
     if (match.status == MatchStatus::ok && !returns(match, 0.0)) {
         match.status = MatchStatus::inconsistent;
@@ -309,7 +309,7 @@ PointMatch PointMatcher::near(Point2d raw, std::span<const Surface> surfaces) {
         for (const Surface& surface : differing(surfaces, ideal)) {
             searchNear(surface);
         }
-        settle(match, kLeastShare);
+        settle(match, kMinShare);
     }
     if (match.status == MatchStatus::ok && !returns(match, kLeadNear)) {
         match.status = MatchStatus::inconsistent;
@@ -326,7 +326,7 @@ PointMatch PointMatcher::on(Point2d raw, std::span<const Surface> surfaces) {
         for (const Surface& surface : differing(surfaces, ideal)) {
             candidates.push_back({0.0, {}, surface});
         }
-        settle(match, kLeastShare);
+        settle(match, kMinShare);
     }
     return match;
 }

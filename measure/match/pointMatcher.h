@@ -19,7 +19,7 @@ struct MatchSettings {
     double minScore = 0.8;         // of a match, after its surface has been fitted
     double returnTolerance = 1.0;  // pixels by which the way back may miss the start
     double worstPrecision = 0.1;   // pixels; what the texture near the point must promise
-    double noise = 1.0;            // standard deviation of a gray value
+    double noise = 1.0;            // standard deviation of a gray level
     DepthLimits limits;
 };
 

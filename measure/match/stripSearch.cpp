@@ -11,7 +11,7 @@ namespace zelm::measure {
 
 std::size_t searchStrip(std::uint8_t* pattern, int side, std::uint8_t* strip, int width, double minScore,
                         int minDistance, std::span<StripMatch> matches) {
-    constexpr std::size_t kMostMatches = 16;
+    constexpr std::size_t kMaxMatches = 16;
     ZelmCstmRefImg reference{};
     reference.width = side;
     reference.height = side;
@@ -25,12 +25,12 @@ std::size_t searchStrip(std::uint8_t* pattern, int side, std::uint8_t* strip, in
     search.height = search.roiHeight = side;
     search.pixels = strip;
     search.epiLine = {0.0, 1.0, -static_cast<double>(side / 2)};
-    search.maxResults = static_cast<std::int32_t>(std::min(kMostMatches, matches.size()));
+    search.maxResults = static_cast<std::int32_t>(std::min(kMaxMatches, matches.size()));
     search.minScore = minScore;
     search.minDistance = minDistance;
     // Full: the sparser patterns score a perfect match low in their coarse pass, and would lose it.
     search.mode = ZELM_CSTM_FULL;
-    std::array<ZelmCstmMatch, kMostMatches> found{};
+    std::array<ZelmCstmMatch, kMaxMatches> found{};
     std::int32_t count = 0;
     const std::int32_t status = zelmCstmDrovnSearchOnEpiLine(&reference, &search, &count, found.data());
     requireMemory(status);

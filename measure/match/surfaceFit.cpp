@@ -9,9 +9,9 @@
 namespace zelm::measure {
 namespace {
 
-constexpr double kLargestStep = 2.0;   // pixels along the line that one round may move
-constexpr double kLargestDrift = 4.0;  // and all rounds together
-constexpr double kLargestSlope = 1.2;  // pixels of movement along the line a pixel
+constexpr double kMaxStep = 2.0;   // pixels along the line that one round may move
+constexpr double kMaxDrift = 4.0;  // and all rounds together
+constexpr double kMaxSlope = 1.2;  // pixels of movement along the line a pixel
 constexpr double kSettledPixels = 3e-3;
 constexpr int kMiddle = 3;            // pixels
 constexpr std::size_t kUnknowns = 5;  // movement, its two slopes, gain, offset
@@ -45,7 +45,7 @@ struct Stage {
 };
 constexpr std::array<double, 3> kWidths{0.3, 0.4, 0.55};  // standard deviation of the weights, in half windows
 constexpr std::array<Stage, 5> kStages{{{0, 1e3}, {0, 0.8}, {1, 0.5}, {2, 0.3}, {2, 0.2}}};
-constexpr std::size_t kMostRounds = 9;
+constexpr std::size_t kMaxRounds = 9;
 constexpr std::size_t kFirstVerdict = 2;  // the round in which a fit is given up
 constexpr double kHopeless = 0.25;        // that so little of the window takes part in
 
@@ -56,7 +56,7 @@ struct Equations {
     double weight = 0.0;
 };
 
-// How gray values of the first patch become those of the second.
+// How gray levels of the first patch become those of the second.
 struct Tone {
     double gain = 1.0;
     double offset = 0.0;
@@ -218,20 +218,20 @@ std::optional<FittedSurface> SurfaceFitter::operator()(const Surface& start) {
         }
         const Vector5 x = solve<kUnknowns>(e.N, e.right);
         const bool settled = round >= kStages.size() && std::fabs(x[0]) < kSettledPixels;
-        if (settled || round == kMostRounds) {
+        if (settled || round == kMaxRounds) {
             fitted.pixelsPerRho = direction.pixelsPerRho;
             finish(fitted, patches, tone, e, sums, x);
             return fitted;
         }
         drift += x[0];
-        if (!(std::fabs(x[0]) < kLargestStep && std::fabs(drift) < kLargestDrift)) {
+        if (!(std::fabs(x[0]) < kMaxStep && std::fabs(drift) < kMaxDrift)) {
             return std::nullopt;
         }
         s.rho += x[0] / direction.pixelsPerRho;
         s.slopeX += x[1] / direction.pixelsPerRho;
         s.slopeY += x[2] / direction.pixelsPerRho;
         tone = x[3] > 0.2 && x[3] < 5.0 ? Tone{x[3], x[4]} : Tone{};
-        if (std::hypot(s.slopeX - start.slopeX, s.slopeY - start.slopeY) * direction.pixelsPerRho > kLargestSlope) {
+        if (std::hypot(s.slopeX - start.slopeX, s.slopeY - start.slopeY) * direction.pixelsPerRho > kMaxSlope) {
             return std::nullopt;
         }
     }

@@ -21,10 +21,10 @@ struct FittedSurface {
 };
 
 // Least-squares matching of square windows, (2 half + 1) pixels a side about the surface's pixel (Gruen, 1985): depth
-// and both slopes of the plane, with a gain and an offset of gray values.
+// and both slopes of the plane, with a gain and an offset of gray levels.
 class SurfaceFitter {
 public:
-    // All of them outlive the fitter. `deviation`: of a gray value by noise.
+    // All of them outlive the fitter. `deviation`: of a gray level by noise.
     SurfaceFitter(const CameraView& first, const CameraView& second, const Transfer& firstToSecond, int half,
                   double deviation);
 

@@ -12,7 +12,7 @@
 
 namespace zelm::measure {
 
-// Distances along the axes of the cameras between which points are looked for, in plane units.
+// Distances along the axes of the cameras between which points are looked for, in plate units.
 struct DepthLimits {
     double leftNearest = 0.0;
     double leftFarthest = std::numeric_limits<double>::infinity();

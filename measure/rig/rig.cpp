@@ -78,7 +78,7 @@ Matrix3 RigCamera::matrix() const {
 
 void Rig::requireTriangulation() const {
     if (left.isParallel() && right.isParallel()) {
-        refuse("both cameras are parallel projections, calibrated in view 0 alone: points cannot be triangulated");
+        refuse("both cameras are parallel and calibrated from view 0 alone: points cannot be triangulated");
     }
 }
 

@@ -111,7 +111,7 @@ std::int32_t zelmMeasureRigFundamental(const ZelmMeasureRig* rig, double* F) {
 std::int32_t zelmMeasureRigRelativePose(ZelmMeasureRig* handle, ZelmMeasureRelativePose* pose) {
     return withRig(handle, [&](const Rig& rig) {
         if (rig.left.isParallel() || rig.right.isParallel()) {
-            refuse("no baseline: a parallel projection has no centre");
+            refuse("no baseline: a parallel camera has no centre");
         }
         const Motion motion = motionBetween(rig.left, rig.right);
         ZelmMeasureRelativePose filled{};

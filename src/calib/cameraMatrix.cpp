@@ -9,7 +9,7 @@
 namespace zelm {
 namespace {
 
-constexpr double kLeastDivisor = 1e-9;  // of P[2][3]
+constexpr double kMinDivisor = 1e-9;  // of P[2][3]
 
 // S(model), 3 x 4: what of the camera coordinates (x, y, z, 1) the camera matrix sees.
 constexpr double kSelection[3][12] = {
@@ -32,7 +32,7 @@ int32_t zelmCalibCameraMatrix(const double* daA, const ZelmCameraExtrinsics* tEx
     double P[12];
     zelmMatMul(3, 3, daA, 3, 4, zelm::kSelection[iModel], selected);
     const int32_t status = zelmMatMul(3, 4, selected, 4, 4, pose, P);
-    const double divisor = std::fabs(P[11]) > zelm::kLeastDivisor ? P[11] : 1.0;
+    const double divisor = std::fabs(P[11]) > zelm::kMinDivisor ? P[11] : 1.0;
     std::transform(P, P + 12, daP, [divisor](double entry) { return entry / divisor; });
     return status;
 }

@@ -19,9 +19,9 @@
 namespace zelm {
 namespace {
 
-constexpr std::int32_t kLeastViews = 3;  // of a perspective camera
-constexpr std::int32_t kLeastDots = 4;   // of a view
-constexpr int kMostTiltRounds = 5;
+constexpr std::int32_t kMinViews = 3;  // of a perspective camera
+constexpr std::int32_t kMinDots = 4;   // of a view
+constexpr int kMaxTiltRounds = 5;
 constexpr double kNoShear = 1e-9;          // gamma over beta; moves no dot of a normalised image noticeably
 constexpr double kPlaceholderDepth = 1.0;  // plane units; parallel projection does not depend on it
 
@@ -34,7 +34,7 @@ std::uint64_t countDots(std::int32_t views, const Zelm2ViewPtnEntry* entries) {
     std::uint64_t total = 0;
     for (std::int32_t v = 0; v < views; ++v) {
         const Zelm2ViewPtnEntry& entry = entries[v];
-        if (entry.count < kLeastDots || entry.plane == nullptr || entry.image == nullptr) {
+        if (entry.count < kMinDots || entry.plane == nullptr || entry.image == nullptr) {
             return 0;
         }
         total += static_cast<std::uint64_t>(entry.count);
@@ -175,7 +175,7 @@ std::int32_t refineParallel(const CameraData& data, double robustThreshold, Came
             return status;
         }
         double* const k = unknowns->intrinsics;
-        if (round == kMostTiltRounds || (round > 0 && std::fabs(k[kGamma]) <= kNoShear * std::fabs(k[kBeta]))) {
+        if (round == kMaxTiltRounds || (round > 0 && std::fabs(k[kGamma]) <= kNoShear * std::fabs(k[kBeta]))) {
             return ZELM_OK;
         }
         if (const std::int32_t status = shearToTilt(k, unknowns->poses); status < 0) {
@@ -239,7 +239,7 @@ int32_t zelmCalibCameraParam(int32_t iViews, const Zelm2ViewPtnEntry* taViews, d
     if (!zelm::isCameraModel(iModel)) {
         return ZELM_ERR_PARAM;
     }
-    if (iViews < zelm::kLeastViews && iModel < ZELM_CAMERA_PARALLEL) {
+    if (iViews < zelm::kMinViews && iModel < ZELM_CAMERA_PARALLEL) {
         return ZELM_ERR_PARAM;
     }
     if (iViews != 1 && iModel == ZELM_CAMERA_PARALLEL) {

@@ -14,7 +14,7 @@
 namespace zelm {
 namespace {
 
-constexpr int kMostSteps = 200;
+constexpr int kMaxSteps = 200;
 constexpr double kStartDamping = 0.001;
 
 constexpr double kInfinite = std::numeric_limits<double>::infinity();
@@ -62,7 +62,7 @@ public:
         }
         double lambda = kStartDamping;
         bool converged = false;
-        for (int step = 0; step < kMostSteps && !converged; ++step) {
+        for (int step = 0; step < kMaxSteps && !converged; ++step) {
             if (const std::int32_t status = solve(present->equations, lambda); status < 0) {
                 return status;
             }
@@ -167,9 +167,7 @@ private:
 
 }  // namespace
 
-// With weighting, plain least squares comes first. The closed form knows nothing of the lens, so that at its values a
-// view that fills more of the image than the others can have residuals beyond the cut-off throughout: weighting would
-// drop it for good, though nothing is wrong with it.
+// With weighting, plain least squares comes first: docs/decisions.md#plain-first.
 std::int32_t refineCamera(const CameraData& data, double robustThreshold, CameraUnknowns* unknowns) {
     if (robustThreshold > 0.0) {
         Refinement plain(data, 0.0);

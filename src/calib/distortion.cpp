@@ -8,7 +8,7 @@
 namespace zelm {
 namespace {
 
-constexpr int32_t kMostSteps = 20;
+constexpr int32_t kMaxSteps = 20;
 constexpr double kConverged = 0.0001;  // pixels, of a Newton step in x and in y
 
 }  // namespace
@@ -27,7 +27,7 @@ LensDistortion::LensDistortion(const ZelmCameraIntrinsics& cam, double theta)
 
 int32_t LensDistortion::undistort(Point2d observed, Point2d* ideal) const {
     *ideal = observed;
-    for (int32_t step = 1; step <= kMostSteps; ++step) {
+    for (int32_t step = 1; step <= kMaxSteps; ++step) {
         const Offset at = offsetOf(*ideal);
         const double F[2] = {ideal->x + at.D * at.dx - observed.x, ideal->y + at.D * at.dy - observed.y};
         const double slope = 2.0 * (k1 + 2.0 * k2 * at.r2);

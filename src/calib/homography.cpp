@@ -17,11 +17,11 @@ namespace {
 using Index = std::ptrdiff_t;
 
 constexpr Index kSize = 9;
-constexpr int kMostSteps = 100;
+constexpr int kMaxSteps = 100;
 constexpr double kStartDamping = 0.001;
 constexpr double kRoundingCost = 1e-28;  // squared: 1e-14 of a normalised coordinate, some 45 units of rounding
 constexpr double kUndetermined = 1e-14;  // second least eigenvalue over the greatest: rounding of the 9 x 9 sums
-constexpr double kLeastDivisor = 1e-9;   // of H22
+constexpr double kMinDivisor = 1e-9;     // of H22
 
 // The two point sets, normalised, and the transforms T1 of the source and the inverse of T2 of the destination.
 struct NormalisedPairs {
@@ -94,7 +94,7 @@ std::int32_t refine(const NormalisedPairs& pairs, double robustK, double* h) {
     }
     double lambda = kStartDamping;
     std::int32_t counter = 1;
-    while (counter <= kMostSteps) {
+    while (counter <= kMaxSteps) {
         // N and g are of the order of the cost: at rounding level they hold noise or nothing, and no step can gain.
         if (present.cost <= kRoundingCost) {
             return std::max(counter, 2);
@@ -130,7 +130,7 @@ void writeDenormalised(const NormalisedPairs& pairs, const double* h, double* H)
     double result[kSize];
     multiply3(pairs.T2inv, h, partial);
     multiply3(partial, pairs.T1, result);
-    const double divisor = std::fabs(result[8]) > kLeastDivisor ? result[8] : 1.0;
+    const double divisor = std::fabs(result[8]) > kMinDivisor ? result[8] : 1.0;
     std::transform(result, result + kSize, H, [divisor](double entry) { return entry / divisor; });
 }
 

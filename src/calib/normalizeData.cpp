@@ -10,7 +10,7 @@ namespace {
 
 using Index = std::ptrdiff_t;
 
-constexpr double kMeanDistance = 1.4142135623730951;  // sqrt(2); deliberate for points in space too, not sqrt(3)
+constexpr double kMeanDistance = 1.4142135623730951;  // sqrt(2): docs/decisions.md#mean-distance
 
 struct Scaling {
     double mean[3];

@@ -14,7 +14,7 @@ namespace zelm {
 namespace {
 
 constexpr double kNoRotation = 1e-15;  // radians; a shorter vector is the identity
-constexpr double kLeastSine = 1e-5;    // below it the closed form takes no axis from the antisymmetric part
+constexpr double kMinSine = 1e-5;      // below it the closed form takes no axis from the antisymmetric part
 
 void writeMatrix(const double* r, double* R) {
     const double theta = zelmMathCalcNorm(3, r);
@@ -80,7 +80,7 @@ void rotationVectorInClosedForm(const double* R, double* r) {
     const double s = zelmMathCalcNorm(3, w) / 2.0;
     const double c = std::clamp((zelmMatTrace(3, R) - 1.0) / 2.0, -1.0, 1.0);
     const double theta = std::acos(c);
-    if (s >= kLeastSine) {
+    if (s >= kMinSine) {
         zelmMatMulScalar(theta / (2.0 * s), 1, 3, w, r);
     } else if (c > 0.0) {
         zelmMatZero(1, 3, r);

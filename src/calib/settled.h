@@ -15,8 +15,7 @@ inline bool costSettled(double before, double after) {
     return std::fabs(before - after) <= kCostChange * before;
 }
 
-// Deliberate: the relative test takes the signed old value, so that a negative parameter passes by the absolute test
-// alone.
+// The relative test takes the signed old value: docs/decisions.md#signed-relative.
 inline bool parametersSettled(std::size_t n, const double* before, const double* after) {
     for (std::size_t i = 0; i < n; ++i) {
         const double change = std::fabs(before[i] - after[i]);

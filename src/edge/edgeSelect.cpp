@@ -29,8 +29,8 @@ int32_t meanLevel(std::span<const int32_t> q, int64_t begin, int64_t end) {
     return static_cast<int32_t>((2 * sum + count) / (2 * count));
 }
 
-// Whether sample i and its neighbour towards limit, a sample of the same plateau, differ in the sense of the transition.
-// change: by how much.
+// Whether sample i and its neighbour towards limit, a sample of the same plateau, differ in the sense of the
+// transition. change: by how much.
 bool changesTowards(std::span<const int32_t> q, int64_t i, int64_t limit, int32_t sense, int32_t& change) {
     if (i == limit) {
         return false;

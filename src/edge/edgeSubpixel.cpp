@@ -6,7 +6,7 @@
 namespace zelm {
 namespace {
 
-// k * g(k) / sigma^2, g the normal density of standard deviation sigma, for k = -h..h.
+// k * g(k) / sigma^2, g the normal density of standard deviation sigma, for k = -h..h (docs/decisions.md#edge-kernels).
 constexpr double kKernel5[] = {-0.1079819330263761, -0.24197072451914334, 0.0, 0.24197072451914334,
                                0.1079819330263761};  // sigma 1
 constexpr double kKernel7[] = {-0.047991970233944935, -0.09719115536355177, -0.09465126089551176, 0.0,
@@ -78,7 +78,7 @@ int32_t locateEdge(EdgeProfile& profile, const EdgeCandidate& edge, int32_t iFil
     if (profile.first + a - h < 0 || profile.first + b + h >= cells) {
         return ZELM_ERR_MEMORY;
     }
-    // Deliberate: a size without a kernel has no derivative, hence no edge.
+    // A size without a kernel has no derivative, hence no edge: docs/decisions.md#edge-kernel-sizes.
     const std::span<const double> kernel = edgeKernel(iFilterSize);
     if (kernel.empty()) {
         return 0;

@@ -22,8 +22,8 @@ int32_t fitQuadricSolve(int32_t n, const double* weights, const double* points, 
 }
 
 // The characteristic polynomial turns at (trace -+ r) / 3. Its roots have one sign exactly when the turn nearer to 0
-// has that sign too. Deliberate: of equal eigenvalues rounding may make the radicand negative; then r is not a number,
-// neither comparison holds and the quadric passes.
+// has that sign too. Of equal eigenvalues rounding may make the radicand negative; then r is not a number, neither
+// comparison holds and the quadric passes: docs/decisions.md#cone-radicand.
 bool isConeLike(const double* quadric) {
     constexpr double kNoDeterminant = 1e-12;
     const QuadricInvariants q = quadricInvariants(quadric);

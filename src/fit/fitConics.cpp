@@ -21,7 +21,7 @@ int32_t fitConicSolve(int32_t n, const double* weights, const double* points, do
     return ZELM_OK;
 }
 
-// Deliberate: divided by the norm of p, not by the norm of the result.
+// Divided by the norm of p, not by that of the result: docs/decisions.md#conic-norm.
 void conicInCallersFrame(const double* p, double s, const double* t, double* result) {
     double squares = 0.0;
     for (size_t i = 0; i < kConicTerms; ++i) {

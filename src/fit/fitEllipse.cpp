@@ -21,7 +21,7 @@ struct EllipseShape {
 
     static double constraint(const double* p) { return 4.0 * p[0] * p[2] - p[1] * p[1]; }
 
-    // A parabola, 4AC - B^2 = 0, passes: deliberate.
+    // A parabola, 4AC - B^2 = 0, passes: docs/decisions.md#parabola-passes.
     static bool contains(const double* p) {
         const double sign = p[0] < 0.0 ? -1.0 : 1.0;
         return constraint(p) >= 0.0 && (p[0] + p[2]) * sign >= 0.0;

@@ -7,8 +7,8 @@
 namespace zelm {
 
 // dst = (src - centre) * scale, coordinate by coordinate; src and dst hold n points of dim (1 to 3) doubles. centre
-// receives dim doubles, the unweighted mean. Deliberate: the mean distance is sqrt(2) in every dimension. Points that
-// all coincide keep the scale 1.
+// receives dim doubles, the unweighted mean. The mean distance is sqrt(2) in every dimension
+// (docs/decisions.md#mean-distance). Points that all coincide keep the scale 1.
 void innerNormalizeFitData(std::int32_t dim, std::int32_t n, const double* src, double* dst, double* centre,
                            double* scale);
 

@@ -21,7 +21,7 @@ struct Model {
     double* parameters;
 };
 
-// `weights` are all 1 on entry. Deliberate: weights that have settled are not used for another solve.
+// `weights` are all 1 on entry. Settled ones are not used for another solve: docs/decisions.md#settled-weights.
 std::int32_t reweight(const Model& model, std::int32_t n, const double* points, double threshold, double* weights) {
     WorkBuffer<double> residuals(static_cast<size_t>(n));
     if (!residuals.ok()) {

@@ -6,7 +6,7 @@
 namespace zelm {
 namespace {
 
-constexpr double kLeastSquaredCutOff = 1e-10;  // normalised units; keeps exact data from rejecting itself
+constexpr double kMinSquaredCutOff = 1e-10;  // normalised units; keeps exact data from rejecting itself
 
 }  // namespace
 
@@ -20,7 +20,7 @@ double innerMedian(std::int32_t n, double* values) {
 
 double innerSquaredCutOff(std::int32_t n, double* squares, double k) {
     const double scale = kMedianToSigma * k;
-    return std::max(kLeastSquaredCutOff, scale * scale * innerMedian(n, squares));
+    return std::max(kMinSquaredCutOff, scale * scale * innerMedian(n, squares));
 }
 
 }  // namespace zelm

@@ -11,8 +11,8 @@ namespace zelm {
 namespace {
 
 constexpr int kPassesPerStep = 5;
-constexpr double kSmallestStep = 1e-13;  // share of the way to the farthest vertex
-constexpr double kSettledMove = 1e-10;   // caller's units
+constexpr double kMinStep = 1e-13;      // share of the way to the farthest vertex
+constexpr double kSettledMove = 1e-10;  // caller's units
 
 struct Farthest {
     std::size_t index = 0;
@@ -34,7 +34,7 @@ Farthest farthestFrom(const Point2d& c, std::size_t count, const Point2d* hull) 
 Circle2d walkToCentre(std::size_t count, const Point2d* hull) {
     Point2d c = count < 2 ? hull[0] : Point2d{(hull[0].x + hull[1].x) * 0.5, (hull[0].y + hull[1].y) * 0.5};
     double squaredRadius = 0.0;
-    for (double step = 0.5; step > kSmallestStep; step *= 0.5) {
+    for (double step = 0.5; step > kMinStep; step *= 0.5) {
         for (int pass = 0; pass < kPassesPerStep; ++pass) {
             const Farthest farthest = farthestFrom(c, count, hull);
             const Point2d towards = difference(hull[farthest.index], c);
@@ -47,7 +47,7 @@ Circle2d walkToCentre(std::size_t count, const Point2d* hull) {
             }
         }
     }
-    // Deliberate: the radius belongs to the centre before its last move.
+    // The radius belongs to the centre before its last move: docs/decisions.md#enclosing-radius.
     return {c.x, c.y, std::sqrt(squaredRadius)};
 }
 

@@ -51,7 +51,7 @@ bool basicBit(std::int32_t leaf, Register reg, std::uint32_t mask) {
 
 std::int32_t cappedCount(std::uint32_t reported) {
     const auto count = static_cast<std::int32_t>(reported);
-    return count < kMostCachedLeaves ? count : kMostCachedLeaves;
+    return count < kMaxCachedLeaves ? count : kMaxCachedLeaves;
 }
 
 void publishLeaf(std::uint32_t (&target)[4], CpuidSource query, std::uint32_t leaf) {

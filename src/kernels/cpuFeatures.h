@@ -8,12 +8,12 @@
 
 namespace zelm {
 
-constexpr std::int32_t kMostCachedLeaves = 16;
+constexpr std::int32_t kMaxCachedLeaves = 16;
 
 struct CpuFeatures {
     // Entry k: EAX, EBX, ECX, EDX of leaf k (of leaf 0x80000000 + k), sub-leaf 0.
-    std::uint32_t basicLeaves[kMostCachedLeaves + 1][4];
-    std::uint32_t extendedLeaves[kMostCachedLeaves + 1][4];
+    std::uint32_t basicLeaves[kMaxCachedLeaves + 1][4];
+    std::uint32_t extendedLeaves[kMaxCachedLeaves + 1][4];
     std::int32_t basicCount;     // valid basic leaves above 0
     std::int32_t extendedCount;  // valid extended leaves above 0
     std::int32_t filled;         // 0 until cpuFeaturesInit has run

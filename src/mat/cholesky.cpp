@@ -8,8 +8,8 @@ namespace {
 
 using Index = std::ptrdiff_t;
 
-// Smallest diagonal term that counts as positive, in the matrix's own units. Deliberately absolute.
-constexpr double kSmallestTerm = 1e-11;
+// Smallest diagonal term that counts as positive, in the matrix's own units: docs/decisions.md#cholesky-absolute.
+constexpr double kMinTerm = 1e-11;
 
 // A(k, j) minus the products of the finished rows of U above row k.
 double remainder(Index n, Index k, Index j, const double* a, const double* u) {
@@ -31,7 +31,7 @@ int32_t zelmMatCholeskyDecomp(int32_t iN, const double* daA, double* daU) {
     }
     for (Index k = 0; k < n; ++k) {
         const double d = remainder(n, k, k, daA, daU);
-        if (!(d >= kSmallestTerm)) {  // also refuses a term that is not a number
+        if (!(d >= kMinTerm)) {  // also refuses a term that is not a number
             return ZELM_ERR_NOT_POSITIVE_DEFINITE;
         }
         const double diagonal = std::sqrt(d);

@@ -32,7 +32,7 @@ struct Heap {
     void sink(Index position, Index size, Item item) const {
         for (Index child = 2 * position; child <= size; child = 2 * position) {
             if (child < size && value(child) >= value(child + 1)) {
-                child += 1;  // deliberate: of equal children the right one
+                child += 1;  // of equal children the right one: docs/decisions.md#heap-order
             }
             if (value(child) > item.value) {
                 break;

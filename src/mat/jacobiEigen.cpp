@@ -12,10 +12,10 @@ namespace {
 
 using Index = std::ptrdiff_t;
 
-constexpr int kMostSweeps = 100;
-constexpr double kStopShare = 1e-16;      // of half the squared norm: one last sweep has been made below it
-constexpr double kStartShare = 1e-32;     // of half the squared norm: nothing is left to rotate
-constexpr double kSmallestEntry = 1e-20;  // off-diagonal entries of less magnitude are never rotated; absolute
+constexpr int kMaxSweeps = 100;
+constexpr double kStopShare = 1e-16;   // of half the squared norm: one last sweep has been made below it
+constexpr double kStartShare = 1e-32;  // of half the squared norm: nothing is left to rotate
+constexpr double kMinEntry = 1e-20;    // absolute: docs/decisions.md#jacobi-entry
 
 // The upper triangle of the matrix that becomes diagonal, and the rows that become its eigenvectors (may be null).
 struct Rotations {
@@ -88,7 +88,7 @@ struct Rotations {
     void sweep() const {
         for (Index p = 0; p < n - 1; ++p) {
             for (Index q = p + 1; q < n; ++q) {
-                if (std::fabs(at(p, q)) >= kSmallestEntry) {
+                if (std::fabs(at(p, q)) >= kMinEntry) {
                     annihilate(p, q);
                 }
             }
@@ -100,7 +100,7 @@ struct Rotations {
         if (!std::isfinite(size)) {
             return isFiniteDiagonal() ? ZELM_OK : ZELM_ERR_EIGEN_NOT_CONVERGED;
         }
-        for (int sweeps = 1; sweeps <= kMostSweeps; ++sweeps) {
+        for (int sweeps = 1; sweeps <= kMaxSweeps; ++sweeps) {
             const double off = offDiagonal();
             // Deliberately strict: the zero matrix, which has no axes, is refused in the end.
             if (off < kStartShare * size) {

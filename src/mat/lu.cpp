@@ -74,7 +74,7 @@ std::int32_t eliminate(Index n, double* work, std::int32_t* perm, const double* 
         det = det * pivot;
         eliminateBelow(n, k, work, perm);
     }
-    // Deliberate: a product of pivots that underflows counts as singular although no pivot is zero.
+    // A product of pivots that underflows counts as singular: docs/decisions.md#pivot-underflow.
     return det == 0.0 ? ZELM_ERR_SINGULAR : ZELM_OK;
 }
 

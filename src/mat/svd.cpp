@@ -16,11 +16,11 @@ namespace {
 
 using Index = std::ptrdiff_t;
 
-constexpr int kMostPasses = 30;                                               // QR passes for one singular value
+constexpr int kMaxPasses = 30;                                                // QR passes for one singular value
 constexpr double kStallShare = 2.0 * std::numeric_limits<double>::epsilon();  // of the norm
 // Binary exponent of the largest entry beyond which a matrix is scaled: squares stay far from either end, and what is
 // lost of small entries is less than 2^-1000 of the largest.
-constexpr int kMostExponent = 400;
+constexpr int kMaxExponent = 400;
 
 double hypotenuse(double a, double b) {
     const double x = std::fabs(a);
@@ -310,7 +310,7 @@ struct Svd {
         w[k] = x;
     }
 
-    // False when a singular value needs more than kMostPasses passes.
+    // False when a singular value needs more than kMaxPasses passes.
     [[nodiscard]] bool diagonalise() const {
         for (Index k = n - 1; k >= 0; --k) {
             for (int pass = 1;; ++pass) {
@@ -318,7 +318,7 @@ struct Svd {
                 if (l == k) {
                     break;
                 }
-                if (pass == kMostPasses) {
+                if (pass == kMaxPasses) {
                     if (stalled(k)) {
                         break;
                     }
@@ -349,7 +349,7 @@ int scalingExponent(double largest) {
         return 0;
     }
     const int exponent = std::ilogb(largest);
-    return std::clamp(exponent, -kMostExponent, kMostExponent) - exponent;
+    return std::clamp(exponent, -kMaxExponent, kMaxExponent) - exponent;
 }
 
 void multiplyByPowerOfTwo(int exponent, Index count, double* entries) {

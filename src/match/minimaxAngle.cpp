@@ -12,9 +12,9 @@ namespace {
 
 constexpr double kFullScale = 100.0;
 constexpr double kGoldenShare = 0.38196601125010515;
-constexpr double kBracketShare = 1e-09;     // of the ends' magnitudes, below which the bracket is narrow enough
-constexpr double kShortestBracket = 1e-13;  // degrees; docs/decisions.md#minimax-stop
-constexpr double kFullTurn = 360.0;         // degrees, after which a walk that never rises ends
+constexpr double kBracketShare = 1e-09;  // of the ends' magnitudes, below which the bracket is narrow enough
+constexpr double kMinBracket = 1e-13;    // degrees; docs/decisions.md#minimax-stop
+constexpr double kFullTurn = 360.0;      // degrees, after which a walk that never rises ends
 
 struct Bracket {
     double low;
@@ -76,7 +76,7 @@ private:
     }
 
     static double narrowEnough(const Bracket& bracket) {
-        return std::max((std::fabs(bracket.low) + std::fabs(bracket.high)) * kBracketShare, kShortestBracket);
+        return std::max((std::fabs(bracket.low) + std::fabs(bracket.high)) * kBracketShare, kMinBracket);
     }
 
     MinimaxCost& cost;

@@ -13,10 +13,10 @@ namespace {
 
 // Degrees and percent.
 constexpr double kStartOffset = 1.0;
-constexpr double kSmallestSimplex = 1e-9;
+constexpr double kMinSimplex = 1e-9;
 constexpr double kAgreement = 5e-7;  // of two runs; a cost that is smooth at its minimum tells no finer
-constexpr double kSmallestRestart = 0.01;
-constexpr double kLargestRestart = 0.5;
+constexpr double kMinRestart = 0.01;
+constexpr double kMaxRestart = 0.5;
 
 constexpr double kGapShare = 3.0;  // size of a restart, in gaps between the last two ends
 constexpr double kNoGain = 1e-10;  // relative decrease of the radius that does not count
@@ -54,7 +54,7 @@ public:
 
     MinimaxProbe run() {
         descend(aroundStart());
-        double size = kLargestRestart;
+        double size = kMaxRestart;
         int idle = 0;
         for (int i = 1; idle < kIdleRuns && mayProbe(); ++i) {
             const MinimaxProbe before = best;
@@ -64,7 +64,7 @@ public:
                 break;
             }
             follow(before, end);
-            size = std::clamp(kGapShare * gap, kSmallestRestart, kLargestRestart);
+            size = std::clamp(kGapShare * gap, kMinRestart, kMaxRestart);
             idle = best.circle.r < before.circle.r * (1.0 - kNoGain) ? 0 : idle + 1;
         }
         return best;
@@ -110,7 +110,7 @@ private:
     // Returns the vertex where the simplex has shrunk to nothing.
     MinimaxProbe descend(Simplex simplex) {
         simplex.order();
-        while (mayProbe() && simplex.size() > kSmallestSimplex) {
+        while (mayProbe() && simplex.size() > kMinSimplex) {
             step(simplex.v);
             simplex.order();
         }
@@ -142,7 +142,7 @@ private:
         MinimaxProbe lower = isLower(b, a) ? b : a;
         double degrees = b.degrees - a.degrees;
         double percent = b.percent - a.percent;
-        while (mayProbe() && std::max(std::fabs(degrees), std::fabs(percent)) > kSmallestSimplex) {
+        while (mayProbe() && std::max(std::fabs(degrees), std::fabs(percent)) > kMinSimplex) {
             MinimaxProbe next = at(lower.degrees + degrees, lower.percent + percent);
             double factor = 2.0;
             if (!isLower(next, lower)) {

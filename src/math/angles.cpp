@@ -10,14 +10,14 @@ constexpr double kPi = std::numbers::pi;
 
 // Periods that are taken off one at a time. Beyond, whole periods come off first in one exact step, so that the loops
 // end after few steps for every finite angle.
-constexpr double kMostPeriods = 65536.0;
+constexpr double kMaxPeriods = 65536.0;
 
 enum class Ends { kOpenBelow, kBothClosed };  // (-h, h] or [-h, h]
 
 // Adds periods of 2h while the angle is too low, then subtracts them while it is too high; NaN for infinite angles.
 double wrap(double h, double angle, Ends ends) {
     const double period = 2.0 * h;
-    if (!(std::fabs(angle) <= kMostPeriods * period)) {
+    if (!(std::fabs(angle) <= kMaxPeriods * period)) {
         angle = std::fmod(angle, period);
     }
     while (ends == Ends::kOpenBelow ? angle <= -h : angle < -h) {
@@ -38,7 +38,7 @@ double halfWidth(int32_t iFull, int32_t iDegrees) {
 
 double zelmMathAddAngle(int32_t iFull, int32_t iDegrees, double dA, double dB) {
     const double h = halfWidth(iFull, iDegrees);
-    // Deliberate: only the first operand leaves -h itself.
+    // Only the first operand leaves -h itself: docs/decisions.md#add-angle-end.
     const double a = wrap(h, dA, Ends::kOpenBelow);
     const double b = wrap(h, dB, Ends::kBothClosed);
     return wrap(h, a + b, Ends::kBothClosed);

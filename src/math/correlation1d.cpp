@@ -11,7 +11,7 @@ using zelm::WorkBuffer;
 
 namespace {
 
-constexpr double kLeastNorms = 1e-9;       // signals whose norms have a lower product correlate with nothing
+constexpr double kMinNormProduct = 1e-9;   // signals whose norms have a lower product correlate with nothing
 constexpr std::ptrdiff_t kSideBySide = 4;  // windows summed in one pass: each sum keeps its order, none waits
 
 enum class First { kStays, kMoves };
@@ -37,7 +37,7 @@ void innerProductsOfWindows(int32_t n, const double* u, const double* v, std::pt
 
 double normCorrelation(double product, double normU, double normV) {
     const double norms = normU * normV;
-    return norms < kLeastNorms ? 0.0 : product / norms;
+    return norms < kMinNormProduct ? 0.0 : product / norms;
 }
 
 // scores[k] = zelmMathNormCorrelation(n, u, v + k) for the first count (at most kSideBySide) windows of v.
@@ -82,7 +82,7 @@ int32_t zelmMathAutoCorrelation(int32_t iN, const double* daData, int32_t iM, do
     }
     const WorkBuffer<double> buffer = unrolled(iN, daData, iM);
     if (!buffer.ok()) {
-        return ZELM_OK;  // deliberate: no memory is not reported here
+        return ZELM_OK;  // docs/decisions.md#no-memory-status-math
     }
     innerProductsOfWindows<First::kStays>(iN, buffer.data(), buffer.data(), iM, daOut);
     return ZELM_OK;
@@ -94,7 +94,7 @@ int32_t zelmMathNormAutoCorrelation(int32_t iN, const double* daData, int32_t iM
     }
     const WorkBuffer<double> buffer = unrolled(iN, daData, iM);
     if (!buffer.ok()) {
-        return ZELM_OK;  // deliberate, as above
+        return ZELM_OK;  // as above
     }
     const double norm = zelmMathCalcNorm(iN, buffer.data());
     for (std::ptrdiff_t k = 0; k < iM; k += kSideBySide) {

@@ -10,7 +10,7 @@
 namespace {
 
 constexpr double kPi = std::numbers::pi;
-constexpr double kFarthest = 1e7;  // no point of the ellipse at this distance or beyond is accepted
+constexpr double kMaxDistance = 1e7;  // no point of the ellipse at this distance or beyond is accepted
 
 // The map from a frame's coordinates to global ones, as a homogeneous matrix.
 struct FrameMatrix {
@@ -61,7 +61,7 @@ int32_t zelmMathGetDistFromPointToEllipse(double dCx, double dCy, double dA, dou
         return ZELM_ERR_DEGENERATE;
     }
     const FrameMatrix toGlobal(dCx, dCy, dTheta);
-    Nearest nearest{{0.0, 0.0}, kFarthest};
+    Nearest nearest{{0.0, 0.0}, kMaxDistance};
     for (int32_t i = 0; i < count; ++i) {
         const double t1 = std::asin(sines[i]);  // not a number, and never the nearest, for a root beyond 1
         const double t2 = t1 >= 0.0 ? kPi - t1 : -kPi - t1;
@@ -73,7 +73,7 @@ int32_t zelmMathGetDistFromPointToEllipse(double dCx, double dCy, double dA, dou
             }
         }
     }
-    if (!(nearest.distance < kFarthest)) {
+    if (!(nearest.distance < kMaxDistance)) {
         return ZELM_ERR_DEGENERATE;
     }
     *dX = nearest.point.x;

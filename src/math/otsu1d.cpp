@@ -42,7 +42,7 @@ int32_t zelmMathOtsuThreshold1d(int32_t iN, const double* daData, double* dThres
     const auto n = static_cast<std::size_t>(iN);
     zelm::WorkBuffer<double> sorted(n);
     if (!sorted.ok()) {
-        return ZELM_ERR_DEGENERATE;  // deliberate: the one status of this function
+        return ZELM_ERR_DEGENERATE;  // docs/decisions.md#no-memory-status-math
     }
     std::copy_n(daData, n, sorted.data());
     const double mean = std::accumulate(daData, daData + n, 0.0) / iN;

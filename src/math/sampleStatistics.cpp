@@ -16,7 +16,7 @@ int32_t zelmMathStat(int32_t iN, const double* daData, double* dMean, double* dV
     for (int32_t i = 0; i < iN; ++i) {
         squares += (daData[i] - mean) * (daData[i] - mean);
     }
-    const double variance = squares / iN;  // deliberate: by n, although two values are required
+    const double variance = squares / iN;  // docs/decisions.md#population-variance
     *dMean = mean;
     *dVariance = variance;
     *dDeviation = std::sqrt(variance);

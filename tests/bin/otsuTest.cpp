@@ -1,5 +1,5 @@
-// Otsu thresholds of histograms, image regions and lists of gray values: contract, known values, an exhaustive oracle
-// and the rules for what is no gray value.
+// Otsu thresholds of histograms, image regions and lists of gray levels: contract, known values, an exhaustive oracle
+// and the rules for what is no gray level.
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -196,7 +196,7 @@ TEST(CameraParamContract, EachReferenceDotOfAParallelViewIsNeeded) {
         CameraScene scene = someParallelScene();
         for (Point2d& dot : scene.planes[0]) {
             if (dot.x == missing.x && dot.y == missing.y) {
-                dot.x += 1.1e-5;  // just past the tolerance of 1e-5 plane units
+                dot.x += 1.1e-5;  // just past the tolerance of 1e-5 plate units
             }
         }
         EXPECT_EQ(Estimation(scene, -1.0, &preset).status, ZELM_ERR_CALIB_ESTIMATE) << missing.x << ' ' << missing.y;

@@ -28,7 +28,7 @@ constexpr double kPi = std::numbers::pi;
 constexpr double kRobustThreshold = 3.5;  // as the stereo family passes
 constexpr double kNoise = 0.05;           // pixels
 constexpr int kTrials = 1000;
-constexpr int kLeastTrials = 200;
+constexpr int kMinTrials = 200;
 constexpr double kExact = 1e-6;      // relative, of every parameter recovered from exact views
 constexpr double kEfficient = 0.10;  // spread against the bound, either way
 constexpr double kEfficientWithOutliers = 1.3;
@@ -449,8 +449,8 @@ TEST(CameraMonteCarlo, WeightedSpreadIsThatOfTheBound) {
 
 TEST(CameraMonteCarlo, WeightsCostAboutOnePerCentOnTheSameNoise) {
     const Rig rig = standardRig(0);
-    const Spread plain = measure(rig, -1.0, addNoise, 75, kLeastTrials);
-    const Spread weighted = measure(rig, kRobustThreshold, addNoise, 75, kLeastTrials);
+    const Spread plain = measure(rig, -1.0, addNoise, 75, kMinTrials);
+    const Spread weighted = measure(rig, kRobustThreshold, addNoise, 75, kMinTrials);
     std::printf("weighted / plain spread on the same noise:");
     for (std::size_t s = 0; s + 1 < kShown; ++s) {
         const double ratio = weighted.deviation[s] / plain.deviation[s];

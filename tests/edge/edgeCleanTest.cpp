@@ -1,5 +1,5 @@
-// Profiles without noise: plateaus and ramps of any slope, set beside a plain walk over runs of flat steps. The walk, the
-// choice and the sub-pixel step are written here again, independently of the library.
+// Profiles without noise: plateaus and ramps of any slope, set beside a plain walk over runs of flat steps. The walk,
+// the choice and the sub-pixel step are written here again, independently of the library.
 #include <gtest/gtest.h>
 
 #include <algorithm>

@@ -254,8 +254,8 @@ TEST(EdgeSelectors, TheCentreIsThatOfTheWholeSegmentAlsoOutsideTheImage) {
 }
 
 TEST(EdgeSelectors, TheCentreIsThatOfASegmentOfAnyLength) {
-    // Edges at 9.5 and 29.5. Up to a length of 39 the middle is at most 19.5, as far from both; beyond it the second one
-    // is closer, although no further sample is taken.
+    // Edges at 9.5 and 29.5. Up to a length of 39 the middle is at most 19.5, as far from both; beyond it the second
+    // one is closer, although no further sample is taken.
     const zelmtest::GrayScene scene(60, 8, [](double x, double) { return x < 10.0 ? 20.0 : x < 30.0 ? 90.0 : 160.0; });
     ZelmEdge1dParam param = kUsual;
     param.selector = 4;

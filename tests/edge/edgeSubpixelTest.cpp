@@ -20,7 +20,7 @@ using zelmtest::kUsual;
 
 constexpr double kPi = 3.14159265358979323846;
 
-// A profile of given gray values, guard cells included as the engine fills them.
+// A profile of given gray levels, guard cells included as the engine fills them.
 EdgeProfile makeProfile(const std::vector<double>& values) {
     EdgeProfile profile;
     const std::size_t cells = values.size() + 2 * static_cast<std::size_t>(kEdgeGuard);

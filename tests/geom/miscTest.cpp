@@ -38,8 +38,8 @@ TEST(MiscRects, NullPointersAreRefused) {
 }
 
 TEST(MiscRects, TheEndsOfTheRangeWrapAround) {
-    constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
-    const ZelmRect rect{kMost, 0, 2, 1};
+    constexpr std::int32_t kMaxInt = std::numeric_limits<std::int32_t>::max();
+    const ZelmRect rect{kMaxInt, 0, 2, 1};
     ZelmRect2 rect2{};
     EXPECT_EQ(zelmMiscChangeRectToRect2(&rect, &rect2), ZELM_OK);
     EXPECT_EQ(rect2.x2, std::numeric_limits<std::int32_t>::min());

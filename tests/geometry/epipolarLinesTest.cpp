@@ -183,8 +183,9 @@ TEST(TwoViewCalcEpiLine, EachImageIsInsetByOnePixel) {
 // Sizes that no image has, from a foreign block, must not overflow.
 TEST(TwoViewCalcEpiLine, ImageSizesAtTheEndsOfTheRangeEndInAStatus) {
     std::vector<unsigned char> data = blockOf(makePair(0, 0));
-    constexpr std::int32_t kLeast = std::numeric_limits<std::int32_t>::min();
-    zelm::block::write(data.data(), zelm::block::kCameras, Zelm2ViewCameraDesc{0, kLeast, kLeast, 0, kLeast, kLeast});
+    constexpr std::int32_t kMinInt = std::numeric_limits<std::int32_t>::min();
+    zelm::block::write(data.data(), zelm::block::kCameras,
+                       Zelm2ViewCameraDesc{0, kMinInt, kMinInt, 0, kMinInt, kMinInt});
     Handle handle;
     loadBlock(data, &handle);
     const Point2d seen{640.0, 480.0};

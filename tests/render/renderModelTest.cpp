@@ -47,7 +47,7 @@ Camera randomCamera(zelmtest::Random& random, Projection projection) {
     camera.skew = camera.fx * random.uniform(-0.02, 0.02);
     camera.cx = random.uniform(560.0, 720.0);
     camera.cy = random.uniform(420.0, 540.0);
-    const double scale = parallel ? 1e-5 : 1.0;  // the lens model counts plane units under parallel projection
+    const double scale = parallel ? 1e-5 : 1.0;  // the lens model counts plate units under parallel projection
     camera.k1 = scale * random.uniform(-0.15, 0.15);
     camera.k2 = scale * scale * random.uniform(-0.05, 0.05);
     return camera;

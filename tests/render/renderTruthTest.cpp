@@ -203,13 +203,13 @@ TEST(RenderTruth, DerivativesAreThoseOfTheProjection) {
         if (projection == Projection::parallel) {
             camera.fx = 6.0;
             camera.fy = 5.8;
-            camera.k1 = -2e-6;  // of the squared distance in plane units
+            camera.k1 = -2e-6;  // of the squared distance in plate units
             camera.k2 = 1e-10;
         }
         for (int i = 0; i < 50; ++i) {
             const Pose pose = aimedPose(camera, randomAim(random));
             const PlanePoint p = {random.uniform(-40.0, 40.0), random.uniform(-40.0, 40.0)};
-            constexpr double kH = 1e-3;  // plane units; error of central differences: h^2 and epsilon * 1000 / h
+            constexpr double kH = 1e-3;  // plate units; error of central differences: h^2 and epsilon * 1000 / h
             const auto at = [&](double dX, double dY) { return project(camera, pose, {p.x + dX, p.y + dY}).pixel; };
             const ProjectedPoint d = project(camera, pose, p);
             EXPECT_NEAR(d.dxdX, (at(kH, 0).x - at(-kH, 0).x) / (2 * kH), 1e-8);

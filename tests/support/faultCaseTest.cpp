@@ -28,12 +28,12 @@ std::set<std::string> exportedFunctions() {
 }
 
 // A case that still meets faults after so many is looping.
-constexpr long kMostAllocations = 100000;
+constexpr long kMaxAllocations = 100000;
 
 void runCase(const FaultCase& faultCase) {
     SCOPED_TRACE(faultCase.function);
     long faults = 0;
-    for (long k = 1; k <= kMostAllocations; ++k) {
+    for (long k = 1; k <= kMaxAllocations; ++k) {
         SCOPED_TRACE("allocation " + std::to_string(k) + " fails");
         const long liveBefore = allocCounters().live;
         FaultProbe probe(k);
@@ -52,7 +52,7 @@ void runCase(const FaultCase& faultCase) {
             return;
         }
     }
-    ADD_FAILURE() << "still allocating after " << kMostAllocations << " faults";
+    ADD_FAILURE() << "still allocating after " << kMaxAllocations << " faults";
 }
 
 TEST(FaultCases, EveryExportedFunctionHasExactlyOneCase) {

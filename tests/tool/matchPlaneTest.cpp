@@ -50,7 +50,7 @@ TEST(MatchPlane, EveryCameraModelFindsTheSlantedPlane) {
         const std::size_t seen = countSeen(scene, points);
         EXPECT_GT(seen, 80U);
         EXPECT_GE(countOk(points), seen);
-        // Rounded gray values (0.29 of noise) and bilinear interpolation of waves of 8 pixels and more, some hundredths
+        // Rounded gray levels (0.29 of noise) and bilinear interpolation of waves of 8 pixels and more, some hundredths
         // of a pixel; a pixel along the line is 1 to 1.3 units in depth.
         EXPECT_LE(worstDistance(points, kSlanted), 0.1);
         for (const MatchLine& p : points) {

@@ -45,7 +45,7 @@ TEST(MatchScene, MostPointsAreFoundAndInPlace) {
     // What users are promised. 0.2 mm is 0.2 px along the line at this baseline and distance.
     EXPECT_GE(both.at("partFound").get<double>(), 0.90);
     EXPECT_GE(both.at("partWithin").get<double>(), 0.95);
-    // Noise of 1.5 gray values in a window of 440 pixels with 20 gray values of contrast a pixel is 0.01 px or 0.01 mm;
+    // Noise of 1.5 gray levels in a window of 440 pixels with 20 gray levels of contrast a pixel is 0.01 px or 0.01 mm;
     // interpolation and calibration as much again.
     EXPECT_LE(both.at("median").get<double>(), 0.03);
     // The sample's plate is textured all over, so nearly nothing is left out for want of texture.

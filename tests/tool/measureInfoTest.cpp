@@ -36,8 +36,8 @@ TEST(MeasureInfo, PerspectiveCamerasHaveFocalLengths) {
 
 TEST(MeasureInfo, ParallelCamerasHaveMagnifications) {
     const std::string table = infoOf(makePair(2, 2));
-    EXPECT_TRUE(holds(rowOf(table, "magnification alpha, px/plane unit"), "3.000           3.000")) << table;
-    EXPECT_TRUE(holds(rowOf(table, "skew gamma, px/plane unit"), "0.0000")) << table;
+    EXPECT_TRUE(holds(rowOf(table, "magnification alpha, px/plate unit"), "3.000           3.000")) << table;
+    EXPECT_TRUE(holds(rowOf(table, "skew gamma, px/plate unit"), "0.0000")) << table;
     EXPECT_TRUE(holds(rowOf(table, "distortion k1"), "-1e-09")) << table;
     EXPECT_FALSE(holds(table, "focal length")) << table;
 }
@@ -45,7 +45,7 @@ TEST(MeasureInfo, ParallelCamerasHaveMagnifications) {
 TEST(MeasureInfo, MixedPairsShowEachCameraWhatItHas) {
     const std::string table = infoOf(makePair(2, 0));
     const std::string focal = rowOf(table, "focal length beta, px");
-    const std::string magnification = rowOf(table, "magnification beta, px/plane unit");
+    const std::string magnification = rowOf(table, "magnification beta, px/plate unit");
     EXPECT_TRUE(holds(focal, " -  ") && holds(focal, "1692.900")) << table;
     EXPECT_TRUE(holds(magnification, "3.000  ") && magnification.ends_with(" -")) << table;
 }

@@ -156,7 +156,8 @@ TEST(Triangulate, PairsWithoutAPointAreReportedInTheirPlace) {
     const CommandResult run = rig.triangulate(csv, {"--ply", rig.file("points.ply"), "--json"});
     ASSERT_EQ(run.status, 0) << run.errors;
     EXPECT_EQ(std::count(run.errors.begin(), run.errors.end(), '\n'), 1);
-    EXPECT_NE(run.errors.find("2 of 4 pairs gave no point: 1 behind, 1 distortion"), std::string::npos) << run.errors;
+    EXPECT_NE(run.errors.find("2 of 4 pixel pairs gave no point: 1 behind, 1 distortion"), std::string::npos)
+        << run.errors;
     const std::vector<PointRow> rows = rig.points();
     ASSERT_EQ(rows.size(), 4U);
     EXPECT_EQ(rows[0].status, "ok");
@@ -273,7 +274,7 @@ TEST(Epiline, TextSaysWhatTheLinesAreLinesOf) {
     const RigFile rig;
     const CommandResult run = zelm({"epiline", rig.path, "--point", "640,480", "--in", "left"});
     ASSERT_EQ(run.status, 0) << run.errors;
-    EXPECT_NE(run.output.find("lines of the undistorted right image for pixels of the left image as taken"),
+    EXPECT_NE(run.output.find("lines of the undistorted right image for raw pixels of the left image"),
               std::string::npos);
     EXPECT_NE(run.output.find("(640, 480): "), std::string::npos);
 }

@@ -101,7 +101,7 @@ TEST(MeasureScene, SpeckleIsNotTakenForDots) {
         zelm({"triangulate", deskRigFile(), (folder / "pairs.csv").string(), "-o", (folder / "points.csv").string(),
               "--dots", sampleFile("scene_left.png"), sampleFile("scene_right.png")});
     ASSERT_EQ(run.status, 0) << run.errors;
-    EXPECT_NE(run.errors.find("60 of 79 pairs gave no point: 60 no_dot"), std::string::npos) << run.errors;
+    EXPECT_NE(run.errors.find("60 of 79 pixel pairs gave no point: 60 no_dot"), std::string::npos) << run.errors;
     const std::vector<PointRow> rows = readPoints(folder / "points.csv");
     ASSERT_EQ(rows.size(), 79U);
     for (std::size_t i = 0; i < rows.size(); ++i) {

@@ -99,7 +99,7 @@ TEST_F(ToolBadInput, NearlyBlackPictures) {
 
 TEST_F(ToolBadInput, HiddenMarker) {
     const std::string image = write("hidden.pgm", withoutMarker(0, "left"));
-    expectOneLine(detect(image), 1, {image, "only 2 of 3 marker dots found", "hidden"});
+    expectOneLine(detect(image), 1, {image, "only 2 of 3 markers found", "hidden"});
 }
 
 TEST_F(ToolBadInput, TooFewDots) {
@@ -199,7 +199,7 @@ TEST_F(ToolBadInput, ImagesOfDifferentSizes) {
 TEST_F(ToolBadInput, StrictRefusesOneBadView) {
     copyViews(5);
     write("right_3.pgm", withoutMarker(3, "right"));
-    expectOneLine(calibrateHere({"--strict"}), 1, {at("right_3.pgm"), "only 2 of 3 marker dots found"});
+    expectOneLine(calibrateHere({"--strict"}), 1, {at("right_3.pgm"), "only 2 of 3 markers found"});
 }
 
 TEST_F(ToolBadInput, ViewsThatAreAllTheSame) {

@@ -220,7 +220,7 @@ TEST(ToolCalibrate, OneBadViewAmongManyIsSkippedAndReported) {
     EXPECT_EQ(std::count(result.errors.begin(), result.errors.end(), '\n'), 2) << result.errors;
     EXPECT_NE(result.errors.find("zelm: warning: skipping a view: " + (folder / "left_00.pgm").string()),
               std::string::npos);
-    EXPECT_NE(result.errors.find("only 2 of 3 marker dots found"), std::string::npos) << result.errors;
+    EXPECT_NE(result.errors.find("only 2 of 3 markers found"), std::string::npos) << result.errors;
     const Json json = Json::parse(result.output);
     ASSERT_EQ(json["views"].size(), 4U);
     ASSERT_EQ(json["skipped"].size(), 2U);

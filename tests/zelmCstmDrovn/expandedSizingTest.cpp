@@ -203,8 +203,8 @@ TEST(CstmHomImgMemSize, HugeRegionsStayDefined) {
     TruePair pair = makePair(0, 0);
     pair.left.intrinsics.k1 = pair.left.intrinsics.k2 = 0.0;
     loadPair(pair, &handle);
-    constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
-    for (const ZelmRect& roi : {ZelmRect{kMost, kMost, kMost, kMost}, ZelmRect{0, 0, kMost, 1}}) {
+    constexpr std::int32_t kMaxInt = std::numeric_limits<std::int32_t>::max();
+    for (const ZelmRect& roi : {ZelmRect{kMaxInt, kMaxInt, kMaxInt, kMaxInt}, ZelmRect{0, 0, kMaxInt, 1}}) {
         for (const double d : {0.0, kNan, 1e300}) {
             Sizing sizing;
             const std::int32_t status = sizing.compute(handle.get(), 'L', roi, 1.0, d);

@@ -130,10 +130,10 @@ TEST(CstmPixelOnEpiLine, ALineWithoutDirectionIsRefusedByTheClipping) {
 }
 
 TEST(CstmPixelOnEpiLine, ExtremeInputsAreDegenerate) {
-    constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
+    constexpr std::int32_t kMaxInt = std::numeric_limits<std::int32_t>::max();
     std::int32_t count = 77;
     Point2i points[8];
-    const ZelmRect huge{kMost, kMost, kMost, kMost};
+    const ZelmRect huge{kMaxInt, kMaxInt, kMaxInt, kMaxInt};
     const Line2d through{1.0, -1.0, 0.5};
     EXPECT_EQ(zelmCstmDrovnGetPixelOnEpiLine(&huge, &through, &count, points), ZELM_ERR_DEGENERATE);
     const ZelmRect rect{0, 0, 5, 8};

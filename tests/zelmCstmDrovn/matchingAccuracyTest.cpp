@@ -15,8 +15,8 @@ using zelm::accuracy::MatchingCase;
 using zelm::accuracy::MatchingFigures;
 using zelm::accuracy::matchTextures;
 
-constexpr double kLargestBias = 0.01;
-constexpr double kLargestError = 0.02;
+constexpr double kMaxBias = 0.01;
+constexpr double kMaxError = 0.02;
 
 MatchingCase onPixelRows(int trials) {
     MatchingCase setting;
@@ -34,8 +34,8 @@ TEST(MatchingAccuracy, OnPixelRowsIsWithinTwoHundredthsInEveryMode) {
             setting.mode = mode;
             const MatchingFigures figures = matchTextures(setting);
             EXPECT_EQ(figures.found, figures.trials);
-            EXPECT_LE(std::fabs(figures.bias), kLargestBias) << "grain " << grain << ", mode " << mode;
-            EXPECT_LE(figures.rms, kLargestError) << "grain " << grain << ", mode " << mode;
+            EXPECT_LE(std::fabs(figures.bias), kMaxBias) << "grain " << grain << ", mode " << mode;
+            EXPECT_LE(figures.rms, kMaxError) << "grain " << grain << ", mode " << mode;
         }
     }
 }
@@ -49,8 +49,8 @@ TEST(MatchingAccuracy, OnPixelRowsIsWithinTwoHundredthsWithMasks) {
             setting.mode = mode;
             const MatchingFigures figures = matchTextures(setting);
             EXPECT_EQ(figures.found, figures.trials);
-            EXPECT_LE(std::fabs(figures.bias), kLargestBias) << "masks " << masks << ", mode " << mode;
-            EXPECT_LE(figures.rms, kLargestError) << "masks " << masks << ", mode " << mode;
+            EXPECT_LE(std::fabs(figures.bias), kMaxBias) << "masks " << masks << ", mode " << mode;
+            EXPECT_LE(figures.rms, kMaxError) << "masks " << masks << ", mode " << mode;
         }
     }
 }
@@ -65,7 +65,7 @@ TEST(MatchingAccuracy, OfOtherLinesHasNoBias) {
         EXPECT_EQ(figures.found, figures.trials);
         EXPECT_LE(figures.rms, 0.1) << angle;
         // Three standard errors beside the limit.
-        EXPECT_LE(std::fabs(figures.bias), kLargestBias + 3.0 * figures.rms / std::sqrt(200.0)) << angle;
+        EXPECT_LE(std::fabs(figures.bias), kMaxBias + 3.0 * figures.rms / std::sqrt(200.0)) << angle;
     }
 }
 

@@ -14,7 +14,7 @@ using namespace zelmtest;
 
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
-constexpr std::int32_t kMost = std::numeric_limits<std::int32_t>::max();
+constexpr std::int32_t kMaxInt = std::numeric_limits<std::int32_t>::max();
 
 void expectNothingWritten(const SearchScene& scene) {
     EXPECT_EQ(scene.count, -77);
@@ -94,7 +94,7 @@ TEST(SearchContract, TheLargestSizesAndAnchorsAreAccepted) {
     scene.prepare();
     scene.ref.anchorX = std::nextafter(scene.ref.width, 0.0);
     scene.ref.anchorY = 0.0;
-    scene.prm.roiX = kMost;  // a region beyond the image: its windows leave the image
+    scene.prm.roiX = kMaxInt;  // a region beyond the image: its windows leave the image
     scene.prm.epiLine = {1.0, 0.0, -1000.0};
     EXPECT_EQ(scene.search(), ZELM_ERR_DEGENERATE);
     scene.prm.roiX = 1000;
@@ -349,7 +349,7 @@ TEST(SearchContract, ANegativeOrMissingMinScoreCountsAsZero) {
 
 TEST(SearchContract, ExtremeDistancesDoNotOverflow) {
     SearchScene scene = texturedScene(9, 31, 28, 1);
-    scene.prm.minDistance = kMost;
+    scene.prm.minDistance = kMaxInt;
     ASSERT_EQ(scene.run(), ZELM_OK);
     EXPECT_EQ(scene.count, 1);
     scene.prm.minDistance = std::numeric_limits<std::int32_t>::min();

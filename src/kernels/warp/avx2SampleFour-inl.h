@@ -15,10 +15,10 @@ struct FourOffsets {
 
 // What the first pass over a stretch hands on, per group.
 struct FourStretch {
-    __m256i columns[kMostGroups];  // fixed point
-    __m256i rows[kMostGroups];     // fixed point
-    FourOffsets offsets[kMostGroups];
-    bool valid[kMostGroups];
+    __m256i columns[kMaxGroups];  // fixed point
+    __m256i rows[kMaxGroups];     // fixed point
+    FourOffsets offsets[kMaxGroups];
+    bool valid[kMaxGroups];
 };
 
 inline FourOffsets offsetsOf(__m256i columns, __m256i rows, std::int32_t strideBytes) {
@@ -35,7 +35,7 @@ inline FourOffsets offsetsOf(__m256i columns, __m256i rows, std::int32_t strideB
 
 // True when every position lies in the columns whose mixes are exact.
 inline bool splitPositions(const WarpSource& source, FourStretch& s, const float* u, const float* v, int groups) {
-    const bool fits = source.width <= kLargestSide && source.height <= kLargestSide;
+    const bool fits = source.width <= kMaxSide && source.height <= kMaxSide;
     __m256i leftmost = everyLane(0x7FFFFFFFU);
     for (int g = 0; g < groups; ++g) {
         const std::int32_t i = g * kLanes;

@@ -17,12 +17,12 @@ constexpr std::int32_t kWindowRows = 3;
 
 // What the passes over a stretch hand on, per group.
 struct GrayStretch {
-    __m256i columns[kMostGroups];            // fixed point
-    __m256i rows[kMostGroups];               // fixed point
-    __m256i places[kMostGroups];             // whole row in the upper word of a lane, whole column in the lower one
-    __m256i above[kMostGroups];              // neighbours in the upper row: p0, p1, p0, p1
-    __m256i below[kMostGroups];              // the same in the lower row
-    alignas(32) float corners[kMostGroups];  // bits of the windows' first place
+    __m256i columns[kMaxGroups];            // fixed point
+    __m256i rows[kMaxGroups];               // fixed point
+    __m256i places[kMaxGroups];             // whole row in the upper word of a lane, whole column in the lower one
+    __m256i above[kMaxGroups];              // neighbours in the upper row: p0, p1, p0, p1
+    __m256i below[kMaxGroups];              // the same in the lower row
+    alignas(32) float corners[kMaxGroups];  // bits of the windows' first place
 };
 
 inline void splitPositions(GrayStretch& s, const float* u, const float* v, int groups) {
@@ -146,8 +146,8 @@ inline void repairGroups(const WarpSource& source, const GrayStretch& s, const f
 }
 
 inline bool hasRoomForWindows(const WarpSource& source) {
-    return source.width >= kWindowColumns && source.height >= kWindowRows && source.width <= kLargestSide &&
-           source.height <= kLargestSide;
+    return source.width >= kWindowColumns && source.height >= kWindowRows && source.width <= kMaxSide &&
+           source.height <= kMaxSide;
 }
 
 // A glance at three groups: where none of them fits, hardly any will.

@@ -26,13 +26,13 @@
 namespace zelm {
 namespace {
 
-constexpr std::int32_t kLanes = 8;                       // pixels of a group
-constexpr std::int32_t kBlock = 8;                       // groups come in whole blocks
-constexpr std::int32_t kMostGroups = 2 * kBlock;         // of a stretch
-constexpr std::int32_t kStretch = kMostGroups * kLanes;  // pixels of a stretch
-constexpr std::int32_t kExactColumn = 128;               // from here on the mix along a row is exact
-constexpr std::int32_t kLargestSide = 32768;             // of a source whose positions fit the fixed point
-constexpr float kUnit = 65536.0F;                        // 1 in fixed point
+constexpr std::int32_t kLanes = 8;                      // pixels of a group
+constexpr std::int32_t kBlock = 8;                      // groups come in whole blocks
+constexpr std::int32_t kMaxGroups = 2 * kBlock;         // of a stretch
+constexpr std::int32_t kStretch = kMaxGroups * kLanes;  // pixels of a stretch
+constexpr std::int32_t kExactColumn = 128;              // from here on the mix along a row is exact
+constexpr std::int32_t kMaxSide = 32768;                // of a source whose positions fit the fixed point
+constexpr float kUnit = 65536.0F;                       // 1 in fixed point
 
 inline __m256 mul(__m256 a, __m256 b) {
     return _mm256_mul_ps(a, b);

@@ -71,9 +71,9 @@ template <int channels>
 [[gnu::always_inline]] inline void prefetchSources(const WarpSource& source, const float* u, const float* v,
                                                    std::int32_t count) {
     const float rows = v[count - 1] > v[0] ? v[count - 1] - v[0] : v[0] - v[count - 1];
-    constexpr std::int32_t kSmallestStep = channels == 1 ? 8 : 2;
+    constexpr std::int32_t kMinStep = channels == 1 ? 8 : 2;
     std::int32_t step = channels == 1 ? 32 : 16;
-    while (step > kSmallestStep && rows * static_cast<float>(step) > static_cast<float>(count)) {
+    while (step > kMinStep && rows * static_cast<float>(step) > static_cast<float>(count)) {
         step /= 2;
     }
     for (std::int32_t i = 0; i < count; i += step) {

@@ -15,8 +15,8 @@ namespace {
 using namespace zelm;
 using namespace zelmtest;
 
-constexpr std::int32_t kLowest = std::numeric_limits<std::int32_t>::min();
-constexpr std::int32_t kHighest = std::numeric_limits<std::int32_t>::max();
+constexpr std::int32_t kMinInt = std::numeric_limits<std::int32_t>::min();
+constexpr std::int32_t kMaxInt = std::numeric_limits<std::int32_t>::max();
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 constexpr std::int32_t kUntouched = -77;
@@ -205,17 +205,17 @@ TEST(CorrAlongPoints, StatisticsAreTruncatedTowardsZero) {
 }
 
 TEST(CorrAlongPoints, StatisticsBeyondTheirIntegersTakeTheEndOfTheRange) {
-    constexpr auto kMost = std::numeric_limits<std::int64_t>::max();
+    constexpr auto kMaxInt64 = std::numeric_limits<std::int64_t>::max();
     struct {
         double mean, sigma;
         std::int64_t variance;
         std::int32_t sumT;
-    } const cases[] = {{1e300, 1e300, kMost, kHighest},
-                       {-kInfinity, kInfinity, kMost, kLowest},
+    } const cases[] = {{1e300, 1e300, kMaxInt64, kMaxInt},
+                       {-kInfinity, kInfinity, kMaxInt64, kMinInt},
                        {kNan, 1.0, 1225, 0},
                        {1.0, kNan, 0, 35},
-                       {6.2e7, 8.7e7, kMost, kHighest},
-                       {-6.2e7, 8.6e7, 9060100000000000000, kLowest}};
+                       {6.2e7, 8.7e7, kMaxInt64, kMaxInt},
+                       {-6.2e7, 8.6e7, 9060100000000000000, kMinInt}};
     for (const auto& c : cases) {
         Search search;
         search.mean = c.mean;
@@ -259,15 +259,14 @@ TEST(CorrAlongPoints, PositionsAtTheEndsOfTheIntegersAreSkipped) {
     for (const double anchor : {0.0, 6.0, -5.0, -1e9, 2147483647.0, -2147483648.0}) {
         Search search;
         search.anchorX = search.anchorY = anchor;
-        search.run(
-            innerCorrAlongPointsFull,
-            {{kLowest, 0}, {0, kLowest}, {kHighest, 0}, {0, kHighest}, {kLowest, kHighest}, {kHighest, kLowest}});
+        search.run(innerCorrAlongPointsFull,
+                   {{kMinInt, 0}, {0, kMinInt}, {kMaxInt, 0}, {0, kMaxInt}, {kMinInt, kMaxInt}, {kMaxInt, kMinInt}});
         EXPECT_EQ(search.written, 0) << anchor;
     }
     // Far anchors and far positions that meet.
     Search search;
     search.anchorX = search.anchorY = 2147483640.0;
-    EXPECT_EQ(search.run(innerCorrAlongPointsFull, {{kHighest, kHighest}})[0].score,
+    EXPECT_EQ(search.run(innerCorrAlongPointsFull, {{kMaxInt, kMaxInt}})[0].score,
               static_cast<double>(search.scoreAt(kPatterns[0], 7, 7, 35, 2450 * 2450, 4200)));
     EXPECT_EQ(search.written, 1);
 }
@@ -296,7 +295,7 @@ TEST(CorrAlongPoints, AnchorsThatAreNoPixelsAcceptNothing) {
         for (const bool alongX : {false, true}) {
             Search search;
             (alongX ? search.anchorX : search.anchorY) = anchor;
-            search.run(innerCorrAlongPointsFull, {{15, 11}, {kHighest, kHighest}, {kLowest, kLowest}});
+            search.run(innerCorrAlongPointsFull, {{15, 11}, {kMaxInt, kMaxInt}, {kMinInt, kMinInt}});
             EXPECT_EQ(search.written, 0) << anchor;
         }
     }
@@ -415,7 +414,7 @@ TEST(CorrAlongPoints, ARangeThatEndsBeforeItBeginsWritesNothing) {
             search.imgMasked = (masks & 2) != 0;
             std::vector<CorrScore> scores(4, CorrScore{kUntouched, 0, 0.0});
             EXPECT_EQ(search.runRange(pattern.run, positions, 2, 1, scores), 0);
-            EXPECT_EQ(search.runRange(pattern.run, positions, kHighest, kLowest, scores), 0);
+            EXPECT_EQ(search.runRange(pattern.run, positions, kMaxInt, kMinInt, scores), 0);
             EXPECT_EQ(scores[1].index, kUntouched);
             EXPECT_EQ(scores[2].index, kUntouched);
         }

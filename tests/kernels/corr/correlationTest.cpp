@@ -216,12 +216,12 @@ TEST(Correlation, StatisticsAreTakenAsGiven) {
 TEST(Correlation, TheLargestStatisticsDoNotOverflow) {
     const std::uint8_t tmpl[] = {255, 255};
     const std::uint8_t img[] = {255, 0};
-    constexpr auto kMost = std::numeric_limits<std::int32_t>::max();
-    constexpr auto kMost64 = std::numeric_limits<std::int64_t>::max();
+    constexpr auto kMaxInt = std::numeric_limits<std::int32_t>::max();
+    constexpr auto kMaxInt64 = std::numeric_limits<std::int64_t>::max();
     for (const CorrTierCase& tier : corrTiers()) {
         const ForcedProcessor forced{tier.processor};
-        EXPECT_TRUE(std::isfinite(nccFull(tmpl, 2, 2, 1, kMost, kMost64, -kMost - 1, img, 2)));
-        EXPECT_TRUE(std::isfinite(nccFull(tmpl, 2, 2, 1, -kMost - 1, -kMost64 - 1, kMost, img, 2)));
+        EXPECT_TRUE(std::isfinite(nccFull(tmpl, 2, 2, 1, kMaxInt, kMaxInt64, -kMaxInt - 1, img, 2)));
+        EXPECT_TRUE(std::isfinite(nccFull(tmpl, 2, 2, 1, -kMaxInt - 1, -kMaxInt64 - 1, kMaxInt, img, 2)));
     }
 }
 

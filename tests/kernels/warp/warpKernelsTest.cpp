@@ -69,7 +69,7 @@ void remap(const TestImage& src, const Maps& maps, std::uint8_t* dst, std::int32
                                                             maps.y.data(), maps.stride(), x0, y0, x1, y1);
 }
 
-// Single precision places a source pixel to this share of a pixel in images of the sizes used here; the gray value may
+// Single precision places a source pixel to this share of a pixel in images of the sizes used here; the gray level may
 // move by as much times the largest gray step.
 constexpr double kPositionError = 2e-4;
 constexpr double kGrayError = 2.0 * kPositionError * 255.0;

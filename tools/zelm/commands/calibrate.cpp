@@ -35,8 +35,7 @@ struct CalibrateOptions {
 
 PairSettings settingsOf(const CalibrateOptions& options) {
     if (options.leftModel != ZELM_CAMERA_PARALLEL && options.rightModel == ZELM_CAMERA_PARALLEL) {
-        failUsage(
-            "--right-model 2 needs --left-model 2: when one camera has a parallel projection, give it as the left");
+        failUsage("--right-model 2 needs --left-model 2: when one camera is parallel, give it as the left one");
     }
     return {plateOf(options.plate),        options.leftModel, options.rightModel, regionOf(options.leftRegion),
             regionOf(options.rightRegion), options.strict};
@@ -49,10 +48,11 @@ std::string estimateText(std::int32_t status) {
             return "the dots of a view do not spread over a plane as the camera sees it: leave out views that show the "
                    "plate edge-on";
         case ZELM_ERR_CALIB_ESTIMATE:
-            return "the views do not tell the camera's parameters: tilt the plate differently from view to view, by 20 "
+            return "the views do not determine the camera's parameters: tilt the plate differently from view to view, "
+                   "by 20 "
                    "degrees or more";
         case ZELM_ERR_CALIB_NOT_CONVERGED:
-            return "the estimation does not settle: check that all views show the same plate with the same lens "
+            return "the estimation does not converge: check that all views show the same plate with the same lens "
                    "setting";
         case ZELM_ERR_STEREO_GEOMETRY:
             return "the two cameras do not form a pair: are left and right the same images?";
@@ -171,7 +171,7 @@ void addCalibrate(CommandLine& commandLine, Console& console) {
     sub.option("--left", o->left, "Left images: files, a quoted glob, a folder, or a list (.txt)").required();
     sub.option("--right", o->right, "Right images, in the same order of views").required();
     sub.option("-o,--output", o->folder, "Folder for rig.zcal, rig.json and report.html").showDefault();
-    const std::string models = ": 0 perspective, 1 perspective with a tilted sensor, 2 parallel (telecentric)";
+    const std::string models = ": 0 perspective, 1 tilted, 2 parallel (telecentric lenses)";
     sub.option("--left-model", o->leftModel, "Left camera" + models).inRange(0, 2).showDefault();
     sub.option("--right-model", o->rightModel, "Right camera" + models).inRange(0, 2).showDefault();
     sub.rectangle("--left-region", o->leftRegion, "Part of the left images that holds the plate");

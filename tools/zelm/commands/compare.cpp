@@ -25,7 +25,7 @@ namespace {
 namespace fs = std::filesystem;
 using Json = nlohmann::ordered_json;
 
-constexpr const char* kLengthUnits = "plane units";
+constexpr const char* kLengthUnits = "plate units";
 
 struct Comparison {
     std::string quantity;
@@ -61,7 +61,7 @@ void compareCamera(const std::string& side, const RigCamera& camera, const nlohm
     const ScaleWords scale = scaleWords(camera.model, kLengthUnits);
     add(scale.name + " x", scale.unit, k.alpha, "fx");
     list.back().relative = true;
-    // The truth counts along the rows' normal, beta of a tilted sensor along its sheared axis.
+    // The truth counts along the rows' normal, beta of a tilted camera along its sheared axis.
     add(scale.name + " y", scale.unit, k.beta / std::cos(k.theta), "fy");
     list.back().relative = true;
     add("principal point x", "px", k.cx, "cx");
@@ -153,7 +153,7 @@ void addCompare(CommandLine& commandLine, Console& console) {
     sub.option("rig", o->rig, "The calibration (rig.zcal)").required();
     sub.option("truth", o->truth, "The truth of views (truth.json) or of a scene (scene_truth.json)").required();
     sub.option("--points", o->points, "CSV of zelm match: compare its depths with the depth map of the scene");
-    sub.option("--within", o->within, "With --points: how many are so near to the truth, plane units")
+    sub.option("--within", o->within, "With --points: count those within this distance of the true depth, plate units")
         .positive()
         .showDefault();
     sub.does([o, &console] { runCompare(*o, console); });

@@ -175,7 +175,7 @@ void compareDepths(const LoadedRig& rig, const nlohmann::json& truth, const fs::
     }
     both.finish();
     leftOnly.finish();
-    std::string text = fmt::format("{:<28}{:>9}{:>9}{:>9}{:>10}{:>11}{:>10}{:>10}", "depths, plane units", "points",
+    std::string text = fmt::format("{:<28}{:>9}{:>9}{:>9}{:>10}{:>11}{:>10}{:>10}", "depths, plate units", "points",
                                    "textured", "found", "found", fmt::format("in {:g}", within), "median", "95 %");
     text += errorsText("seen by both cameras", both, within);
     text += errorsText("seen by the left one alone", leftOnly, within);

@@ -11,7 +11,7 @@
 namespace zelm::tool {
 
 // Compares the CSV of `zelm match` with the depth map that the truth of a scene names, and tells how many of the
-// points that both cameras see were found and how many are within `within` plane units of the truth. Throws Failure for
+// points that both cameras see were found and how many are within `within` plate units of the truth. Throws Failure for
 // a truth without a depth map, a depth map of another size, or a CSV without points.
 void compareDepths(const LoadedRig& rig, const nlohmann::json& truth, const std::filesystem::path& truthPath,
                    const std::filesystem::path& pointsPath, double within, const Console& console);

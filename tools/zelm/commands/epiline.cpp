@@ -92,7 +92,7 @@ void checkOptions(const EpilineOptions& o) {
         failUsage("--image and -o go together: the image to draw into, and the picture to write");
     }
     if (!o.picture.empty() && lowerEnding(o.picture) != ".png") {
-        failUsage("{}: pictures of lines are PNG files: give the name the ending .png", o.picture);
+        failUsage("{}: the picture of lines is a PNG file: give its name the ending .png", o.picture);
     }
 }
 
@@ -119,7 +119,7 @@ void runEpiline(const EpilineOptions& o, const Console& console) {
     outputs.commit();
 
     std::string text =
-        fmt::format("lines of the undistorted {} image for pixels of the {} image as taken", sideName(target), o.side);
+        fmt::format("lines of the undistorted {} image for raw pixels of the {} image", sideName(target), o.side);
     for (const PointLine& line : lines) {
         text += fmt::format("\n{}", lineText(line));
     }
@@ -135,11 +135,11 @@ void addEpiline(CommandLine& commandLine, Console& console) {
         "zelm epiline out/rig.zcal --point 640,480 --in left --image right_00.png -o lines.png");
     const auto o = std::make_shared<EpilineOptions>();
     sub.option("rig", o->rig, "The calibration (rig.zcal)").required();
-    sub.option("--point", o->points, "A pixel x,y as taken; may be given several times").required();
-    sub.option("--in", o->side, "The image that the pixels are of; the lines are of the other one")
+    sub.option("--point", o->points, "A raw pixel x,y; may be given several times").required();
+    sub.option("--in", o->side, "The image that the pixels are from; the lines are lines of the other one")
         .required()
         .oneOf({"left", "right"});
-    sub.option("--image", o->image, "The other image as taken; it is undistorted, and the lines drawn into it");
+    sub.option("--image", o->image, "The other raw image; the tool undistorts it and draws the lines into it");
     sub.option("-o,--output", o->picture, "The picture to write (.png)");
     sub.option("--csv", o->csv, "Also write the lines as CSV");
     sub.does([o, &console] { runEpiline(*o, console); });

@@ -16,7 +16,7 @@ namespace {
 void showRig(const std::filesystem::path& path, const Console& console) {
     const Rig rig = loadRig(path).rig;
     console.say(fmt::format("{}: a calibrated pair from {} views", path.string(), rig.views()));
-    console.say(rigText(rig, "plane units"));
+    console.say(rigText(rig, "plate units"));
     if (console.json) {
         console.result(jsonText(rigJson(rig)));
     }

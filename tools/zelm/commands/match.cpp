@@ -40,7 +40,7 @@ struct MatchOptions {
     int step = 8;
     bool dense = false;
     std::string depth;
-    std::string unit = "plane units";
+    std::string unit = "plate units";
     ZelmMeasureMatchOptions search = defaultSearch(nullptr);
 };
 
@@ -87,7 +87,7 @@ ZelmMeasureDepthLimits depthLimits(const MatchOptions& o, const LoadedRig& rig) 
     }
     const std::vector<double> range = numbersOf(o.depth);
     if (range.size() != 2) {
-        failUsage("--depth {}: expected MIN,MAX: two distances in plane units", o.depth);
+        failUsage("--depth {}: expected MIN,MAX: two distances in plate units", o.depth);
     }
     if (!(range[0] < range[1])) {
         failUsage("--depth {}: an empty range: MIN must be less than MAX", o.depth);
@@ -190,35 +190,36 @@ void checkResult(const MatchOptions& o, const Summary& s, std::size_t matched, s
         failData(
             "{}: none of {} points has texture that promises {} px, with a window of {} pixels inside the image: is "
             "the "
-            "picture sharp and bright? A larger --precision or --window asks for less",
+            "image sharp and bright? A larger --precision or --window asks for less",
             o.left, points, o.search.precision, o.search.window);
     }
-    failData("{}: none of {} points was found in {} ({}): do the images belong together, and to this rig?", o.left,
-             points, o.right, countsText(s));
+    failData("{}: none of {} points was found in {} ({}): do the images belong together, and to this calibration?",
+             o.left, points, o.right, countsText(s));
 }
 
 // Chance finds matches even in pictures that have nothing to do with each other.
 void warnOfChance(const MatchOptions& o, const Summary& s, const Console& console) {
-    constexpr std::size_t kFewest = 50;  // points below which a share tells little
-    constexpr double kLeastShare = 0.2;  // found, of the points with texture; of a scene it is half of them and more
+    constexpr std::size_t kMinPoints = 50;  // points below which a share tells little
+    constexpr double kMinShare = 0.2;       // found, of the points with texture; of a scene it is half of them and more
     const std::size_t sought =
         s.found() + s.of(MatchStatus::noMatch) + s.of(MatchStatus::ambiguous) + s.of(MatchStatus::inconsistent);
-    if (sought >= kFewest && static_cast<double>(s.found()) < kLeastShare * static_cast<double>(sought)) {
+    if (sought >= kMinPoints && static_cast<double>(s.found()) < kMinShare * static_cast<double>(sought)) {
         console.warn(
             fmt::format("{}: only {} of {} points with texture were found in {}, and those may be chance: do "
-                        "the images belong together, in this order, and to this rig?",
+                        "the images belong together, in this order, and to this calibration?",
                         o.left, s.found(), sought, o.right));
     }
 }
 
 std::string summaryText(const MatchOptions& o, const Summary& s, std::size_t points) {
     std::string text = fmt::format("{} of {} points matched; the others: {}\n", s.found(), points, countsText(s));
-    text += fmt::format("depth {:.6g} to {:.6g} {}, expected deviation {:.2g} (median), score {:.3f} (median)\n",
-                        s.nearest, s.farthest, o.unit, s.medianDeviation, s.medianScore);
+    text +=
+        fmt::format("depth {:.6g} to {:.6g} {}, expected standard deviation {:.2g} (median), score {:.3f} (median)\n",
+                    s.nearest, s.farthest, o.unit, s.medianDeviation, s.medianScore);
     const ZelmMeasureDepthLimits& l = o.search.limits;
-    text += fmt::format("looked for at depths from {:.6g} to {:.6g}, noise {:.2f} gray values\n", l.leftMin, l.leftMax,
+    text += fmt::format("looked for at depths from {:.6g} to {:.6g}, noise {:.2f} gray levels\n", l.leftMin, l.leftMax,
                         o.search.noise);
-    text += fmt::format("{:.2f} s; {:.2f} s of processor time, {:.0f} points in a second of it\nwrote {}", s.seconds,
+    text += fmt::format("{:.2f} s; {:.2f} s of processor time, {:.0f} points a second of it\nwrote {}", s.seconds,
                         s.processorSeconds, static_cast<double>(points) / std::max(s.processorSeconds, 1e-6), o.csv);
     for (const std::string& name : {o.ply, o.picture}) {
         text += name.empty() ? "" : ", " + name;
@@ -309,45 +310,48 @@ void runMatch(MatchOptions o, const Console& console) {
 
 void addMatch(CommandLine& commandLine, Console& console) {
     Subcommand sub = commandLine.subcommand(
-        "match", "Find pixels of the left image in the right one and make 3-D points of them",
+        "match", "Match pixels of the left image in the right one and make 3-D points of them",
         "zelm match out/rig.zcal scene_left.png scene_right.png -o out/scene.csv --ply out/scene.ply "
         "--picture out/scene_depth.png");
     const auto o = std::make_shared<MatchOptions>();
     sub.option("rig", o->rig, "The calibration (rig.zcal)").required();
-    sub.option("left", o->left, "Left image as taken").required();
-    sub.option("right", o->right, "Right image as taken").required();
-    sub.option("-o,--output", o->csv, "CSV of the points, a line each, in their order").required();
-    sub.option("--ply", o->ply, "Also write the points found as a PLY cloud with their gray values");
+    sub.option("left", o->left, "Left raw image, as taken").required();
+    sub.option("right", o->right, "Right raw image, as taken").required();
+    sub.option("-o,--output", o->csv, "CSV of the points, a line each, in the order of the pixels").required();
+    sub.option("--ply", o->ply, "Also write the points found as a PLY cloud with their gray levels");
     sub.option("--picture", o->picture, "Also write a picture of the depths (.png)");
     Option points = sub.option("--points", o->points, "CSV of pixels of the left image: x,y or id,x,y");
-    Option grid = sub.option("--grid", o->step, "Points on a grid of so many pixels").inRange(1, 10000).showDefault();
-    Option dense = sub.flag("--dense", o->dense, "Every textured pixel");
+    Option grid = sub.option("--grid", o->step, "Look for the pixels of a grid with this step, pixels")
+                      .inRange(1, 10000)
+                      .showDefault();
+    Option dense = sub.flag("--dense", o->dense, "Look for every pixel with texture");
     points.excludes(grid).excludes(dense);
     grid.excludes(dense);
     sub.option("--window", o->search.window, "Side of the window that is compared, pixels, odd")
         .inRange(7, 101)
         .showDefault();
     sub.option("--depth", o->depth,
-               "MIN,MAX: look between these distances along the left camera's axis, plane units; default: from "
+               "MIN,MAX: distances along the left camera's axis to search, plate units; default: from "
                "half the distance of the nearest plate of the calibration to twice that of the farthest, for "
                "each perspective camera, as far as the right image shows it");
     sub.option("--precision", o->search.precision,
-               "Leave out points whose texture promises less: expected deviation along the line, pixels")
+               "Leave out points whose texture promises a larger standard deviation along the line, pixels")
         .inRange(0.001, 10.0)
         .showDefault();
     sub.option("--noise", o->search.noise,
-               "Standard deviation of a gray value by noise; default: estimated from both images")
+               "Standard deviation of a gray level by noise; default: estimated from both images")
         .inRange(0.01, 100.0);
-    sub.option("--min-score", o->search.minScore, "Least correlation of a match, with the noise taken out")
+    sub.option("--min-score", o->search.minScore, "Smallest score of a match: its correlation with the noise taken out")
         .inRange(0.0, 1.0)
         .showDefault();
     sub.option("--return-tolerance", o->search.returnTolerance,
-               "The way back from right to left must end so near to the start, pixels")
+               "Largest distance from the start at which the way back may end, pixels")
         .inRange(0.01, 100.0)
         .showDefault();
     sub.option("--unit", o->unit, "Name of the plate's unit, for the picture").showDefault();
     sub.option("--jobs", o->search.threads,
-               "Threads, at most as many as the machine runs at a time; 0: as many. The result is the same")
+               "Number of threads, at most as many as the machine runs at a time; 0: that many. The result does not "
+               "depend on it")
         .inRange(0, 1024)
         .showDefault();
     sub.does([o, &console] { runMatch(*o, console); });

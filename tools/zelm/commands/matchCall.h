@@ -25,7 +25,7 @@ struct MatchCall {
 // The options that hold where the user names none; without limits of depth for no rig.
 ZelmMeasureMatchOptions defaultSearch(const ZelmMeasureRig* rig);
 
-// The standard deviation of a gray value by noise, over both pictures.
+// The standard deviation of a gray level by noise, over both pictures.
 double noiseOf(const Picture& left, const Picture& right);
 
 // The points as the library takes them.

@@ -223,22 +223,23 @@ void runRectify(const RectifyOptions& o, const Console& console) {
 }  // namespace
 
 void addRectify(CommandLine& commandLine, Console& console) {
-    Subcommand sub = commandLine.subcommand("rectify", "Show each image of a pair as the other camera would see it",
+    Subcommand sub = commandLine.subcommand("rectify", "Turn each image of a view into what the other camera would see",
                                             "zelm rectify out/rig.zcal left_00.png right_00.png -o out/rectified");
     const auto o = std::make_shared<RectifyOptions>();
     sub.option("rig", o->rig, "The calibration (rig.zcal)").required();
-    sub.option("left", o->left, "Left image as taken").required();
-    sub.option("right", o->right, "Right image as taken").required();
+    sub.option("left", o->left, "Left raw image, as taken").required();
+    sub.option("right", o->right, "Right raw image, as taken").required();
     sub.option("-o,--output", o->folder, "Folder for LEFT_rectified.png, RIGHT_rectified.png and LEFT_pair.png")
         .showDefault();
     sub.option("--reference", o->reference,
                "Undistorted pixel x,y (of both images) or xL,yL,xR,yR that lands on the centre of the rectified "
                "image; default: the point that both cameras look at");
-    sub.option("--depth", o->depth,
-               "With a parallel camera: the height of the plane whose two pictures come to agree, plane units; changes "
-               "nothing between perspective cameras")
+    sub.option(
+           "--depth", o->depth,
+           "With a parallel camera: height of the plane on which the rectified images agree, plate units; it changes "
+           "nothing between perspective cameras")
         .showDefault();
-    sub.option("--lines", o->lines, "Epipolar lines in the picture of the pair").inRange(0, 200).showDefault();
+    sub.option("--lines", o->lines, "Number of epipolar lines in the picture").inRange(0, 200).showDefault();
     sub.option("--pairs", o->pairs, "CSV of pixel pairs: draw these points and their lines instead");
     sub.does([o, &console] { runRectify(*o, console); });
 }

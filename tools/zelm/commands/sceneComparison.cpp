@@ -43,7 +43,7 @@ struct Target {
 struct Distances {
     std::string name;
     std::string key;
-    DistanceFigures figures;  // plane units
+    DistanceFigures figures;  // plate units
 };
 
 std::vector<double> numbersAt(const nlohmann::json& object, const char* key, std::size_t count, const fs::path& path) {
@@ -103,7 +103,8 @@ std::vector<Point3d> positionsOf(const LoadedRig& rig, const std::string& file, 
         if (point.status != PointStatus::ok) {
             const PixelPair& pair = pairs[positions.size()];
             failData(
-                "left ({:.2f}, {:.2f}), right ({:.2f}, {:.2f}): no point of this pair ({}): is this the right rig?",
+                "left ({:.2f}, {:.2f}), right ({:.2f}, {:.2f}): no point of this pixel pair ({}): is this the right "
+                "calibration?",
                 pair.left.x, pair.left.y, pair.right.x, pair.right.y, statusWord(point.status));
         }
         positions.push_back(point.position);
@@ -184,9 +185,9 @@ std::vector<Distances> allDistances(const std::vector<ScenePoint>& points, const
         distancesOf("  with a shadow edge on the pad", "targetsMeasuredShadowed", targets, isUneven, fromMeasured),
         distancesOf("  of this: calibration", "targetsCalibration", targets, isMeasured,
                     [](const Target& t) { return distance(t.truth->fromPixels, t.truth->position); }),
-        distancesOf("  of this: outline not projected centre", "targetsCentreBias", targets, isMeasured,
+        distancesOf("  of this: centre of the outline", "targetsCentreBias", targets, isMeasured,
                     [](const Target& t) { return distance(t.fromOutlines, t.truth->fromPixels); }),
-        distancesOf("  of this: noise and outline finding", "targetsNoise", targets, isMeasured,
+        distancesOf("  of this: noise and finding the outline", "targetsNoise", targets, isMeasured,
                     [](const Target& t) { return distance(t.fromMeasured, t.fromOutlines); }),
     };
 }
@@ -205,7 +206,7 @@ DistanceFigures centreErrors(const std::vector<Target>& targets) {
 }
 
 std::string textOf(const std::vector<Distances>& list, std::size_t missed, const DistanceFigures& centres) {
-    std::string text = fmt::format("{:<40}{:>8}{:>12}{:>12}", "3-D distance, plane units", "points", "RMS", "worst");
+    std::string text = fmt::format("{:<40}{:>8}{:>12}{:>12}", "3-D distance, plate units", "points", "RMS", "worst");
     for (const Distances& d : list) {
         if (d.figures.count > 0) {
             text +=

@@ -125,7 +125,7 @@ void warnOfOtherViews(const SimulateOptions& options, const std::vector<ViewTrut
     }
     if (!others.empty()) {
         console.warn(fmt::format(
-            "{}: also holds {} images of other views, such as {}: a pattern left_*.{} takes them "
+            "{}: also holds {} images of other views, such as {}: a glob left_*.{} takes them "
             "as well",
             options.folder, others.size(), *std::min_element(others.begin(), others.end()), options.format));
     }
@@ -159,13 +159,13 @@ void simulate(const SimulateOptions& options, const Console& console) {
 
 void addSimulate(CommandLine& commandLine, Console& console) {
     Subcommand sub = commandLine.subcommand(
-        "simulate", "Render stereo views of a dot plate, with the truth about them",
+        "simulate", "Render views of a described plate and pair, with their truth",
         "zelm simulate --example > rig.json   # then edit it\n  zelm simulate rig.json -o views --seed 7");
     const auto options = std::make_shared<SimulateOptions>();
-    sub.option("rig", options->description, "Description of rig, plate, optics and views; default: the example");
+    sub.option("rig", options->description, "Description of pair, plate, optics and views; default: the example");
     sub.option("-o,--output", options->folder, "Folder for images, truth.json and plate.json");
     sub.option("--views", options->views, "Number of views, instead of the description's")
-        .inRange(1, kMostSimulatedViews);
+        .inRange(1, kMaxSimulatedViews);
     sub.option("--seed", options->seed, "Seed of poses and noise, instead of the description's");
     sub.option("--format", options->format, "Format of the images: png, tif, bmp or pgm")
         .oneOf({"png", "tif", "bmp", "pgm"})

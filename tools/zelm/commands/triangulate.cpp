@@ -144,7 +144,7 @@ std::string failuresText(const Summary& s) {
 
 std::string summaryText(const Summary& s, std::size_t pairs, const TriangulateOptions& o) {
     return fmt::format(
-        "{} of {} pairs triangulated; wrote {}{}{}\n"
+        "{} of {} pixel pairs triangulated; wrote {}{}{}\n"
         "reprojection error    left RMS {:.4f}, worst {:.4f} px; right RMS {:.4f}, worst {:.4f} px\n"
         "intersection angle    {:.3f} to {:.3f} deg",
         s.points(), pairs, o.csv, o.ply.empty() ? "" : " and ", o.ply, s.left.rms, s.left.max, s.right.rms, s.right.max,
@@ -180,8 +180,10 @@ void runTriangulate(const TriangulateOptions& o, const Console& console) {
     const std::vector<SpacePoint> points = pointsOf(pairs, o, rig);
     const Summary summary = summaryOf(points);
     if (summary.points() == 0) {
-        failData("{}: none of {} pairs gave a point ({}): are left and right, or the rig, exchanged?", o.pairs,
-                 pairs.size(), failuresText(summary));
+        failData(
+            "{}: none of {} pixel pairs gave a point ({}): are left and right exchanged, or is this the calibration of "
+            "other cameras?",
+            o.pairs, pairs.size(), failuresText(summary));
     }
     outputs.add(o.csv, csvOf(pairs, points));
     if (!o.ply.empty()) {
@@ -189,7 +191,7 @@ void runTriangulate(const TriangulateOptions& o, const Console& console) {
     }
     outputs.commit();
     if (summary.points() < pairs.size()) {
-        console.warn(fmt::format("{}: {} of {} pairs gave no point: {} (see the column status)", o.pairs,
+        console.warn(fmt::format("{}: {} of {} pixel pairs gave no point: {} (see the column status)", o.pairs,
                                  pairs.size() - summary.points(), pairs.size(), failuresText(summary)));
     }
     console.say(summaryText(summary, pairs.size(), o));
@@ -199,19 +201,18 @@ void runTriangulate(const TriangulateOptions& o, const Console& console) {
 }  // namespace
 
 void addTriangulate(CommandLine& commandLine, Console& console) {
-    Subcommand sub = commandLine.subcommand("triangulate", "Make 3-D points of pairs of corresponding pixels",
+    Subcommand sub = commandLine.subcommand("triangulate", "Make 3-D points of pixel pairs",
                                             "zelm triangulate out/rig.zcal pairs.csv -o points.csv --ply points.ply");
     const auto o = std::make_shared<TriangulateOptions>();
     sub.option("rig", o->rig, "The calibration (rig.zcal)").required();
     sub.option("pairs", o->pairs,
-               "CSV of pixels as taken: xL,yL,xR,yR or id,xL,yL,xR,yR, or columns that a header names so")
+               "CSV of raw pixel pairs: xL,yL,xR,yR or id,xL,yL,xR,yR, or columns that a header names so")
         .required();
-    sub.option("-o,--output", o->csv, "CSV of the points, a line for each pair").required();
+    sub.option("-o,--output", o->csv, "CSV of the points, a line for each pixel pair").required();
     sub.option("--ply", o->ply, "Also write the points as a PLY cloud");
-    sub.option("--dots", o->dotImages,
-               "LEFT and RIGHT image: measure the centres of the dots at the pixels, and use those")
+    sub.option("--dots", o->dotImages, "LEFT and RIGHT image: use the centres of the dots in which the pixels lie")
         .takes(2);
-    sub.option("--polarity", o->polarity, "Dots of --dots: dark or bright").oneOf({"dark", "bright"}).showDefault();
+    sub.option("--polarity", o->polarity, "Polarity of the dots of --dots").oneOf({"dark", "bright"}).showDefault();
     sub.does([o, &console] { runTriangulate(*o, console); });
 }
 

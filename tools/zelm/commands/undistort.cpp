@@ -102,10 +102,12 @@ void addUndistort(CommandLine& commandLine, Console& console) {
                                             "zelm undistort out/rig.zcal left_00.png right_00.png -o out/undistorted");
     const auto o = std::make_shared<UndistortOptions>();
     sub.option("rig", o->rig, "The calibration (rig.zcal)").required();
-    sub.option("images", o->images, "Images as taken: files, a quoted glob, a folder, or a list (.txt)").required();
-    sub.option("--camera", o->camera, "The camera that took them; default: told by names that begin with left or right")
+    sub.option("images", o->images, "Raw images, as taken: files, a quoted glob, a folder, or a list (.txt)")
+        .required();
+    sub.option("--camera", o->camera,
+               "The camera that took the images; default: by names that begin with left or right")
         .oneOf({"left", "right"});
-    sub.option("-o,--output", o->folder, "Folder for IMAGE_undistorted.png, a file each").showDefault();
+    sub.option("-o,--output", o->folder, "Folder for IMAGE_undistorted.png, one for each image").showDefault();
     sub.does([o, &console] { runUndistort(*o, console); });
 }
 

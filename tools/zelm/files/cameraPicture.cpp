@@ -47,8 +47,8 @@ std::int32_t rectify(const LoadedRig& rig, char side, const Zelm2ViewHomParam& p
 void checkSize(const fs::path& path, int width, int height, const LoadedRig& rig, char side) {
     const RigCamera& camera = rig.camera(side);
     if (width != camera.width || height != camera.height) {
-        failData("{}: {} x {} pixels, but the {} camera was calibrated with {} x {}: give the image as taken",
-                 path.string(), width, height, sideName(side), camera.width, camera.height);
+        failData("{}: {} x {} pixels, but the {} camera was calibrated with {} x {}: give the raw image", path.string(),
+                 width, height, sideName(side), camera.width, camera.height);
     }
 }
 
@@ -83,7 +83,7 @@ AnyPicture undistorted(const LoadedRig& rig, char side, const AnyPicture& pictur
         [&](const auto& from) -> AnyPicture {
             auto to = blankLike(from);
             if (undistort(rig, side, from, to) < 0) {
-                failData("the {} picture cannot be undistorted: out of memory", sideName(side));
+                failData("the {} image cannot be undistorted: out of memory", sideName(side));
             }
             return to;
         },
@@ -95,7 +95,7 @@ AnyPicture rectified(const LoadedRig& rig, char side, const AnyPicture& picture,
         [&](const auto& from) -> AnyPicture {
             auto to = blankLike(from);
             if (rectify(rig, side, params, from, to) < 0) {
-                failData("the {} picture cannot be rectified with depth {}: give another --depth", sideName(side),
+                failData("the {} image cannot be rectified with depth {}: give another --depth", sideName(side),
                          params.s);
             }
             return to;

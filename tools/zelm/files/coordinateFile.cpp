@@ -16,7 +16,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::size_t kLongestQuote = 40;  // characters of the file shown in a message
+constexpr std::size_t kMaxQuote = 40;  // characters of the file shown in a message
 
 std::string_view trimmed(std::string_view text) {
     const auto isBlank = [](char c) { return c == ' ' || c == '\t' || c == '\r'; };
@@ -31,16 +31,16 @@ std::string_view trimmed(std::string_view text) {
 
 // A piece of the file fit for a message of one line.
 std::string quoted(std::string_view text) {
-    std::string quote(text.substr(0, kLongestQuote));
+    std::string quote(text.substr(0, kMaxQuote));
     std::replace_if(
         quote.begin(), quote.end(), [](unsigned char c) { return c < ' ' || c == 0x7f; }, '?');
-    return "\"" + quote + (text.size() > kLongestQuote ? "..." : "") + "\"";
+    return "\"" + quote + (text.size() > kMaxQuote ? "..." : "") + "\"";
 }
 
 // The columns of a file: the coordinates and, where `id` is one of them, the id.
 struct Columns {
     static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
-    std::array<std::size_t, kMostCoordinates> coordinates{kNone, kNone, kNone, kNone};
+    std::array<std::size_t, kMaxCoordinates> coordinates{kNone, kNone, kNone, kNone};
     std::size_t id = kNone;
     std::size_t count = 0;
 };

@@ -12,17 +12,17 @@
 
 namespace zelm::tool {
 
-constexpr std::size_t kMostCoordinates = 4;
+constexpr std::size_t kMaxCoordinates = 4;
 
 // What a file holds.
 struct CoordinateFormat {
-    std::span<const std::string_view> names;  // of the coordinates, at most kMostCoordinates
+    std::span<const std::string_view> names;  // of the coordinates, at most kMaxCoordinates
     std::string_view what;                    // in words, plural
 };
 
 struct CoordinateRow {
-    std::array<double, kMostCoordinates> numbers{};  // in the order of the format's names
-    std::string id;                                  // the row's number, from 1 on, where the file gives none
+    std::array<double, kMaxCoordinates> numbers{};  // in the order of the format's names
+    std::string id;                                 // the row's number, from 1 on, where the file gives none
 };
 
 // Reads rows of the coordinates, perhaps with an id in front, separated by commas, semicolons or tabs. A header may

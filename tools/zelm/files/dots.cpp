@@ -20,8 +20,8 @@ std::string contrastText(const ZelmMeasurePlateTraits& traits, const Plate& plat
     constexpr int kDarkLevel = 32;  // a plate so dark has hardly the contrast that dots need
     if (const int level = traits.brightLevel; level < kDarkLevel) {
         return fmt::format(
-            "the picture is nearly black, with levels up to {} of 255: is it of 10 or 12 bits in 16? Scale its levels "
-            "up, or take it brighter",
+            "the image is nearly black, with levels up to {} of 255: are these 10 or 12 bits in 16? Scale its levels "
+            "up, or expose it longer",
             level);
     }
     if (traits.oppositeDots > 0) {
@@ -50,7 +50,7 @@ std::string readingText(std::int32_t status, const Plate& plate, const Picture* 
     }
     switch (status) {
         case ZELM_ERR_PATTERN_PLATE:
-            return fmt::format("no plate found: does it fill a twentieth of the picture, with {} dots on a {} ground?",
+            return fmt::format("no plate found: does it fill a twentieth of the image, with {} dots on a {} ground?",
                                dots, p.polarity == 0 ? "bright" : "dark");
         case ZELM_ERR_PATTERN:
             return fmt::format(
@@ -60,19 +60,18 @@ std::string readingText(std::int32_t status, const Plate& plate, const Picture* 
         case ZELM_ERR_PATTERN_MARKERS: {
             const int seen = picture != nullptr ? traits.markerSized : p.markers;
             if (seen < p.markers) {
-                return fmt::format("only {} of {} marker dots found: is a marker hidden or out of the picture?", seen,
-                                   p.markers);
+                return fmt::format("only {} of {} markers found: is one hidden or outside the image?", seen, p.markers);
             }
             return fmt::format(
-                "the {} marker dots cannot be told apart from the others: is something of their size in "
-                "the picture, or is the plate tilted too far?",
+                "the {} markers cannot be told apart from other dots: is something of their size in "
+                "the image, or is the plate tilted too far?",
                 p.markers);
         }
         case ZELM_ERR_PATTERN_GRID:
             return "the dots form no grid with the markers: do pitch and marker distances in the plate file fit the "
                    "plate?";
         case ZELM_ERR_MEMORY:
-            return "out of memory: use smaller pictures";
+            return "out of memory: use smaller images";
         default:
             return fmt::format("the plate cannot be read (status {})", status);
     }
@@ -82,8 +81,8 @@ void checkRegion(const ZelmRect& region, const Picture& picture, const std::stri
     const bool inside = region.x >= 0 && region.y >= 0 && region.width > 0 && region.height > 0 &&
                         region.width <= picture.width - region.x && region.height <= picture.height - region.y;
     if (!inside) {
-        failUsage("{}: the region {},{},{},{} is not inside this {} x {} picture", file, region.x, region.y,
-                  region.width, region.height, picture.width, picture.height);
+        failUsage("{}: the region {},{},{},{} is not inside this {} x {} image", file, region.x, region.y, region.width,
+                  region.height, picture.width, picture.height);
     }
 }
 

@@ -22,7 +22,7 @@ struct GridIndex {
 
 struct Dot {
     GridIndex index;
-    Point2d plane{};  // plane units
+    Point2d plane{};  // plate units
     Point2d pixel{};
     Point2d error{};  // of a calibration: measured minus projected
 };

@@ -20,9 +20,9 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::uint64_t kLargestSide = 32768;       // pixels
-constexpr std::uint64_t kMostPixels = 256U << 20U;  // in one image
-constexpr std::size_t kJpegQuality = 95;            //
+constexpr std::uint64_t kMaxSide = 32768;          // pixels
+constexpr std::uint64_t kMaxPixels = 256U << 20U;  // in one image
+constexpr std::size_t kJpegQuality = 95;           //
 constexpr std::string_view kKnownFormats = "PNG, TIFF, JPEG, BMP and PGM";
 
 void startImageLibrary() {
@@ -31,9 +31,9 @@ void startImageLibrary() {
         GetExceptionInfo(&exception);
         InitializeMagickEx(nullptr, MAGICK_OPT_NO_SIGNAL_HANDER, &exception);
         DestroyExceptionInfo(&exception);
-        SetMagickResourceLimit(PixelsResource, kMostPixels);
-        SetMagickResourceLimit(WidthResource, static_cast<magick_int64_t>(kLargestSide));
-        SetMagickResourceLimit(HeightResource, static_cast<magick_int64_t>(kLargestSide));
+        SetMagickResourceLimit(PixelsResource, kMaxPixels);
+        SetMagickResourceLimit(WidthResource, static_cast<magick_int64_t>(kMaxSide));
+        SetMagickResourceLimit(HeightResource, static_cast<magick_int64_t>(kMaxSide));
         SetMagickResourceLimit(DiskResource, 0);
         return true;
     }();
@@ -100,9 +100,9 @@ bool isDamage(const ExceptionInfo& exception) {
 }
 
 void checkSize(const fs::path& path, std::uint64_t width, std::uint64_t height) {
-    if (width == 0 || height == 0 || width > kLargestSide || height > kLargestSide || width * height > kMostPixels) {
+    if (width == 0 || height == 0 || width > kMaxSide || height > kMaxSide || width * height > kMaxPixels) {
         failData("{}: claims {} x {} pixels; at most {} a side and {} million in all are read: crop or scale it down",
-                 path.string(), width, height, kLargestSide, kMostPixels >> 20U);
+                 path.string(), width, height, kMaxSide, kMaxPixels >> 20U);
     }
 }
 
@@ -140,7 +140,7 @@ void checkHeader(const fs::path& path, std::string_view format, const std::strin
         checkSize(path, *header);
     } else if (exception.severity == ResourceLimitError) {
         failData("{}: too large an image: at most {} pixels a side and {} million in all are read", path.string(),
-                 kLargestSide, kMostPixels >> 20U);
+                 kMaxSide, kMaxPixels >> 20U);
     } else {
         failDamaged(path, format, exception);
     }

@@ -99,7 +99,7 @@ Paths filesOfGlob(const std::string& pattern) {
     const int status = ::glob(pattern.c_str(), 0, nullptr, &found);
     const std::unique_ptr<glob_t, decltype(&::globfree)> owner(&found, ::globfree);
     if (status != 0 || found.gl_pathc == 0) {
-        failUsage("{}: no file fits this pattern: is the folder right?", pattern);
+        failUsage("{}: no file matches this glob: is the folder right?", pattern);
     }
     Paths paths(found.gl_pathv, found.gl_pathv + found.gl_pathc);
     sortNaturally(paths);

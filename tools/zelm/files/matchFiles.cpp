@@ -69,7 +69,8 @@ std::string matchCsv(const std::vector<MatchedPoint>& points) {
 std::string matchPly(const std::vector<MatchedPoint>& points, const Picture& left) {
     const std::size_t count = countStatuses(points)[static_cast<std::size_t>(MatchStatus::ok)];
     std::string ply = fmt::format(
-        "ply\nformat binary_little_endian 1.0\ncomment {} of {} points; depth_sigma: expected deviation of the depth\n"
+        "ply\nformat binary_little_endian 1.0\ncomment {} of {} points; depth_sigma: expected standard deviation of "
+        "the depth\n"
         "element vertex {}\nproperty float x\nproperty float y\nproperty float z\nproperty uchar red\n"
         "property uchar green\nproperty uchar blue\nproperty float depth_sigma\nend_header\n",
         count, points.size(), count);

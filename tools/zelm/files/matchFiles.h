@@ -46,7 +46,7 @@ std::array<std::size_t, kMatchStatuses> countStatuses(const std::vector<MatchedP
 // All points, a line each, in their order.
 std::string matchCsv(const std::vector<MatchedPoint>& points);
 
-// The points that are ok with the gray value of the left picture, as a binary PLY.
+// The points that are ok with the gray level of the left picture, as a binary PLY.
 std::string matchPly(const std::vector<MatchedPoint>& points, const Picture& left);
 
 }  // namespace zelm::tool

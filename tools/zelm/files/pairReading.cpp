@@ -61,8 +61,8 @@ private:
         return settings.leftModel == ZELM_CAMERA_PARALLEL && settings.rightModel == ZELM_CAMERA_PARALLEL;
     }
 
-    std::size_t fewest() const { return isParallelPair() ? 1 : kFewestViews; }
-    static std::size_t neededSlots(std::size_t viewCount) { return std::max(viewCount, kFewestViews); }
+    std::size_t fewest() const { return isParallelPair() ? 1 : kMinViews; }
+    static std::size_t neededSlots(std::size_t viewCount) { return std::max(viewCount, kMinViews); }
 
     void readAll(const std::vector<ViewFiles>& list, bool maySkip) {
         Progress progress(console, "reading views", list.size());
@@ -161,8 +161,9 @@ private:
 
     void requireEnoughViews() const {
         if (reading.used.size() < fewest()) {
-            failData("only {} of {} views can be read and {} are needed: take more pictures of the plate, or mend {}",
-                     reading.used.size(), views.size(), fewest(), reading.skipped.front().reason);
+            failData(
+                "only {} of {} views can be read and {} are needed: take more images of the plate, or correct this: {}",
+                reading.used.size(), views.size(), fewest(), reading.skipped.front().reason);
         }
     }
 
@@ -188,9 +189,9 @@ std::vector<ViewFiles> pairImages(const std::vector<fs::path>& left, const std::
     const std::size_t count = std::max(left.size(), right.size());
     const bool isParallelPair =
         settings.leftModel == ZELM_CAMERA_PARALLEL && settings.rightModel == ZELM_CAMERA_PARALLEL;
-    if (count < kFewestViews && !isParallelPair) {
+    if (count < kMinViews && !isParallelPair) {
         failUsage("{} views given (the last is {}): at least {} are needed, and ten or more are better", count,
-                  left.back().string(), kFewestViews);
+                  left.back().string(), kMinViews);
     }
     std::vector<ViewFiles> views(count);
     for (std::size_t i = 0; i < count; ++i) {

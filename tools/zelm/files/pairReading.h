@@ -44,7 +44,7 @@ struct PairReading {
     std::shared_ptr<PictureStore> pictures;  // of all views
 };
 
-inline constexpr std::size_t kFewestViews = 3;
+inline constexpr std::size_t kMinViews = 3;
 
 // Pairs the images. Throws Failure when the numbers do not fit together or are too small.
 std::vector<ViewFiles> pairImages(const std::vector<std::filesystem::path>& left,

@@ -18,7 +18,7 @@ constexpr int kDefaultMarkers = 3;
 constexpr int kDefaultMinDotArea = 20;           // pixels: a dot of radius 2.5, below which centres are poor
 constexpr double kDefaultMinEdgeStrength = 3.0;  // gray levels a pixel: well below a weak dot, above noise
 constexpr double kDefaultShareOfDots = 0.5;      // of the field's dots, that a view must yield
-constexpr double kMostGridDots = 1e6;            // a field with more dots is a mistake in the units
+constexpr double kMaxGridDots = 1e6;             // a field with more dots is a mistake in the units
 
 struct LengthField {
     const char* name;
@@ -38,7 +38,7 @@ double lengthAt(JsonFields& fields, const char* name) {
     double value = 0.0;
     fields.read(name, value);
     if (fields.find(name) == nullptr) {
-        fields.fail(name, "a length in plane units, but it is missing");
+        fields.fail(name, "a length in plate units, but it is missing");
     }
     if (!(value > 0.0) || !std::isfinite(value)) {
         fields.fail(name, fmt::format("a length greater than 0, not {}", value));
@@ -78,7 +78,7 @@ void checkSizes(const fs::path& path, const Zelm2ViewPatternDesc& p) {
     if (p.d6 < 0.5 * p.d4 || p.d7 < 0.5 * p.d5) {
         failUsage("{}: markerDistanceX and markerDistanceY must be at least one dot pitch", file);
     }
-    if ((p.d0 / p.d4 + 1.0) * (p.d1 / p.d5 + 1.0) > kMostGridDots) {
+    if ((p.d0 / p.d4 + 1.0) * (p.d1 / p.d5 + 1.0) > kMaxGridDots) {
         failUsage("{}: fieldWidth and fieldHeight hold over a million dots: are all lengths in the same units?", file);
     }
 }

@@ -10,7 +10,7 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr std::uint64_t kWhite = 65535;
-constexpr std::uint64_t kLargestNumber = 1'000'000'000'000;  // larger ones count as this: far above all limits
+constexpr std::uint64_t kMaxNumber = 1'000'000'000'000;  // larger ones count as this: far above all limits
 
 [[noreturn]] void failDamaged(const fs::path& path, std::string_view why) {
     failData("{}: not a complete PNM image ({}): export or copy it again", path.string(), why);
@@ -40,7 +40,7 @@ public:
         }
         std::uint64_t number = 0;
         for (; place < bytes.size() && isDigit(bytes[place]); ++place) {
-            number = std::min(10 * number + static_cast<std::uint64_t>(bytes[place] - '0'), kLargestNumber);
+            number = std::min(10 * number + static_cast<std::uint64_t>(bytes[place] - '0'), kMaxNumber);
         }
         return number;
     }

@@ -42,7 +42,7 @@ constexpr std::string_view kExample = R"({
     "projection": "perspective",  // or "parallel": fx and fy are then pixels per length
     "fx": 1690.4, "fy": 1688.1,   // focal lengths in pixels
     "skew": 0.0,                  // pixels
-    "theta": 0.0,                 // angle by which the image axes are sheared
+    "theta": 0.0,                 // of a tilted camera: angle by which the image axes are sheared
     "cx": 641.7, "cy": 477.3,     // principal point
     "k1": -0.118, "k2": 0.052     // lens
   },
@@ -230,8 +230,8 @@ private:
         f.read("border", d.range.borderPixels);
         f.read("smallestFill", d.range.smallestFill);
         f.read("largestFill", d.range.largestFill);
-        if (d.viewCount < 1 || d.viewCount > kMostSimulatedViews) {
-            f.fail("count", fmt::format("1 to {} views", kMostSimulatedViews));
+        if (d.viewCount < 1 || d.viewCount > kMaxSimulatedViews) {
+            f.fail("count", fmt::format("1 to {} views", kMaxSimulatedViews));
         }
         if (!(d.range.maxTiltDegrees >= 0.0 && d.range.maxTiltDegrees < 90.0)) {
             f.fail("maxTilt", "an angle from 0 to less than 90 degrees");
@@ -245,8 +245,8 @@ private:
     }
 
     void readPoses(const Json& list, SimulateDescription& d) const {
-        if (list.empty() || list.size() > kMostSimulatedViews) {
-            failUsage("{}: views: expected 1 to {} poses", file, kMostSimulatedViews);
+        if (list.empty() || list.size() > kMaxSimulatedViews) {
+            failUsage("{}: views: expected 1 to {} poses", file, kMaxSimulatedViews);
         }
         for (std::size_t i = 0; i < list.size(); ++i) {
             JsonFields fields(list[i], file, fmt::format("views[{}]", i));

@@ -12,7 +12,7 @@
 
 namespace zelm::tool {
 
-inline constexpr int kMostSimulatedViews = 10000;
+inline constexpr int kMaxSimulatedViews = 10000;
 
 struct SimulateDescription {
     std::string set = "simulated";  // name that goes into the truth file

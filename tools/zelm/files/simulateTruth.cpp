@@ -8,7 +8,7 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 constexpr const char* kUnits =
-    "plane units and pixels; pixel centres at integer coordinates; camera axes x right, y "
+    "plate units and pixels; pixel centres at integer coordinates; camera axes x right, y "
     "down, z forward; angles in radians";
 constexpr const char* kModel =
     "perspective: (xn, yn) = (X/Z, Y/Z), parallel: (xn, yn) = (X, Y); ideal pixel = K (xn, yn, 1); r2 = xn^2+yn^2, "

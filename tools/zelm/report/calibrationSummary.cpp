@@ -21,9 +21,9 @@ std::string imageCells(const std::filesystem::path& path, const ImageFigures& im
 }
 
 std::string viewTable(const Calibration& c) {
-    constexpr std::size_t kShortestName = 5;
-    std::size_t leftWidth = kShortestName;
-    std::size_t rightWidth = kShortestName;
+    constexpr std::size_t kMinNameWidth = 5;
+    std::size_t leftWidth = kMinNameWidth;
+    std::size_t rightWidth = kMinNameWidth;
     for (const ViewFiles& view : c.views) {
         leftWidth = std::max(leftWidth, imageName(view.left).size());
         rightWidth = std::max(rightWidth, imageName(view.right).size());

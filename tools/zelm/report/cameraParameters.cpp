@@ -58,7 +58,7 @@ ScaleWords scaleWords(int model, const std::string& units) {
     if (model != ZELM_CAMERA_PARALLEL) {
         return {"focal length", "px"};
     }
-    // One of them: "px/plane unit".
+    // One of them: "px/plate unit".
     return {"magnification", "px/" + (units.ends_with("units") ? units.substr(0, units.size() - 1) : units)};
 }
 

@@ -18,7 +18,7 @@ struct CameraParameter {
 };
 
 // Alpha, beta and gamma of a perspective camera are focal lengths and a skew in pixels; those of a parallel one are
-// magnifications, in pixels for each unit of length. `units` are the plate's, "mm" or "plane units".
+// magnifications, in pixels for each unit of length. `units` are the plate's, "mm" or "plate units".
 std::vector<CameraParameter> cameraParameters(const Rig& rig, const std::string& units);
 
 // What alpha is to a camera of this model, in pixels for each of `units` where that matters.

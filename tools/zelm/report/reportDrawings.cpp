@@ -39,7 +39,7 @@ std::string viewBars(const Calibration& c) {
     constexpr double kLeft = 56.0;
     constexpr double kBottom = 210.0;
     constexpr double kTop = 14.0;
-    constexpr std::size_t kMostLabels = 30;
+    constexpr std::size_t kMaxLabels = 30;
     double worst = 0.0;
     for (std::size_t i = 0; i < c.views.size(); ++i) {
         worst = std::max({worst, c.figures.left.views[i].distances.rms, c.figures.right.views[i].distances.rms});
@@ -55,7 +55,7 @@ std::string viewBars(const Calibration& c) {
         svg += fmt::format("<line class='grid' x1='{}' y1='{:.1f}' x2='{}' y2='{:.1f}'/>", kLeft, y, kWidth, y);
         svg += text(kLeft - 6.0, y + 4.0, "end", fmt::format("{:.3g}", top * i / kGridLines));
     }
-    const std::size_t labelEvery = c.views.size() / kMostLabels + 1;
+    const std::size_t labelEvery = c.views.size() / kMaxLabels + 1;
     for (std::size_t i = 0; i < c.views.size(); ++i) {
         const double x = kLeft + step * static_cast<double>(i);
         const double left = c.figures.left.views[i].distances.rms;

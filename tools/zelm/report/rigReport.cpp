@@ -67,7 +67,7 @@ std::string cameraTable(const Rig& rig, const std::string& units) {
 }  // namespace
 
 const char* modelName(int model) {
-    constexpr const char* kNames[] = {"perspective", "perspective+tilt", "parallel"};
+    constexpr const char* kNames[] = {"perspective", "tilted", "parallel"};
     return model >= ZELM_CAMERA_PERSPECTIVE && model <= ZELM_CAMERA_PARALLEL ? kNames[model] : "unknown";
 }
 
@@ -89,7 +89,7 @@ std::string rigText(const Rig& rig, const std::string& units) {
         text += fmt::format("baseline {:.4f} {}, convergence angle {:.4f} deg", rig.pair->baseline, units,
                             rig.pair->convergence * kDegreesPerRadian);
     } else {
-        text += "no baseline: a parallel projection has no centre";
+        text += "no baseline: a parallel camera has no centre";
     }
     return text;
 }

@@ -20,8 +20,8 @@ inline bool isBufferOf(const vImage_Buffer& buffer, const ImageSize& size) {
 
 // Whether it has rows as well whose length the kernels can express.
 inline bool isKernelBufferOf(const vImage_Buffer& buffer, const ImageSize& size) {
-    constexpr auto kLongestRow = static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max());
-    return isBufferOf(buffer, size) && buffer.rowBytes <= kLongestRow;
+    constexpr auto kMaxRowBytes = static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max());
+    return isBufferOf(buffer, size) && buffer.rowBytes <= kMaxRowBytes;
 }
 
 // Whether both buffers hold images of the camera that the selector names; false for NULL pointers too.
