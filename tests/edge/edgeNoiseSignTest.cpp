@@ -65,4 +65,17 @@ TEST(EdgeNoiseSign, GaussianNoiseOfOneGrayLevelShowsInTwentySamples) {
     EXPECT_GT(shown, 1980);
 }
 
+TEST(EdgeNoiseSign, ASampleThatStandsOutByTheToleranceIsJitter) {
+    using zelm::hasJitter;
+    EXPECT_TRUE(hasJitter(std::vector<int>{50, 51, 50}, 1));
+    EXPECT_TRUE(hasJitter(std::vector<int>{50, 49, 50}, 1));
+    EXPECT_TRUE(hasJitter(std::vector<int>{50, 58, 57}, 1));
+    EXPECT_FALSE(hasJitter(std::vector<int>{50, 58, 56}, 1));
+    EXPECT_TRUE(hasJitter(std::vector<int>{50, 58, 56}, 2));
+    EXPECT_FALSE(hasJitter(std::vector<int>{50, 51, 51, 50}, 1));
+    EXPECT_FALSE(hasJitter(std::vector<int>{50, 51, 52, 52, 60, 70}, 1));
+    EXPECT_FALSE(hasJitter(std::vector<int>{50, 51}, 1));
+    EXPECT_FALSE(hasJitter(std::vector<int>{}, 1));
+}
+
 }  // namespace

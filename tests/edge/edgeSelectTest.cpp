@@ -171,6 +171,38 @@ TEST(EdgePlateaus, ARampOfUnequalStepsIsOneTransitionAlsoBesideNoise) {
     }
 }
 
+TEST(EdgePlateaus, TheFilterSeesThemInNoiseOnly) {
+    // A slope of one gray level in two samples on either side of a step, once with a sample that stands out.
+    std::vector<int> q;
+    for (int i = 0; i < 20; ++i) {
+        q.push_back(40 + i / 2 + (i < 10 ? 0 : 100));
+    }
+    EdgeCandidate edge = {};
+    ASSERT_TRUE(zelm::selectEdge(q, usualRule(q, 1), edge));
+    EXPECT_EQ(edge.a, 9);
+    EXPECT_EQ(edge.b, 10);
+    EXPECT_EQ(edge.from, 9);
+    EXPECT_EQ(edge.to, 10);
+    q[16] -= 1;
+    q[15] += 1;
+    ASSERT_TRUE(zelm::selectEdge(q, usualRule(q, 1), edge));
+    EXPECT_EQ(edge.a, 9);
+    EXPECT_EQ(edge.b, 10);
+    EXPECT_EQ(edge.from, 0);
+    EXPECT_EQ(edge.to, 19);
+}
+
+TEST(EdgePlateaus, OneFlatStepIsEnoughWhereItIsAskedForAlsoInNoise) {
+    const std::vector<int> q = {50, 57, 46, 55, 48, 54, 149, 157, 145, 158, 150, 156};
+    EdgeRule rule = usualRule(q, 1);
+    rule.minFlatRun = 1;
+    EdgeCandidate edge = {};
+    ASSERT_TRUE(zelm::selectEdge(q, rule, edge));
+    EXPECT_GE(edge.a, 4);
+    EXPECT_LE(edge.b, 7);
+    EXPECT_NEAR(edge.difference, 100, 8);
+}
+
 TEST(EdgePlateaus, AWalkIsTheSameInBothDirections) {
     Random random(22);
     for (int trial = 0; trial < 5000; ++trial) {
