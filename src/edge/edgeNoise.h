@@ -11,8 +11,8 @@ namespace zelm {
 // steps and by at most swing gray levels in between. Plateaus and ramps of more than two samples do not.
 bool isNoisyProfile(std::span<const int32_t> q, int32_t swing);
 
-// Whether a sample stands above both its neighbours, or below both, and above or below one of them by at most tolerance:
-// a sign of noise too weak to break plateaus.
+// Whether a sample stands above both its neighbours, or below both, and above or below one of them by at most
+// tolerance: a sign of noise too weak to break plateaus.
 bool hasJitter(std::span<const int32_t> q, int32_t tolerance);
 
 }  // namespace zelm
