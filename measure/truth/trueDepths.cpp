@@ -28,11 +28,11 @@ TrueDepths::TrueDepths(const Rig& calibrated, const std::uint16_t* depths, doubl
 }
 
 std::optional<double> TrueDepths::at(Point2d p) const {
-    if (!std::isfinite(p.x) || !std::isfinite(p.y)) {
+    if (!rig.left.holds(p)) {
         return std::nullopt;
     }
-    const double x0 = std::clamp(std::floor(p.x), 0.0, rig.left.width - 1.0);
-    const double y0 = std::clamp(std::floor(p.y), 0.0, rig.left.height - 1.0);
+    const double x0 = std::floor(p.x);
+    const double y0 = std::floor(p.y);
     const double fx = p.x - x0;
     const double fy = p.y - y0;
     double sum = 0.0;
@@ -85,10 +85,11 @@ std::optional<TrueDepths::Seen> TrueDepths::inRightImage(Point2d p) const {
     const Point3d X{world[0], world[1], world[2]};
     Point2d pixel{};
     zelm2ViewChange3Dto2D(rig.calib.get(), 'R', &X, &pixel);
-    if (!rig.right.holds(pixel)) {
+    const double rightDepth = rig.right.depthOf(X);
+    if (!(rightDepth > 0.0) || !rig.right.holds(pixel)) {
         return std::nullopt;
     }
-    return Seen{static_cast<int>(pixel.x + 0.5), static_cast<int>(pixel.y + 0.5), rig.right.depthOf(X)};
+    return Seen{static_cast<int>(pixel.x + 0.5), static_cast<int>(pixel.y + 0.5), rightDepth};
 }
 
 // Covers the neighbours too, so that the pixels of a near surface leave no gaps.
