@@ -3,12 +3,18 @@
 #include <algorithm>
 
 namespace zelm::measure {
+namespace {
+
+constexpr double kSmallestCell = 4.0;  // pixels: so that a small reach makes no more cells than there are pixels
+
+}  // namespace
 
 Neighbours::Neighbours(const std::vector<Point2d>& allPoints, int width, int height, double farthest)
     : points(allPoints),
       reach(farthest),
-      columns(static_cast<std::size_t>(width / farthest) + 1),
-      rows(static_cast<std::size_t>(height / farthest) + 1) {
+      cellSide(std::max(farthest, kSmallestCell)),
+      columns(static_cast<std::size_t>(width / cellSide) + 1),
+      rows(static_cast<std::size_t>(height / cellSide) + 1) {
     // Sorted by cell, by counting.
     begins.assign(columns * rows + 1, 0);
     for (const Point2d& p : points) {
@@ -25,8 +31,9 @@ Neighbours::Neighbours(const std::vector<Point2d>& allPoints, int width, int hei
 }
 
 std::size_t Neighbours::cellOf(Point2d p) const {
+    // What is not a number has no neighbours, wherever it is put.
     const auto place = [this](double x, std::size_t count) {
-        return static_cast<std::size_t>(std::clamp(x / reach, 0.0, static_cast<double>(count - 1)));
+        return x > 0.0 ? static_cast<std::size_t>(std::min(x / cellSide, static_cast<double>(count - 1))) : 0;
     };
     return place(p.y, rows) * columns + place(p.x, columns);
 }

@@ -29,6 +29,7 @@ private:
 
     const std::vector<Point2d>& points;
     double reach;
+    double cellSide;  // pixels; the reach or more
     std::size_t columns;
     std::size_t rows;
     std::vector<std::size_t> begins;  // of the cells in `order`, and its end
