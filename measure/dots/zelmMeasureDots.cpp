@@ -1,4 +1,6 @@
 // The exported functions of dots in images.
+#include <algorithm>
+#include <utility>
 #include <vector>
 
 #include "dotCentre.h"
@@ -51,7 +53,9 @@ void checkPattern(const Zelm2ViewPatternDesc* pattern) {
 std::int32_t zelmMeasureFigures(std::int64_t count, const double* distances, ZelmMeasureFigures* figures) {
     return guarded(nullptr, [&] {
         require(count >= 0 && (distances != nullptr || count == 0), "the distances are NULL, or their number negative");
-        const Figures f = figuresOf(std::vector<double>(distances, distances + count));
+        std::vector<double> copy(static_cast<std::size_t>(count));
+        std::copy_n(distances, copy.size(), copy.begin());
+        const Figures f = figuresOf(std::move(copy));
         giveRecord({0, 0, static_cast<std::int64_t>(f.count), f.mean, f.rms, f.max, f.median, f.quantile95}, figures);
     });
 }

@@ -1,0 +1,297 @@
+// Arguments that cannot be meant: every function of the interface answers them with ZELM_ERR_PARAM, writes nothing, and
+// lets nothing that is thrown cross its border.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstring>
+#include <functional>
+#include <limits>
+#include <string>
+#include <vector>
+
+#include "matchedPoints.h"
+
+namespace zelmtest {
+namespace {
+
+// What every call may be given: all of it sound.
+struct Sound {
+    std::vector<unsigned char> block = trueRig(64, 48).block();
+    OpenedRig rig{block};
+    GrayPixels gray = GrayPixels(64 * 48, 100);
+    ZelmMeasureImage image{gray.data(), 64, 48, 64};
+    Zelm2ViewPatternDesc pattern = plainPattern();
+    ZelmMeasureMatchOptions options = defaultsOf(rig);
+    double pixels[4] = {30.0, 20.0, 31.0, 21.0};
+    std::vector<std::uint16_t> map = std::vector<std::uint16_t>(64 * 48, 1000);
+};
+
+// Outputs of all calls, none of which may change.
+struct Outputs {
+    std::int32_t integers[8];
+    std::int64_t longs[2];
+    double numbers[40];
+
+    Outputs() {
+        std::fill(std::begin(integers), std::end(integers), -7);
+        std::fill(std::begin(longs), std::end(longs), -7);
+        std::fill(std::begin(numbers), std::end(numbers), -7.0);
+    }
+    [[nodiscard]] bool areUntouched() const {
+        const auto isSeven = [](auto value) { return value == -7; };
+        return std::all_of(std::begin(integers), std::end(integers), isSeven) &&
+               std::all_of(std::begin(longs), std::end(longs), isSeven) &&
+               std::all_of(std::begin(numbers), std::end(numbers), isSeven);
+    }
+};
+
+class MeasureContract : public testing::Test {
+protected:
+    void expectParam(const char* what, std::int32_t status) {
+        EXPECT_EQ(status, ZELM_ERR_PARAM) << what;
+        EXPECT_TRUE(out.areUntouched()) << what;
+        const std::string words = sound.rig.error();
+        EXPECT_EQ(words.find('\n'), std::string::npos) << words;
+    }
+    // A record whose size is not set is refused by every function that takes one.
+    template <class Record, class Call>
+    void expectRecordRefused(const char* what, Call call) {
+        expectParam(what, call(static_cast<Record*>(nullptr)));
+        for (const std::int32_t size : {0, 3, -8}) {
+            auto record = emptyRecord<Record>();
+            record.size = size;
+            Record before = record;
+            expectParam(what, call(&record));
+            EXPECT_EQ(std::memcmp(&record, &before, sizeof record), 0) << what;
+        }
+    }
+
+    Sound sound;
+    Outputs out;
+};
+
+TEST_F(MeasureContract, RigsAreOpenedIntoEmptyHandlesAlone) {
+    const auto size = static_cast<std::int64_t>(sound.block.size());
+    ZelmMeasureRig* rig = nullptr;
+    expectParam("block", zelmMeasureRigOpen(nullptr, size, &rig));
+    expectParam("size", zelmMeasureRigOpen(sound.block.data(), -1, &rig));
+    expectParam("calib", zelmMeasureRigOfCalib(nullptr, &rig));
+    EXPECT_EQ(rig, nullptr);
+    expectParam("handle", zelmMeasureRigOpen(sound.block.data(), size, nullptr));
+    expectParam("handle", zelmMeasureRigOfCalib(zelmMeasureRigCalib(sound.rig.get()), nullptr));
+    ZelmMeasureRig* live = sound.rig.get();
+    expectParam("live", zelmMeasureRigOpen(sound.block.data(), size, &live));
+    expectParam("live", zelmMeasureRigOfCalib(zelmMeasureRigCalib(sound.rig.get()), &live));
+    EXPECT_EQ(live, sound.rig.get());
+}
+
+TEST_F(MeasureContract, RigsAnswerSoundQuestionsAlone) {
+    ZelmMeasureRig* const rig = sound.rig.get();
+    std::int32_t* const i = out.integers;
+    double* const d = out.numbers;
+    ZelmCameraExtrinsics pose{};
+    const ZelmCameraExtrinsics before = pose;
+    expectParam("views", zelmMeasureRigViews(nullptr, i));
+    expectParam("views", zelmMeasureRigViews(rig, nullptr));
+    for (const std::int32_t side : {0, static_cast<int>('l'), static_cast<int>('r'), 256 + 'L', -1}) {
+        auto camera = emptyRecord<ZelmMeasureCamera>();
+        expectParam("camera", zelmMeasureRigCamera(rig, side, &camera));
+        EXPECT_EQ(camera.width, 0);
+        expectParam("pose", zelmMeasureRigPose(rig, side, 0, &pose));
+        expectParam("tilt", zelmMeasureRigTilt(rig, side, d));
+        expectParam("dots", zelmMeasureRigDots(rig, &sound.pattern, side, 0, nullptr, out.longs, nullptr));
+    }
+    for (const std::int32_t view : {-1, 3, std::numeric_limits<std::int32_t>::max()}) {
+        expectParam("pose", zelmMeasureRigPose(rig, 'L', view, &pose));
+        expectParam("dots", zelmMeasureRigDots(rig, &sound.pattern, 'L', view, nullptr, out.longs, nullptr));
+        expectParam("epipolar", zelmMeasureRigEpipolar(rig, &sound.pattern, view, 1, d, out.longs));
+    }
+    EXPECT_EQ(std::memcmp(&pose, &before, sizeof pose), 0);
+    expectParam("pose", zelmMeasureRigPose(nullptr, 'L', 0, &pose));
+    expectParam("pose", zelmMeasureRigPose(rig, 'L', 0, nullptr));
+    expectParam("fundamental", zelmMeasureRigFundamental(nullptr, d));
+    expectParam("fundamental", zelmMeasureRigFundamental(rig, nullptr));
+    expectParam("tilt", zelmMeasureRigTilt(nullptr, 'L', d));
+    expectParam("tilt", zelmMeasureRigTilt(rig, 'L', nullptr));
+    expectParam("centre", zelmMeasureRigCentre(nullptr, d, d, i));
+    expectParam("centre", zelmMeasureRigCentre(rig, nullptr, d, i));
+    expectParam("centre", zelmMeasureRigCentre(rig, d, nullptr, i));
+    expectRecordRefused<ZelmMeasureCamera>("camera", [&](auto* r) { return zelmMeasureRigCamera(rig, 'L', r); });
+    expectRecordRefused<ZelmMeasureRelativePose>("relative",
+                                                 [&](auto* r) { return zelmMeasureRigRelativePose(rig, r); });
+    auto camera = emptyRecord<ZelmMeasureCamera>();
+    auto relative = emptyRecord<ZelmMeasureRelativePose>();
+    expectParam("camera", zelmMeasureRigCamera(nullptr, 'L', &camera));
+    expectParam("relative", zelmMeasureRigRelativePose(nullptr, &relative));
+}
+
+TEST_F(MeasureContract, FiguresAndDotsOfRigs) {
+    ZelmMeasureRig* const rig = sound.rig.get();
+    const double distances[] = {1.0};
+    auto figures = emptyRecord<ZelmMeasureFigures>();
+    expectParam("figures", zelmMeasureFigures(-1, distances, &figures));
+    expectParam("figures", zelmMeasureFigures(1, nullptr, &figures));
+    EXPECT_EQ(figures.count, 0);
+    expectRecordRefused<ZelmMeasureFigures>("figures", [&](auto* r) { return zelmMeasureFigures(1, distances, r); });
+    auto dots = emptyRecord<ZelmMeasureDots>();
+    expectParam("dots", zelmMeasureRigDots(nullptr, &sound.pattern, 'L', 0, &dots, out.longs, out.longs + 1));
+    expectParam("dots", zelmMeasureRigDots(rig, nullptr, 'L', 0, &dots, out.longs, out.longs + 1));
+    expectParam("dots", zelmMeasureRigDots(rig, &sound.pattern, 'L', 0, &dots, nullptr, out.longs + 1));
+    dots.capacity = -1;
+    expectParam("dots", zelmMeasureRigDots(rig, &sound.pattern, 'L', 0, &dots, out.longs, out.longs + 1));
+    dots.size = 0;
+    expectParam("dots", zelmMeasureRigDots(rig, &sound.pattern, 'L', 0, &dots, out.longs, out.longs + 1));
+    expectParam("epipolar", zelmMeasureRigEpipolar(nullptr, &sound.pattern, 0, 1, out.numbers, out.longs));
+    expectParam("epipolar", zelmMeasureRigEpipolar(rig, nullptr, 0, 1, out.numbers, out.longs));
+    expectParam("epipolar", zelmMeasureRigEpipolar(rig, &sound.pattern, 0, -1, out.numbers, out.longs));
+    expectParam("epipolar", zelmMeasureRigEpipolar(rig, &sound.pattern, 0, 1, out.numbers, nullptr));
+}
+
+TEST_F(MeasureContract, PlatesThatCannotBeMeant) {
+    const double none = std::numeric_limits<double>::quiet_NaN();
+    const std::function<void(Zelm2ViewPatternDesc&)> changes[] = {
+        [](auto& p) { p.d4 = 0.0; },   [](auto& p) { p.d5 = -10.0; },   [=](auto& p) { p.d4 = none; },
+        [=](auto& p) { p.d5 = none; }, [](auto& p) { p.polarity = 2; }, [](auto& p) { p.polarity = -1; }};
+    for (const auto& change : changes) {
+        Zelm2ViewPatternDesc plate = sound.pattern;
+        change(plate);
+        auto traits = emptyRecord<ZelmMeasurePlateTraits>();
+        auto dots = emptyRecord<ZelmMeasureDots>();
+        expectParam("dots", zelmMeasureRigDots(sound.rig.get(), &plate, 'L', 0, &dots, out.longs, nullptr));
+        expectParam("epipolar", zelmMeasureRigEpipolar(sound.rig.get(), &plate, 0, 1, out.numbers, out.longs));
+        expectParam("plate", zelmMeasurePlateDots(&sound.image, &plate, nullptr, &dots, out.longs, nullptr));
+        expectParam("traits", zelmMeasurePlateTraits(&sound.image, &plate, &traits));
+        EXPECT_EQ(traits.brightLevel, 0);
+    }
+    // What the reader refuses.
+    for (const auto& change : {std::function<void(Zelm2ViewPatternDesc&)>([](auto& p) { p.markers = 0; }),
+                               std::function<void(Zelm2ViewPatternDesc&)>([](auto& p) { p.d2 = 0.0; })}) {
+        Zelm2ViewPatternDesc plate = sound.pattern;
+        change(plate);
+        expectParam("plate", zelmMeasurePlateDots(&sound.image, &plate, nullptr, nullptr, out.longs, nullptr));
+    }
+}
+
+TEST_F(MeasureContract, ImagesThatCannotBeMeant) {
+    const std::uint8_t* const p = sound.gray.data();
+    const ZelmMeasureImage images[] = {{nullptr, 64, 48, 64}, {p, 0, 48, 64},  {p, 64, 0, 64},
+                                       {p, 64, -48, 64},      {p, 64, 48, 63}, {p, 64, 48, -64}};
+    std::vector<const ZelmMeasureImage*> wrong{nullptr};
+    for (const ZelmMeasureImage& image : images) {
+        wrong.push_back(&image);
+    }
+    for (const ZelmMeasureImage* image : wrong) {
+        auto traits = emptyRecord<ZelmMeasurePlateTraits>();
+        auto matches = emptyRecord<ZelmMeasureMatches>();
+        matches.statuses = out.integers;
+        expectParam("plate", zelmMeasurePlateDots(image, &sound.pattern, nullptr, nullptr, out.longs, nullptr));
+        expectParam("traits", zelmMeasurePlateTraits(image, &sound.pattern, &traits));
+        expectParam("centres", zelmMeasureDotCentres(image, 1, sound.pixels, 0, out.numbers, out.integers));
+        expectParam("noise", zelmMeasureNoise(image, out.numbers));
+        for (const bool isLeft : {true, false}) {
+            const ZelmMeasureImage* const left = isLeft ? image : &sound.image;
+            const ZelmMeasureImage* const right = isLeft ? &sound.image : image;
+            expectParam("match",
+                        zelmMeasureMatch(sound.rig.get(), left, right, &sound.options, 1, sound.pixels, &matches));
+            expectParam("dense", zelmMeasureMatchDense(sound.rig.get(), left, right, &sound.options, &matches));
+        }
+    }
+    expectParam("noise", zelmMeasureNoise(&sound.image, nullptr));
+}
+
+TEST_F(MeasureContract, DotsOfImages) {
+    auto dots = emptyRecord<ZelmMeasureDots>();
+    auto traits = emptyRecord<ZelmMeasurePlateTraits>();
+    expectParam("plate", zelmMeasurePlateDots(&sound.image, nullptr, nullptr, &dots, out.longs, nullptr));
+    expectParam("plate", zelmMeasurePlateDots(&sound.image, &sound.pattern, nullptr, &dots, nullptr, nullptr));
+    expectParam("traits", zelmMeasurePlateTraits(&sound.image, nullptr, &traits));
+    expectRecordRefused<ZelmMeasurePlateTraits>(
+        "traits", [&](auto* r) { return zelmMeasurePlateTraits(&sound.image, &sound.pattern, r); });
+    double* const d = out.numbers;
+    std::int32_t* const i = out.integers;
+    expectParam("count", zelmMeasureDotCentres(&sound.image, -1, sound.pixels, 0, d, i));
+    expectParam("seeds", zelmMeasureDotCentres(&sound.image, 1, nullptr, 0, d, i));
+    expectParam("centres", zelmMeasureDotCentres(&sound.image, 1, sound.pixels, 0, nullptr, i));
+    expectParam("statuses", zelmMeasureDotCentres(&sound.image, 1, sound.pixels, 0, d, nullptr));
+    expectParam("polarity", zelmMeasureDotCentres(&sound.image, 1, sound.pixels, 2, d, i));
+    expectParam("polarity", zelmMeasureDotCentres(&sound.image, 1, sound.pixels, -1, d, i));
+}
+
+TEST_F(MeasureContract, PointsOfSpace) {
+    ZelmMeasureRig* const rig = sound.rig.get();
+    auto points = emptyRecord<ZelmMeasurePoints>();
+    points.statuses = out.integers;
+    points.positions = out.numbers;
+    const double* const p = sound.pixels;
+    expectParam("rig", zelmMeasureTriangulate(nullptr, 1, p, p, &points));
+    expectParam("count", zelmMeasureTriangulate(rig, -1, p, p, &points));
+    expectParam("left", zelmMeasureTriangulate(rig, 1, nullptr, p, &points));
+    expectParam("right", zelmMeasureTriangulate(rig, 1, p, nullptr, &points));
+    expectRecordRefused<ZelmMeasurePoints>("points", [&](auto* r) { return zelmMeasureTriangulate(rig, 1, p, p, r); });
+    const std::uint16_t* const map = sound.map.data();
+    double* const d = out.numbers;
+    std::int32_t* const i = out.integers;
+    expectParam("rig", zelmMeasureTrueDepths(nullptr, map, 1.0, 1, p, d, i));
+    expectParam("map", zelmMeasureTrueDepths(rig, nullptr, 1.0, 1, p, d, i));
+    expectParam("unit", zelmMeasureTrueDepths(rig, map, 0.0, 1, p, d, i));
+    expectParam("unit", zelmMeasureTrueDepths(rig, map, -1.0, 1, p, d, i));
+    expectParam("unit", zelmMeasureTrueDepths(rig, map, std::numeric_limits<double>::quiet_NaN(), 1, p, d, i));
+    expectParam("unit", zelmMeasureTrueDepths(rig, map, std::numeric_limits<double>::infinity(), 1, p, d, i));
+    expectParam("count", zelmMeasureTrueDepths(rig, map, 1.0, -1, p, d, i));
+    expectParam("pixels", zelmMeasureTrueDepths(rig, map, 1.0, 1, nullptr, d, i));
+    expectParam("depths", zelmMeasureTrueDepths(rig, map, 1.0, 1, p, nullptr, i));
+}
+
+TEST_F(MeasureContract, Correspondences) {
+    ZelmMeasureRig* const rig = sound.rig.get();
+    const ZelmMeasureImage* const image = &sound.image;
+    const double* const p = sound.pixels;
+    auto matches = emptyRecord<ZelmMeasureMatches>();
+    matches.statuses = out.integers;
+    matches.depths = out.numbers;
+    std::int32_t* const any = out.integers + 7;
+    auto options = emptyRecord<ZelmMeasureMatchOptions>();
+    expectParam("defaults", zelmMeasureMatchDefaults(nullptr, &options));
+    expectRecordRefused<ZelmMeasureMatchOptions>("defaults", [&](auto* r) { return zelmMeasureMatchDefaults(rig, r); });
+    expectParam("rig", zelmMeasureMatch(nullptr, image, image, &sound.options, 1, p, &matches));
+    expectParam("rig", zelmMeasureMatchDense(nullptr, image, image, &sound.options, &matches));
+    expectParam("rig", zelmMeasureOverlap(nullptr, &sound.options, 1, p, any));
+    expectRecordRefused<ZelmMeasureMatchOptions>(
+        "options", [&](auto* r) { return zelmMeasureMatch(rig, image, image, r, 1, p, &matches); });
+    expectRecordRefused<ZelmMeasureMatchOptions>(
+        "options", [&](auto* r) { return zelmMeasureMatchDense(rig, image, image, r, &matches); });
+    expectRecordRefused<ZelmMeasureMatchOptions>("options",
+                                                 [&](auto* r) { return zelmMeasureOverlap(rig, r, 1, p, any); });
+    expectRecordRefused<ZelmMeasureMatches>(
+        "matches", [&](auto* r) { return zelmMeasureMatch(rig, image, image, &sound.options, 1, p, r); });
+    expectRecordRefused<ZelmMeasureMatches>(
+        "matches", [&](auto* r) { return zelmMeasureMatchDense(rig, image, image, &sound.options, r); });
+    expectParam("count", zelmMeasureMatch(rig, image, image, &sound.options, -1, p, &matches));
+    expectParam("pixels", zelmMeasureMatch(rig, image, image, &sound.options, 1, nullptr, &matches));
+    expectParam("count", zelmMeasureOverlap(rig, &sound.options, -1, p, any));
+    expectParam("pixels", zelmMeasureOverlap(rig, &sound.options, 1, nullptr, any));
+    expectParam("any", zelmMeasureOverlap(rig, &sound.options, 1, p, nullptr));
+}
+
+TEST_F(MeasureContract, CountsThatNoMemoryHoldsAreOutOfMemory) {
+    ZelmMeasureRig* const rig = sound.rig.get();
+    auto points = emptyRecord<ZelmMeasurePoints>();
+    points.statuses = out.integers;
+    auto matches = emptyRecord<ZelmMeasureMatches>();
+    matches.statuses = out.integers;
+    const double* const p = sound.pixels;
+    const ZelmMeasureImage* const image = &sound.image;
+    auto figures = emptyRecord<ZelmMeasureFigures>();
+    constexpr std::int64_t kMany = std::numeric_limits<std::int64_t>::max();
+    EXPECT_EQ(zelmMeasureTriangulate(rig, kMany, p, p, &points), ZELM_ERR_MEMORY);
+    EXPECT_EQ(sound.rig.error(), "out of memory");
+    EXPECT_EQ(zelmMeasureDotCentres(image, kMany, p, 0, out.numbers, out.integers), ZELM_ERR_MEMORY);
+    EXPECT_EQ(zelmMeasureMatch(rig, image, image, &sound.options, kMany, p, &matches), ZELM_ERR_MEMORY);
+    EXPECT_EQ(zelmMeasureOverlap(rig, &sound.options, kMany, p, out.integers), ZELM_ERR_MEMORY);
+    EXPECT_EQ(zelmMeasureFigures(kMany, p, &figures), ZELM_ERR_MEMORY);
+    EXPECT_EQ(figures.count, 0);
+    EXPECT_TRUE(out.areUntouched());
+}
+
+}  // namespace
+}  // namespace zelmtest
