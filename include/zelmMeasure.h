@@ -126,7 +126,7 @@ ZELM_API int32_t zelmMeasureRigTilt(ZelmMeasureRig* rig, int32_t side, double* t
 /// the plate of view 0; else the image centres.
 /// @param[out] left,right x, y
 /// @param[out] origin which of the three it is: 0, 1 or 2; may be NULL
-/// @return ZELM_OK, ZELM_ERR_PARAM
+/// @return ZELM_OK, ZELM_ERR_PARAM, ZELM_ERR_MEMORY
 ZELM_API int32_t zelmMeasureRigCentre(const ZelmMeasureRig* rig, double* left, double* right, int32_t* origin);
 /// @}
 

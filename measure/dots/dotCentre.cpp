@@ -93,7 +93,9 @@ std::vector<Point2d> findOutline(const DenseImage& image, Point2d inside, int ra
         const Point2d to{inside.x + reach * u.x, inside.y + reach * u.y};
         Point2d edge{};
         double strength = 0.0;
-        if (findEdge(&record, &from, &to, sign, &edge, &strength) == 1) {
+        const std::int32_t status = findEdge(&record, &from, &to, sign, &edge, &strength);
+        requireMemory(status);
+        if (status == 1) {
             outline.push_back(edge);
         }
     }
@@ -113,11 +115,17 @@ std::size_t countAgreeing(const Ellipse2d& e, std::span<const Point2d> outline) 
     }));
 }
 
+bool fitEllipse(std::span<const Point2d> points, std::int32_t robust, double constant, Ellipse2d& ellipse) {
+    const std::int32_t status =
+        zelmFitEllipse(static_cast<std::int32_t>(points.size()), points.data(), robust, constant, &ellipse);
+    requireMemory(status);
+    return status >= 0;
+}
+
 // The ellipse of a whole outline, of which some points may be astray.
 std::optional<Ellipse2d> wholeEllipse(std::span<const Point2d> outline) {
     Ellipse2d ellipse{};
-    if (outline.size() < kMinEdges ||
-        zelmFitEllipse(static_cast<std::int32_t>(outline.size()), outline.data(), 1, kEllipseTukey, &ellipse) < 0 ||
+    if (outline.size() < kMinEdges || !fitEllipse(outline, 1, kEllipseTukey, ellipse) ||
         countAgreeing(ellipse, outline) < kMinEdges) {
         return std::nullopt;
     }
@@ -126,8 +134,7 @@ std::optional<Ellipse2d> wholeEllipse(std::span<const Point2d> outline) {
 
 std::optional<Ellipse2d> ellipseThrough(std::span<const Point2d> arc) {
     Ellipse2d ellipse{};
-    if (zelmFitEllipse(static_cast<std::int32_t>(arc.size()), arc.data(), 0, 0.0, &ellipse) < 0 ||
-        countAgreeing(ellipse, arc) < arc.size()) {
+    if (!fitEllipse(arc, 0, 0.0, ellipse) || countAgreeing(ellipse, arc) < arc.size()) {
         return std::nullopt;
     }
     return ellipse;

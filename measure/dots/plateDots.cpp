@@ -121,7 +121,10 @@ bool gridHomography(const std::vector<Dot>& dots, double* H) {
         plane.push_back(dot.plane);
         pixels.push_back(dot.pixel);
     }
-    return zelmCalibCalcHomography(static_cast<std::int32_t>(dots.size()), plane.data(), pixels.data(), -1.0, H) >= 0;
+    const std::int32_t status =
+        zelmCalibCalcHomography(static_cast<std::int32_t>(dots.size()), plane.data(), pixels.data(), -1.0, H);
+    requireMemory(status);
+    return status >= 0;
 }
 
 // The affine map from the plane to the image that the markers give, as a homography.
@@ -178,7 +181,9 @@ DotReading readDots(const DenseImage& image, const Pattern& plate, const ZelmRec
 std::vector<Dot> indexDots(const Pattern& plate, const std::vector<Point2d>& points, const double* H) {
     std::vector<Dot> dots;
     double inverse[9];
-    if (zelmMatInvert(3, H, inverse) < 0) {
+    const std::int32_t status = zelmMatInvert(3, H, inverse);
+    requireMemory(status);
+    if (status < 0) {
         return dots;
     }
     for (const Point2d& p : points) {

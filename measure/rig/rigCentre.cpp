@@ -39,7 +39,9 @@ RigCentre rigCentre(const Rig& rig) {
     const Point2d left = centreOf(rig.left);
     const Point2d right = centreOf(rig.right);
     Point3d X{};
-    if (zelm2ViewChange2Dto3D(rig.calib.get(), &left, &right, &X) == ZELM_OK) {
+    const std::int32_t status = zelm2ViewChange2Dto3D(rig.calib.get(), &left, &right, &X);
+    requireMemory(status);
+    if (status == ZELM_OK) {
         if (const auto found = centreAt(rig, X, 0)) {
             return *found;
         }

@@ -135,13 +135,14 @@ std::int32_t zelmMeasureRigCentre(const ZelmMeasureRig* rig, double* left, doubl
     if (!isOpen(rig) || left == nullptr || right == nullptr) {
         return ZELM_ERR_PARAM;
     }
-    const RigCentre centre = rigCentre(rig->rig);
-    left[0] = centre.left.x;
-    left[1] = centre.left.y;
-    right[0] = centre.right.x;
-    right[1] = centre.right.y;
-    if (origin != nullptr) {
-        *origin = centre.origin;
-    }
-    return ZELM_OK;
+    return guarded(nullptr, [&] {
+        const RigCentre centre = rigCentre(rig->rig);
+        left[0] = centre.left.x;
+        left[1] = centre.left.y;
+        right[0] = centre.right.x;
+        right[1] = centre.right.y;
+        if (origin != nullptr) {
+            *origin = centre.origin;
+        }
+    });
 }
