@@ -1,0 +1,368 @@
+// Every allocation of a call failing in turn, those of the library and those of the core: the call says
+// ZELM_ERR_MEMORY, writes nothing and leaks nothing.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <functional>
+#include <new>
+#include <string>
+#include <vector>
+
+#include "faultAlloc.h"
+#include "matchedPoints.h"
+#include "patternReading.h"
+
+namespace {
+
+// Of this thread alone: other threads belong to the thread library.
+struct NewCounter {
+    bool armed = false;
+    bool hit = false;
+    long requests = 0;
+    long failAt = 0;  // 0: none
+    long live = 0;    // blocks asked for while armed, less those given back
+};
+thread_local NewCounter newCounter;
+
+void* allocate(std::size_t bytes, std::size_t alignment) noexcept {
+    if (newCounter.armed && ++newCounter.requests == newCounter.failAt) {
+        newCounter.hit = true;
+        return nullptr;
+    }
+    const std::size_t rounded = (std::max<std::size_t>(bytes, 1) + alignment - 1) / alignment * alignment;
+    void* const block = std::aligned_alloc(alignment, rounded);
+    newCounter.live += block != nullptr && newCounter.armed ? 1 : 0;
+    return block;
+}
+
+void release(void* block) noexcept {
+    newCounter.live -= block != nullptr && newCounter.armed ? 1 : 0;
+    std::free(block);
+}
+
+void* allocateOrThrow(std::size_t bytes, std::size_t alignment) {
+    void* const block = allocate(bytes, alignment);
+    if (block == nullptr) {
+        throw std::bad_alloc();
+    }
+    return block;
+}
+
+constexpr std::size_t kUsual = alignof(std::max_align_t);
+
+}  // namespace
+
+void* operator new(std::size_t bytes) {
+    return allocateOrThrow(bytes, kUsual);
+}
+void* operator new[](std::size_t bytes) {
+    return allocateOrThrow(bytes, kUsual);
+}
+void* operator new(std::size_t bytes, std::align_val_t alignment) {
+    return allocateOrThrow(bytes, static_cast<std::size_t>(alignment));
+}
+void* operator new[](std::size_t bytes, std::align_val_t alignment) {
+    return allocateOrThrow(bytes, static_cast<std::size_t>(alignment));
+}
+void* operator new(std::size_t bytes, const std::nothrow_t&) noexcept {
+    return allocate(bytes, kUsual);
+}
+void* operator new[](std::size_t bytes, const std::nothrow_t&) noexcept {
+    return allocate(bytes, kUsual);
+}
+void operator delete(void* block) noexcept {
+    release(block);
+}
+void operator delete[](void* block) noexcept {
+    release(block);
+}
+void operator delete(void* block, std::size_t) noexcept {
+    release(block);
+}
+void operator delete[](void* block, std::size_t) noexcept {
+    release(block);
+}
+void operator delete(void* block, std::align_val_t) noexcept {
+    release(block);
+}
+void operator delete[](void* block, std::align_val_t) noexcept {
+    release(block);
+}
+void operator delete(void* block, std::size_t, std::align_val_t) noexcept {
+    release(block);
+}
+void operator delete[](void* block, std::size_t, std::align_val_t) noexcept {
+    release(block);
+}
+
+namespace zelmtest {
+namespace {
+
+// Outputs of a call, compared as bytes.
+struct Outputs {
+    double numbers[512];
+    std::int64_t longs[4];
+    std::int32_t integers[128];
+    ZelmMeasureFigures figures;
+    ZelmMeasurePlateTraits traits;
+
+    Outputs() {
+        std::memset(static_cast<void*>(this), 0xA5, sizeof *this);
+        figures.size = sizeof figures;
+        traits.size = sizeof traits;
+    }
+    bool operator==(const Outputs& other) const { return std::memcmp(this, &other, sizeof other) == 0; }
+};
+
+using Call = std::function<std::int32_t(Outputs&)>;
+
+struct Run {
+    std::int32_t status = 0;
+    bool hit = false;
+    long left = 0;  // blocks
+    Outputs outputs;
+};
+
+// One call with allocation number failAt failing: of the core, or of the library itself.
+Run runWithFault(const Call& call, bool inCore, long failAt) {
+    Run run;
+    const long liveInCore = allocCounters().live;
+    newCounter = {true, false, 0, inCore ? 0 : failAt, 0};
+    armAllocFault(inCore ? failAt : 0);
+    run.status = call(run.outputs);
+    disarmAllocFault();
+    newCounter.armed = false;
+    run.hit = newCounter.hit || allocCounters().faultHit;
+    run.left = newCounter.live + allocCounters().live - liveInCore;
+    return run;
+}
+
+// The numbers of allocations that were made to fail.
+struct Failures {
+    long own = 0;
+    long core = 0;
+};
+
+// `without`: what the call gives when it can do without the memory, as sorting can, which then takes longer.
+Failures expectEveryFailureIsTold(const Call& call, std::int32_t success = ZELM_OK, const Outputs* without = nullptr) {
+    Failures failures;
+    for (const bool inCore : {false, true}) {
+        long& failed = inCore ? failures.core : failures.own;
+        // Every one of the first 200, then one in a hundred: long searches make tens of thousands.
+        for (long k = 1;; k += k < 200 ? 1 : k / 100 + 97) {
+            const Run run = runWithFault(call, inCore, k);
+            EXPECT_EQ(run.left, 0) << (inCore ? "core " : "own ") << k;
+            if (!run.hit) {
+                EXPECT_EQ(run.status, success);
+                break;
+            }
+            failed += 1;
+            if (without != nullptr && run.status == success && run.outputs == *without) {
+                continue;
+            }
+            EXPECT_EQ(run.status, ZELM_ERR_MEMORY) << (inCore ? "core " : "own ") << k;
+            EXPECT_TRUE(run.outputs == Outputs()) << (inCore ? "core " : "own ") << k;
+            if (testing::Test::HasFailure()) {
+                break;
+            }
+        }
+    }
+    return failures;
+}
+
+ZelmMeasureImage imageOf(const render::GrayImage& image) {
+    return {image.pixels.data(), image.width, image.height, image.width};
+}
+
+TEST(MeasureMemory, OpeningARig) {
+    const std::vector<unsigned char> block = trueRig().block();
+    const auto open = [&](const void* data, std::size_t size) {
+        ZelmMeasureRig* rig = nullptr;
+        const std::int32_t status = zelmMeasureRigOpen(data, static_cast<std::int64_t>(size), &rig);
+        EXPECT_EQ(rig == nullptr, status == ZELM_ERR_MEMORY);
+        zelmMeasureRigClose(&rig);
+        return status;
+    };
+    const Failures sound = expectEveryFailureIsTold([&](Outputs&) { return open(block.data(), block.size()); });
+    EXPECT_GE(sound.own, 3);  // the handle, and the poses of both cameras
+    EXPECT_GE(sound.core, 1);
+    // Refused blocks need memory for their words.
+    const Failures refused =
+        expectEveryFailureIsTold([&](Outputs&) { return open(block.data(), block.size() - 1); }, ZELM_MEASURE_ERR_DATA);
+    EXPECT_GE(refused.own, 2);
+}
+
+// A pair of opened objects with dots in every view; view 0 of the left one as the true rig sees the default plate.
+struct DottedPair {
+    render::Plate plate;
+    Handle handle;
+
+    DottedPair() {
+        const render::StereoRig rig = render::exampleRig();
+        const Zelm2ViewPatternDesc pattern = describe(plate);
+        const Zelm2ViewCameraDesc cameras = cameraPair(0, 0, rig.left.width, rig.left.height);
+        EXPECT_EQ(zelm2ViewCalibOpen(3, &pattern, &cameras, &handle.calib), ZELM_OK);
+        const std::vector<render::Pose> poses = render::makeViewPoses(plate, rig, 3, 3);
+        for (std::int32_t view = 0; view < 3; ++view) {
+            const render::Pose& left = poses[static_cast<std::size_t>(view)];
+            fillView(handle.calib, zelm::Camera::left, view, plate, rig.left, left, 0.1);
+            fillView(handle.calib, zelm::Camera::right, view, plate, rig.right,
+                     render::compose(rig.rightFromLeft, left), 0.1);
+        }
+        Zelm2ViewCalibResult result{};
+        EXPECT_EQ(zelm2ViewCalibCameraParam(handle.calib, &result), ZELM_OK);
+    }
+};
+
+TEST(MeasureMemory, RigsOfObjectsAndTheirDots) {
+    const DottedPair pair;
+    const Failures opening = expectEveryFailureIsTold([&](Outputs&) {
+        ZelmMeasureRig* rig = nullptr;
+        const std::int32_t status = zelmMeasureRigOfCalib(pair.handle.get(), &rig);
+        EXPECT_EQ(rig == nullptr, status != ZELM_OK);
+        zelmMeasureRigClose(&rig);
+        return status;
+    });
+    EXPECT_GE(opening.own, 10);  // with the dots of six views
+    const OpenedRig rig(pair.handle.get());
+    const Zelm2ViewPatternDesc pattern = describe(pair.plate);
+    const Failures dots = expectEveryFailureIsTold([&](Outputs& out) {
+        auto record = emptyRecord<ZelmMeasureDots>();
+        record.capacity = 30;
+        record.grid = out.integers;
+        record.errors = out.numbers;
+        return zelmMeasureRigDots(rig.get(), &pattern, 'L', 1, &record, out.longs, out.longs + 1);
+    });
+    EXPECT_GE(dots.own, 143);
+    const Failures epipolar = expectEveryFailureIsTold(
+        [&](Outputs& out) { return zelmMeasureRigEpipolar(rig.get(), &pattern, 1, 100, out.numbers, out.longs); });
+    EXPECT_GE(epipolar.own, 143);
+}
+
+TEST(MeasureMemory, CentreOfARig) {
+    const OpenedRig rig(trueRig().block());
+    const Failures failures = expectEveryFailureIsTold(
+        [&](Outputs& out) { return zelmMeasureRigCentre(rig.get(), out.numbers, out.numbers + 2, out.integers); });
+    EXPECT_GE(failures.core, 1);
+}
+
+TEST(MeasureMemory, FiguresOfDistances) {
+    const double distances[] = {3.0, 1.0, 2.0};
+    const Failures failures =
+        expectEveryFailureIsTold([&](Outputs& out) { return zelmMeasureFigures(3, distances, &out.figures); });
+    EXPECT_GE(failures.own, 1);
+}
+
+TEST(MeasureMemory, Triangulation) {
+    const RigTruth truth = trueRig();
+    const OpenedRig rig(truth.block());
+    const Point3d X{10.0, 5.0, 2.0};
+    const Point2d l = truth.raw('L', X);
+    const Point2d r = truth.raw('R', X);
+    const double left[] = {l.x, l.y, l.x + 1.0, l.y};
+    const double right[] = {r.x, r.y, r.x + 1.0, r.y};
+    const Failures failures = expectEveryFailureIsTold([&](Outputs& out) {
+        auto points = emptyRecord<ZelmMeasurePoints>();
+        points.statuses = out.integers;
+        points.positions = out.numbers;
+        points.errors = out.numbers + 10;
+        points.angles = out.numbers + 20;
+        return zelmMeasureTriangulate(rig.get(), 2, left, right, &points);
+    });
+    EXPECT_GE(failures.own, 1);
+    EXPECT_GE(failures.core, 2);
+}
+
+TEST(MeasureMemory, TrueDepths) {
+    const OpenedRig rig(trueRig(64, 48).block());
+    const std::vector<std::uint16_t> map(64 * 48, 4500);
+    const double pixels[] = {30.0, 20.0};
+    const Failures failures = expectEveryFailureIsTold([&](Outputs& out) {
+        return zelmMeasureTrueDepths(rig.get(), map.data(), 0.1, 1, pixels, out.numbers, out.integers);
+    });
+    EXPECT_GE(failures.own, 1);
+}
+
+TEST(MeasureMemory, CentresOfDots) {
+    const render::RenderedView view = smallView();
+    render::RenderedView hidden = view;
+    const render::DotTruth& dot = view.dots[17];
+    for (int y = 0; y < 480; ++y) {  // the right part of the dot, from 0.7 of the radius on
+        std::fill_n(hidden.image.pixels.begin() + 640 * y + static_cast<int>(dot.ellipse.centre.x + 0.7 * dot.radius),
+                    640 - static_cast<int>(dot.ellipse.centre.x + 0.7 * dot.radius), std::uint8_t{190});
+    }
+    const double seed[] = {dot.ellipse.centre.x - 1.0, dot.ellipse.centre.y};
+    for (const render::GrayImage& picture : {view.image, hidden.image}) {
+        const ZelmMeasureImage image = imageOf(picture);
+        const Failures failures = expectEveryFailureIsTold(
+            [&](Outputs& out) { return zelmMeasureDotCentres(&image, 1, seed, 0, out.numbers, out.integers); });
+        EXPECT_GE(failures.own, 2);
+        EXPECT_GE(failures.core, 2);
+    }
+}
+
+TEST(MeasureMemory, DotsAndTraitsOfPlates) {
+    const render::RenderedView view = smallView();
+    const Zelm2ViewPatternDesc pattern = describe(smallPlate());
+    // Padded, so that a copy is made.
+    const ZelmMeasureImage image{view.image.pixels.data(), 639, 480, 640};
+    const Failures dots = expectEveryFailureIsTold([&](Outputs& out) {
+        auto record = emptyRecord<ZelmMeasureDots>();
+        record.capacity = 35;
+        record.grid = out.integers;
+        record.pixels = out.numbers;
+        return zelmMeasurePlateDots(&image, &pattern, nullptr, &record, out.longs, out.longs + 1);
+    });
+    EXPECT_GE(dots.own, 35);
+    EXPECT_GE(dots.core, 35);
+    Zelm2ViewPatternDesc opposite = pattern;
+    opposite.polarity = 1;
+    const Failures traits =
+        expectEveryFailureIsTold([&](Outputs& out) { return zelmMeasurePlateTraits(&image, &opposite, &out.traits); });
+    EXPECT_GE(traits.own, 3);
+    EXPECT_GE(traits.core, 3);
+}
+
+TEST(MeasureMemory, NoiseAndOverlap) {
+    const GrayPixels gray(640 * 480, 100);
+    const ZelmMeasureImage image{gray.data(), 640, 480, 640};
+    EXPECT_GE(expectEveryFailureIsTold([&](Outputs& out) { return zelmMeasureNoise(&image, out.numbers); }).own, 1);
+    const OpenedRig rig(trueRig(640, 480).block());
+    const ZelmMeasureMatchOptions options = defaultsOf(rig);
+    const double pixels[] = {320.0, 240.0};
+    const Failures failures = expectEveryFailureIsTold(
+        [&](Outputs& out) { return zelmMeasureOverlap(rig.get(), &options, 1, pixels, out.integers); });
+    EXPECT_GE(failures.own, 2);
+}
+
+TEST(MeasureMemory, Matching) {
+    const PlanePictures pictures(trueRig(240, 180), slantedPlane());
+    const OpenedRig rig(pictures.rig.block());
+    ZelmMeasureMatchOptions options = defaultsOf(rig);
+    options.threads = 1;  // the calling one, whose allocations fail
+    options.limits.leftMin = 420.0;
+    options.limits.leftMax = 500.0;
+    const ZelmMeasureImage left = pictures.image('L');
+    const ZelmMeasureImage right = pictures.image('R');
+    const double pixels[] = {120.0, 90.0, 2.0, 2.0};
+    const Call match = [&](Outputs& out) {
+        auto matches = emptyRecord<ZelmMeasureMatches>();
+        matches.statuses = out.integers;
+        matches.depths = out.numbers;
+        return zelmMeasureMatch(rig.get(), &left, &right, &options, 2, pixels, &matches);
+    };
+    // The thread library prepares itself once, and waits for ever when that fails.
+    Outputs first;
+    ASSERT_EQ(match(first), ZELM_OK);
+    ASSERT_EQ(first.integers[0], ZELM_MEASURE_MATCH_OK);
+    const Failures failures = expectEveryFailureIsTold(match, ZELM_OK, &first);
+    EXPECT_GE(failures.own, 10);
+    EXPECT_GE(failures.core, 5);
+}
+
+}  // namespace
+}  // namespace zelmtest
