@@ -60,6 +60,38 @@ outside_frame=$(echo "$sources" | grep -vE '^src/frame/(alloc|assertion)\.cpp$')
   refuse "switched-off code" '^ *# *if +0' $sources
 }
 
+# The measuring library stands on the core's public headers; of the core's inside, its rigs know the layout of the
+# calibration block. It neither prints nor formats, and touches no file.
+measure=$(find measure -name '*.cpp' -o -name '*.h')
+[ -n "$measure" ] || { echo "no sources in measure"; failed=1; }
+check_measure_includes() {
+  local file include own
+  own=" $(find measure -name '*.h' -printf '%f ') "
+  for file in $measure; do
+    for include in $(grep -oE '^ *# *include *"[^"]+"' "$file" | grep -oE '"[^"]+"' | tr -d '"'); do
+      case "$own" in
+        *" $include "*) continue ;;
+      esac
+      case "$file:$include" in
+        measure/rig/*:calibBlock.h) ;;
+        *) echo "$file includes $include, which is neither the measuring library's nor public"; failed=1 ;;
+      esac
+    done
+    for include in $(grep -oE '^ *# *include *<[^>]+>' "$file" | grep -oE '<[^>]+>' | tr -d '<>'); do
+      case "$file:$include" in
+        *:zelmLib.h | *:zelmMeasure.h | measure/match/*:tbb/*) ;;
+        *:*.h | *:*/* | *:iostream | *:ostream | *:istream | *:fstream | *:sstream | *:filesystem | *:cstdio | *:format | *:print)
+          echo "$file includes <$include>"
+          failed=1
+          ;;
+      esac
+    done
+  done
+}
+check_measure_includes
+# shellcheck disable=SC2086
+refuse "printing or exits in the measuring library" '\b(printf|fprintf|puts|fputs|exit|abort) *\(|std::(cout|cerr|clog|print|format)\b|\bfmt::' $measure
+
 trees=(src 3DLib measure render tests tools bench)
 duplicates=$(find "${trees[@]}" -name '*.cpp' -o -name '*.h' | xargs -n1 basename | sort | uniq -d)
 if [ -n "$duplicates" ]; then
