@@ -80,7 +80,8 @@ check_measure_includes() {
     for include in $(grep -oE '^ *# *include *<[^>]+>' "$file" | grep -oE '<[^>]+>' | tr -d '<>'); do
       case "$file:$include" in
         *:zelmLib.h | *:zelmMeasure.h | measure/match/*:tbb/*) ;;
-        *:*.h | *:*/* | *:iostream | *:ostream | *:istream | *:fstream | *:sstream | *:filesystem | *:cstdio | *:format | *:print)
+        *:*.h | *:*/* | *:iostream | *:ostream | *:istream | \
+          *:fstream | *:sstream | *:filesystem | *:cstdio | *:format | *:print)
           echo "$file includes <$include>"
           failed=1
           ;;
@@ -90,7 +91,8 @@ check_measure_includes() {
 }
 check_measure_includes
 # shellcheck disable=SC2086
-refuse "printing or exits in the measuring library" '\b(printf|fprintf|puts|fputs|exit|abort) *\(|std::(cout|cerr|clog|print|format)\b|\bfmt::' $measure
+refuse "printing or exits in the measuring library" \
+  '\b(printf|fprintf|puts|fputs|exit|abort) *\(|std::(cout|cerr|clog|print|format)\b|\bfmt::' $measure
 
 trees=(src 3DLib measure render tests tools bench)
 duplicates=$(find "${trees[@]}" -name '*.cpp' -o -name '*.h' | xargs -n1 basename | sort | uniq -d)

@@ -3,8 +3,10 @@
 set -eu
 library=$1
 header=$2
-declared=$(grep -v '^#' "$header" | tr '\n' ' ' | grep -oE 'ZELM_API [^;(]*\(' | grep -oE '[A-Za-z0-9_]+ *\($' | tr -d ' (' | sort)
-exported=$(nm -D --defined-only "$library" | awk '{print $3}' | grep -vE '^(__asan|__ubsan|__sanitizer|_init|_fini)' | sort)
+declared=$(grep -v '^#' "$header" | tr '\n' ' ' | grep -oE 'ZELM_API [^;(]*\(' |
+  grep -oE '[A-Za-z0-9_]+ *\($' | tr -d ' (' | sort)
+exported=$(nm -D --defined-only "$library" | awk '{print $3}' |
+  grep -vE '^(__asan|__ubsan|__sanitizer|_init|_fini)' | sort)
 [ "$(echo "$declared" | wc -l)" -gt 20 ] || { echo "$header was not read"; exit 1; }
 if [ "$(echo "$declared" | uniq -d)" ]; then
   echo "declared twice: $(echo "$declared" | uniq -d)"

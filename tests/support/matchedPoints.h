@@ -95,8 +95,8 @@ inline std::vector<Point2d> gridOver(int width, int height, int step) {
     return pixels;
 }
 
-// Whether both images hold a whole window around the point of a left pixel: 11 pixels and the border of the fit, and some
-// more in the right one, where the window may be wider.
+// Whether both images hold a whole window around the point of a left pixel: 11 pixels and the border of the fit, and
+// some more in the right one, where the window may be wider.
 inline bool isSeen(const PlanePictures& pictures, Point2d pixel) {
     const auto isInner = [&](Point2d p, double margin) {
         return p.x >= margin && p.y >= margin && p.x <= pictures.rig.left.width - 1 - margin &&

@@ -122,8 +122,8 @@ struct PlanePictures {
     }
 };
 
-// A plane a little behind the plate of view 0, slanted by some 20 degrees, with waves of 8 pixels and more (7 in a parallel
-// camera of 3 pixels a unit).
+// A plane a little behind the plate of view 0, slanted by some 20 degrees, with waves of 8 pixels and more (7 in a
+// parallel camera of 3 pixels a unit).
 inline TexturedPlane slantedPlane() {
     return {poseOfVectors({0.2, 0.3, 0.0}, {0.0, 0.0, 4.0}), Waves(2.2)};
 }

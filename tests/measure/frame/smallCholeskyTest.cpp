@@ -13,8 +13,8 @@ namespace {
 using zelmtest::isClose;
 using zelmtest::Random;
 
-// B' B + shift, the upper triangle alone: positive definite for a positive shift. What is below the diagonal is not to be
-// read.
+// B' B + shift, the upper triangle alone: positive definite for a positive shift. What is below the diagonal is not to
+// be read.
 template <std::size_t n>
 Matrix<n> definiteMatrix(Random& random, double shift) {
     Matrix<n> B{};

@@ -62,8 +62,8 @@ TEST(MeasureMatch, DeviationsOfDepthAreAsLargeAsTheErrorsThatNoiseMakes) {
         }
     }
     ASSERT_GT(count, 200);
-    // Neighbouring windows share pixels, so a few hundred points tell the RMS to about a fifth; interpolation smooths the
-    // noise, which the expectation does not know.
+    // Neighbouring windows share pixels, so a few hundred points tell the RMS to about a fifth; interpolation smooths
+    // the noise, which the expectation does not know.
     const double rms = std::sqrt(squares / count);
     EXPECT_GE(rms, 0.5);
     EXPECT_LE(rms, 1.4);
@@ -135,9 +135,9 @@ TEST(MeasureMatch, RepeatedPatternsAreAmbiguous) {
 }
 
 TEST(MeasureMatch, AWayBackThatLeadsElsewhereIsInconsistent) {
-    // The left image shows a window twice: where it belongs, and, a little fainter and noisier, where the right camera's ray
-    // is seen that goes there, 30 units nearer. The fainter one is found in the right image at the place of the true one,
-    // which leads back to that.
+    // The left image shows a window twice: where it belongs, and, a little fainter and noisier, where the right
+    // camera's ray is seen that goes there, 30 units nearer. The fainter one is found in the right image at the place
+    // of the true one, which leads back to that.
     PlanePictures pictures(trueRig(240, 180), slantedPlane());
     const GrayPixels clean = pictures.left;
     const Point2d there{100.0, 90.0};

@@ -1,5 +1,5 @@
-// Surfaces fitted to rendered planes of known depth and slopes: bias, the deviation that is promised, and when nothing is
-// given.
+// Surfaces fitted to rendered planes of known depth and slopes: bias, the deviation that is promised, and when nothing
+// is given.
 #include <gtest/gtest.h>
 
 #include <array>

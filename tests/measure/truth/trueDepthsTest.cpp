@@ -16,7 +16,8 @@ constexpr double kUnit = 0.01;  // of the maps, plate units
 constexpr int kWidth = 200;
 constexpr int kHeight = 150;
 
-// Cameras without lenses, side by side and alike; the right one `apart` units to the right and `ahead` units farther on.
+// Cameras without lenses, side by side and alike; the right one `apart` units to the right and `ahead` units farther
+// on.
 RigTruth sideBySide(double apart, double ahead = 0.0) {
     RigTruth rig = trueRig(kWidth, kHeight);
     rig.left.k1 = rig.left.k2 = 0.0;
@@ -165,8 +166,8 @@ TEST(MeasureTrueDepths, WhatLiesBehindTheRightCameraIsNotSeenByIt) {
 }
 
 TEST(MeasureTrueDepths, LensesAreTakenIntoAccount) {
-    // Where a point of a wall is seen through a lens, its depth is the wall's; where the right camera sees it is told by
-    // the edge of its image.
+    // Where a point of a wall is seen through a lens, its depth is the wall's; where the right camera sees it is told
+    // by the edge of its image.
     RigTruth truth = sideBySide(40.0);
     truth.left.k1 = 0.3;
     truth.right.k1 = -0.3;

@@ -6,8 +6,8 @@
 #include <numbers>
 
 #include "isClose.h"
-#include "matrix3.h"
 #include "random.h"
+#include "space3.h"
 
 namespace zelm::measure {
 namespace {
