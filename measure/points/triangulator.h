@@ -44,13 +44,11 @@ private:
     };
     static View viewOf(const RigCamera& camera);
     static Vector3 rayTo(const View& view, const Point3d& X);
-    double reprojectionError(char side, const Point3d& X, const Point2d& pixel) const;
-    double epipolarDistance(const Point2d& leftPixel, const Point2d& rightPixel) const;
 
+    const Rig& rig;
     const Zelm2ViewCalib* calib;
     View left;
     View right;
-    Matrix3 fundamental;
 };
 
 }  // namespace zelm::measure

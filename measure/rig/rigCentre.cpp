@@ -2,6 +2,8 @@
 
 #include <optional>
 
+#include "meetingPoint.h"
+
 namespace zelm::measure {
 namespace {
 
@@ -41,7 +43,9 @@ RigCentre rigCentre(const Rig& rig) {
     Point3d X{};
     const std::int32_t status = zelm2ViewChange2Dto3D(rig.calib.get(), &left, &right, &X);
     requireMemory(status);
-    if (status == ZELM_OK) {
+    const Zelm2ViewCalib* const calib = rig.calib.get();
+    if (status == ZELM_OK && isMeetingPoint(rig, left, right, reprojectionError(calib, 'L', X, left),
+                                            reprojectionError(calib, 'R', X, right))) {
         if (const auto found = centreAt(rig, X, 0)) {
             return *found;
         }

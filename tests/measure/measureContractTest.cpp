@@ -250,8 +250,6 @@ TEST_F(MeasureContract, Correspondences) {
     matches.statuses = out.integers;
     matches.depths = out.numbers;
     std::int32_t* const any = out.integers + 7;
-    auto options = emptyRecord<ZelmMeasureMatchOptions>();
-    expectParam("defaults", zelmMeasureMatchDefaults(nullptr, &options));
     expectRecordRefused<ZelmMeasureMatchOptions>("defaults", [&](auto* r) { return zelmMeasureMatchDefaults(rig, r); });
     expectParam("rig", zelmMeasureMatch(nullptr, image, image, &sound.options, 1, p, &matches));
     expectParam("rig", zelmMeasureMatchDense(nullptr, image, image, &sound.options, &matches));

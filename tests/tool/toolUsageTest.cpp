@@ -35,8 +35,8 @@ TEST(ToolUsage, WrongUsageGivesTwo) {
     expectOneLine(zelm({"calibrat", "--plate", "p.json"}), 2, {"calibrat: no such", "did you mean calibrate?"});
     expectOneLine(zelm({"recitfy", "--help"}), 2, {"recitfy: no such", "did you mean rectify?"});
     expectOneLine(zelm({"Info", "a.zcal"}), 2, {"Info: no such", "did you mean info?"});
-    expectOneLine(zelm({"--helo"}), 2, {"--helo: no option", "--help"});
-    expectOneLine(zelm({"--json", "info", "a.zcal"}), 2, {"--json: no option", "behind"});
+    expectOneLine(zelm({"--helo"}), 2, {"--helo: not an option", "--help"});
+    expectOneLine(zelm({"--json", "info", "a.zcal"}), 2, {"--json: not an option", "after its name"});
     expectOneLine(zelm({"detect"}), 2, {"required", "--help"});
     expectOneLine(zelm({"info", "a.zcal", "--unknown"}), 2, {"--unknown"});
     expectOneLine(calibrate("a.png", "b.png", "out", {"--left-model", "3"}), 2, {"--left-model"});

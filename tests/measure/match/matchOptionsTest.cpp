@@ -46,6 +46,16 @@ TEST(MeasureMatchDefaults, OlderRecordsGetWhatTheyKnow) {
     EXPECT_EQ(o.reach, -7.0);
 }
 
+TEST(MeasureMatchDefaults, NoRigHasNoLimits) {
+    auto o = emptyRecord<ZelmMeasureMatchOptions>();
+    ASSERT_EQ(zelmMeasureMatchDefaults(nullptr, &o), ZELM_OK);
+    EXPECT_EQ(o.minScore, 0.8);
+    EXPECT_EQ(o.limits.leftMin, 0.0);
+    EXPECT_EQ(o.limits.rightMin, 0.0);
+    EXPECT_EQ(o.limits.leftMax, kInfinite);
+    EXPECT_EQ(o.limits.rightMax, kInfinite);
+}
+
 // A picture pair that need not be matched.
 struct Call {
     PlanePictures pictures{trueRig(240, 180), slantedPlane()};
@@ -73,7 +83,7 @@ TEST(MeasureMatchOptions, WhatCannotBeMeantIsRefused) {
         {"window", [](auto& o) { o.window = -21; }},
         {"window", [](auto& o) { o.window = 179; }},
         {"window", [](auto& o) { o.window = std::numeric_limits<std::int32_t>::max() - 1; }},
-        {"minScore", [](auto& o) { o.minScore = 0.0; }},
+        {"minScore", [](auto& o) { o.minScore = -0.01; }},
         {"minScore", [](auto& o) { o.minScore = 1.01; }},
         {"minScore", [](auto& o) { o.minScore = kNone; }},
         {"returnTolerance", [](auto& o) { o.returnTolerance = 0.0; }},

@@ -59,7 +59,7 @@ TEST(MeasureRelativePose, ParallelCamerasHaveNone) {
         auto pose = emptyRecord<ZelmMeasureRelativePose>();
         pose.baseline = -7.0;
         EXPECT_EQ(zelmMeasureRigRelativePose(rig.get(), &pose), ZELM_MEASURE_ERR_DATA);
-        EXPECT_EQ(rig.error(), "no baseline: a parallel projection has no centre");
+        EXPECT_EQ(rig.error(), "no baseline: a parallel camera has no centre");
         EXPECT_EQ(pose.baseline, -7.0);
     }
 }
