@@ -121,6 +121,12 @@ TEST(MeasureTriangulate, ErrorsTellHowFarThePixelsAreOff) {
     EXPECT_EQ(out.statuses[0], ZELM_MEASURE_POINT_OK);
     EXPECT_NEAR(out.errors[0], 1.0, 0.05);
     EXPECT_NEAR(out.errors[1], 1.0, 0.05);
+    const Point3d found{out.positions[0], out.positions[1], out.positions[2]};
+    const Point2d onLeft = truth.raw('L', found);
+    const Point2d onRight = truth.raw('R', found);
+    EXPECT_NEAR(out.errors[0], std::hypot(l.x - onLeft.x, l.y + 2.0 - onLeft.y), kExact);
+    EXPECT_NEAR(out.errors[1], std::hypot(r.x - onRight.x, r.y - onRight.y), kExact);
+    EXPECT_GT(std::fabs(out.errors[0] - out.errors[1]), 0.005);  // told apart
 }
 
 TEST(MeasureTriangulate, RaysThatMeetBehindACameraAreToldWithNumbers) {
