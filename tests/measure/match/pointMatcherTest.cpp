@@ -42,6 +42,11 @@ TEST(MeasureMatch, SlantedPlanesAreFoundByEveryMixOfCameras) {
             EXPECT_GT(m.deviations[i], 0.0);
             EXPECT_LE(m.deviations[i], 0.1);
             // The place found lies on the epipolar line.
+            const Point2d onLeft = pictures.rig.raw('L', found);
+            const Point2d onRight = pictures.rig.raw('R', found);
+            EXPECT_NEAR(m.errors[2 * i], std::hypot(pixels[i].x - onLeft.x, pixels[i].y - onLeft.y), 1e-8);
+            EXPECT_NEAR(m.errors[2 * i + 1], std::hypot(m.pixels[2 * i] - onRight.x, m.pixels[2 * i + 1] - onRight.y),
+                        1e-8);
             EXPECT_LE(m.errors[2 * i], 1e-3);
             EXPECT_LE(m.errors[2 * i + 1], 1e-3);
         }
