@@ -56,6 +56,25 @@ TEST(MeasureRigTilt, ScalesThatDifferAreATiltTakenForThem) {
     EXPECT_NEAR(tiltOf(rig), 20.0 * kDegree, 1e-12);
 }
 
+TEST(MeasureRigTilt, SkewedPixelsAreATiltTakenForThem) {
+    // The same of a plate that is tilted about a slanted axis: what the camera sees of its plane is split into a
+    // triangular matrix of scales and skew, and a turn in the plane.
+    const RigTruth tilted = tiltedRig(25.0, 33.0, 70.0);
+    const auto& R = tilted.leftPose.R;
+    const double a = tilted.left.fx * R[0];
+    const double b = tilted.left.fx * R[1];
+    const double c = tilted.left.fx * R[3];
+    const double d = tilted.left.fx * R[4];
+    const double length = std::hypot(c, d);
+    RigTruth skewed = tiltedRig(0.0, 0.0, 0.0);
+    skewed.leftPose.R = {d / length, -c / length, 0.0, c / length, d / length, 0.0, 0.0, 0.0, 1.0};
+    skewed.left.fx = (a * d - b * c) / length;
+    skewed.left.fy = length;
+    skewed.left.skew = (a * c + b * d) / length;
+    ASSERT_GT(std::fabs(skewed.left.skew), 0.1);
+    EXPECT_NEAR(tiltOf(skewed), 25.0 * kDegree, 1e-12);
+}
+
 TEST(MeasureRigTilt, PerspectiveCamerasHaveNone) {
     const OpenedRig rig(tiltedRig(10.0, 0.0, 0.0).block());
     double tilt = -7.0;
