@@ -256,7 +256,7 @@ TEST(MeasureTriangulate, TwoParallelCamerasAreRefused) {
     Outputs out(1);
     EXPECT_EQ(triangulate(rig, pairs, out), ZELM_MEASURE_ERR_DATA);
     EXPECT_EQ(rig.error(),
-              "both cameras are parallel projections, calibrated in view 0 alone: points cannot be triangulated");
+              "both cameras are parallel and calibrated from view 0 alone: points cannot be triangulated");
     EXPECT_EQ(out, Outputs(1));
 }
 
