@@ -24,10 +24,8 @@ int countMarkerSized(const DenseImage& image, const Pattern& plate) {
     if (blobs.empty()) {
         return 0;
     }
-    std::vector<double> areas;
-    for (const ZelmBlob& blob : blobs) {
-        areas.push_back(blob.area);
-    }
+    std::vector<double> areas(blobs.size());
+    std::transform(blobs.begin(), blobs.end(), areas.begin(), [](const ZelmBlob& blob) { return blob.area; });
     const double usual = median(areas);
     const double ratio = plate.d3 * plate.d3 / (plate.d2 * plate.d2);
     return static_cast<int>(std::count_if(areas.begin(), areas.end(), [&](double area) {

@@ -130,9 +130,12 @@ std::int32_t zelmMeasureDotCentres(const ZelmMeasureImage* image, std::int64_t c
                                    std::int32_t polarity, double* centres, std::int32_t* statuses) {
     return guarded(nullptr, [&] {
         checkImage(image);
-        require(count >= 0 && ((seeds != nullptr && centres != nullptr && statuses != nullptr) || count == 0),
-                "an array is NULL, or the number of dots negative");
+        require(count >= 0, "the number of dots is negative");
         require(polarity == 0 || polarity == 1, "the polarity is 0, dark, or 1, bright");
+        if (count == 0) {
+            return;
+        }
+        require(seeds != nullptr && centres != nullptr && statuses != nullptr, "an array is NULL");
         const DenseImage dense(*image);
         std::vector<std::optional<Point2d>> found(static_cast<std::size_t>(count));
         for (std::size_t i = 0; i < found.size(); ++i) {

@@ -167,10 +167,9 @@ private:
     }
 
     std::vector<Surface> surfacesOf(const std::vector<std::size_t>& near) const {
-        std::vector<Surface> surfaces;
-        for (const std::size_t k : near) {
-            surfaces.push_back(matches[k].fitted.surface);
-        }
+        std::vector<Surface> surfaces(near.size());
+        std::transform(near.begin(), near.end(), surfaces.begin(),
+                       [this](std::size_t k) { return matches[k].fitted.surface; });
         return surfaces;
     }
 

@@ -153,7 +153,11 @@ std::int32_t matchAll(ZelmMeasureRig* handle, const ZelmMeasureImage* left, cons
 }
 
 std::vector<Point2d> pointsOf(std::int64_t count, const double* pixels) {
-    require(count >= 0 && (pixels != nullptr || count == 0), "the pixels are NULL, or their number is negative");
+    require(count >= 0, "the number of pixels is negative");
+    if (count == 0) {
+        return {};
+    }
+    require(pixels != nullptr, "the pixels are NULL");
     std::vector<Point2d> points(static_cast<std::size_t>(count));
     for (std::size_t i = 0; i < points.size(); ++i) {
         points[i] = {pixels[2 * i], pixels[2 * i + 1]};
