@@ -141,10 +141,8 @@ ZELM_API int32_t zelmCalibUnDistortPoint(const ZelmCameraIntrinsics* tCam, doubl
 /// From vector to matrix: R = cos(a) I + (1 - cos(a)) u u^T + sin(a) [u]x; shorter vectors than 1e-15 give the
 /// identity. From matrix to vector: the axis is the null direction of R - I, found by singular value decomposition; the
 /// angle atan2(u . w, trace(R) - 1) with w = (R21 - R12, R02 - R20, R10 - R01) lies in [-pi, pi], its sign going with
-/// the axis. For a rotation stored in doubles the vector is right to about 3e-15 radian at every angle: near 0, where
-/// the axis is known less and less well, near pi, where the antisymmetric part vanishes, and between. At pi itself both
-/// signs of the axis are right, and either may be returned. For a matrix that is not finite, which has no
-/// decomposition, a closed form by acos takes over, and the result means nothing.
+/// the axis. The vector is right to about 3e-15 radian at every angle; at pi either sign may come
+/// (`docs/decisions.md#half-turn-sign`). A matrix that is not finite gives a vector that means nothing.
 /// @param iDirection [in] 0: vector to matrix; 1: matrix to vector
 /// @param daRvec 3 doubles; [in] for direction 0, [out] for direction 1
 /// @param daRmat 9 doubles, row-major; [in] for direction 1, [out] for direction 0
@@ -174,31 +172,13 @@ ZELM_API int32_t zelmCalibRodrigues(int32_t iDirection, double* daRvec, double* 
 ///    per square and fourth power of the plate unit. gamma is what rounding and noise leave of a shear, about 0. A
 ///    mirrored image gives one negative scale.
 ///
-/// Model 2, from its only view. Preset in tIntrinsics: alpha and beta, the plane distances of two reference dots, which
-/// must be at (alpha, 0) and (0, beta) beside the one at (0, 0), to 1e-5 plate units; cx and cy, the principal point,
-/// about which the distortion is measured. One view under parallel projection does not tell:
-///  - the principal point from the translation: cx and cy stay as preset;
-///  - the depth: t[2] is 1, whatever the truth; it moves no image point;
-///  - a tilt along an image axis from the ratio of the scales: the scales take it. The tilt is the least one that
-///    explains the shear of the image, so a plate tilted about an image axis counts as seen head-on with a smaller
-///    scale, and noise alone looks like a tilt of a few tenths of a degree;
-///  - a tilt from its mirror image: the x axis of the plate points away from the camera.
-/// The plate may have any roll and tilts of up to 15 degrees; the dots are reproduced to the noise. Distortion makes
-/// the true ratio of the scales matter a little: at 15 degrees about an image axis some 2 % of the distortion remain.
-/// A pair of parallel cameras has its viewing directions from this tilt alone: turn the plate so that each camera sees
-/// it tilted across, not along, its image axes.
+/// Model 2 is estimated from its only view. Preset in tIntrinsics: alpha and beta, the plane distances of two reference
+/// dots, which must be at (alpha, 0) and (0, beta) beside the one at (0, 0), to 1e-5 plate units; cx and cy, the
+/// principal point. What one view cannot tell stands in `docs/limits.md`, Camera estimation.
 ///
-/// Robust weighting. With dRobustThreshold > 0 dots are weighted by Tukey's biweight, (1 - e^2 / c^2)^2 for distances e
-/// within the cut-off c = dRobustThreshold * 1.4826 * median(e), else 0. The cut-off is taken anew at each accepted
-/// step; a step is accepted when it lowers the sum of Tukey's loss at the cut-off before it, because two sums at
-/// different cut-offs tell more of the cut-offs than of the fit. The homographies are not weighted. Plain least squares
-/// comes first and gives the weighting its start: the closed form knows no lens, and judged by it a view that fills
-/// more of the image than the others could be dropped as a whole.
-///
-/// Convergence: damping 0.001 at first, times 0.1 on a lower cost, else times 10 and the step undone; done when the
-/// cost changes by at most 1e-8 of itself, or each parameter by at most 1e-4 of its signed value or by 1e-6, in
-/// normalised units. Under model 2 the refinement holds the tilt; it runs again, at most five times, after the shear
-/// that it found has been read as a tilt.
+/// With dRobustThreshold > 0 dots are weighted by Tukey's biweight, (1 - e^2 / c^2)^2 for distances e within the
+/// cut-off c = dRobustThreshold * 1.4826 * median(e), else 0; plain least squares comes first. Damping, stopping rules
+/// and the cut-off from step to step: `docs/limits.md`, Camera estimation.
 ///
 /// @param iViews [in] number of views: at least 3 for models 0 and 1, exactly 1 for model 2
 /// @param taViews [in] iViews entries of at least 4 dots each, the plate coordinates in any unit, the image in pixels

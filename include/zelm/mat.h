@@ -190,10 +190,8 @@ ZELM_API int32_t zelmMatCholeskyDecomp(int32_t iN, const double* daA, double* da
 /// The singular value decomposition A = U * diag(w) * V of a tall or square matrix.
 ///
 /// Householder bidiagonalisation and implicitly shifted QR steps (Golub and Reinsch, 1970), whose formulas also set the
-/// signs of the vectors. Relative residual and orthogonality stay below 1e-13 for every class of matrix tried (random,
-/// graded, Hilbert, nearly singular, repeated and clustered values, to 12 x 12, and 2000 x 6), and for any scale from
-/// 2^-960 to 2^1000: matrices whose largest entry is beyond 2^-400 or 2^400 are multiplied by a power of two first.
-/// Time O(m n^2).
+/// signs of the vectors. Relative residual and orthogonality stay below 1e-13, at any scale from 2^-960 to 2^1000;
+/// `docs/limits.md`, Decompositions, says of which matrices. Time O(m n^2).
 /// @param iM  [in]  rows, at least iN
 /// @param iN  [in]  columns
 /// @param daA [in]  iM x iN, unchanged
@@ -201,11 +199,9 @@ ZELM_API int32_t zelmMatCholeskyDecomp(int32_t iN, const double* daA, double* da
 /// @param daW [out] iN singular values, none negative, descending; or NULL
 /// @param daV [out] iN x iN, row j is the right singular vector of value j (textbooks call this V^T); or NULL
 /// @return ZELM_OK, at once if all outputs are NULL; ZELM_ERR_SVD_FAILED with nothing written if iM < iN;
-///         ZELM_ERR_SVD_FAILED with partly written outputs if a value needs more than 29 QR steps (unless what is left
-///         is a rounding or two of the norm, where tied values can stall), or if an entry of A or a value is not
-///     finite;
-///         ZELM_ERR_MEMORY, the outputs then either untouched or, if only the sort lacked memory, holding the unsorted
-///         decomposition
+///         ZELM_ERR_SVD_FAILED with partly written outputs if a value needs more than 29 QR steps
+///         (`docs/decisions.md#svd-pass-30`), or if an entry of A or a value is not finite; ZELM_ERR_MEMORY, the
+///         outputs then either untouched or, if only the sort lacked memory, holding the unsorted decomposition
 ZELM_API int32_t zelmMatSVD(int32_t iM, int32_t iN, const double* daA, double* daU, double* daW, double* daV);
 
 /// Solves A * x = b in the least-squares sense through zelmMatSVD; of all solutions the one of least norm.
@@ -225,16 +221,9 @@ ZELM_API int32_t zelmMatSolveSVD(int32_t iM, int32_t iN, const double* daA, cons
 /// Cyclic Jacobi rotations (Jacobi, 1846; rotation formulas of Rutishauser, 1966). With S the sum of squares of the
 /// upper triangle, the diagonal's halved, sweeps end before a sweep when the off-diagonal squares sum to less than
 /// 1e-32 * S, and after a sweep that started below 1e-16 * S. The zero matrix meets neither and ends in
-/// ZELM_ERR_EIGEN_NOT_CONVERGED: it has no axes. Every other diagonal matrix of a norm above 1e-145 is sorted as it is.
-///
-/// Accuracy: rows of V are orthonormal to 1e-13. The residual |A - V^T diag V| / |A| (Frobenius) stays below 1e-13
-/// where eigenvalues are apart by more than 1e-3 of the largest or all coincide, and for random, Hilbert and normal
-/// matrices. Where some coincide or cluster (also a graded spectrum's small values), the last sweep need not converge
-/// quadratically; the residual is then bounded by 1e-8, the worst found being 6e-9. zelmMatSVD has no such weakness.
-///
-/// Scale: off-diagonal entries of magnitude below 1e-20 are never rotated. Matrices of Frobenius norm above 1e-11 are
-/// not affected (to 10 x 10); one of smaller norm may end in ZELM_ERR_EIGEN_NOT_CONVERGED and should be scaled up
-/// first.
+/// ZELM_ERR_EIGEN_NOT_CONVERGED (`docs/decisions.md#zero-matrix`). Every other diagonal matrix of a norm above 1e-145
+/// is sorted as it is. Rows of V are orthonormal to 1e-13, the relative residual is at most 1e-8 and as a rule below
+/// 1e-13; scale matrices of a norm below 1e-11 up first. `docs/limits.md`, Decompositions, has the figures.
 /// @param iN        [in]  rows and columns
 /// @param daA       [in]  iN x iN; only the upper triangle with the diagonal is read; unchanged
 /// @param daValues  [out] iN eigenvalues, descending; or NULL

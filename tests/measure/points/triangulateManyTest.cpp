@@ -255,8 +255,7 @@ TEST(MeasureTriangulate, TwoParallelCamerasAreRefused) {
     pairs.add({100.0, 100.0}, {100.0, 100.0});
     Outputs out(1);
     EXPECT_EQ(triangulate(rig, pairs, out), ZELM_MEASURE_ERR_DATA);
-    EXPECT_EQ(rig.error(),
-              "both cameras are parallel and calibrated from view 0 alone: points cannot be triangulated");
+    EXPECT_EQ(rig.error(), "both cameras are parallel and calibrated from view 0 alone: points cannot be triangulated");
     EXPECT_EQ(out, Outputs(1));
 }
 
