@@ -10,8 +10,6 @@
 
 namespace {
 
-constexpr double kGuard = 7.25;
-
 TEST(MatStorage, VectorCanBeWrittenAndFreed) {
     double* const v = zelmMatMallocVector(3);
     ASSERT_NE(v, nullptr);
