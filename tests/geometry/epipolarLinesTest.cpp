@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <limits>
 
+#include "epipolarRounding.h"
 #include "pairFixture.h"
 #include "zelm/twoViewGeometry.h"
 
@@ -47,18 +48,10 @@ TEST(TwoViewCalcEpiLine, ARefusedCameraStillClearsTheEndPoints) {
     EXPECT_EQ(line.c, 3.0);
 }
 
-// F is stored with its largest element about 1 and made of rank 2 through a decomposition, which rounds every element
-// at epsilon whatever its own size. An element's rounding moves the line at the point by epsilon |x| |x'| / |(a, b)|;
-// nine of them, one or two ulp each.
 double roundingOf(const Handle& handle, char name, const Point2d& point, const Point2d& other) {
     double F[18];
     EXPECT_EQ(zelm2ViewGetCamFndMat(handle.get(), F), ZELM_OK);
-    const double* const rows = name == 'L' ? F : F + 9;
-    const double a = rows[0] * other.x + rows[1] * other.y + rows[2];
-    const double b = rows[3] * other.x + rows[4] * other.y + rows[5];
-    const double sums =
-        (std::fabs(point.x) + std::fabs(point.y) + 1.0) * (std::fabs(other.x) + std::fabs(other.y) + 1.0);
-    return 16.0 * std::numeric_limits<double>::epsilon() * sums / std::hypot(a, b);
+    return epipolarRounding(name == 'L' ? F : F + 9, point, other);
 }
 
 TEST(TwoViewCalcEpiLine, PassesThroughTheTrueCorrespondence) {
