@@ -5,14 +5,14 @@
 namespace zelm::measure {
 namespace {
 
-constexpr double kSmallestCell = 4.0;  // pixels: so that a small reach makes no more cells than there are pixels
+constexpr double kMinCellSide = 4.0;  // pixels: so that a small reach makes no more cells than there are pixels
 
 }  // namespace
 
 Neighbours::Neighbours(const std::vector<Point2d>& allPoints, int width, int height, double farthest)
     : points(allPoints),
       reach(farthest),
-      cellSide(std::max(farthest, kSmallestCell)),
+      cellSide(std::max(farthest, kMinCellSide)),
       columns(static_cast<std::size_t>(width / cellSide) + 1),
       rows(static_cast<std::size_t>(height / cellSide) + 1) {
     // Sorted by cell, by counting.
