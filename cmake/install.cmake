@@ -14,6 +14,7 @@ if(TARGET zelmMeasure)
   install(TARGETS zelmMeasure EXPORT zelmLibTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
   install(TARGETS zelmMeasureStatic EXPORT zelmLibTargets ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
   install(FILES include/zelmMeasure.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
+  install(DIRECTORY include/zelmMeasure DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 endif()
 if(TARGET zelm)
   install(TARGETS zelm RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
@@ -21,9 +22,9 @@ endif()
 
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/zelmLib)
 install(EXPORT zelmLibTargets NAMESPACE zelm:: DESTINATION ${package_dir})
-# The static measuring library alone needs its thread library at a user's link.
+# The static measuring library alone needs its thread library and solver at a user's link.
 file(WRITE ${PROJECT_BINARY_DIR}/zelmLibConfig.cmake
-  "find_package(TBB QUIET)\ninclude(\${CMAKE_CURRENT_LIST_DIR}/zelmLibTargets.cmake)\n")
+  "find_package(TBB QUIET)\nfind_package(Ceres QUIET)\ninclude(\${CMAKE_CURRENT_LIST_DIR}/zelmLibTargets.cmake)\n")
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/zelmLibConfigVersion.cmake COMPATIBILITY SameMajorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/zelmLibConfig.cmake ${PROJECT_BINARY_DIR}/zelmLibConfigVersion.cmake
   DESTINATION ${package_dir})

@@ -1,6 +1,6 @@
 # Debian 12 packages that each job needs; sourced by ./demo and ./check.
 build_packages=(cmake ninja-build gcc g++ pkg-config)
-measure_packages=(libtbb-dev)
+measure_packages=(libtbb-dev libceres-dev)
 tool_packages=(libcli11-dev nlohmann-json3-dev libfmt-dev libgraphicsmagick1-dev libcairo2-dev)
 test_packages=(libgtest-dev binutils)
 clang_packages=(clang libclang-rt-14-dev)

@@ -2,7 +2,7 @@
 # Every exported function is named by a test program, beside its fault case and the digest: none is left unproven.
 set -eu
 source_dir=$1
-functions=$(cat "$source_dir"/include/zelm/*.h "$source_dir"/include/zelmMeasure.h | grep -v '^#' |
+functions=$(cat "$source_dir"/include/zelm/*.h "$source_dir"/include/zelmMeasure/*.h | grep -v '^#' |
   tr '\n' ' ' | grep -oE 'ZELM_API [^;(]*\(' |
   grep -oE '[A-Za-z0-9_]+ *\($' | tr -d ' (' | sort -u)
 tests=$(find "$source_dir/tests" -name '*Test.cpp' | sort)

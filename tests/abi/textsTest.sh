@@ -44,5 +44,5 @@ perl -0777 -e '
   }
   print "$functions functions\n";
   exit($wrong || $functions < 100);
-' include/zelm/*.h include/zelmMeasure.h || failed=1
+' include/zelm/*.h include/zelmMeasure/*.h include/zelmMeasure.h || failed=1
 exit $failed

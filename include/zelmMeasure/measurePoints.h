@@ -1,0 +1,54 @@
+/// @file
+/// Points of space from pairs of pixels, with figures that tell how good they are.
+#ifndef ZELM_MEASURE_API_POINTS_H
+#define ZELM_MEASURE_API_POINTS_H
+
+#include "zelmMeasure/measureBase.h"
+
+ZELM_BEGIN_DECLS
+
+/// What became of a pair of pixels.
+enum ZelmMeasurePointStatus {
+    ZELM_MEASURE_POINT_OK = 0,
+    ZELM_MEASURE_POINT_BEHIND = 1,      ///< the rays meet behind a camera: a wrong pair. The only failure with numbers.
+    ZELM_MEASURE_POINT_DISTORTION = 2,  ///< a pixel is too far outside for the lens distortion to be removed
+    ZELM_MEASURE_POINT_PARALLEL = 3,    ///< the rays do not meet
+};
+
+/// Points of space, in arrays of the caller's with room for all pairs.
+typedef struct ZelmMeasurePoints {
+    int32_t size;       ///< of this record, bytes
+    int32_t reserved;   ///< 0
+    int32_t* statuses;  ///< ZelmMeasurePointStatus, one a pair; or NULL
+    double* positions;  ///< 3 a pair: in the frame of the plate of view 0, plate units; or NULL
+    double* errors;     ///< 2 a pair: pixels from the left and the right pixel to the point's projection; or NULL
+    double* angles;     ///< 1 a pair: between the two rays at the point, radians; or NULL
+} ZelmMeasurePoints;
+
+/// Triangulates pairs of raw pixels, with the optimal correction of zelm2ViewChange2Dto3D(). What a pair without
+/// numbers would have written is not.
+/// @param rig [in] the rig
+/// @param count [in] of pairs
+/// @param left [in] raw pixels, 2 a pair
+/// @param right [in] raw pixels, 2 a pair
+/// @param points [in] the arrays that are written
+/// @return ZELM_OK; ZELM_ERR_PARAM; ZELM_ERR_MEMORY; ZELM_MEASURE_ERR_DATA for two parallel cameras, whose rays cannot
+///     be brought together
+ZELM_API int32_t zelmMeasureTriangulate(ZelmMeasureRig* rig, int64_t count, const double* left, const double* right,
+                                        const ZelmMeasurePoints* points);
+
+/// The true depths of the pixels of a rendered scene, and whether the right camera sees them too.
+/// @param rig [in] of two perspective cameras
+/// @param map [in] depths along the left camera's axis, a pixel each of its raw image, in `unit`s; 0: nothing there
+/// @param unit [in] of the map, in plate units
+/// @param count [in] of pixels
+/// @param pixels [in] of the left image, 2 each
+/// @param depths [out] plate units, mixed from the four pixels around; NaN where there is no surface, or an edge of one
+/// @param seenByBoth [out] 1 or 0 each; or NULL
+/// @return ZELM_OK; ZELM_ERR_PARAM; ZELM_ERR_MEMORY; ZELM_MEASURE_ERR_DATA for a rig with a parallel camera
+ZELM_API int32_t zelmMeasureTrueDepths(ZelmMeasureRig* rig, const uint16_t* map, double unit, int64_t count,
+                                       const double* pixels, double* depths, int32_t* seenByBoth);
+
+ZELM_END_DECLS
+
+#endif
