@@ -7,9 +7,11 @@
 #include <array>
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <span>
 #include <vector>
 
+#include "calibrationCovariance.h"
 #include "fault.h"
 #include "space3.h"
 
@@ -47,6 +49,7 @@ struct Rig {
     RigCamera right;
     std::array<double, 9> fundamental{};  // x_left' F x_right = 0, undistorted pixels
     CalibPtr calib;
+    std::optional<CalibrationCovariance> covariance;  // of a rig that was adjusted
 
     // 'L' or 'R'.
     const RigCamera& camera(char side) const { return side == 'L' ? left : right; }
