@@ -1,0 +1,362 @@
+#include "adjuster.h"
+
+#include <ceres/ceres.h>
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+#include <string>
+
+#include "dotResidual.h"
+#include "fault.h"
+
+namespace zelm::measure {
+namespace {
+
+constexpr double kFirstNoise = 0.05;         // pixels; before the residuals tell
+constexpr double kLeastNoise = 1e-6;         // pixels; perfect data have some rounding
+constexpr double kHuber = 2.0;               // standard deviations
+constexpr double kOutlier = 5.0;             // standard deviations; one dot in 270,000 by chance
+constexpr double kMovedView = 4.0;           // times the median of the views' residuals
+constexpr double kMovedPixels = 0.02;        // a view's residual that is nobody's concern
+constexpr int kMaxRounds = 8;                // of weights and outliers
+constexpr double kSettledNoise = 0.01;       // relative change
+constexpr double kRayleighMedian = 1.17741;  // median length of a plane normal vector, standard deviations
+constexpr std::size_t kMinViews = 3;
+constexpr std::size_t kMinDots = 6;  // of an image: a homography takes four
+
+class Adjuster {
+public:
+    Adjuster(AdjustState& s, std::vector<AdjustView>& v, const AdjustOptions& o) : state(s), views(v), options(o) {}
+
+    AdjustSummary run();
+
+private:
+    void checkViews() const;
+    void solve(bool robust, double tolerance);
+    void predict();
+    void dropOutliers();
+    bool dropMovedView();
+    bool estimateNoise(bool robust);
+    double noiseOf(Side side, double freedom, bool robust) const;
+    std::size_t countUsed(Side side) const;
+    std::size_t countParameters() const;
+    void fillFigures();
+
+    template <class Work>
+    void forEachDot(Work work) {
+        for (std::size_t view = 0; view < views.size(); ++view) {
+            for (const Side side : {kLeft, kRight}) {
+                for (DotObservation& dot : views[view].dots[side]) {
+                    work(side, view, dot);
+                }
+            }
+        }
+    }
+    std::array<double, kSides> rmsOfUsed();
+
+    AdjustState& state;
+    std::vector<AdjustView>& views;
+    const AdjustOptions& options;
+    std::array<double, kSides> noise{kFirstNoise, kFirstNoise};
+    AdjustSummary summary;
+};
+
+double normalisedSquare(const DotObservation& dot, double noise) {
+    const auto W = weightOf(covarianceOf(dot, noise));
+    const double a = W[0] * dot.residual.x + W[1] * dot.residual.y;
+    const double b = W[2] * dot.residual.y;
+    return a * a + b * b;
+}
+
+bool isUsed(const DotObservation& dot) {
+    return dot.fate == DotFate::used;
+}
+
+void Adjuster::checkViews() const {
+    std::size_t used = 0;
+    for (const AdjustView& view : views) {
+        used += view.leftOut.empty() && (!view.dots[kLeft].empty() || !view.dots[kRight].empty()) ? 1U : 0U;
+    }
+    if (used < kMinViews) {
+        refuse("only " + std::to_string(used) + " views can be adjusted: take at least " + std::to_string(kMinViews));
+    }
+    if (countUsed(kLeft) < kMinDots * kMinViews && countUsed(kRight) < kMinDots * kMinViews) {
+        refuse("too few dots to adjust: take images that show more of the plate");
+    }
+}
+
+void Adjuster::solve(bool robust, double tolerance) {
+    ceres::Problem::Options problemOptions;
+    problemOptions.enable_fast_removal = false;
+    problemOptions.loss_function_ownership = ceres::DO_NOT_TAKE_OWNERSHIP;
+    problemOptions.disable_all_safety_checks = true;
+    ceres::HuberLoss huber(kHuber);
+    ceres::Problem problem(problemOptions);
+    ceres::ParameterBlockOrdering* const order = new ceres::ParameterBlockOrdering;
+    ceres::Solver::Options solver;
+    solver.linear_solver_ordering.reset(order);
+
+    forEachDot([&](Side side, std::size_t view, DotObservation& dot) {
+        if (!isUsed(dot)) {
+            return;
+        }
+        std::vector<double*> blocks{state.cameras[side].p.data(), state.poses[view].data()};
+        if (side != state.base) {
+            blocks.push_back(state.relative.data());
+        }
+        if (options.estimateFactors) {
+            blocks.push_back(&state.factors[dot.kind]);
+        }
+        if (options.estimateBow) {
+            blocks.push_back(state.bow.b.data());
+        }
+        auto residual =
+            std::make_unique<DotResidual>(state, options, side, view, dot, weightOf(covarianceOf(dot, noise[side])));
+        problem.AddResidualBlock(residual.release(), robust ? &huber : nullptr, blocks);
+    });
+    const auto shared = [&](double* block) {
+        if (problem.HasParameterBlock(block)) {
+            order->AddElementToGroup(block, 1);
+        }
+    };
+    for (const Side side : {kLeft, kRight}) {
+        double* const camera = state.cameras[side].p.data();
+        shared(camera);
+        if (problem.HasParameterBlock(camera)) {
+            problem.SetManifold(camera, new FreeDirections(kCameraParameters, freeOfCamera(state, options, side)));
+        }
+    }
+    shared(state.relative.data());
+    if (problem.HasParameterBlock(state.relative.data())) {
+        problem.SetManifold(state.relative.data(), new FreeDirections(6, freeOfRelative(state)));
+    }
+    shared(&state.factors[kPlainDot]);
+    shared(&state.factors[kMarkerDot]);
+    shared(state.bow.b.data());
+    for (MotionParameters& pose : state.poses) {
+        if (problem.HasParameterBlock(pose.data())) {
+            order->AddElementToGroup(pose.data(), 0);
+        }
+    }
+    solver.linear_solver_type = ceres::DENSE_SCHUR;
+    solver.max_num_iterations = 100;
+    solver.function_tolerance = tolerance;
+    solver.gradient_tolerance = 0.0;
+    solver.parameter_tolerance = tolerance;
+    solver.num_threads = 1;
+    solver.logging_type = ceres::SILENT;
+    ceres::Solver::Summary result;
+    ceres::Solve(solver, &problem, &result);
+    summary.iterations += result.num_successful_steps + result.num_unsuccessful_steps;
+    if (!result.IsSolutionUsable()) {
+        refuse("the adjustment does not converge: check that all views show the same plate with the same lens setting");
+    }
+}
+
+void Adjuster::predict() {
+    forEachDot([&](Side side, std::size_t view, DotObservation& dot) {
+        const ImageParameters image = imageParameters(state, side, view, dot.kind);
+        const Point2d centre = dotOutline(image.camera, circleOf(image, dot.place, dot.radius)).centre;
+        dot.residual = {dot.pixel.x - centre.x, dot.pixel.y - centre.y};
+    });
+}
+
+void Adjuster::dropOutliers() {
+    forEachDot([&](Side side, std::size_t, DotObservation& dot) {
+        if (dot.fate == DotFate::viewLeftOut) {
+            return;
+        }
+        const bool fits = normalisedSquare(dot, noise[side]) <= kOutlier * kOutlier;
+        dot.fate = fits ? DotFate::used : DotFate::outlier;
+    });
+}
+
+// A view whose dots agree with none of the others in size: one at a time, the worst.
+bool Adjuster::dropMovedView() {
+    std::vector<double> rms(views.size(), 0.0);
+    std::vector<double> seen;
+    for (std::size_t i = 0; i < views.size(); ++i) {
+        double squares = 0.0;
+        std::size_t count = 0;
+        for (const auto& list : views[i].dots) {
+            for (const DotObservation& dot : list) {
+                if (dot.fate != DotFate::viewLeftOut) {
+                    squares += dot.residual.x * dot.residual.x + dot.residual.y * dot.residual.y;
+                    ++count;
+                }
+            }
+        }
+        if (count > 0) {
+            rms[i] = std::sqrt(squares / (2.0 * static_cast<double>(count)));
+            seen.push_back(rms[i]);
+        }
+    }
+    std::nth_element(seen.begin(), seen.begin() + static_cast<std::ptrdiff_t>(seen.size() / 2), seen.end());
+    const double median = seen[seen.size() / 2];
+    const auto worst = std::max_element(rms.begin(), rms.end());
+    if (seen.size() <= kMinViews || *worst <= kMovedView * median || *worst <= kMovedPixels) {
+        return false;
+    }
+    AdjustView& view = views[static_cast<std::size_t>(worst - rms.begin())];
+    const auto text = [](double pixels) {
+        const auto thousandths = static_cast<long>(std::lround(std::min(pixels, 1e6) * 1000.0));
+        const std::string digits = std::to_string(1000 + thousandths % 1000);
+        return std::to_string(thousandths / 1000) + "." + digits.substr(1);
+    };
+    view.leftOut = "its dots are " + text(*worst) + " px from where the other views put them, usual is " +
+                   text(median) + " px: was the plate or a camera moved between its two images?";
+    for (auto& list : view.dots) {
+        for (DotObservation& dot : list) {
+            dot.fate = DotFate::viewLeftOut;
+        }
+    }
+    return true;
+}
+
+double Adjuster::noiseOf(Side side, double freedom, bool robust) const {
+    std::vector<const DotObservation*> dots;
+    for (const AdjustView& view : views) {
+        for (const DotObservation& dot : view.dots[side]) {
+            if (isUsed(dot)) {
+                dots.push_back(&dot);
+            }
+        }
+    }
+    if (dots.empty()) {
+        return noise[side];
+    }
+    // The noise that makes the weighted residuals what they ought to be: their median, or their sum of squares.
+    const auto excess = [&](double candidate) {
+        std::vector<double> squares;
+        squares.reserve(dots.size());
+        double total = 0.0;
+        for (const DotObservation* dot : dots) {
+            squares.push_back(normalisedSquare(*dot, candidate));
+            total += squares.back();
+        }
+        if (!robust) {
+            return total / (freedom * static_cast<double>(dots.size())) - 1.0;
+        }
+        const auto middle = squares.begin() + static_cast<std::ptrdiff_t>(squares.size() / 2);
+        std::nth_element(squares.begin(), middle, squares.end());
+        return *middle / (kRayleighMedian * kRayleighMedian) - 1.0;
+    };
+    double low = kLeastNoise;
+    double high = 100.0;
+    if (excess(low) <= 0.0) {
+        return low;
+    }
+    while (high > low * (1.0 + 1e-4)) {
+        const double middle = std::sqrt(low * high);
+        (excess(middle) > 0.0 ? low : high) = middle;
+    }
+    return high;
+}
+
+// Whether the noise has settled.
+bool Adjuster::estimateNoise(bool robust) {
+    if (options.knownNoise > 0.0) {
+        noise = {options.knownNoise, options.knownNoise};
+        return true;
+    }
+    const auto total = static_cast<double>(countUsed(kLeft) + countUsed(kRight));
+    const double perDot = (2.0 * total - static_cast<double>(countParameters())) / total;
+    bool settled = true;
+    for (const Side side : {kLeft, kRight}) {
+        const double next = noiseOf(side, perDot, robust);
+        settled = settled && std::fabs(next - noise[side]) <= kSettledNoise * noise[side];
+        noise[side] = next;
+    }
+    return settled;
+}
+
+std::size_t Adjuster::countUsed(Side side) const {
+    std::size_t count = 0;
+    for (const AdjustView& view : views) {
+        count += static_cast<std::size_t>(std::count_if(view.dots[side].begin(), view.dots[side].end(), isUsed));
+    }
+    return count;
+}
+
+std::size_t Adjuster::countParameters() const {
+    std::size_t count = 0;
+    for (const Side side : {kLeft, kRight}) {
+        count += countUsed(side) > 0 ? freeOfCamera(state, options, side).size() : 0;
+    }
+    count += countUsed(state.other()) > 0 ? freeOfRelative(state).size() : 0;
+    for (const AdjustView& view : views) {
+        const auto any = [](const auto& list) { return std::any_of(list.begin(), list.end(), isUsed); };
+        count += any(view.dots[kLeft]) || any(view.dots[kRight]) ? 6U : 0U;
+    }
+    return count + (options.estimateFactors ? 2U : 0U) + (options.estimateBow ? 3U : 0U);
+}
+
+std::array<double, kSides> Adjuster::rmsOfUsed() {
+    predict();
+    std::array<double, kSides> squares{};
+    std::array<double, kSides> counts{};
+    forEachDot([&](Side side, std::size_t, const DotObservation& dot) {
+        if (isUsed(dot)) {
+            squares[side] += dot.residual.x * dot.residual.x + dot.residual.y * dot.residual.y;
+            counts[side] += 2.0;
+        }
+    });
+    const auto rms = [&](Side side) { return counts[side] > 0.0 ? std::sqrt(squares[side] / counts[side]) : 0.0; };
+    return {rms(kLeft), rms(kRight)};
+}
+
+void Adjuster::fillFigures() {
+    summary.rms = rmsOfUsed();
+    summary.noise = noise;
+    summary.parameters = countParameters();
+    forEachDot([&](Side side, std::size_t, const DotObservation& dot) {
+        summary.observations += isUsed(dot) ? 1U : 0U;
+        summary.outliers += dot.fate == DotFate::outlier ? 1U : 0U;
+        summary.chiSquare += isUsed(dot) ? normalisedSquare(dot, noise[side]) : 0.0;
+    });
+    for (const AdjustView& view : views) {
+        summary.viewsLeftOut += view.leftOut.empty() ? 0U : 1U;
+    }
+    summary.freedom = 2.0 * static_cast<double>(summary.observations) - static_cast<double>(summary.parameters);
+}
+
+AdjustSummary Adjuster::run() {
+    checkViews();
+    const AdjustState start = state;
+    bool robust = true;
+    for (int round = 0; round < kMaxRounds; ++round) {
+        solve(robust, robust ? 1e-6 : 1e-12);
+        predict();
+        const bool moved = dropMovedView();
+        const bool settled = estimateNoise(robust);
+        const std::size_t before = countUsed(kLeft) + countUsed(kRight);
+        dropOutliers();
+        const bool same = countUsed(kLeft) + countUsed(kRight) == before;
+        if (!robust && settled && same && !moved) {
+            break;
+        }
+        robust = moved || (robust && round == 0 && !same);
+        checkViews();
+    }
+    const AdjustState found = state;
+    state = start;
+    const auto rmsBefore = rmsOfUsed();
+    state = found;
+    fillFigures();
+    summary.rmsBefore = rmsBefore;
+    return summary;
+}
+
+}  // namespace
+
+std::array<double, 3> covarianceOf(const DotObservation& dot, double noise) {
+    const auto& [xx, xy, yy] = dot.covariance;
+    return {xx + noise * noise, xy, yy + noise * noise};
+}
+
+AdjustSummary adjust(AdjustState& state, std::vector<AdjustView>& views, const AdjustOptions& options) {
+    return Adjuster(state, views, options).run();
+}
+
+}  // namespace zelm::measure
