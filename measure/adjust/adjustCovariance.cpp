@@ -52,7 +52,7 @@ void addDot(const AdjustState& state, Side side, std::size_t view, const DotObse
         if (side != state.base) {
             put(kSharedRelative, model.byRelative[row]);
         }
-        put(kSharedFactors + dot.kind, model.byFactor[row]);
+        put(static_cast<std::size_t>(kSharedFactors) + dot.kind, model.byFactor[row]);
         put(kSharedBow, model.byBow[row]);
         for (std::size_t i = 0; i < 6; ++i) {
             P(static_cast<Index>(row), static_cast<Index>(i)) = model.byPose[row][i];

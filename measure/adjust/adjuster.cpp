@@ -311,6 +311,9 @@ void Adjuster::fillFigures() {
     summary.noise = noise;
     summary.parameters = countParameters();
     forEachDot([&](Side side, std::size_t, const DotObservation& dot) {
+        if (isUsed(dot)) {
+            summary.squares += dot.residual.x * dot.residual.x + dot.residual.y * dot.residual.y;
+        }
         summary.observations += isUsed(dot) ? 1U : 0U;
         summary.outliers += dot.fate == DotFate::outlier ? 1U : 0U;
         summary.chiSquare += isUsed(dot) ? normalisedSquare(dot, noise[side]) : 0.0;
@@ -349,6 +352,10 @@ AdjustSummary Adjuster::run() {
 }
 
 }  // namespace
+
+double AdjustSummary::deviation() const {
+    return freedom > 0.0 ? std::sqrt(squares / freedom) : 0.0;
+}
 
 std::array<double, 3> covarianceOf(const DotObservation& dot, double noise) {
     const auto& [xx, xy, yy] = dot.covariance;

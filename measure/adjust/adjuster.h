@@ -18,9 +18,13 @@ struct AdjustSummary {
     std::size_t outliers = 0;
     std::size_t viewsLeftOut = 0;
     std::size_t parameters = 0;
+    double squares = 0.0;    // sum of the squared residuals, pixels^2
     double freedom = 0.0;    // coordinates less parameters
     double chiSquare = 0.0;  // sum of the squared weighted residuals
     int iterations = 0;
+
+    // Standard deviation of a coordinate, pixels: what the residuals tell, both cameras together.
+    double deviation() const;
 };
 
 // Moves the state to the least weighted squares; tells of every dot whether it takes part and what it lacks. Throws
