@@ -18,13 +18,12 @@ Matrix3 combination(double a, double b, double c, const Vector3& r) {
 
 }  // namespace
 
-CameraParameters parametersOf(const RigCamera& camera) {
-    const ZelmCameraIntrinsics& i = camera.intrinsics;
+CameraParameters parametersOf(const ZelmCameraIntrinsics& i) {
     return {i.A[0], i.A[1], i.A[4], i.A[2], i.A[5], i.k1, i.k2};
 }
 
 ProjectionCamera projectionOf(const RigCamera& camera) {
-    return {camera.isParallel(), parametersOf(camera)};
+    return {camera.isParallel(), parametersOf(camera.intrinsics)};
 }
 
 Point2d pixelOf(const ProjectionCamera& camera, const Vector3& point) {

@@ -21,7 +21,7 @@ struct RigCamera;
 enum CameraParameter : std::size_t { kFx, kSkew, kFy, kCx, kCy, kK1, kK2, kCameraParameters };
 using CameraParameters = std::array<double, kCameraParameters>;
 
-CameraParameters parametersOf(const RigCamera& camera);
+CameraParameters parametersOf(const ZelmCameraIntrinsics& intrinsics);
 
 struct ProjectionCamera {
     bool isParallel = false;

@@ -44,27 +44,23 @@ void complete(unsigned char* data) {
 
 }  // namespace
 
-CameraNumbers numbersOf(const ZelmCameraIntrinsics& record) {
-    return {record.A[0], record.A[1], record.A[4], record.A[2], record.A[5], record.k1, record.k2};
-}
-
-ZelmCameraIntrinsics intrinsicsRecord(int model, const CameraNumbers& numbers) {
+ZelmCameraIntrinsics intrinsicsRecord(int model, const CameraParameters& p) {
     ZelmCameraIntrinsics record{};
-    record.A[0] = numbers.fx;
-    record.A[1] = numbers.skew;
-    record.A[2] = numbers.cx;
-    record.A[4] = numbers.fy;
-    record.A[5] = numbers.cy;
+    record.A[0] = p[kFx];
+    record.A[1] = p[kSkew];
+    record.A[2] = p[kCx];
+    record.A[4] = p[kFy];
+    record.A[5] = p[kCy];
     record.A[8] = 1.0;
-    record.theta = model == ZELM_CAMERA_TILTED ? std::atan2(numbers.skew, numbers.fy) : 0.0;
+    record.theta = model == ZELM_CAMERA_TILTED ? std::atan2(p[kSkew], p[kFy]) : 0.0;
     const double cosTheta = std::cos(record.theta);
-    record.alpha = numbers.fx;
-    record.beta = numbers.fy * cosTheta;
-    record.gamma = numbers.skew * cosTheta;
-    record.cx = numbers.cx;
-    record.cy = numbers.cy;
-    record.k1 = numbers.k1;
-    record.k2 = numbers.k2;
+    record.alpha = p[kFx];
+    record.beta = p[kFy] * cosTheta;
+    record.gamma = p[kSkew] * cosTheta;
+    record.cx = p[kCx];
+    record.cy = p[kCy];
+    record.k1 = p[kK1];
+    record.k2 = p[kK2];
     return record;
 }
 

@@ -6,26 +6,14 @@
 
 #include <vector>
 
+#include "projection.h"
 #include "rig.h"
 #include "space3.h"
 
 namespace zelm::measure {
 
-// A camera's parameters, each told once: A = (fx, skew, cx; 0, fy, cy; 0, 0, 1), in pixels or, of a parallel camera, in
-// pixels a plate unit.
-struct CameraNumbers {
-    double fx = 0.0;
-    double skew = 0.0;
-    double fy = 0.0;
-    double cx = 0.0;
-    double cy = 0.0;
-    double k1 = 0.0;  // of the square of the radius in the camera's own coordinates
-    double k2 = 0.0;  // of its fourth power
-};
-
-CameraNumbers numbersOf(const ZelmCameraIntrinsics& record);
 // The record whose parts agree with each other under a model, as zelmCalibCameraParam() leaves it.
-ZelmCameraIntrinsics intrinsicsRecord(int model, const CameraNumbers& numbers);
+ZelmCameraIntrinsics intrinsicsRecord(int model, const CameraParameters& parameters);
 
 // R: a rotation.
 ZelmCameraExtrinsics poseRecord(const Matrix3& R, const Vector3& t);

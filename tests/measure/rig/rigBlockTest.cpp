@@ -12,7 +12,7 @@
 namespace zelmtest {
 namespace {
 
-using zelm::measure::CameraNumbers;
+using zelm::measure::CameraParameters;
 using zelm::measure::Fault;
 using zelm::measure::Rig;
 using zelm::measure::RigCamera;
@@ -101,7 +101,7 @@ TEST_P(MeasureRigBlock, RecordsAreThoseOfTheCoreAgain) {
     for (const RigCamera* camera : {&rig.left, &rig.right}) {
         const ZelmCameraIntrinsics& expected = camera->intrinsics;
         const ZelmCameraIntrinsics made =
-            zelm::measure::intrinsicsRecord(camera->model, zelm::measure::numbersOf(expected));
+            zelm::measure::intrinsicsRecord(camera->model, zelm::measure::parametersOf(expected));
         EXPECT_EQ(std::memcmp(&made, &expected, sizeof made), 0);
         const ZelmCameraExtrinsics& pose = camera->pose();
         const auto of =
@@ -121,9 +121,9 @@ RigCamera cameraOfNumbers(int model, double turn) {
     camera.model = model;
     camera.width = 1280;
     camera.height = 960;
-    CameraNumbers numbers{1688.6, 0.0, 1686.9, 642.3, 476.2, -0.12, 0.05};
+    CameraParameters numbers{1688.6, 0.0, 1686.9, 642.3, 476.2, -0.12, 0.05};
     if (model == ZELM_CAMERA_TILTED) {
-        numbers.skew = 5.1;
+        numbers[zelm::measure::kSkew] = 5.1;
     } else if (model == ZELM_CAMERA_PARALLEL) {
         numbers = {3.0, 0.0, 3.01, 642.3, 476.2, -1e-8, 0.0};
     }
