@@ -20,6 +20,7 @@
 #ifndef ZELM_MEASURE_H
 #define ZELM_MEASURE_H
 
+#include "zelmMeasure/measureAdjust.h"
 #include "zelmMeasure/measureBase.h"
 #include "zelmMeasure/measureDots.h"
 #include "zelmMeasure/measureMatch.h"

@@ -35,7 +35,7 @@ struct Normal {
 void addDot(const AdjustState& state, Side side, std::size_t view, const DotObservation& dot, double noise,
             Normal& normal) {
     const ImageParameters image = imageParameters(state, side, view, dot.kind);
-    const DotModel model = dotModel(image, dot.place, dot.radius, RotationDerivative::byTurn);
+    const PredictedDot model = predictDot(image, dot.place, dot.radius, RotationDerivative::byTurn);
     const auto W = weightOf(covarianceOf(dot, noise));
     Eigen::Matrix<double, 2, 2> weight;
     weight << W[0], W[1], 0.0, W[2];

@@ -19,7 +19,7 @@ enum Side : std::size_t { kLeft, kRight, kSides };
 enum DotKind : std::size_t { kPlainDot, kMarkerDot, kDotKinds };
 
 // Why an observation takes no part; ZelmMeasureAdjustedStatus of the interface.
-enum class DotFate { used, outlier, viewLeftOut };
+enum class DotFate { used, outlier, viewLeftOut, notConfirmed };
 
 struct DotObservation {
     GridIndex index{};
@@ -51,6 +51,9 @@ struct AdjustState {
     std::vector<MotionParameters> poses;              // from the plate to the base camera, a view each
     std::array<double, kDotKinds> factors{1.0, 1.0};  // of the diameters
     PlateBow bow;
+
+    // A parallel camera with fewer views than tell its tilt: its skew and direction are held.
+    bool isTiltHeld = false;
 
     Side other() const { return base == kLeft ? kRight : kLeft; }
 };

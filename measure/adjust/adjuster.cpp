@@ -164,7 +164,7 @@ void Adjuster::predict() {
 
 void Adjuster::dropOutliers() {
     forEachDot([&](Side side, std::size_t, DotObservation& dot) {
-        if (dot.fate == DotFate::viewLeftOut) {
+        if (dot.fate == DotFate::viewLeftOut || dot.fate == DotFate::notConfirmed) {
             return;
         }
         const bool fits = normalisedSquare(dot, noise[side]) <= kOutlier * kOutlier;
@@ -181,7 +181,7 @@ bool Adjuster::dropMovedView() {
         std::size_t count = 0;
         for (const auto& list : views[i].dots) {
             for (const DotObservation& dot : list) {
-                if (dot.fate != DotFate::viewLeftOut) {
+                if (isUsed(dot) || dot.fate == DotFate::outlier) {
                     squares += dot.residual.x * dot.residual.x + dot.residual.y * dot.residual.y;
                     ++count;
                 }

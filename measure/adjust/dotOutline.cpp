@@ -86,7 +86,7 @@ Point2d toPixel(const CameraParameters& p, double x, double y) {
 
 }  // namespace
 
-DotOutline dotOutline(const ProjectionCamera& camera, const CircleInCamera& circle) {
+OutlineEllipse dotOutline(const ProjectionCamera& camera, const CircleInCamera& circle) {
     const auto& p = camera.p;
     const auto ellipse = ellipseOf(camera.isParallel, circle.centre.data(), circle.first.data(), circle.second.data());
     double centre[2];

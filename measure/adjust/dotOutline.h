@@ -19,7 +19,7 @@ struct CircleInCamera {
     Vector3 second{};
 };
 
-struct DotOutline {
+struct OutlineEllipse {
     Point2d centre{};              // of the ellipse, pixels
     std::array<double, 4> axes{};  // row-major: the outline is centre + axes (cos, sin)
 };
@@ -32,7 +32,7 @@ struct OutlineCentre {
 };
 
 // The circle lies before a perspective camera; other circles give numbers that mean nothing.
-DotOutline dotOutline(const ProjectionCamera& camera, const CircleInCamera& circle);
+OutlineEllipse dotOutline(const ProjectionCamera& camera, const CircleInCamera& circle);
 OutlineCentre outlineCentre(const ProjectionCamera& camera, const CircleInCamera& circle);
 
 }  // namespace zelm::measure

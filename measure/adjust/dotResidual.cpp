@@ -72,7 +72,7 @@ bool DotResidual::Evaluate(double const* const* parameters, double* residuals, d
         residuals[1] *= weight[2];
         return std::isfinite(residuals[0]) && std::isfinite(residuals[1]);
     }
-    const DotModel model = dotModel(image, dot->place, dot->radius, RotationDerivative::byVector);
+    const PredictedDot model = predictDot(image, dot->place, dot->radius, RotationDerivative::byVector);
     const double dx = model.centre.x - dot->pixel.x;
     const double dy = model.centre.y - dot->pixel.y;
     residuals[0] = weight[0] * dx + weight[1] * dy;
@@ -139,10 +139,11 @@ std::vector<std::vector<double>> freeOfCamera(const AdjustState& state, const Ad
         free.push_back(unitVector(kCameraParameters, kFx));
         free.push_back(unitVector(kCameraParameters, kFy));
     }
-    if (!options.holdSkew) {
+    const bool isParallel = state.cameras[side].isParallel;
+    if (!options.holdSkew && !(isParallel && state.isTiltHeld)) {
         free.push_back(unitVector(kCameraParameters, kSkew));
     }
-    if (!state.cameras[side].isParallel) {
+    if (!isParallel) {
         // Of a parallel camera the place of the image's centre is a shift of the camera.
         free.push_back(unitVector(kCameraParameters, kCx));
         free.push_back(unitVector(kCameraParameters, kCy));
@@ -154,8 +155,18 @@ std::vector<std::vector<double>> freeOfCamera(const AdjustState& state, const Ad
 
 std::vector<std::vector<double>> freeOfRelative(const AdjustState& state) {
     std::vector<std::vector<double>> free;
+    if (state.isTiltHeld) {
+        // The camera turns about its axis alone: the change of the rotation vector that makes such a turn.
+        const Matrix3 J = leftJacobian({state.relative[0], state.relative[1], state.relative[2]});
+        const Vector3 turn = unit(times(*inverse(J), {0.0, 0.0, 1.0}));
+        free.push_back({turn[0], turn[1], turn[2], 0.0, 0.0, 0.0});
+    } else {
+        for (std::size_t i = 0; i < 3; ++i) {
+            free.push_back(unitVector(6, i));
+        }
+    }
     // A parallel camera sees no distance.
-    for (std::size_t i = 0; i < (state.cameras[state.other()].isParallel ? 5U : 6U); ++i) {
+    for (std::size_t i = 3; i < (state.cameras[state.other()].isParallel ? 5U : 6U); ++i) {
         free.push_back(unitVector(6, i));
     }
     return free;

@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "adjustProblem.h"
-#include "dotModel.h"
+#include "predictedDot.h"
 
 namespace zelm::measure {
 

@@ -1,4 +1,4 @@
-#include "dotModel.h"
+#include "predictedDot.h"
 
 #include <algorithm>
 
@@ -67,7 +67,7 @@ CircleInCamera circleOf(const ImageParameters& image, const Vector3& place, doub
     return image.relative == nullptr ? p.circle : moved(p.circle, rotationOf(head(image.relative)), image.relative + 3);
 }
 
-DotModel dotModel(const ImageParameters& image, const Vector3& place, double radius, RotationDerivative kind) {
+PredictedDot predictDot(const ImageParameters& image, const Vector3& place, double radius, RotationDerivative kind) {
     const Placed p = placed(image, place, radius);
     const bool isOther = image.relative != nullptr;
     const Matrix3 R = isOther ? rotationOf(head(image.relative)) : Matrix3{1, 0, 0, 0, 1, 0, 0, 0, 1};
@@ -80,7 +80,7 @@ DotModel dotModel(const ImageParameters& image, const Vector3& place, double rad
     const Vector3 up = column(p.R, 2);
     const double r = radius * image.factor;
 
-    DotModel model;
+    PredictedDot model;
     model.centre = outline.centre;
     model.byCamera = outline.byParameters;
     for (std::size_t row = 0; row < 2; ++row) {

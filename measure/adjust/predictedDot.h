@@ -1,6 +1,6 @@
 // The centre of a plate's dot in an image, with its derivatives by all that an adjustment estimates.
-#ifndef ZELM_MEASURE_DOT_MODEL_H
-#define ZELM_MEASURE_DOT_MODEL_H
+#ifndef ZELM_MEASURE_PREDICTED_DOT_H
+#define ZELM_MEASURE_PREDICTED_DOT_H
 
 #include <array>
 #include <cstddef>
@@ -23,7 +23,7 @@ struct ImageParameters {
 template <std::size_t n>
 using Rows2 = std::array<std::array<double, n>, 2>;
 
-struct DotModel {
+struct PredictedDot {
     Point2d centre{};
     Rows2<kCameraParameters> byCamera{};
     Rows2<6> byRelative{};
@@ -37,7 +37,7 @@ enum class RotationDerivative { byVector, byTurn };
 
 // The circle in the frame of the image's camera.
 CircleInCamera circleOf(const ImageParameters& image, const Vector3& place, double radius);
-DotModel dotModel(const ImageParameters& image, const Vector3& place, double radius, RotationDerivative kind);
+PredictedDot predictDot(const ImageParameters& image, const Vector3& place, double radius, RotationDerivative kind);
 // The image of one side and view of a state.
 ImageParameters imageParameters(const AdjustState& state, Side side, std::size_t view, DotKind kind);
 

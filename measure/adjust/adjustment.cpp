@@ -1,0 +1,276 @@
+#include "adjustment.h"
+
+#include <algorithm>
+#include <cmath>
+#include <map>
+#include <string>
+#include <utility>
+
+#include "fault.h"
+#include "platePose.h"
+#include "rigBlock.h"
+
+namespace zelm::measure {
+namespace {
+
+constexpr std::size_t kViewsForTilt = 3;   // of a parallel camera
+constexpr std::size_t kFewestDots = 6;     // of an image that places a plate
+constexpr std::size_t kFewestScales = 20;  // of refined dots that tell a diameter
+constexpr double kWorse = 1.05;            // times the residuals of the reader's dots, and the refined ones are worse
+
+bool hasAny(const std::vector<AdjustView>& views, Side side) {
+    return std::any_of(views.begin(), views.end(), [&](const AdjustView& v) { return !v.dots[side].empty(); });
+}
+
+MotionParameters base(const AdjustState& state, Side side, const MotionParameters& pose) {
+    return side == state.base ? pose : composed(inverted(state.relative), pose);
+}
+
+}  // namespace
+
+Adjustment::Adjustment(const Rig& rig, const Pattern& pattern, const AdjustOptions& chosen, DotPlaces measured)
+    : plate(pattern),
+      options(chosen),
+      places(std::move(measured)),
+      cameras{rig.left, rig.right},
+      start(stateOf(rig, pattern)),
+      current(viewsOf(rig, pattern, start, places)) {
+    if (!hasAny(current, kLeft) || !hasAny(current, kRight)) {
+        refuse("the rig has no dots to adjust: open it from the object that was calibrated");
+    }
+    if (options.holdSkew) {
+        for (ProjectionCamera& camera : start.cameras) {
+            camera.p[kSkew] = 0.0;
+        }
+    }
+    if (options.squarePixels) {
+        for (ProjectionCamera& camera : start.cameras) {
+            camera.p[kFx] = camera.p[kFy] = 0.5 * (camera.p[kFx] + camera.p[kFy]);
+        }
+    }
+    holdTiltOfSeldomSeen();
+}
+
+void Adjustment::holdTiltOfSeldomSeen() {
+    const Side other = start.other();
+    const auto views = std::count_if(current.begin(), current.end(),
+                                     [&](const AdjustView& view) { return view.dots[other].size() >= kFewestDots; });
+    start.isTiltHeld = start.cameras[other].isParallel && static_cast<std::size_t>(views) < kViewsForTilt;
+}
+
+const Adjustment::Outcome& Adjustment::solved() const {
+    if (!outcome) {
+        refuse("the adjustment is not solved yet");
+    }
+    return *outcome;
+}
+
+void Adjustment::solve() {
+    AdjustState state = outcome ? outcome->state : start;
+    state.isTiltHeld = start.isTiltHeld;
+    std::vector<AdjustView> views = current;
+    AdjustOptions now = options;
+    if (hasNewDots && options.estimateFactors) {
+        // The dots' own pixels tell their size far better than the bias of their centres does.
+        now.estimateFactors = false;
+    }
+    const AdjustSummary summary = adjust(state, views, now);
+    const AdjustCovariance covariance = covarianceOf(state, views, now, summary);
+    Outcome next{state, summary, covariance};
+    if (outcome && !hasNewDots && !hasRefined) {
+        next.summary.rmsBefore = outcome->summary.rmsBefore;
+    }
+    if (reading) {
+        next.summary.rmsBefore = reading->outcome.summary.rmsBefore;
+    }
+    if (hasNewDots && reading && next.summary.deviation() > kWorse * reading->outcome.summary.deviation()) {
+        outcome = reading->outcome;
+        current = reading->views;
+        hasRefined = false;
+    } else {
+        outcome = next;
+        current = std::move(views);
+        hasRefined = hasRefined || hasNewDots;
+    }
+    hasNewDots = false;
+}
+
+void Adjustment::requireSize(Side side, const DenseImage& image) const {
+    const RigCamera& camera = cameras[side];
+    if (image.width() != camera.width || image.height() != camera.height) {
+        refuse("an image of " + std::to_string(image.width()) + " x " + std::to_string(image.height()) +
+               " pixels, but the camera's are " + std::to_string(camera.width) + " x " + std::to_string(camera.height));
+    }
+}
+
+PlateSearch Adjustment::searchOf(Side side) const {
+    return {&plate, &places, &outcome->state, side};
+}
+
+void Adjustment::takeScales() {
+    if (!options.estimateFactors) {
+        return;
+    }
+    for (const DotKind kind : {kPlainDot, kMarkerDot}) {
+        auto& list = scales[kind];
+        if (list.size() >= (kind == kMarkerDot ? kSides : kFewestScales)) {
+            outcome->state.factors[kind] = median(list);
+        }
+    }
+}
+
+RefinedCounts Adjustment::refine(Side side, std::size_t view, const DenseImage& image) {
+    solved();
+    require(view < current.size(), "the adjustment has no such view");
+    requireSize(side, image);
+    if (!reading) {
+        reading = Reading{*outcome, current};
+    }
+    AdjustView& target = current[view];
+    std::map<GridIndex, DotObservation> read;
+    for (const DotObservation& dot : target.dots[side]) {
+        read.emplace(dot.index, dot);
+    }
+    const DotFate fate = target.leftOut.empty() ? DotFate::used : DotFate::viewLeftOut;
+    RefinedCounts counts;
+    counts.read = static_cast<int>(read.size());
+    std::vector<DotObservation> dots;
+    for (PlateSearch::Found& found : searchOf(side).find(image, outcome->state.poses[view])) {
+        const auto known = read.find(found.dot.index);
+        const bool wasRead = known != read.end();
+        if (found.fit.ok) {
+            found.dot.fate = fate;
+            scales[found.dot.kind].push_back(found.fit.scale * outcome->state.factors[found.dot.kind]);
+            dots.push_back(found.dot);
+            ++(wasRead ? counts.refined : counts.added);
+        }
+        if (wasRead) {
+            if (!found.fit.ok) {
+                dots.push_back(known->second);
+                dots.back().fate = DotFate::notConfirmed;
+                ++counts.refused;
+            }
+            read.erase(known);
+        }
+    }
+    for (const auto& [index, dot] : read) {  // of which the plate or the image should show nothing
+        dots.push_back(dot);
+        dots.back().fate = DotFate::notConfirmed;
+        ++counts.refused;
+    }
+    target.dots[side] = std::move(dots);
+    hasNewDots = true;
+    takeScales();
+    return counts;
+}
+
+std::optional<MotionParameters> Adjustment::basePoseOf(Side side, const DenseImage& image) const {
+    if (outcome->state.cameras[side].isParallel) {
+        return std::nullopt;
+    }
+    const DotReading read = readDots(image, plate, nullptr);
+    if (read.status < 0) {
+        return std::nullopt;
+    }
+    std::vector<DotObservation> dots;
+    for (const Dot& placed : indexDots(image, plate, read.points)) {
+        dots.push_back(plateDot(plate, placed.index, places));
+        dots.back().pixel = placed.pixel;
+    }
+    const auto pose = posedPlate(outcome->state, side, dots);
+    return pose ? std::optional(base(outcome->state, side, *pose)) : std::nullopt;
+}
+
+std::array<int, kSides> Adjustment::addView(const DenseImage& left, const DenseImage& right) {
+    solved();
+    requireSize(kLeft, left);
+    requireSize(kRight, right);
+    auto pose = basePoseOf(kLeft, left);
+    if (!pose) {
+        pose = basePoseOf(kRight, right);
+    }
+    std::array<int, kSides> counts{};
+    if (!pose) {
+        return counts;
+    }
+    AdjustView added;
+    for (const Side side : {kLeft, kRight}) {
+        for (const PlateSearch::Found& found : searchOf(side).find(side == kLeft ? left : right, *pose)) {
+            if (found.fit.ok) {
+                added.dots[side].push_back(found.dot);
+            }
+        }
+        counts[side] = static_cast<int>(added.dots[side].size());
+    }
+    if (added.dots[kLeft].size() + added.dots[kRight].size() < kFewestDots) {
+        return {};
+    }
+    if (!reading) {
+        reading = Reading{*outcome, current};
+    }
+    current.push_back(std::move(added));
+    outcome->state.poses.push_back(*pose);
+    outcome->covariance.poses.emplace_back();
+    hasNewDots = true;
+    return counts;
+}
+
+Point2d Adjustment::centreOf(Side side, std::size_t view, const DotObservation& dot) const {
+    const ImageParameters image = imageParameters(solved().state, side, view, dot.kind);
+    const CircleInCamera circle = circleOf(image, dot.place, dot.radius);
+    const Point2d ellipse = dotOutline(image.camera, circle).centre;
+    const Point2d centre = pixelOf(image.camera, circle.centre);
+    return {dot.pixel.x - ellipse.x + centre.x, dot.pixel.y - ellipse.y + centre.y};
+}
+
+// Of a view that took no part, the pose that one of its images tells.
+MotionParameters Adjustment::finalPose(std::size_t view) const {
+    const AdjustState& state = outcome->state;
+    if (!current[view].leftOut.empty()) {
+        for (const Side side : {state.base, state.other()}) {
+            if (const auto pose = posedPlate(state, side, current[view].dots[side])) {
+                return base(state, side, *pose);
+            }
+        }
+    }
+    return state.poses[view];
+}
+
+RigCamera Adjustment::adjustedCamera(Side side) const {
+    const AdjustState& state = outcome->state;
+    RigCamera camera;
+    camera.model = cameras[side].model;
+    camera.width = cameras[side].width;
+    camera.height = cameras[side].height;
+    camera.intrinsics = intrinsicsRecord(camera.model, state.cameras[side].p);
+    std::copy(std::begin(cameras[side].intrinsics.reserved), std::end(cameras[side].intrinsics.reserved),
+              camera.intrinsics.reserved);
+    for (std::size_t view = 0; view < current.size(); ++view) {
+        const MotionParameters own = finalPose(view);
+        const MotionParameters pose = side == state.base ? own : composed(state.relative, own);
+        const bool isSeen = !camera.isParallel() || view == 0 || !current[view].dots[side].empty();
+        camera.poses.push_back(isSeen ? poseRecordOfVector({pose[0], pose[1], pose[2]}, {pose[3], pose[4], pose[5]})
+                                      : ZelmCameraExtrinsics{});
+        std::vector<Point2d> dots;
+        for (const DotObservation& dot : current[view].dots[side]) {
+            if (dot.fate == DotFate::used) {
+                dots.push_back(centreOf(side, view, dot));
+            }
+        }
+        camera.dots.push_back(std::move(dots));
+    }
+    return camera;
+}
+
+Rig Adjustment::adjustedRig() const {
+    solved();
+    const RigCamera left = adjustedCamera(kLeft);
+    const RigCamera right = adjustedCamera(kRight);
+    Rig rig = rigOfCameras(left, right);
+    rig.left.dots = left.dots;
+    rig.right.dots = right.dots;
+    rig.covariance = outcome->covariance.rig;
+    return rig;
+}
+
+}  // namespace zelm::measure

@@ -1,0 +1,82 @@
+// An adjustment from its start to the adjusted rig, step by step.
+#ifndef ZELM_MEASURE_ADJUSTMENT_H
+#define ZELM_MEASURE_ADJUSTMENT_H
+
+#include <array>
+#include <cstddef>
+#include <optional>
+#include <vector>
+
+#include "adjustCovariance.h"
+#include "adjustStart.h"
+#include "adjuster.h"
+#include "image.h"
+#include "plateSearch.h"
+#include "rig.h"
+
+namespace zelm::measure {
+
+struct RefinedCounts {
+    int read = 0;
+    int refined = 0;
+    int refused = 0;
+    int added = 0;
+};
+
+class Adjustment {
+public:
+    Adjustment(const Rig& rig, const Pattern& plate, const AdjustOptions& options, DotPlaces places);
+
+    void solve();
+    RefinedCounts refine(Side side, std::size_t view, const DenseImage& image);
+    // Dots that take part; none: nothing was added.
+    std::array<int, kSides> addView(const DenseImage& left, const DenseImage& right);
+
+    bool isSolved() const { return outcome.has_value(); }
+    // Throws Fault before the first solve().
+    const AdjustSummary& summary() const { return solved().summary; }
+    const AdjustCovariance& covariance() const { return solved().covariance; }
+    const AdjustState& state() const { return solved().state; }
+    const std::vector<AdjustView>& views() const { return current; }
+    bool usesRefinedDots() const { return hasRefined; }
+    // The image of a dot's own centre: the measured centre without what projection and lens add to it.
+    Point2d centreOf(Side side, std::size_t view, const DotObservation& dot) const;
+    Rig adjustedRig() const;
+
+private:
+    struct Outcome {
+        AdjustState state;
+        AdjustSummary summary;
+        AdjustCovariance covariance;
+    };
+    // What the reader's dots gave, to go back to where its dots are the better ones.
+    struct Reading {
+        Outcome outcome;
+        std::vector<AdjustView> views;
+    };
+
+    const Outcome& solved() const;
+    void holdTiltOfSeldomSeen();
+    void takeScales();
+    void requireSize(Side side, const DenseImage& image) const;
+    PlateSearch searchOf(Side side) const;
+    std::optional<MotionParameters> basePoseOf(Side side, const DenseImage& image) const;
+    RigCamera adjustedCamera(Side side) const;
+    MotionParameters finalPose(std::size_t view) const;
+
+    Pattern plate;
+    AdjustOptions options;
+    DotPlaces places;
+    std::array<RigCamera, kSides> cameras;  // models, sizes and records of the start
+    AdjustState start;
+    std::vector<AdjustView> current;
+    std::optional<Outcome> outcome;
+    std::optional<Reading> reading;
+    std::array<std::vector<double>, kDotKinds> scales;  // of refined dots over the plate's
+    bool hasRefined = false;
+    bool hasNewDots = false;
+};
+
+}  // namespace zelm::measure
+
+#endif
