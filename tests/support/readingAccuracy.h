@@ -3,27 +3,9 @@
 #ifndef ZELM_TEST_READING_ACCURACY_H
 #define ZELM_TEST_READING_ACCURACY_H
 
-#include <cstdint>
-
-#include "scene.h"
+#include "readingViews.h"
 
 namespace zelm::accuracy {
-
-// One setting. Views of a plate of 13 x 11 dots with tilts spread from 0 to maxTiltDegrees about random axes, at random
-// rolls, through a lens with k1 and k2, dark and light dots in turn.
-struct ReadingCase {
-    double radius = 10.0;     // of the smallest dot of a view, pixels; the pitch is five radii
-    double blur = 1.0;        // standard deviation of the point spread, pixels
-    double noise = 0.0;       // gray levels
-    double contrast = 120.0;  // between dots and plate where the light is full, gray levels
-    double falloff = 0.0;     // share of the light that is lost at the dot farthest out
-    double maxTiltDegrees = 40.0;
-    double k1 = -0.12;
-    double k2 = 0.03;
-    int views = 4;
-    int noiseDraws = 1;  // images of each view that differ in their noise
-    std::uint64_t seed = 1;
-};
 
 struct ReadingFigures {
     int images = 0;

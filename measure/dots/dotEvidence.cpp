@@ -1,0 +1,146 @@
+#include "dotEvidence.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace zelm::measure {
+namespace {
+
+constexpr double kMinSectorSamples = 3.0;
+constexpr double kNoiseExcess = 2.0;        // root mean square of a sector's residuals over the noise
+constexpr double kModelError = 0.07;        // of the contrast, that the profile of a real edge may differ
+constexpr double kSureness = 4.5;           // standard deviations
+constexpr double kShiftTolerance = 0.15;    // pixels by which a real outline may leave its ellipse
+constexpr double kShiftShare = 0.02;        // and of the radius
+constexpr double kContrastTolerance = 0.3;  // of the contrast
+
+double squaresOf(const CoreSums& s, const DotVector& at, std::size_t first) {
+    const double a = at[first];
+    const double b = at[first + 1];
+    const double c = at[first + 2];
+    return std::max(s.gg - 2.0 * (a * s.g + b * s.gx + c * s.gy) + a * a * s.n + b * b * s.xx + c * c * s.yy +
+                        2.0 * (a * b * s.x + a * c * s.y + b * c * s.xy),
+                    0.0);
+}
+
+}  // namespace
+
+OutlineEvidence evidenceOf(const DotModel& model, DotPixels& pixels, double noise) {
+    struct Sums {
+        double count = 0, squares = 0, es = 0, ss = 0, ec = 0, cc = 0;
+    };
+    std::array<Sums, kDotSectors> sums{};
+    for (DotSample& s : pixels.samples) {
+        const SampleView view = model.look(s, model.unknowns);
+        const double residual = s.gray - view.gray();
+        Sums& sum = sums[s.sector];
+        if (isBeyondClip(s.gray, view.gray())) {
+            continue;
+        }
+        const double slope = view.slope();
+        const double step = (view.inside - view.outside) * (view.coverage - 0.5);
+        sum.count += 1.0;
+        sum.squares += residual * residual;
+        sum.es += residual * slope;
+        sum.ss += slope * slope;
+        sum.ec += residual * step;
+        sum.cc += step * step;
+    }
+    OutlineEvidence evidence{};
+    for (std::size_t k = 0; k < kDotSectors; ++k) {
+        const Sums& s = sums[k];
+        if (s.ss > 0.0 && s.cc > 0.0) {
+            evidence[k] = {
+                s.count, s.squares, s.es / s.ss, noise / std::sqrt(s.ss), 1.0 + s.ec / s.cc, noise / std::sqrt(s.cc)};
+        }
+    }
+    return evidence;
+}
+
+SectorMask agreeingSectors(const OutlineEvidence& evidence, double contrast, double noise, double radius) {
+    const double modelError = kModelError * contrast;
+    const double maxSquare = kNoiseExcess * kNoiseExcess * noise * noise + modelError * modelError;
+    SectorMask mask = 0;
+    for (std::size_t k = 0; k < kDotSectors; ++k) {
+        const SectorEvidence& e = evidence[k];
+        const bool agrees = e.count >= kMinSectorSamples && e.squares <= maxSquare * e.count &&
+                            std::fabs(e.shift) <= kShiftTolerance + kShiftShare * radius + kSureness * e.shiftError &&
+                            std::fabs(e.contrast - 1.0) <= kContrastTolerance + kSureness * e.contrastError;
+        mask |= agrees ? SectorMask{1} << k : 0U;
+    }
+    return mask;
+}
+
+DotResidual residualOf(const DotModel& model, DotPixels& pixels, SectorMask sectors) {
+    double squares = 0.0;
+    double count = 0.0;
+    for (DotSample& s : pixels.samples) {
+        if ((sectors >> s.sector & 1U) != 0) {
+            const double gray = model.look(s, model.unknowns).gray();
+            if (!isBeyondClip(s.gray, gray)) {
+                squares += (s.gray - gray) * (s.gray - gray);
+                count += 1.0;
+            }
+        }
+    }
+    for (const std::size_t side : {std::size_t{0}, std::size_t{1}}) {
+        const CoreSums core = model.coreOf(sectors, side, model.unknowns);
+        squares += squaresOf(core, model.unknowns, side == 0 ? kInside : kOutside);
+        count += core.n;
+    }
+    return {std::sqrt(squares / std::max(count - static_cast<double>(kDotUnknowns), 1.0)), count};
+}
+
+DotVariance varianceOf(const DotModel& model, DotPixels& pixels, SectorMask sectors, double floor) {
+    // Of either side, from its uniform pixels and the samples nearly on it.
+    std::array<double, 2> squares{};
+    std::array<double, 2> counts{};
+    for (const std::size_t side : {std::size_t{0}, std::size_t{1}}) {
+        const CoreSums core = model.coreOf(sectors, side, model.unknowns);
+        squares[side] = squaresOf(core, model.unknowns, side == 0 ? kInside : kOutside);
+        counts[side] = core.n;
+    }
+    constexpr double kNearlyAll = 0.98;
+    double eh = 0.0;
+    double hh = 0.0;
+    double hIn = 0.0;
+    double hOut = 0.0;
+    for (DotSample& s : pixels.samples) {
+        if ((sectors >> s.sector & 1U) == 0) {
+            continue;
+        }
+        const SampleView view = model.look(s, model.unknowns);
+        if (isBeyondClip(s.gray, view.gray())) {
+            continue;
+        }
+        const double m = std::clamp(view.coverage, 0.0, 1.0);
+        const double e2 = (s.gray - view.gray()) * (s.gray - view.gray());
+        if (m > kNearlyAll || m < 1.0 - kNearlyAll) {
+            const std::size_t side = m > kNearlyAll ? 0 : 1;
+            squares[side] += e2;
+            counts[side] += 1.0;
+            continue;
+        }
+        const double h = 4.0 * m * (1.0 - m);
+        eh += e2 * h;
+        hh += h * h;
+        hIn += m * h;
+        hOut += (1.0 - m) * h;
+    }
+    constexpr double kMinCount = 20.0;
+    constexpr double kLost = 3.0;  // unknowns of the levels of one side
+    const double both = (squares[0] + squares[1] + eh) / std::max(counts[0] + counts[1] + hh - 10.0, 1.0);
+    const auto of = [&](std::size_t side) {
+        return std::max(counts[side] >= kMinCount ? squares[side] / (counts[side] - kLost) : both, floor);
+    };
+    DotVariance v;
+    v.inside = of(0);
+    v.outside = of(1);
+    v.edge = hh > 0.0 ? (eh - v.inside * hIn - v.outside * hOut) / hh : 0.0;
+    // Less its standard deviation: what may be chance is none.
+    const double mean = 0.5 * (v.inside + v.outside);
+    v.edge = std::max(v.edge - mean * std::sqrt(2.0 / std::max(hh, 1.0)), 0.0);
+    return v;
+}
+
+}  // namespace zelm::measure

@@ -1,0 +1,40 @@
+// What the pixels along a dot's outline say for and against it, sector by sector.
+#ifndef ZELM_MEASURE_DOT_EVIDENCE_H
+#define ZELM_MEASURE_DOT_EVIDENCE_H
+
+#include <array>
+
+#include "dotModel.h"
+
+namespace zelm::measure {
+
+struct SectorEvidence {
+    double count = 0.0;          // of samples
+    double squares = 0.0;        // of residuals, gray levels
+    double shift = 0.0;          // by which the outline lies farther outside here than it should, pixels
+    double shiftError = 0.0;     // its standard deviation
+    double contrast = 0.0;       // between inside and outside here, over the model's
+    double contrastError = 0.0;  //
+};
+
+using OutlineEvidence = std::array<SectorEvidence, kDotSectors>;
+
+// At the model's unknowns, in noise of that standard deviation.
+OutlineEvidence evidenceOf(const DotModel& model, DotPixels& pixels, double noise);
+
+// The sectors whose pixels agree with the dot.
+SectorMask agreeingSectors(const OutlineEvidence& evidence, double contrast, double noise, double radius);
+
+// Variances of the gray levels by what the residuals are.
+DotVariance varianceOf(const DotModel& model, DotPixels& pixels, SectorMask sectors, double floor);
+
+// Root mean square of the residuals of all pixels, gray levels, and their number.
+struct DotResidual {
+    double rms = 0.0;
+    double count = 0.0;
+};
+DotResidual residualOf(const DotModel& model, DotPixels& pixels, SectorMask sectors);
+
+}  // namespace zelm::measure
+
+#endif

@@ -1,0 +1,366 @@
+#include "dotFit.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+
+#include "dotEvidence.h"
+#include "dotPixels.h"
+
+namespace zelm::measure {
+namespace {
+
+constexpr double kPixelVariance = 1.0 / 12.0;  // of a pixel's square along an axis
+constexpr double kEdgeSigmas = 4.2;            // of the blur, beyond which a pixel is uniform to 1e-5
+constexpr double kEdgeMargin = 0.4;            // pixels by which the outline may still move
+constexpr double kGround = 2.5;                // pixels of ground beyond the edge, at least
+constexpr double kGroundShare = 0.25;          // of the radius
+constexpr double kNeighbourSigmas = 3.0;       // of the blur, kept clear of another dot's outline
+constexpr double kMinClear = 1.0;              // of the blur that the band needs beyond the outline
+constexpr double kUnknownReach = 0.7;          // of the radius that is free where no neighbour is told
+constexpr double kFirstBlur = 1.0;             // pixels
+constexpr double kMaxBlurShare = 0.9;          // of the short axis
+constexpr double kMinContrast = 4.0;           // gray levels
+constexpr double kMinSignal = 3.0;             // contrast over noise
+constexpr double kMinShiftLimit = 2.0;         // pixels
+constexpr double kShiftLimitShare = 0.5;       // of the radius
+constexpr double kMinScale = 0.7;
+constexpr double kMaxScale = 1.4;
+constexpr double kMaxError = 0.4;  // pixels, standard deviation of the centre
+constexpr int kMinSectors = 15;    // of 24: 60 %
+constexpr int kMinKept = 12;       // after those next to hidden ones are left out too
+constexpr int kMinInImage = 20;    // of 24: 80 %
+constexpr int kArcSectors = 15;
+constexpr int kSparseSteps = 12;
+constexpr int kBandSteps = 15;
+constexpr int kMaxBands = 4;
+constexpr double kCoarseTolerance = 0.25;  // of the contrast, of uniform pixels before the levels are known well
+constexpr double kFineTolerance = 0.08;    //
+constexpr double kToleranceSigmas = 6.0;
+
+SectorMask widened(SectorMask bad) {
+    return (bad | bad << 1 | bad >> 1 | bad << (kDotSectors - 1) | bad >> (kDotSectors - 1)) & kAllSectors;
+}
+
+class DotFitter {
+public:
+    DotFitter(const DenseImage& image, const DotShape& dotShape, const DotFitOptions& fitOptions,
+              const DotOutline& dotOutline)
+        : shape(dotShape),
+          options(fitOptions),
+          outline(dotOutline),
+          place{image, outline, shape.centre, 0.0},
+          model(outline, pixels) {}
+
+    DotFitResult fit() {
+        limitReach();
+        visible = sectorsInImage(place);
+        if (visible != kAllSectors) {
+            result.flags |= kDotCut;
+        }
+        if (std::popcount(visible) < kMinInImage || place.outsideLimit <= 0.0) {
+            return refused(0);
+        }
+        noise = localNoise(place);
+        model.limits.shift = 1.5 * shiftLimit();
+        model.limits.maxBlur = std::max(kMaxBlurShare * outline.shortAxis, kFirstBlur);
+        pixels.samples.reserve(256);
+        if (!(findOnAllOutline() || findOnArcs())) {
+            return refused(kDotNoDot);
+        }
+        return judged();
+    }
+
+private:
+    double shiftLimit() const { return std::max(kMinShiftLimit, kShiftLimitShare * outline.radius); }
+    double blur() const { return model.unknowns[kBlur]; }
+    double contrast() const { return std::fabs(model.unknowns[kOutside] - model.unknowns[kInside]); }
+    double signedContrast() const {
+        const double difference = model.unknowns[kOutside] - model.unknowns[kInside];
+        return options.polarity == DotPolarity::dark ? difference : -difference;
+    }
+
+    DotFitResult refused(unsigned flags) {
+        DotFitResult bad;
+        bad.flags = result.flags | flags;
+        return bad;
+    }
+
+    void limitReach() {
+        const double known = options.neighbour - outline.longAxis;
+        place.outsideLimit = options.neighbour > 0.0 ? known : kUnknownReach * outline.radius + kGround;
+        neighbourGap = options.neighbour > 0.0 ? known : HUGE_VAL;
+    }
+
+    // The outline roughly, by few pixels of these sectors.
+    bool findRoughly(SectorMask sectors) {
+        const double reach = std::max(3.0, 1.2 * shiftLimit());
+        gatherSparse(place, reach, noise * noise, pixels);
+        double inSum = 0.0, inCount = 0.0, outSum = 0.0, outCount = 0.0;
+        for (DotSample& s : pixels.samples) {
+            if ((sectors >> s.sector & 1U) == 0) {
+                continue;
+            }
+            model.unknowns = DotVector{};
+            model.unknowns[kBlur] = kFirstBlur;
+            const double distance = model.look(s, model.unknowns).distance;
+            if (distance < -0.4 * reach) {
+                inSum += s.gray;
+                inCount += 1.0;
+            } else if (distance > 0.4 * reach) {
+                outSum += s.gray;
+                outCount += 1.0;
+            }
+        }
+        if (inCount < 5.0 || outCount < 5.0) {
+            return false;
+        }
+        model.unknowns = DotVector{};
+        model.unknowns[kBlur] = std::min(kFirstBlur, model.limits.maxBlur);
+        model.unknowns[kInside] = inSum / inCount;
+        model.unknowns[kOutside] = outSum / outCount;
+        model.variance = {noise * noise, noise * noise, 0.0};
+        model.limits.contrast = contrast();
+        if (!(signedContrast() >= std::max(0.7 * kMinContrast, noise))) {
+            return false;
+        }
+        model.fit(sectors, kSparseSteps);
+        return hasContrast();
+    }
+
+    bool hasContrast() const { return signedContrast() >= std::max(kMinContrast, kMinSignal * noise); }
+
+    DotBand bandNow(double tolerance) {
+        DotBand band;
+        band.edge = kEdgeSigmas * blur() + kEdgeMargin;
+        band.outside = band.edge + std::max(kGround, kGroundShare * outline.radius);
+        if (neighbourGap < HUGE_VAL) {
+            const double free = neighbourGap - kNeighbourSigmas * blur();
+            if (free < band.edge) {
+                result.flags |= kDotNeighbour;
+            }
+            band.outside = std::min(band.outside, free);
+        } else {
+            band.outside = std::min(band.outside, std::max(kUnknownReach * outline.radius, 2.5 * blur()));
+        }
+        band.edge = std::min(band.edge, std::max(band.outside, kEdgeSigmas * blur()));
+        band.inside = band.edge + std::max(6.0, 0.4 * outline.radius);
+        band.tolerance = std::max(tolerance * contrast(), kToleranceSigmas * noise);
+        return band;
+    }
+
+    // Fits the band's pixels of these sectors, again where the band has to move with the outline.
+    bool fitBand(SectorMask sectors) {
+        double tolerance = kCoarseTolerance;
+        for (int k = 0; k < kMaxBands; ++k) {
+            const DotBand band = bandNow(tolerance);
+            if (!(band.outside >= kMinClear * blur())) {
+                return false;
+            }
+            const DotVector before = model.unknowns;
+            outliers = gatherBand(place, model.unknowns, band, noise * noise, pixels);
+            model.variance = {noise * noise, noise * noise, 0.0};
+            model.limits.contrast = std::max(contrast(), 1.0);
+            converged = model.fit(sectors, kBandSteps);
+            if (!hasContrast()) {
+                return false;
+            }
+            const double moved =
+                std::hypot(model.unknowns[kShiftX] - before[kShiftX], model.unknowns[kShiftY] - before[kShiftY]) +
+                std::fabs(model.unknowns[kGrowth] - before[kGrowth]);
+            const double wanted = kEdgeSigmas * blur();
+            if (moved < kEdgeMargin && wanted < band.edge + kEdgeMargin && !isSpotty(sectors)) {
+                break;
+            }
+            tolerance = kFineTolerance;
+        }
+        return true;
+    }
+
+    // Whether uniform ground was left out or should be, so that finer thresholds are worth another look.
+    bool isSpotty(SectorMask sectors) const {
+        int count = 0;
+        for (std::size_t k = 0; k < kDotSectors; ++k) {
+            count += (sectors >> k & 1U) != 0 ? outliers.brighter[k] + outliers.darker[k] : 0;
+        }
+        return count > 0 && false;
+    }
+
+    SectorMask agreeing() {
+        return agreeingSectors(evidenceOf(model, pixels, noise), contrast(), noise, outline.radius) & visible;
+    }
+
+    bool findOnAllOutline() {
+        if (!findRoughly(visible) || !fitBand(visible)) {
+            return false;
+        }
+        used = visible;
+        SectorMask good = agreeing();
+        for (int k = 0; k < 3 && good != used; ++k) {
+            if (std::popcount(good) < kMinSectors) {
+                return false;
+            }
+            used = good & ~(widened(visible & ~good) & ~SectorMask{0}) & visible;
+            if (std::popcount(used) < kMinKept || !fitBand(used)) {
+                return false;
+            }
+            good = agreeing();
+            if ((used & ~good) == 0) {
+                return true;
+            }
+        }
+        return good == used;
+    }
+
+    // A dot of which much is hidden: some arc of its outline is not.
+    bool findOnArcs() {
+        DotVector best{};
+        double least = HUGE_VAL;
+        for (std::size_t start = 0; start < kDotSectors; start += 2) {
+            const SectorMask arc = arcFrom(start) & visible;
+            if (!findRoughly(arc)) {
+                continue;
+            }
+            const double cost = residualOf(model, pixels, arc).rms;
+            if (cost < least) {
+                least = cost;
+                best = model.unknowns;
+                used = arc;
+            }
+        }
+        if (least == HUGE_VAL) {
+            return false;
+        }
+        model.unknowns = best;
+        if (!fitBand(used)) {
+            return false;
+        }
+        for (int k = 0; k < 3; ++k) {
+            const SectorMask good = agreeing();
+            if (std::popcount(good) < kMinSectors) {
+                return false;
+            }
+            const SectorMask next = good == visible ? good : good & ~widened(visible & ~good);
+            if (next == used) {
+                return true;
+            }
+            used = next;
+            if (std::popcount(used) < kMinKept || !fitBand(used)) {
+                return false;
+            }
+        }
+        return (used & ~agreeing()) == 0;
+    }
+
+    static SectorMask arcFrom(std::size_t start) {
+        const SectorMask arc = (SectorMask{1} << kArcSectors) - 1;
+        return start == 0 ? arc : ((arc << start) | (arc >> (kDotSectors - start))) & kAllSectors;
+    }
+
+    // The noise as the residuals show it, and the last steps with weights by it.
+    void refineWeights() {
+        const DotVariance variance = varianceOf(model, pixels, used, kPixelVariance);
+        model.variance = variance;
+        model.weigh();
+        converged = model.fit(used, kBandSteps) && converged;
+    }
+
+    DotFitResult judged() {
+        refineWeights();
+        const DotVector& at = model.unknowns;
+        const DotResidual residual = residualOf(model, pixels, used);
+        const double scale = 1.0 + at[kGrowth] / outline.radius;
+        setFlags();
+        if (!hasContrast() || !(scale >= kMinScale && scale <= kMaxScale) ||
+            !(std::hypot(at[kShiftX], at[kShiftY]) <= shiftLimit()) || (used & ~agreeing()) != 0) {
+            return refused(kDotNoDot);
+        }
+        if (!converged) {
+            return refused(kDotNotConverged);
+        }
+        if (!giveCovariance()) {
+            return refused(kDotNoDot);
+        }
+        result.ok = true;
+        result.centre = {shape.centre.x + at[kShiftX], shape.centre.y + at[kShiftY]};
+        result.scale = scale;
+        result.blur = std::sqrt(std::max(at[kBlur] * at[kBlur] - kPixelVariance, 0.0));
+        result.noise = residual.rms;
+        const double u = at[kShiftX] * outline.perRadius;
+        const double v = at[kShiftY] * outline.perRadius;
+        result.inside = at[kInside] + at[kInsideX] * u + at[kInsideY] * v;
+        result.outside = at[kOutside] + at[kOutsideX] * u + at[kOutsideY] * v;
+        return result;
+    }
+
+    bool giveCovariance() {
+        Matrix<kDotUnknowns> N = model.equations.normal;
+        if (!factor(N)) {
+            return false;
+        }
+        DotVector e{};
+        e[kShiftX] = 1.0;
+        const DotVector x = solve(N, e);
+        e[kShiftX] = 0.0;
+        e[kShiftY] = 1.0;
+        const DotVector y = solve(N, e);
+        result.covariance = {x[kShiftX], x[kShiftY], y[kShiftY]};
+        return x[kShiftX] + y[kShiftY] <= 2.0 * kMaxError * kMaxError;
+    }
+
+    void setFlags() {
+        if ((visible & ~used) != 0) {
+            result.flags |= kDotHalfHidden;
+        }
+        int bright = 0;
+        double clipped = 0.0;
+        double all = 0.0;
+        for (std::size_t k = 0; k < kDotSectors; ++k) {
+            bright += (used >> k & 1U) != 0 ? outliers.brighter[k] : 0;
+            for (const std::size_t side : {std::size_t{0}, std::size_t{1}}) {
+                clipped += pixels.clipped[side][k].n;
+                all += pixels.cores[side][k].n;
+            }
+        }
+        if (bright > 2) {
+            result.flags |= kDotHighlight;
+        }
+        if (clipped > 0.02 * (clipped + all)) {
+            result.flags |= kDotSaturated;
+        }
+    }
+
+    const DotShape& shape;
+    const DotFitOptions& options;
+    const DotOutline& outline;
+    DotPlace place;
+    DotPixels pixels;
+    DotModel model;
+    DotFitResult result;
+    DotOutliers outliers;
+    SectorMask visible = 0;
+    SectorMask used = 0;
+    double noise = 0.0;  // gray levels
+    double neighbourGap = 0.0;
+    bool converged = false;
+};
+
+}  // namespace
+
+DotFitResult fitDot(const DenseImage& image, const DotShape& shape, const DotFitOptions& options) {
+    DotFitResult refused;
+    refused.flags = kDotNoDot;
+    const auto outline = outlineOf(shape.axes);
+    if (!outline || !(options.neighbour >= 0.0)) {
+        return refused;
+    }
+    const double reach = outline->longAxis;
+    if (!(shape.centre.x >= -reach && shape.centre.y >= -reach && shape.centre.x <= image.width() + reach &&
+          shape.centre.y <= image.height() + reach)) {
+        refused.flags = kDotNoDot | kDotCut;
+        return refused;
+    }
+    return DotFitter(image, shape, options, *outline).fit();
+}
+
+}  // namespace zelm::measure

@@ -1,0 +1,143 @@
+// Gray levels of one dot as a function of ten unknowns, and their fit to pixels.
+#ifndef ZELM_MEASURE_DOT_MODEL_H
+#define ZELM_MEASURE_DOT_MODEL_H
+
+#include <zelmLib.h>
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "cholesky.h"
+
+namespace zelm::measure {
+
+constexpr std::size_t kDotSectors = 24;  // of the outline, by the parameter of its ellipse
+using SectorMask = std::uint32_t;
+constexpr SectorMask kAllSectors = (SectorMask{1} << kDotSectors) - 1;
+
+constexpr std::size_t kDotUnknowns = 10;
+using DotVector = Vector<kDotUnknowns>;
+
+// The unknowns: shift of the centre and growth of the mean radius in pixels, blur with the pixel's own square, and
+// levels linear in the offset from the predicted centre over the mean radius.
+enum DotUnknown : std::size_t {
+    kShiftX,
+    kShiftY,
+    kGrowth,
+    kBlur,
+    kInside,
+    kInsideX,
+    kInsideY,
+    kOutside,
+    kOutsideX,
+    kOutsideY
+};
+
+struct DotOutline {
+    std::array<double, 4> axes{};
+    std::array<double, 4> inverse{};
+    double radius = 0.0;     // of the circle of the same area, pixels
+    double perRadius = 0.0;  // its inverse
+    double turn = 1.0;       // 1 or -1: the parameter runs from x towards y, or against that
+    double longAxis = 0.0;
+    double shortAxis = 0.0;
+};
+
+// A pixel near the outline. Its foot, the nearest point of the outline, moves little while the outline does.
+struct DotSample {
+    double x, y;          // from the predicted centre, pixels
+    double gray;          //
+    double footX, footY;  // parameter of the foot, as a unit vector
+    double weight;        // 1 / variance
+    std::uint32_t sector;
+};
+
+// Pixels that the outline's blur does not reach, summed: x and y are over the mean radius.
+struct CoreSums {
+    double n = 0, x = 0, y = 0, xx = 0, xy = 0, yy = 0, g = 0, gx = 0, gy = 0, gg = 0;
+    void add(double px, double py, double gray);
+    void add(const CoreSums& other);
+};
+
+struct DotPixels {
+    std::vector<DotSample> samples;
+    // By class, inside and outside, and sector; clipped: at 255 or 0, where the true level may lie beyond.
+    std::array<std::array<CoreSums, kDotSectors>, 2> cores;
+    std::array<std::array<CoreSums, kDotSectors>, 2> clipped;
+};
+
+// Variances of the gray levels, and what the outline adds to them at its steepest.
+struct DotVariance {
+    double inside = 1.0;
+    double outside = 1.0;
+    double edge = 0.0;
+    double at(double coverage) const {
+        return coverage * inside + (1.0 - coverage) * outside + 4.0 * coverage * (1.0 - coverage) * edge;
+    }
+};
+
+struct DotLimits {
+    double shift = 2.0;     // pixels
+    double maxBlur = 5.0;   // pixels
+    double contrast = 0.0;  // the scale of what is thought likely of levels
+};
+
+struct DotEquations {
+    Matrix<kDotUnknowns> normal{};
+    DotVector right{};
+    double cost = 0.0;
+};
+
+// What the model says of one sample.
+struct SampleView {
+    double nx, ny;      // normal of the outline at the foot, outwards
+    double support;     // how far the foot moves along the normal when the mean radius grows by 1
+    double distance;    // from the outline, positive outside, pixels
+    double coverage;    // by the dot
+    double byDistance;  // derivatives of the coverage
+    double byBlur;      //
+    double inside;      // gray levels here
+    double outside;     //
+
+    double gray() const { return outside + (inside - outside) * coverage; }
+    // Gray levels a pixel by which the sample changes when the outline moves outwards.
+    double slope() const { return -(inside - outside) * byDistance; }
+};
+
+// Whether the sample is clipped and the model lies beyond the clip, so that it says nothing against the model.
+inline bool isBeyondClip(double gray, double modelled) {
+    return (gray >= 255.0 && modelled > 255.0) || (gray <= 0.0 && modelled < 0.0);
+}
+
+class DotModel {
+public:
+    DotModel(const DotOutline& outlineOfDot, DotPixels& pixelsOfDot) : outline(outlineOfDot), pixels(pixelsOfDot) {}
+
+    DotVector unknowns{};
+    DotVariance variance;
+    DotLimits limits;
+    DotEquations equations;  // at the unknowns, after fit()
+
+    // Gives every sample its weight by the variance at the present unknowns.
+    void weigh();
+    // Whether it converged; equations then hold at the solution.
+    bool fit(SectorMask sectors, int maxSteps);
+    // Moves the sample's foot to the outline as it is with these unknowns.
+    SampleView look(DotSample& sample, const DotVector& at) const;
+    // Sums over the sectors of one class, 0 inside and 1 outside, as they count at these levels.
+    CoreSums coreOf(SectorMask sectors, std::size_t side, const DotVector& at) const;
+
+private:
+    void linearise(const DotVector& at, SectorMask sectors, DotEquations& to) const;
+    void addPriors(const DotVector& at, DotEquations& to) const;
+    bool isAllowed(const DotVector& at) const;
+
+    const DotOutline& outline;
+    DotPixels& pixels;
+};
+
+}  // namespace zelm::measure
+
+#endif
