@@ -26,5 +26,6 @@
 #include "zelmMeasure/measureMatch.h"
 #include "zelmMeasure/measurePoints.h"
 #include "zelmMeasure/measureRig.h"
+#include "zelmMeasure/measureUncertainty.h"
 
 #endif
