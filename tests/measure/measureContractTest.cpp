@@ -271,6 +271,105 @@ TEST_F(MeasureContract, Correspondences) {
     expectParam("any", zelmMeasureOverlap(rig, &sound.options, 1, p, nullptr));
 }
 
+// A covariance that a rig takes.
+ZelmMeasureCovariance unitCovariance() {
+    auto covariance = emptyRecord<ZelmMeasureCovariance>();
+    covariance.noise = 0.05;
+    for (std::size_t i = 0; i < ZELM_MEASURE_PARAMETERS; ++i) {
+        covariance.matrix[27 * i] = 1e-6;
+    }
+    return covariance;
+}
+
+TEST_F(MeasureContract, CovariancesOfRigs) {
+    ZelmMeasureRig* const rig = sound.rig.get();
+    ZelmMeasureCovariance given = unitCovariance();
+    expectParam("rig", zelmMeasureRigSetCovariance(nullptr, &given));
+    for (const std::int32_t size : {0, 3, -8, static_cast<std::int32_t>(sizeof given) - 8}) {
+        given.size = size;
+        expectParam("size", zelmMeasureRigSetCovariance(rig, &given));
+    }
+    given = unitCovariance();
+    ASSERT_EQ(zelmMeasureRigSetCovariance(rig, &given), ZELM_OK);
+    auto taken = emptyRecord<ZelmMeasureCovariance>();
+    expectParam("rig", zelmMeasureRigCovariance(nullptr, &taken));
+    expectRecordRefused<ZelmMeasureCovariance>("covariance", [&](auto* r) { return zelmMeasureRigCovariance(rig, r); });
+    expectParam("rig", zelmMeasureCovarianceSize(nullptr, out.longs));
+    expectParam("size", zelmMeasureCovarianceSize(rig, nullptr));
+    std::vector<unsigned char> bytes(2856, 7);
+    expectParam("rig", zelmMeasureCovarianceSave(nullptr, 2856, bytes.data()));
+    expectParam("bytes", zelmMeasureCovarianceSave(rig, 2856, nullptr));
+    for (const std::int64_t capacity : {std::int64_t{2855}, std::int64_t{0}, std::int64_t{-1}}) {
+        expectParam("capacity", zelmMeasureCovarianceSave(rig, capacity, bytes.data()));
+    }
+    EXPECT_EQ(bytes, std::vector<unsigned char>(2856, 7));
+    expectParam("rig", zelmMeasureCovarianceLoad(nullptr, bytes.data(), 2856));
+    expectParam("bytes", zelmMeasureCovarianceLoad(rig, nullptr, 2856));
+    expectParam("size", zelmMeasureCovarianceLoad(rig, bytes.data(), -1));
+}
+
+TEST_F(MeasureContract, NoiseThatCannotBeMeant) {
+    ZelmMeasureRig* const rig = sound.rig.get();
+    const ZelmMeasureCovariance covariance = unitCovariance();
+    ASSERT_EQ(zelmMeasureRigSetCovariance(rig, &covariance), ZELM_OK);
+    const double none = std::numeric_limits<double>::quiet_NaN();
+    const double wrong[][3] = {{-1.0, 0.0, 1.0}, {1.0, 1.1, 1.0}, {1.0, none, 1.0}, {none, 0.0, 1.0}, {1.0, 0.0, none}};
+    std::vector<ZelmMeasurePixelNoise> noises(4 + 2 * std::size(wrong), emptyRecord<ZelmMeasurePixelNoise>());
+    noises[0].sigma = -0.1;
+    noises[1].sigma = none;
+    noises[2].freedom = 0.5;
+    noises[3].freedom = none;
+    for (std::size_t i = 0; i < std::size(wrong); ++i) {
+        noises[4 + 2 * i].left = wrong[i];
+        noises[5 + 2 * i].right = wrong[i];
+    }
+    const double* const p = sound.pixels;
+    const std::int64_t ends[] = {0, 0};
+    auto points = emptyRecord<ZelmMeasurePointCovariances>();
+    points.statuses = out.integers;
+    points.image = out.numbers;
+    auto lengths = emptyRecord<ZelmMeasureLengths>();
+    lengths.statuses = out.integers;
+    lengths.lengths = out.numbers;
+    for (const ZelmMeasurePixelNoise& noise : noises) {
+        expectParam("points", zelmMeasurePointCovariance(rig, 1, p, p, &noise, &points));
+        expectParam("lengths", zelmMeasureLengths(rig, 1, p, p, &noise, 1, ends, &lengths));
+    }
+    ZelmMeasurePixelNoise unset{};
+    expectParam("points", zelmMeasurePointCovariance(rig, 1, p, p, &unset, &points));
+    expectParam("lengths", zelmMeasureLengths(rig, 1, p, p, &unset, 1, ends, &lengths));
+}
+
+TEST_F(MeasureContract, UncertaintyOfPointsAndLengths) {
+    ZelmMeasureRig* const rig = sound.rig.get();
+    const ZelmMeasureCovariance covariance = unitCovariance();
+    ASSERT_EQ(zelmMeasureRigSetCovariance(rig, &covariance), ZELM_OK);
+    const double* const p = sound.pixels;
+    const std::int64_t ends[] = {0, 1};
+    const std::int64_t beyond[] = {0, 2};
+    auto points = emptyRecord<ZelmMeasurePointCovariances>();
+    points.statuses = out.integers;
+    points.image = out.numbers;
+    auto lengths = emptyRecord<ZelmMeasureLengths>();
+    lengths.statuses = out.integers;
+    lengths.lengths = out.numbers;
+    expectParam("rig", zelmMeasurePointCovariance(nullptr, 1, p, p, nullptr, &points));
+    expectParam("count", zelmMeasurePointCovariance(rig, -1, p, p, nullptr, &points));
+    expectParam("left", zelmMeasurePointCovariance(rig, 1, nullptr, p, nullptr, &points));
+    expectParam("right", zelmMeasurePointCovariance(rig, 1, p, nullptr, nullptr, &points));
+    expectRecordRefused<ZelmMeasurePointCovariances>(
+        "points", [&](auto* r) { return zelmMeasurePointCovariance(rig, 1, p, p, nullptr, r); });
+    expectParam("rig", zelmMeasureLengths(nullptr, 2, p, p, nullptr, 1, ends, &lengths));
+    expectParam("count", zelmMeasureLengths(rig, -1, p, p, nullptr, 1, ends, &lengths));
+    expectParam("left", zelmMeasureLengths(rig, 2, nullptr, p, nullptr, 1, ends, &lengths));
+    expectParam("right", zelmMeasureLengths(rig, 2, p, nullptr, nullptr, 1, ends, &lengths));
+    expectParam("lengths", zelmMeasureLengths(rig, 2, p, p, nullptr, -1, ends, &lengths));
+    expectParam("ends", zelmMeasureLengths(rig, 2, p, p, nullptr, 1, nullptr, &lengths));
+    expectParam("ends", zelmMeasureLengths(rig, 2, p, p, nullptr, 1, beyond, &lengths));
+    expectRecordRefused<ZelmMeasureLengths>(
+        "lengths", [&](auto* r) { return zelmMeasureLengths(rig, 2, p, p, nullptr, 1, ends, r); });
+}
+
 TEST_F(MeasureContract, CountsThatNoMemoryHoldsAreOutOfMemory) {
     ZelmMeasureRig* const rig = sound.rig.get();
     auto points = emptyRecord<ZelmMeasurePoints>();
@@ -287,6 +386,16 @@ TEST_F(MeasureContract, CountsThatNoMemoryHoldsAreOutOfMemory) {
     EXPECT_EQ(zelmMeasureMatch(rig, image, image, &sound.options, kMany, p, &matches), ZELM_ERR_MEMORY);
     EXPECT_EQ(zelmMeasureOverlap(rig, &sound.options, kMany, p, out.integers), ZELM_ERR_MEMORY);
     EXPECT_EQ(zelmMeasureFigures(kMany, p, &figures), ZELM_ERR_MEMORY);
+    auto noise = emptyRecord<ZelmMeasurePixelNoise>();
+    noise.sigma = 0.1;
+    const std::int64_t ends[] = {0, 1};
+    auto covariances = emptyRecord<ZelmMeasurePointCovariances>();
+    covariances.image = out.numbers;
+    auto lengths = emptyRecord<ZelmMeasureLengths>();
+    lengths.lengths = out.numbers;
+    EXPECT_EQ(zelmMeasurePointCovariance(rig, kMany, p, p, &noise, &covariances), ZELM_ERR_MEMORY);
+    EXPECT_EQ(zelmMeasureLengths(rig, kMany, p, p, &noise, 1, ends, &lengths), ZELM_ERR_MEMORY);
+    EXPECT_EQ(zelmMeasureLengths(rig, 2, p, p, &noise, kMany, ends, &lengths), ZELM_ERR_MEMORY);
     EXPECT_EQ(figures.count, 0);
     EXPECT_TRUE(out.areUntouched());
 }

@@ -277,6 +277,55 @@ TEST(MeasureMemory, Triangulation) {
     EXPECT_GE(failures.core, 2);
 }
 
+TEST(MeasureMemory, UncertaintyOfPointsAndLengths) {
+    const RigTruth truth = trueRig();
+    const OpenedRig rig(truth.block());
+    auto covariance = emptyRecord<ZelmMeasureCovariance>();
+    covariance.noise = 0.05;
+    EXPECT_EQ(
+        expectEveryFailureIsTold([&](Outputs&) { return zelmMeasureRigSetCovariance(rig.get(), &covariance); }).own, 0);
+    const Point2d l[] = {truth.raw('L', {10.0, 5.0, 2.0}), truth.raw('L', {-10.0, 5.0, 2.0})};
+    const Point2d r[] = {truth.raw('R', {10.0, 5.0, 2.0}), truth.raw('R', {-10.0, 5.0, 2.0})};
+    const double left[] = {l[0].x, l[0].y, l[1].x, l[1].y};
+    const double right[] = {r[0].x, r[0].y, r[1].x, r[1].y};
+    const Failures points = expectEveryFailureIsTold([&](Outputs& out) {
+        auto record = emptyRecord<ZelmMeasurePointCovariances>();
+        record.statuses = out.integers;
+        record.positions = out.numbers;
+        record.image = out.numbers + 10;
+        record.calibration = out.numbers + 30;
+        record.depths = out.numbers + 50;
+        return zelmMeasurePointCovariance(rig.get(), 2, left, right, nullptr, &record);
+    });
+    EXPECT_GE(points.own, 1);
+    EXPECT_GE(points.core, 2);
+    const std::int64_t ends[] = {0, 1};
+    const Failures lengths = expectEveryFailureIsTold([&](Outputs& out) {
+        auto record = emptyRecord<ZelmMeasureLengths>();
+        record.statuses = out.integers;
+        record.lengths = out.numbers;
+        record.expanded = out.numbers + 10;
+        return zelmMeasureLengths(rig.get(), 2, left, right, nullptr, 1, ends, &record);
+    });
+    EXPECT_GE(lengths.own, 3);
+    EXPECT_GE(lengths.core, 2);
+}
+
+TEST(MeasureMemory, BytesOfACovariance) {
+    const OpenedRig rig(trueRig().block());
+    auto covariance = emptyRecord<ZelmMeasureCovariance>();
+    ASSERT_EQ(zelmMeasureRigSetCovariance(rig.get(), &covariance), ZELM_OK);
+    std::vector<unsigned char> bytes(2856);
+    const Failures saving =
+        expectEveryFailureIsTold([&](Outputs&) { return zelmMeasureCovarianceSave(rig.get(), 2856, bytes.data()); });
+    EXPECT_GE(saving.own, 1);
+    const Failures loading =
+        expectEveryFailureIsTold([&](Outputs&) { return zelmMeasureCovarianceLoad(rig.get(), bytes.data(), 2856); });
+    EXPECT_GE(loading.own, 1);
+    EXPECT_EQ(
+        expectEveryFailureIsTold([&](Outputs& out) { return zelmMeasureCovarianceSize(rig.get(), out.longs); }).own, 0);
+}
+
 TEST(MeasureMemory, TrueDepths) {
     const OpenedRig rig(trueRig(64, 48).block());
     const std::vector<std::uint16_t> map(64 * 48, 4500);
