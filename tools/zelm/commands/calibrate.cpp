@@ -3,7 +3,10 @@
 
 #include <filesystem>
 #include <memory>
+#include <optional>
+#include <utility>
 
+#include "adjustCall.h"
 #include "calibrationSummary.h"
 #include "failure.h"
 #include "htmlReport.h"
@@ -31,6 +34,7 @@ struct CalibrateOptions {
     std::vector<int> rightRegion;
     bool overlays = false;
     bool strict = false;
+    AdjustSettings adjust;
 };
 
 PairSettings settingsOf(const CalibrateOptions& options) {
@@ -88,16 +92,18 @@ Calibration calibrate(const CalibrateOptions& options, const PairSettings& setti
     }
     PairReading reading = readPairs(views, settings, console);
     estimate(reading);
-    const LoadedRig rig = rigOf(reading.calib.get());
-    Calibration c{settings.plate,
-                  reading.used,
-                  reading.skipped,
-                  rig.rig,
-                  rigFigures(rig, settings.plate),
-                  blockOf(reading.calib.get()),
-                  reading.pictures,
-                  tiltOf(rig, 'L'),
-                  tiltOf(rig, 'R')};
+    LoadedRig rig = rigOf(reading.calib.get());
+    std::optional<AdjustReport> adjustment;
+    if (!options.adjust.off) {
+        Adjusted adjusted = adjustRig(rig, reading, settings.plate, options.adjust, console);
+        adjustment = std::move(adjusted.report);
+        if (adjustment->refusal.empty()) {
+            rig = std::move(adjusted.rig);
+        }
+    }
+    Calibration c{
+        settings.plate,       reading.used,     reading.skipped,  rig.rig,          rigFigures(rig, settings.plate),
+        blockOf(rig.calib()), reading.pictures, tiltOf(rig, 'L'), tiltOf(rig, 'R'), std::move(adjustment)};
     // A parallel pair is calibrated from one view; the object has places for more.
     c.figures.left.views.resize(c.views.size());
     c.figures.right.views.resize(c.views.size());
@@ -176,6 +182,7 @@ void addCalibrate(CommandLine& commandLine, Console& console) {
     sub.option("--right-model", o->rightModel, "Right camera" + models).inRange(0, 2).showDefault();
     sub.rectangle("--left-region", o->leftRegion, "Part of the left images that holds the plate");
     sub.rectangle("--right-region", o->rightRegion, "Part of the right images that holds the plate");
+    addAdjustOptions(sub, o->adjust);
     sub.flag("--overlays", o->overlays, "Also draw the dots found into a copy of every image");
     sub.flag("--strict", o->strict, "Give up when one view cannot be read, instead of skipping it");
     sub.does([o, &console] { runCalibrate(*o, console); });

@@ -39,11 +39,20 @@ LoadedRig loaded(MeasurePtr handle) {
     if (zelmMeasureRigRelativePose(handle.get(), &pair) >= 0) {
         rig.rig.pair = pair;
     }
+    ZelmMeasureCovariance covariance{};
+    covariance.size = sizeof(covariance);
+    if (zelmMeasureRigCovariance(handle.get(), &covariance) >= 0) {
+        rig.rig.covariance = covariance;
+    }
     rig.handle = std::move(handle);
     return rig;
 }
 
 }  // namespace
+
+LoadedRig rigOfHandle(MeasurePtr handle) {
+    return loaded(std::move(handle));
+}
 
 void LoadedRig::require(std::int32_t status, const std::string& file) const {
     if (status < 0) {

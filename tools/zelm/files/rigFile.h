@@ -41,8 +41,9 @@ using PairGeometry = ZelmMeasureRelativePose;
 struct Rig {
     RigCamera left;
     RigCamera right;
-    std::array<double, 9> fundamental{};  // x_left^T F x_right = 0, undistorted pixels
-    std::optional<PairGeometry> pair;     // none with a parallel projection
+    std::array<double, 9> fundamental{};              // x_left^T F x_right = 0, undistorted pixels
+    std::optional<PairGeometry> pair;                 // none with a parallel projection
+    std::optional<ZelmMeasureCovariance> covariance;  // of the parameters, where it is known
 
     std::size_t views() const { return left.poses.size(); }
 };
@@ -62,6 +63,9 @@ struct LoadedRig {
 
 // The rig of a calibrated handle, with the dots that it was calibrated from.
 LoadedRig rigOf(const Zelm2ViewCalib* calib);
+
+// The rig of a handle of the measuring library.
+LoadedRig rigOfHandle(MeasurePtr handle);
 
 // The calibration block of a handle.
 std::string blockOf(const Zelm2ViewCalib* calib);

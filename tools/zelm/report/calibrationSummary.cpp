@@ -112,6 +112,9 @@ std::string summaryText(const Calibration& c) {
         text += fmt::format("{} of {} views skipped\n", c.skipped.size(), c.skipped.size() + c.views.size());
     }
     text += fmt::format("\n{}\n", rigText(c.rig, c.plate.units));
+    if (c.adjustment) {
+        text += fmt::format("\n{}", adjustText(*c.adjustment, c.rig, c.plate.units));
+    }
     text += fmt::format("epipolar RMS distance {:.4f} px over {} dot pairs of {} views (worst {:.4f} px)",
                         c.figures.epipolar.rms, c.figures.dotPairs, c.views.size(), c.figures.epipolar.max);
     return text;
@@ -138,6 +141,9 @@ Json summaryJson(const Calibration& c) {
         json["pair"] = rig["pair"];
     }
     json["fundamental"] = rig["fundamental"];
+    if (c.adjustment) {
+        json["adjustment"] = adjustJson(*c.adjustment);
+    }
     return json;
 }
 

@@ -4,8 +4,10 @@
 
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <string>
 
+#include "adjustReport.h"
 #include "pairReading.h"
 #include "rigFigures.h"
 #include "rigFile.h"
@@ -23,6 +25,7 @@ struct Calibration {
     std::shared_ptr<PictureStore> pictures;  // of the views
     double leftTilt = 0.0;                   // of a parallel camera, of the plate of view 0 against it, radians
     double rightTilt = 0.0;                  //
+    std::optional<AdjustReport> adjustment;  // none was asked for
 };
 
 // Of a view and a camera, the name of its image file; empty where there is none.
