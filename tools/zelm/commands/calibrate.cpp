@@ -102,8 +102,9 @@ Calibration calibrate(const CalibrateOptions& options, const PairSettings& setti
         }
     }
     Calibration c{
-        settings.plate,       reading.used,     reading.skipped,  rig.rig,          rigFigures(rig, settings.plate),
-        blockOf(rig.calib()), reading.pictures, tiltOf(rig, 'L'), tiltOf(rig, 'R'), std::move(adjustment)};
+        settings.plate,       reading.used,         reading.skipped,  rig.rig,          rigFigures(rig, settings.plate),
+        blockOf(rig.calib()), covarianceBytes(rig), reading.pictures, tiltOf(rig, 'L'), tiltOf(rig, 'R'),
+        std::move(adjustment)};
     // A parallel pair is calibrated from one view; the object has places for more.
     c.figures.left.views.resize(c.views.size());
     c.figures.right.views.resize(c.views.size());
@@ -152,6 +153,11 @@ void runCalibrate(const CalibrateOptions& options, const Console& console) {
 
     const std::string summary = jsonText(summaryJson(c));
     outputs.add(folder / "rig.zcal", c.block);
+    if (c.covariance.empty()) {
+        outputs.supersede(folder / "rig.zcov");
+    } else {
+        outputs.add(folder / "rig.zcov", c.covariance);
+    }
     outputs.add(folder / "rig.json", summary + "\n");
     outputs.add(folder / "report.html", htmlReport(c));
     if (options.overlays) {
@@ -161,7 +167,7 @@ void runCalibrate(const CalibrateOptions& options, const Console& console) {
     warnOfTilt(c, console);
 
     console.say(summaryText(c));
-    console.say(fmt::format("wrote rig.zcal, rig.json{} to {}",
+    console.say(fmt::format("wrote rig.zcal, {}rig.json{} to {}", c.covariance.empty() ? "" : "rig.zcov, ",
                             options.overlays ? ", report.html and overlays/" : " and report.html", folder.string()));
     console.result(summary);
 }

@@ -13,10 +13,19 @@
 namespace zelm::tool {
 namespace {
 
+std::string freedomText(double freedom) {
+    return freedom > 0.0 ? fmt::format("{:.0f} degrees of freedom", freedom) : "known";
+}
+
 void showRig(const std::filesystem::path& path, const Console& console) {
     const Rig rig = loadRig(path).rig;
+    const std::string covariance =
+        rig.covariance ? fmt::format("covariance in {}: noise of a dot {:.4f} px, {}", covarianceFile(path).string(),
+                                     rig.covariance->noise, freedomText(rig.covariance->freedom))
+                       : fmt::format("no covariance beside {}", path.string());
     console.say(fmt::format("{}: a calibrated pair from {} views", path.string(), rig.views()));
     console.say(rigText(rig, "plate units"));
+    console.say(covariance);
     if (console.json) {
         console.result(jsonText(rigJson(rig)));
     }

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <vector>
 
 #include "cameraPicture.h"
@@ -50,6 +51,7 @@ struct Summary {
     double nearest = 0.0;  // depths of the points that are ok
     double farthest = 0.0;
     double medianDeviation = 0.0;
+    std::optional<double> medianCalibration;  // standard deviation of the depth by the calibration, where it is known
     double medianScore = 0.0;
     double seconds = 0.0;
     double processorSeconds = 0.0;  // of all threads together
@@ -60,7 +62,7 @@ struct Summary {
 
 void checkNames(const MatchOptions& o) {
     const std::vector<std::string> outputs{o.csv, o.ply, o.picture};
-    const std::vector<std::string> inputs{o.rig, o.left, o.right, o.points};
+    const std::vector<std::string> inputs{o.rig, covarianceFile(o.rig).string(), o.left, o.right, o.points};
     const auto same = [](const std::string& a, const std::string& b) {
         return !a.empty() && !b.empty() && isSameFile(a, b);
     };
@@ -145,12 +147,16 @@ Summary summaryOf(const std::vector<MatchedPoint>& points) {
     s.counts = countStatuses(points);
     std::vector<double> depths;
     std::vector<double> deviations;
+    std::vector<double> byCalibration;
     std::vector<double> scores;
     for (const MatchedPoint& p : points) {
         if (p.status == MatchStatus::ok) {
             depths.push_back(p.depth);
             deviations.push_back(p.deviation);
             scores.push_back(p.score);
+            if (p.calibrationDeviation) {
+                byCalibration.push_back(*p.calibrationDeviation);
+            }
         }
     }
     if (!depths.empty()) {
@@ -159,6 +165,9 @@ Summary summaryOf(const std::vector<MatchedPoint>& points) {
         s.farthest = *largest;
     }
     s.medianDeviation = figuresOf(deviations).median;
+    if (!byCalibration.empty()) {
+        s.medianCalibration = figuresOf(byCalibration).median;
+    }
     s.medianScore = figuresOf(scores).median;
     return s;
 }
@@ -216,6 +225,10 @@ std::string summaryText(const MatchOptions& o, const Summary& s, std::size_t poi
     text +=
         fmt::format("depth {:.6g} to {:.6g} {}, expected standard deviation {:.2g} (median), score {:.3f} (median)\n",
                     s.nearest, s.farthest, o.unit, s.medianDeviation, s.medianScore);
+    if (s.medianCalibration) {
+        text += fmt::format("the calibration adds a standard deviation of {:.2g} {} (median), shared by neighbours\n",
+                            *s.medianCalibration, o.unit);
+    }
     const ZelmMeasureDepthLimits& l = o.search.limits;
     text += fmt::format("looked for at depths from {:.6g} to {:.6g}, noise {:.2f} gray levels\n", l.leftMin, l.leftMax,
                         o.search.noise);
@@ -243,6 +256,9 @@ Json summaryJson(const MatchOptions& o, const Summary& s, std::size_t points) {
               {"seconds", s.seconds},
               {"processorSeconds", s.processorSeconds},
               {"csv", o.csv}};
+    if (s.medianCalibration) {
+        json["depthSigmaCalibrationMedian"] = *s.medianCalibration;
+    }
     if (!o.ply.empty()) {
         json["ply"] = o.ply;
     }
@@ -253,8 +269,8 @@ Json summaryJson(const MatchOptions& o, const Summary& s, std::size_t points) {
 }
 
 void writeFiles(const MatchOptions& o, const std::vector<MatchedPoint>& points, const Picture& left,
-                OutputFiles& outputs) {
-    outputs.add(o.csv, matchCsv(points));
+                bool withCalibration, OutputFiles& outputs) {
+    outputs.add(o.csv, matchCsv(points, withCalibration));
     if (!o.ply.empty()) {
         outputs.add(o.ply, matchPly(points, left));
     }
@@ -300,7 +316,7 @@ void runMatch(MatchOptions o, const Console& console) {
     summary.processorSeconds = static_cast<double>(std::clock() - processorStart) / CLOCKS_PER_SEC;
     summary.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     checkResult(o, summary, matched.size(), points.size());
-    writeFiles(o, matched, left, outputs);
+    writeFiles(o, matched, left, rig.rig.covariance.has_value(), outputs);
     warnOfChance(o, summary, console);
     console.say(summaryText(o, summary, matched.size()));
     console.result(jsonText(summaryJson(o, summary, matched.size())));

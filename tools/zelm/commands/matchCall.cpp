@@ -5,6 +5,7 @@
 
 #include "dots.h"
 #include "failure.h"
+#include "spaceUncertainty.h"
 
 namespace zelm::tool {
 namespace {
@@ -57,11 +58,17 @@ struct MatchArrays {
     }
     MatchedPoint at(std::size_t i, const ImagePoint& point) const {
         const double* const X = &positions[3 * i];
-        return {point.id,      static_cast<MatchStatus>(statuses[i]),
-                point.pixel,   {pixels[2 * i], pixels[2 * i + 1]},
-                scores[i],     {X[0], X[1], X[2]},
-                depths[i],     deviations[i],
-                errors[2 * i], errors[2 * i + 1]};
+        return {point.id,
+                static_cast<MatchStatus>(statuses[i]),
+                point.pixel,
+                {pixels[2 * i], pixels[2 * i + 1]},
+                scores[i],
+                {X[0], X[1], X[2]},
+                depths[i],
+                deviations[i],
+                errors[2 * i],
+                errors[2 * i + 1],
+                {}};
     }
 
     std::vector<std::int32_t> statuses;
@@ -72,6 +79,29 @@ struct MatchArrays {
     std::vector<double> deviations;
     std::vector<double> errors;
 };
+
+// What the calibration adds to the depths, where its covariance is known.
+void addCalibration(const LoadedRig& rig, std::vector<MatchedPoint>& points) {
+    if (!rig.rig.covariance) {
+        return;
+    }
+    std::vector<PixelPair> pairs;
+    for (const MatchedPoint& point : points) {
+        if (point.status == MatchStatus::ok) {
+            pairs.push_back({point.left, point.right, {}});
+        }
+    }
+    const std::vector<PointUncertainty> known = uncertaintyOf(rig, pairs, 0.0);
+    std::size_t next = 0;
+    for (MatchedPoint& point : points) {
+        if (point.status == MatchStatus::ok) {
+            const PointUncertainty& uncertainty = known[next++];
+            if (uncertainty.isKnown) {
+                point.calibrationDeviation = uncertainty.depthByCalibration;
+            }
+        }
+    }
+}
 
 }  // namespace
 
@@ -125,6 +155,7 @@ std::vector<MatchedPoint> matchedPoints(const MatchCall& call, const std::vector
             result.push_back(std::move(point));
         }
     }
+    addCalibration(call.rig, result);
     return result;
 }
 

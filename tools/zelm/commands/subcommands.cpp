@@ -8,6 +8,7 @@ void addSubcommands(CommandLine& commandLine, Console& console) {
     addDetect(commandLine, console);
     addEpiline(commandLine, console);
     addInfo(commandLine, console);
+    addLength(commandLine, console);
     addMatch(commandLine, console);
     addRectify(commandLine, console);
     addSimulate(commandLine, console);

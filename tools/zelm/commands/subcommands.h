@@ -12,6 +12,7 @@ void addCompare(CommandLine& commandLine, Console& console);
 void addDetect(CommandLine& commandLine, Console& console);
 void addEpiline(CommandLine& commandLine, Console& console);
 void addInfo(CommandLine& commandLine, Console& console);
+void addLength(CommandLine& commandLine, Console& console);
 void addMatch(CommandLine& commandLine, Console& console);
 void addRectify(CommandLine& commandLine, Console& console);
 void addSimulate(CommandLine& commandLine, Console& console);

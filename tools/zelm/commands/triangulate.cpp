@@ -5,14 +5,15 @@
 #include <filesystem>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <optional>
 
-#include "cameraPicture.h"
-#include "dots.h"
+#include "dotPairs.h"
 #include "failure.h"
 #include "jsonText.h"
 #include "outputFiles.h"
 #include "rigFigures.h"
 #include "spacePoints.h"
+#include "spaceUncertainty.h"
 #include "subcommands.h"
 
 namespace zelm::tool {
@@ -26,9 +27,13 @@ struct TriangulateOptions {
     std::string pairs;
     std::string csv;
     std::string ply;
-    std::vector<std::string> dotImages;  // left and right, or none
-    std::string polarity = "dark";
+    DotOptions dots;
+    std::optional<double> noise;  // of the pixels; that of the calibration's dots
+    bool covariances = false;     // in the CSV, beside standard deviations
 };
+
+// What is known of the points beside their place; empty where the rig has no covariance.
+using Uncertainties = std::vector<PointUncertainty>;
 
 // What a result is told from at a glance.
 struct Summary {
@@ -50,7 +55,8 @@ void checkNames(const TriangulateOptions& o) {
         failUsage("{}: given for both CSV and PLY: give two names", o.csv);
     }
     std::vector<std::string> inputs{o.rig, o.pairs};
-    inputs.insert(inputs.end(), o.dotImages.begin(), o.dotImages.end());
+    inputs.push_back(covarianceFile(o.rig).string());
+    inputs.insert(inputs.end(), o.dots.images.begin(), o.dots.images.end());
     for (const std::string& output : {o.csv, o.ply}) {
         for (const std::string& input : inputs) {
             if (same(output, input)) {
@@ -60,48 +66,8 @@ void checkNames(const TriangulateOptions& o) {
     }
 }
 
-// The centres of the dots that pixels of a picture lie in; tells where there is none.
-std::vector<bool> moveToDots(const Picture& picture, const std::string& polarity, std::vector<double>& pixels) {
-    const ZelmMeasureImage image = imageOf(picture);
-    std::vector<std::int32_t> statuses(pixels.size() / 2);
-    if (zelmMeasureDotCentres(&image, static_cast<std::int64_t>(statuses.size()), pixels.data(),
-                              polarity == "bright" ? 1 : 0, pixels.data(), statuses.data()) < 0) {
-        failData("out of memory while looking for dots: give fewer pairs at a time");
-    }
-    std::vector<bool> found(statuses.size());
-    std::transform(statuses.begin(), statuses.end(), found.begin(),
-                   [](std::int32_t status) { return status == ZELM_MEASURE_DOT_OK; });
-    return found;
-}
-
-// Moves the pixels of the pairs onto the centres of the dots that they lie in; tells where there is none in both
-// images.
-std::vector<bool> moveToDots(std::vector<PixelPair>& pairs, const TriangulateOptions& o, const LoadedRig& rig) {
-    const Picture leftPicture = readGrayCameraPicture(o.dotImages[0], rig, 'L');
-    const Picture rightPicture = readGrayCameraPicture(o.dotImages[1], rig, 'R');
-    std::vector<double> left;
-    std::vector<double> right;
-    for (const PixelPair& pair : pairs) {
-        left.insert(left.end(), {pair.left.x, pair.left.y});
-        right.insert(right.end(), {pair.right.x, pair.right.y});
-    }
-    std::vector<bool> found = moveToDots(leftPicture, o.polarity, left);
-    const std::vector<bool> foundRight = moveToDots(rightPicture, o.polarity, right);
-    for (std::size_t i = 0; i < pairs.size(); ++i) {
-        found[i] = found[i] && foundRight[i];
-        if (found[i]) {
-            pairs[i].left = {left[2 * i], left[2 * i + 1]};
-            pairs[i].right = {right[2 * i], right[2 * i + 1]};
-        }
-    }
-    return found;
-}
-
 std::vector<SpacePoint> pointsOf(std::vector<PixelPair>& pairs, const TriangulateOptions& o, const LoadedRig& rig) {
-    std::vector<bool> found(pairs.size(), true);
-    if (!o.dotImages.empty()) {
-        found = moveToDots(pairs, o, rig);
-    }
+    const std::vector<bool> found = moveToDots(pairs, o.dots, rig);
     std::vector<SpacePoint> points = triangulate(rig, o.rig, pairs);
     for (std::size_t i = 0; i < pairs.size(); ++i) {
         if (!found[i]) {
@@ -142,6 +108,44 @@ std::string failuresText(const Summary& s) {
     return text;
 }
 
+// Of points whose status leaves them without numbers nothing is known.
+Uncertainties uncertaintiesOf(const std::vector<PixelPair>& pairs, const std::vector<SpacePoint>& points,
+                              const TriangulateOptions& o, const LoadedRig& rig) {
+    if (!rig.rig.covariance) {
+        if (o.noise || o.covariances) {
+            rig.requireCovariance();
+        }
+        return {};
+    }
+    Uncertainties known = uncertaintyOf(rig, pairs, o.noise.value_or(0.0));
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        known[i].isKnown = known[i].isKnown && points[i].status != PointStatus::noDot;
+    }
+    return known;
+}
+
+std::string uncertaintyText(const Uncertainties& known, const TriangulateOptions& o, const LoadedRig& rig) {
+    if (known.empty()) {
+        return fmt::format("no covariance beside {}: no standard deviations", o.rig);
+    }
+    const UncertaintyMedians m = mediansOf(known);
+    const auto part = [](const std::array<double, 3>& s) {
+        return fmt::format("X {:.2g}, Y {:.2g}, Z {:.2g}", s[0], s[1], s[2]);
+    };
+    return fmt::format(
+        "standard deviations   {} plate units (medians)\n  by noise            {}, of {:.4f} px\n"
+        "  by calibration      {}",
+        part(m.total), part(m.noise), o.noise.value_or(rig.rig.covariance->noise), part(m.calibration));
+}
+
+void addUncertainty(Json& json, const Uncertainties& known, const TriangulateOptions& o, const LoadedRig& rig) {
+    if (!known.empty()) {
+        const UncertaintyMedians m = mediansOf(known);
+        json["noise"] = o.noise.value_or(rig.rig.covariance->noise);
+        json["sigmaMedian"] = {{"total", m.total}, {"noise", m.noise}, {"calibration", m.calibration}};
+    }
+}
+
 std::string summaryText(const Summary& s, std::size_t pairs, const TriangulateOptions& o) {
     return fmt::format(
         "{} of {} pixel pairs triangulated; wrote {}{}{}\n"
@@ -178,6 +182,7 @@ void runTriangulate(const TriangulateOptions& o, const Console& console) {
         outputs.prepareFolder(fs::path(o.ply).parent_path());
     }
     const std::vector<SpacePoint> points = pointsOf(pairs, o, rig);
+    const Uncertainties known = uncertaintiesOf(pairs, points, o, rig);
     const Summary summary = summaryOf(points);
     if (summary.points() == 0) {
         failData(
@@ -185,7 +190,7 @@ void runTriangulate(const TriangulateOptions& o, const Console& console) {
             "other cameras?",
             o.pairs, pairs.size(), failuresText(summary));
     }
-    outputs.add(o.csv, csvOf(pairs, points));
+    outputs.add(o.csv, csvOf(pairs, points, known, o.covariances));
     if (!o.ply.empty()) {
         outputs.add(o.ply, plyOf(points));
     }
@@ -195,7 +200,10 @@ void runTriangulate(const TriangulateOptions& o, const Console& console) {
                                  pairs.size() - summary.points(), pairs.size(), failuresText(summary)));
     }
     console.say(summaryText(summary, pairs.size(), o));
-    console.result(jsonText(summaryJson(summary, pairs.size(), o)));
+    console.say(uncertaintyText(known, o, rig));
+    Json json = summaryJson(summary, pairs.size(), o);
+    addUncertainty(json, known, o, rig);
+    console.result(jsonText(json));
 }
 
 }  // namespace
@@ -210,9 +218,11 @@ void addTriangulate(CommandLine& commandLine, Console& console) {
         .required();
     sub.option("-o,--output", o->csv, "CSV of the points, a line for each pixel pair").required();
     sub.option("--ply", o->ply, "Also write the points as a PLY cloud");
-    sub.option("--dots", o->dotImages, "LEFT and RIGHT image: use the centres of the dots in which the pixels lie")
-        .takes(2);
-    sub.option("--polarity", o->polarity, "Polarity of the dots of --dots").oneOf({"dark", "bright"}).showDefault();
+    addDotOptions(sub, o->dots);
+    sub.option("--noise", o->noise,
+               "Standard deviation of the pixels' coordinates, pixels; default: that of the calibration's dots")
+        .inRange(1e-6, 1000.0);
+    sub.flag("--covariance", o->covariances, "Also write both parts of each point's covariance into the CSV");
     sub.does([o, &console] { runTriangulate(*o, console); });
 }
 

@@ -46,8 +46,9 @@ std::array<std::size_t, kMatchStatuses> countStatuses(const std::vector<MatchedP
     return counts;
 }
 
-std::string matchCsv(const std::vector<MatchedPoint>& points) {
-    std::string csv = "id,xL,yL,xR,yR,score,X,Y,Z,depth,depth_sigma,error_left_px,error_right_px,status\n";
+std::string matchCsv(const std::vector<MatchedPoint>& points, bool withCalibration) {
+    std::string csv = "id,xL,yL,xR,yR,score,X,Y,Z,depth,depth_sigma,error_left_px,error_right_px";
+    csv += withCalibration ? ",depth_sigma_calibration,status\n" : ",status\n";
     csv.reserve(csv.size() + kBytesPerLine * points.size());
     const auto out = std::back_inserter(csv);
     for (const MatchedPoint& p : points) {
@@ -60,6 +61,9 @@ std::string matchCsv(const std::vector<MatchedPoint>& points) {
                            p.errorRight);
         } else {
             csv += ",,,,,,,,,";
+        }
+        if (withCalibration) {
+            csv += p.calibrationDeviation ? fmt::format(FMT_COMPILE(",{:.3g}"), *p.calibrationDeviation) : ",";
         }
         fmt::format_to(out, FMT_COMPILE(",{}\n"), statusWord(p.status));
     }

@@ -5,6 +5,7 @@
 #include <zelmMeasure.h>
 
 #include <array>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -36,6 +37,7 @@ struct MatchedPoint {
     double deviation = 0.0;  // expected, of the depth
     double errorLeft = 0.0;  // pixels between the pixel and the raw projection of the point
     double errorRight = 0.0;
+    std::optional<double> calibrationDeviation;  // of the depth; none where the rig's covariance is not known
 };
 
 // The word that files have for it.
@@ -43,8 +45,8 @@ std::string_view statusWord(MatchStatus status);
 
 std::array<std::size_t, kMatchStatuses> countStatuses(const std::vector<MatchedPoint>& points);
 
-// All points, a line each, in their order.
-std::string matchCsv(const std::vector<MatchedPoint>& points);
+// All points, a line each, in their order; with what the calibration adds to their depths when it is known.
+std::string matchCsv(const std::vector<MatchedPoint>& points, bool withCalibration);
 
 // The points that are ok with the gray level of the left picture, as a binary PLY.
 std::string matchPly(const std::vector<MatchedPoint>& points, const Picture& left);

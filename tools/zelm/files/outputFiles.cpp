@@ -167,6 +167,10 @@ void OutputFiles::add(const fs::path& path, std::string_view bytes) {
     writeBytes(pending.back().temporary, path, bytes);
 }
 
+void OutputFiles::supersede(const fs::path& path) {
+    superseded.push_back(path);
+}
+
 void OutputFiles::commit() {
     const auto lock = lockFiles();
     for (const Pending& file : pending) {
@@ -174,6 +178,13 @@ void OutputFiles::commit() {
         fs::rename(file.temporary, file.final, error);
         if (error) {
             failData("{}: cannot write: {}: {}", file.final.string(), error.message(), remedyFor(error.value()));
+        }
+    }
+    for (const fs::path& path : superseded) {
+        std::error_code error;
+        if (fs::is_regular_file(path, error) && !fs::remove(path, error)) {
+            failData("{}: cannot take it away: {}: it belongs to an earlier calibration", path.string(),
+                     error.message());
         }
     }
     pending.clear();

@@ -28,6 +28,9 @@ public:
     // Writes the bytes beside `path`; its folder has been prepared. Throws Failure, for a second file of one name too.
     void add(const std::filesystem::path& path, std::string_view bytes);
 
+    // A file of an earlier run that would contradict the new ones: commit() takes it away.
+    void supersede(const std::filesystem::path& path);
+
     // Puts every added file in place. Throws Failure.
     void commit();
 
@@ -44,6 +47,7 @@ private:
     std::set<std::filesystem::path> inputs;
     std::set<std::filesystem::path> outputs;
     std::vector<std::filesystem::path> madeFolders;  // outermost first
+    std::vector<std::filesystem::path> superseded;
 };
 
 // Whether two names are of one file, or would be if it existed.

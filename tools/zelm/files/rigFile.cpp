@@ -48,16 +48,53 @@ LoadedRig loaded(MeasurePtr handle) {
     return rig;
 }
 
+// Gives the rig the covariance that stands beside its file.
+void loadCovariance(ZelmMeasureRig* handle, const fs::path& rig) {
+    const fs::path path = covarianceFile(rig);
+    std::error_code error;
+    if (!fs::exists(path, error) || path == rig) {
+        return;
+    }
+    const std::string bytes = readWholeFile(path, "a covariance");
+    if (zelmMeasureCovarianceLoad(handle, bytes.data(), static_cast<std::int64_t>(bytes.size())) < 0) {
+        failData("{}: {}", path.string(), zelmMeasureRigError(handle));
+    }
+}
+
 }  // namespace
 
 LoadedRig rigOfHandle(MeasurePtr handle) {
     return loaded(std::move(handle));
 }
 
-void LoadedRig::require(std::int32_t status, const std::string& file) const {
+void LoadedRig::require(std::int32_t status, const std::string& culprit) const {
     if (status < 0) {
-        failData("{}: {}", file, zelmMeasureRigError(handle.get()));
+        failData("{}: {}", culprit, zelmMeasureRigError(handle.get()));
     }
+}
+
+void LoadedRig::requireCovariance() const {
+    if (!rig.covariance) {
+        failData("no covariance beside {}: calibrate with the adjustment, which writes {}", file.string(),
+                 covarianceFile(file).filename().string());
+    }
+}
+
+fs::path covarianceFile(const fs::path& rig) {
+    return fs::path(rig).replace_extension(".zcov");
+}
+
+std::string covarianceBytes(const LoadedRig& rig) {
+    if (!rig.rig.covariance) {
+        return {};
+    }
+    std::int64_t size = 0;
+    zelmMeasureCovarianceSize(rig.handle.get(), &size);
+    std::string bytes(static_cast<std::size_t>(size), '\0');
+    if (zelmMeasureCovarianceSave(rig.handle.get(), size, bytes.data()) < 0) {
+        failData("the covariance cannot be saved: {}", zelmMeasureRigError(rig.handle.get()));
+    }
+    return bytes;
 }
 
 LoadedRig rigOf(const Zelm2ViewCalib* calib) {
@@ -89,7 +126,10 @@ LoadedRig loadRig(const fs::path& path) {
         failData("{}: {}", path.string(),
                  handle != nullptr ? zelmMeasureRigError(handle) : "cannot be loaded: out of memory");
     }
-    return loaded(std::move(owner));
+    loadCovariance(handle, path);
+    LoadedRig rig = loaded(std::move(owner));
+    rig.file = path;
+    return rig;
 }
 
 }  // namespace zelm::tool

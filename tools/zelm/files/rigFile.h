@@ -52,13 +52,16 @@ struct Rig {
 struct LoadedRig {
     Rig rig;
     MeasurePtr handle;
+    std::filesystem::path file;  // it was loaded from; empty for one that was just calibrated
 
     // For the functions of the core that only read the calibration.
     const Zelm2ViewCalib* calib() const { return zelmMeasureRigCalib(handle.get()); }
     // 'L' or 'R'.
     const RigCamera& camera(char side) const { return side == 'L' ? rig.left : rig.right; }
     // Throws Failure with what the measuring library says of the last call, after the name of the file at fault.
-    void require(std::int32_t status, const std::string& file) const;
+    void require(std::int32_t status, const std::string& culprit) const;
+    // Throws Failure, with what to do, for a rig whose covariance is not known.
+    void requireCovariance() const;
 };
 
 // The rig of a calibrated handle, with the dots that it was calibrated from.
@@ -70,7 +73,14 @@ LoadedRig rigOfHandle(MeasurePtr handle);
 // The calibration block of a handle.
 std::string blockOf(const Zelm2ViewCalib* calib);
 
-// Reads and checks a block. Throws Failure, naming the file, for one that is truncated, foreign or damaged.
+// The bytes of a rig's covariance; empty when it has none.
+std::string covarianceBytes(const LoadedRig& rig);
+
+// The file that holds the covariance of a rig: of the same name, but for the ending .zcov.
+std::filesystem::path covarianceFile(const std::filesystem::path& rig);
+
+// Reads and checks a block, and the covariance beside it when there is one. Throws Failure, naming the file, for one
+// that is truncated, foreign or damaged.
 LoadedRig loadRig(const std::filesystem::path& path);
 
 }  // namespace zelm::tool

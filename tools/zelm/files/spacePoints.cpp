@@ -48,19 +48,23 @@ std::vector<SpacePoint> triangulate(const LoadedRig& rig, const std::string& fil
     return points;
 }
 
-std::string csvOf(const std::vector<PixelPair>& pairs, const std::vector<SpacePoint>& points) {
-    std::string csv = "id,X,Y,Z,error_left_px,error_right_px,angle_deg,status\n";
+std::string csvOf(const std::vector<PixelPair>& pairs, const std::vector<SpacePoint>& points,
+                  const std::vector<PointUncertainty>& known, bool withCovariances) {
+    const bool isKnown = !known.empty();
+    std::string csv = "id,X,Y,Z,error_left_px,error_right_px,angle_deg";
+    csv += (isKnown ? uncertaintyHeader(withCovariances) : "") + ",status\n";
     csv.reserve(csv.size() + kBytesPerLine * points.size());
     for (std::size_t i = 0; i < points.size(); ++i) {
         const SpacePoint& p = points[i];
         csv += csvField(pairs[i].id);
         if (p.status == PointStatus::ok || p.status == PointStatus::behind) {
-            fmt::format_to(std::back_inserter(csv), FMT_COMPILE(",{:.10g},{:.10g},{:.10g},{:.6f},{:.6f},{:.6f},{}\n"),
-                           p.position.x, p.position.y, p.position.z, p.errorLeft, p.errorRight, p.degrees,
-                           statusWord(p.status));
+            fmt::format_to(std::back_inserter(csv), FMT_COMPILE(",{:.10g},{:.10g},{:.10g},{:.6f},{:.6f},{:.6f}"),
+                           p.position.x, p.position.y, p.position.z, p.errorLeft, p.errorRight, p.degrees);
         } else {
-            fmt::format_to(std::back_inserter(csv), FMT_COMPILE(",,,,,,,{}\n"), statusWord(p.status));
+            csv += ",,,,,,";
         }
+        csv += isKnown ? uncertaintyFields(known[i], withCovariances) : "";
+        fmt::format_to(std::back_inserter(csv), FMT_COMPILE(",{}\n"), statusWord(p.status));
     }
     return csv;
 }

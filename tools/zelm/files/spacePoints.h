@@ -11,6 +11,7 @@
 
 #include "pairFile.h"
 #include "rigFile.h"
+#include "spaceUncertainty.h"
 
 namespace zelm::tool {
 
@@ -38,8 +39,10 @@ struct SpacePoint {
 // Makes points of pairs. Throws Failure, naming `file`, for a rig that cannot triangulate, or when memory runs out.
 std::vector<SpacePoint> triangulate(const LoadedRig& rig, const std::string& file, const std::vector<PixelPair>& pairs);
 
-// The points as CSV, a line for each pair in the same order; and as an ASCII PLY of the points that are ok.
-std::string csvOf(const std::vector<PixelPair>& pairs, const std::vector<SpacePoint>& points);
+// The points as CSV, a line for each pair in the same order, with how well they are known unless that is empty; and as
+// an ASCII PLY of the points that are ok.
+std::string csvOf(const std::vector<PixelPair>& pairs, const std::vector<SpacePoint>& points,
+                  const std::vector<PointUncertainty>& known, bool withCovariances);
 std::string plyOf(const std::vector<SpacePoint>& points);
 
 // An id as a field of a CSV file.

@@ -144,6 +144,9 @@ Json summaryJson(const Calibration& c) {
     if (c.adjustment) {
         json["adjustment"] = adjustJson(*c.adjustment);
     }
+    if (rig.contains("covariance")) {
+        json["covariance"] = rig["covariance"];
+    }
     return json;
 }
 

@@ -22,6 +22,7 @@ struct Calibration {
     Rig rig;
     RigFigures figures;
     std::string block;                       // as saved
+    std::string covariance;                  // as saved; empty where it is not known
     std::shared_ptr<PictureStore> pictures;  // of the views
     double leftTilt = 0.0;                   // of a parallel camera, of the plate of view 0 against it, radians
     double rightTilt = 0.0;                  //

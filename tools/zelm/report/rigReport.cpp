@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "cameraParameters.h"
+#include "covarianceJson.h"
 #include "numberText.h"
 
 namespace zelm::tool {
@@ -79,6 +80,9 @@ Json rigJson(const Rig& rig) {
                         {"convergenceDegrees", rig.pair->convergence * kDegreesPerRadian},
                         {"R", rowsOf(rig.pair->R, 3)},
                         {"t", rig.pair->t}};
+    }
+    if (rig.covariance) {
+        json["covariance"] = covarianceJson(rig);
     }
     return json;
 }
