@@ -70,7 +70,8 @@ inline const std::vector<ScenePair>& scenePairs() {
 // One line of a CSV file of points.
 struct PointRow {
     std::string id;
-    std::vector<double> numbers;  // X, Y, Z, both errors, the angle; none for a failure
+    std::vector<double> numbers;     // X, Y, Z, both errors, the angle; none for a failure
+    std::vector<double> deviations;  // of a rig whose covariance is known
     std::string status;
 };
 
@@ -87,8 +88,13 @@ inline std::vector<PointRow> readPoints(const fs::path& path) {
     std::vector<PointRow> rows;
     std::vector<std::string> lines = splitLines(readFile(path));
     EXPECT_FALSE(lines.empty()) << path;
+    constexpr std::ptrdiff_t kNumbers = 6;
+    std::ptrdiff_t columns = 0;
     if (!lines.empty()) {
-        EXPECT_EQ(lines.front(), "id,X,Y,Z,error_left_px,error_right_px,angle_deg,status");
+        const std::string& header = lines.front();
+        EXPECT_TRUE(header.starts_with("id,X,Y,Z,error_left_px,error_right_px,angle_deg,")) << header;
+        EXPECT_TRUE(header.ends_with(",status")) << header;
+        columns = std::count(header.begin(), header.end(), ',');
         lines.erase(lines.begin());
     }
     for (const std::string& line : lines) {
@@ -96,7 +102,7 @@ inline std::vector<PointRow> readPoints(const fs::path& path) {
         // From the back: an id may be quoted and hold commas.
         std::vector<std::string> fields;
         std::size_t end = line.size();
-        for (int i = 0; i < 7; ++i) {
+        for (std::ptrdiff_t i = 0; i < columns; ++i) {
             const std::size_t comma = line.rfind(',', end - 1);
             fields.insert(fields.begin(), line.substr(comma + 1, end - comma - 1));
             end = comma;
@@ -108,6 +114,10 @@ inline std::vector<PointRow> readPoints(const fs::path& path) {
             if (!field.empty()) {
                 row.numbers.push_back(std::stod(field));
             }
+        }
+        if (std::ssize(row.numbers) > kNumbers) {
+            row.deviations.assign(row.numbers.begin() + kNumbers, row.numbers.end());
+            row.numbers.resize(kNumbers);
         }
         rows.push_back(row);
     }
