@@ -25,25 +25,23 @@ double squaresOf(const CoreSums& s, const DotVector& at, std::size_t first) {
 
 }  // namespace
 
-OutlineEvidence evidenceOf(const DotModel& model, DotPixels& pixels, double noise) {
+OutlineEvidence evidenceOf(const DotModel& model, const DotPixels& pixels, double noise) {
+    const double contrast = model.unknowns[kInside] - model.unknowns[kOutside];
     struct Sums {
         double count = 0, squares = 0, es = 0, ss = 0, ec = 0, cc = 0;
     };
     std::array<Sums, kDotSectors> sums{};
-    for (DotSample& s : pixels.samples) {
-        const SampleView view = model.look(s, model.unknowns);
-        const double residual = s.gray - view.gray();
+    for (const DotSample& s : pixels.samples) {
         Sums& sum = sums[s.sector];
-        if (isBeyondClip(s.gray, view.gray())) {
+        if (!s.counts) {
             continue;
         }
-        const double slope = view.slope();
-        const double step = (view.inside - view.outside) * (view.coverage - 0.5);
+        const double step = contrast * (s.coverage - 0.5);
         sum.count += 1.0;
-        sum.squares += residual * residual;
-        sum.es += residual * slope;
-        sum.ss += slope * slope;
-        sum.ec += residual * step;
+        sum.squares += s.residual * s.residual;
+        sum.es += s.residual * s.slope;
+        sum.ss += s.slope * s.slope;
+        sum.ec += s.residual * step;
         sum.cc += step * step;
     }
     OutlineEvidence evidence{};
@@ -71,14 +69,13 @@ SectorMask agreeingSectors(const OutlineEvidence& evidence, double contrast, dou
     return mask;
 }
 
-DotResidual residualOf(const DotModel& model, DotPixels& pixels, SectorMask sectors) {
+DotResidual residualOf(const DotModel& model, const DotPixels& pixels, SectorMask sectors) {
     double squares = 0.0;
     double count = 0.0;
-    for (DotSample& s : pixels.samples) {
+    for (const DotSample& s : pixels.samples) {
         if ((sectors >> s.sector & 1U) != 0) {
-            const double gray = model.look(s, model.unknowns).gray();
-            if (!isBeyondClip(s.gray, gray)) {
-                squares += (s.gray - gray) * (s.gray - gray);
+            if (s.counts) {
+                squares += s.residual * s.residual;
                 count += 1.0;
             }
         }
@@ -91,7 +88,7 @@ DotResidual residualOf(const DotModel& model, DotPixels& pixels, SectorMask sect
     return {std::sqrt(squares / std::max(count - static_cast<double>(kDotUnknowns), 1.0)), count};
 }
 
-DotVariance varianceOf(const DotModel& model, DotPixels& pixels, SectorMask sectors, double floor) {
+DotVariance varianceOf(const DotModel& model, const DotPixels& pixels, SectorMask sectors, double floor) {
     // Of either side, from its uniform pixels and the samples nearly on it.
     std::array<double, 2> squares{};
     std::array<double, 2> counts{};
@@ -105,16 +102,12 @@ DotVariance varianceOf(const DotModel& model, DotPixels& pixels, SectorMask sect
     double hh = 0.0;
     double hIn = 0.0;
     double hOut = 0.0;
-    for (DotSample& s : pixels.samples) {
-        if ((sectors >> s.sector & 1U) == 0) {
+    for (const DotSample& s : pixels.samples) {
+        if ((sectors >> s.sector & 1U) == 0 || !s.counts) {
             continue;
         }
-        const SampleView view = model.look(s, model.unknowns);
-        if (isBeyondClip(s.gray, view.gray())) {
-            continue;
-        }
-        const double m = std::clamp(view.coverage, 0.0, 1.0);
-        const double e2 = (s.gray - view.gray()) * (s.gray - view.gray());
+        const double m = s.coverage;
+        const double e2 = s.residual * s.residual;
         if (m > kNearlyAll || m < 1.0 - kNearlyAll) {
             const std::size_t side = m > kNearlyAll ? 0 : 1;
             squares[side] += e2;

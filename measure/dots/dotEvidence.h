@@ -19,21 +19,21 @@ struct SectorEvidence {
 
 using OutlineEvidence = std::array<SectorEvidence, kDotSectors>;
 
-// At the model's unknowns, in noise of that standard deviation.
-OutlineEvidence evidenceOf(const DotModel& model, DotPixels& pixels, double noise);
+// Of reviewed pixels, in noise of that standard deviation.
+OutlineEvidence evidenceOf(const DotModel& model, const DotPixels& pixels, double noise);
 
 // The sectors whose pixels agree with the dot.
 SectorMask agreeingSectors(const OutlineEvidence& evidence, double contrast, double noise, double radius);
 
-// Variances of the gray levels by what the residuals are.
-DotVariance varianceOf(const DotModel& model, DotPixels& pixels, SectorMask sectors, double floor);
+// Variances of the gray levels by what the residuals of reviewed pixels are.
+DotVariance varianceOf(const DotModel& model, const DotPixels& pixels, SectorMask sectors, double floor);
 
 // Root mean square of the residuals of all pixels, gray levels, and their number.
 struct DotResidual {
     double rms = 0.0;
     double count = 0.0;
 };
-DotResidual residualOf(const DotModel& model, DotPixels& pixels, SectorMask sectors);
+DotResidual residualOf(const DotModel& model, const DotPixels& pixels, SectorMask sectors);
 
 }  // namespace zelm::measure
 

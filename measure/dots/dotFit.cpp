@@ -34,6 +34,9 @@ constexpr int kArcSectors = 15;
 constexpr int kSparseSteps = 12;
 constexpr int kBandSteps = 15;
 constexpr int kMaxBands = 4;
+constexpr double kSparseTolerance = 0.05;  // pixels
+constexpr double kBandTolerance = 3e-3;    //
+constexpr double kFinalTolerance = 1e-3;   //
 constexpr double kCoarseTolerance = 0.25;  // of the contrast, of uniform pixels before the levels are known well
 constexpr double kFineTolerance = 0.08;    //
 constexpr double kToleranceSigmas = 6.0;
@@ -96,14 +99,15 @@ private:
     bool findRoughly(SectorMask sectors) {
         const double reach = std::max(3.0, 1.2 * shiftLimit());
         gatherSparse(place, reach, noise * noise, pixels);
+        model.unknowns = DotVector{};
+        model.unknowns[kBlur] = std::min(kFirstBlur, model.limits.maxBlur);
+        model.moveFeet(model.unknowns);
         double inSum = 0.0, inCount = 0.0, outSum = 0.0, outCount = 0.0;
-        for (DotSample& s : pixels.samples) {
+        for (const DotSample& s : pixels.samples) {
             if ((sectors >> s.sector & 1U) == 0) {
                 continue;
             }
-            model.unknowns = DotVector{};
-            model.unknowns[kBlur] = kFirstBlur;
-            const double distance = model.look(s, model.unknowns).distance;
+            const double distance = model.distance(s, model.unknowns);
             if (distance < -0.4 * reach) {
                 inSum += s.gray;
                 inCount += 1.0;
@@ -115,8 +119,6 @@ private:
         if (inCount < 5.0 || outCount < 5.0) {
             return false;
         }
-        model.unknowns = DotVector{};
-        model.unknowns[kBlur] = std::min(kFirstBlur, model.limits.maxBlur);
         model.unknowns[kInside] = inSum / inCount;
         model.unknowns[kOutside] = outSum / outCount;
         model.variance = {noise * noise, noise * noise, 0.0};
@@ -124,7 +126,7 @@ private:
         if (!(signedContrast() >= std::max(0.7 * kMinContrast, noise))) {
             return false;
         }
-        model.fit(sectors, kSparseSteps);
+        model.fit(sectors, kSparseSteps, kSparseTolerance);
         return hasContrast();
     }
 
@@ -159,9 +161,10 @@ private:
             }
             const DotVector before = model.unknowns;
             outliers = gatherBand(place, model.unknowns, band, noise * noise, pixels);
+            model.setFeet(model.unknowns);
             model.variance = {noise * noise, noise * noise, 0.0};
             model.limits.contrast = std::max(contrast(), 1.0);
-            converged = model.fit(sectors, kBandSteps);
+            converged = model.fit(sectors, kBandSteps, kBandTolerance);
             if (!hasContrast()) {
                 return false;
             }
@@ -187,6 +190,7 @@ private:
     }
 
     SectorMask agreeing() {
+        model.review();
         return agreeingSectors(evidenceOf(model, pixels, noise), contrast(), noise, outline.radius) & visible;
     }
 
@@ -221,6 +225,7 @@ private:
             if (!findRoughly(arc)) {
                 continue;
             }
+            model.review();
             const double cost = residualOf(model, pixels, arc).rms;
             if (cost < least) {
                 least = cost;
@@ -262,17 +267,18 @@ private:
         const DotVariance variance = varianceOf(model, pixels, used, kPixelVariance);
         model.variance = variance;
         model.weigh();
-        converged = model.fit(used, kBandSteps) && converged;
+        converged = model.fit(used, kBandSteps, kFinalTolerance) && converged;
     }
 
     DotFitResult judged() {
         refineWeights();
         const DotVector& at = model.unknowns;
+        const bool agrees = (used & ~agreeing()) == 0;
         const DotResidual residual = residualOf(model, pixels, used);
         const double scale = 1.0 + at[kGrowth] / outline.radius;
         setFlags();
         if (!hasContrast() || !(scale >= kMinScale && scale <= kMaxScale) ||
-            !(std::hypot(at[kShiftX], at[kShiftY]) <= shiftLimit()) || (used & ~agreeing()) != 0) {
+            !(std::hypot(at[kShiftX], at[kShiftY]) <= shiftLimit()) || !agrees) {
             return refused(kDotNoDot);
         }
         if (!converged) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <utility>
 
 #include "dotProfile.h"
 
@@ -10,18 +11,20 @@ namespace zelm::measure {
 namespace {
 
 constexpr double kWhite = 255.0;
-constexpr double kMinTotalBlur = 0.3;      // pixels; the pixel's square alone has 0.289
-constexpr double kTie = 0.03;              // of the contrast a radius: how far shading of dot and ground may differ
-constexpr double kSlant = 0.5;             // of the contrast a radius: how much of it there may be
-constexpr double kMinGrowth = -0.5;        // of the radius
-constexpr double kMaxGrowth = 0.7;         //
-constexpr double kCentreTolerance = 3e-4;  // pixels a step; steps shrink by a factor of ten or more
-constexpr double kShapeTolerance = 3e-3;   // pixels a step, of size and blur
-constexpr double kMinFootDivisor = 0.2;    // of the squared derivative
+constexpr double kMinTotalBlur = 0.3;     // pixels; the pixel's square alone has 0.289
+constexpr double kTie = 0.03;             // of the contrast a radius: how far shading of dot and ground may differ
+constexpr double kSlant = 0.5;            // of the contrast a radius: how much of it there may be
+constexpr double kMinGrowth = -0.5;       // of the radius
+constexpr double kMaxGrowth = 0.7;        //
+constexpr double kShapeTolerance = 10.0;  // times the tolerance of the centre, which size and blur touch little
+constexpr double kMinFootDivisor = 0.2;   // of the squared derivative
 constexpr double kFirstDamping = 1e-4;
 constexpr double kMaxDamping = 1e8;
+constexpr double kMinDamping = 1e-9;
+constexpr double kMaxFinalDamping = 1e-2;  // steps damped more are short for that reason alone
+constexpr double kMaxSeriesBend = 0.25;    // blur over radius of curvature: the series is then right to 1e-3
+constexpr double kMaxStale = 0.01;         // of the radius, by which feet may lag: a distance errs by 5e-5 of it
 
-// One Newton step towards the foot of v on the ellipse axes * e * scale.
 struct Foot {
     double qx, qy;  // the point of the outline
     double tx, ty;  // its derivative by the parameter
@@ -32,28 +35,54 @@ Foot footAt(const std::array<double, 4>& U, double scale, double ex, double ey) 
             scale * (U[3] * ex - U[2] * ey)};
 }
 
-// Products of rows, kept as a full matrix in an even number of columns so that they are summed in vectors.
-struct RowSums {
-    static constexpr std::size_t kColumns = 12;
-    double sums[kDotUnknowns][kColumns] = {};
+// Rows of derivatives that end with the residual, some at a time: their products are summed when the next rows no longer
+// wait for them.
+class RowSums {
+public:
+    static constexpr std::size_t kColumns = kDotUnknowns + 2;  // residual, and 0 for an even number
 
-    // The last columns of the row: the residual, and 0.
-    void add(const double (&row)[kColumns], double weight) {
-        for (std::size_t i = 0; i < kDotUnknowns; ++i) {
-            const double a = weight * row[i];
-            for (std::size_t j = 0; j < kColumns; ++j) {
-                sums[i][j] += a * row[j];
+    explicit RowSums(DotEquations& equations) : to(equations) {}
+
+    // Where the next row goes, and its weight.
+    double* next(double weight) {
+        if (count == kRows) {
+            flush();
+        }
+        weights[count] = weight;
+        return rows[count++];
+    }
+    void flush() {
+        addFrom<0>();
+        count = 0;
+    }
+
+private:
+    static constexpr std::size_t kRows = 32;
+
+    // The columns from i on of row i of the normal matrix, kept in registers.
+    template <std::size_t i>
+    void addFrom() {
+        if constexpr (i < kDotUnknowns) {
+            constexpr std::size_t first = i / 2 * 2;
+            double sums[kColumns - first] = {};
+            for (std::size_t k = 0; k < count; ++k) {
+                const double a = weights[k] * rows[k][i];
+                for (std::size_t j = first; j < kColumns; ++j) {
+                    sums[j - first] += a * rows[k][j];
+                }
             }
+            for (std::size_t j = i; j < kDotUnknowns; ++j) {
+                to.normal[i][j] += sums[j - first];
+            }
+            to.right[i] += sums[kDotUnknowns - first];
+            addFrom<i + 1>();
         }
     }
-    void giveTo(DotEquations& to) const {
-        for (std::size_t i = 0; i < kDotUnknowns; ++i) {
-            for (std::size_t j = 0; j < kDotUnknowns; ++j) {
-                to.normal[i][j] += sums[i][j];
-            }
-            to.right[i] += sums[i][kDotUnknowns];
-        }
-    }
+
+    DotEquations& to;
+    std::size_t count = 0;
+    double weights[kRows];
+    alignas(16) double rows[kRows][kColumns];
 };
 
 void addCore(const CoreSums& s, std::size_t first, double weight, const DotVector& at, DotEquations& to) {
@@ -117,15 +146,15 @@ CoreSums DotModel::coreOf(SectorMask sectors, std::size_t side, const DotVector&
     return sum;
 }
 
-SampleView DotModel::look(DotSample& s, const DotVector& at) const {
-    const double scale = 1.0 + at[kGrowth] / outline.radius;
+double DotModel::moveFoot(DotSample& s, const DotVector& at) const {
+    const double scale = 1.0 + at[kGrowth] * outline.perRadius;
     const double vx = s.x - at[kShiftX];
     const double vy = s.y - at[kShiftY];
     Foot foot = footAt(outline.axes, scale, s.footX, s.footY);
     const double wx = vx - foot.qx;
     const double wy = vy - foot.qy;
     const double t2 = foot.tx * foot.tx + foot.ty * foot.ty;
-    // Newton's step; within the outline its divisor vanishes at the centre of curvature.
+    // Within the outline the step's divisor vanishes at the centre of curvature.
     const double turn =
         (wx * foot.tx + wy * foot.ty) / std::max(t2 + wx * foot.qx + wy * foot.qy, kMinFootDivisor * t2);
     const double ex = s.footX - turn * s.footY;
@@ -133,23 +162,43 @@ SampleView DotModel::look(DotSample& s, const DotVector& at) const {
     const double norm = 1.0 / std::sqrt(ex * ex + ey * ey);
     s.footX = ex * norm;
     s.footY = ey * norm;
-    foot = footAt(outline.axes, scale, s.footX, s.footY);
-
+    foot = footAt(outline.axes, 1.0, s.footX, s.footY);
     const double inverse = 1.0 / std::sqrt(foot.tx * foot.tx + foot.ty * foot.ty);
-    const double outwards = outline.turn * inverse;
+    s.nx = outline.turn * inverse * foot.ty;
+    s.ny = -outline.turn * inverse * foot.tx;
+    s.tangent = foot.qx * s.nx + foot.qy * s.ny;
+    s.curvature = outline.radius * outline.radius * inverse * inverse * inverse;
+    const double nx2 = s.nx * s.nx;
+    const double ny2 = s.ny * s.ny;
+    s.fourth = nx2 * nx2 + ny2 * ny2;
+    return std::fabs(turn);
+}
+
+double DotModel::distance(const DotSample& s, const DotVector& at) const {
+    const double scale = 1.0 + at[kGrowth] * outline.perRadius;
+    return (s.x - at[kShiftX]) * s.nx + (s.y - at[kShiftY]) * s.ny - scale * s.tangent;
+}
+
+SampleView DotModel::look(const DotSample& s, const DotVector& at) const {
+    const double vx = s.x - at[kShiftX];
+    const double vy = s.y - at[kShiftY];
     SampleView view;
-    view.nx = outwards * foot.ty;
-    view.ny = -outwards * foot.tx;
-    view.distance = (vx - foot.qx) * view.nx + (vy - foot.qy) * view.ny;
-    const double size = scale * outline.radius;
-    view.support = (foot.qx * view.nx + foot.qy * view.ny) / size;
-    const double nx2 = view.nx * view.nx;
-    const double ny2 = view.ny * view.ny;
-    const EdgeCoverage edge =
-        edgeCoverage(view.distance, size * size * inverse * inverse * inverse, at[kBlur], nx2 * nx2 + ny2 * ny2);
-    view.coverage = edge.value;
-    view.byDistance = edge.byDistance;
-    view.byBlur = edge.byBlur;
+    if (isSmall) {
+        const BlurredEllipse::Value value = ellipse.at(vx, vy);
+        view.coverage = value.coverage;
+        view.byX = -value.byX;
+        view.byY = -value.byY;
+        view.byGrowth = value.byScale * outline.perRadius;
+        view.byBlur = value.byBlur;
+    } else {
+        const double distance = vx * s.nx + vy * s.ny - size * s.tangent;
+        const EdgeCoverage edge = edgeCoverage(distance, s.curvature * blurPerScale, at[kBlur], perBlur, s.fourth);
+        view.coverage = edge.value;
+        view.byX = -edge.byDistance * s.nx;
+        view.byY = -edge.byDistance * s.ny;
+        view.byGrowth = -edge.byDistance * s.tangent * outline.perRadius;
+        view.byBlur = edge.byBlur;
+    }
     const double u = s.x * outline.perRadius;
     const double v = s.y * outline.perRadius;
     view.inside = at[kInside] + at[kInsideX] * u + at[kInsideY] * v;
@@ -157,10 +206,35 @@ SampleView DotModel::look(DotSample& s, const DotVector& at) const {
     return view;
 }
 
-void DotModel::linearise(const DotVector& at, SectorMask sectors, DotEquations& to) const {
-    to = DotEquations{};
-    RowSums sums;
+void DotModel::moveFeet(const DotVector& at) {
     for (DotSample& s : pixels.samples) {
+        moveFoot(s, at);
+    }
+    feetAt = at;
+}
+
+// The feet follow when the outline has moved so far that distances would be wrong; what lags a little is wrong alike on
+// opposite sides, and does not move the centre.
+void DotModel::follow(const DotVector& at) {
+    const double moved = std::fabs(at[kShiftX] - feetAt[kShiftX]) + std::fabs(at[kShiftY] - feetAt[kShiftY]) +
+                         0.3 * std::fabs(at[kGrowth] - feetAt[kGrowth]);
+    if (moved > kMaxStale * outline.radius) {
+        moveFeet(at);
+    }
+    size = 1.0 + at[kGrowth] * outline.perRadius;
+    perBlur = 1.0 / at[kBlur];
+    blurPerScale = at[kBlur] / size;
+    isSmall = outline.maxCurvature * blurPerScale > kMaxSeriesBend;
+    if (isSmall) {
+        ellipse.set(outline.longAxis * size, outline.shortAxis * size, outline.longX, outline.longY, size, at[kBlur]);
+    }
+}
+
+void DotModel::linearise(const DotVector& at, SectorMask sectors, DotEquations& to) {
+    follow(at);
+    to = DotEquations{};
+    RowSums sums(to);
+    for (const DotSample& s : pixels.samples) {
         if ((sectors >> s.sector & 1U) == 0) {
             continue;
         }
@@ -169,26 +243,26 @@ void DotModel::linearise(const DotVector& at, SectorMask sectors, DotEquations& 
         if (isBeyondClip(s.gray, view.gray())) {
             continue;
         }
-        const double slope = view.slope();
+        const double contrast = view.inside - view.outside;
         const double u = s.x * outline.perRadius;
         const double v = s.y * outline.perRadius;
         const double m = view.coverage;
-        const double row[RowSums::kColumns] = {slope * view.nx,
-                                               slope * view.ny,
-                                               slope * view.support,
-                                               (view.inside - view.outside) * view.byBlur,
-                                               m,
-                                               m * u,
-                                               m * v,
-                                               1.0 - m,
-                                               (1.0 - m) * u,
-                                               (1.0 - m) * v,
-                                               residual,
-                                               0.0};
-        sums.add(row, s.weight);
+        double* row = sums.next(s.weight);
+        row[kShiftX] = contrast * view.byX;
+        row[kShiftY] = contrast * view.byY;
+        row[kGrowth] = contrast * view.byGrowth;
+        row[kBlur] = contrast * view.byBlur;
+        row[kInside] = m;
+        row[kInsideX] = m * u;
+        row[kInsideY] = m * v;
+        row[kOutside] = 1.0 - m;
+        row[kOutsideX] = u - m * u;
+        row[kOutsideY] = v - m * v;
+        row[kDotUnknowns] = residual;
+        row[kDotUnknowns + 1] = 0.0;
         to.cost += s.weight * residual * residual;
     }
-    sums.giveTo(to);
+    sums.flush();
     addCore(coreOf(sectors, 0, at), kInside, 1.0 / variance.inside, at, to);
     addCore(coreOf(sectors, 1, at), kOutside, 1.0 / variance.outside, at, to);
     addPriors(at, to);
@@ -224,7 +298,7 @@ bool DotModel::isAllowed(const DotVector& at) const {
            at[kBlur] <= limits.maxBlur;
 }
 
-bool DotModel::fit(SectorMask sectors, int maxSteps) {
+bool DotModel::fit(SectorMask sectors, int maxSteps, double tolerance) {
     linearise(unknowns, sectors, equations);
     double damping = kFirstDamping;
     for (int step = 0; step < maxSteps && damping < kMaxDamping; ++step) {
@@ -242,32 +316,44 @@ bool DotModel::fit(SectorMask sectors, int maxSteps) {
             next[i] += change[i];
         }
         next[kBlur] = std::max(next[kBlur], std::max(kMinTotalBlur, 0.4 * unknowns[kBlur]));
-        DotEquations trial;
-        if (isAllowed(next)) {
-            linearise(next, sectors, trial);
+        if (!isAllowed(next)) {
+            damping *= 10.0;
+            continue;
         }
-        if (!isAllowed(next) || !(trial.cost <= equations.cost * (1.0 + 1e-9))) {
-            const bool isTiny = std::hypot(change[kShiftX], change[kShiftY]) < kCentreTolerance;
-            if (isTiny) {
-                return true;
-            }
+        if (std::hypot(change[kShiftX], change[kShiftY]) < tolerance &&
+            std::fabs(change[kGrowth]) + std::fabs(change[kBlur]) < kShapeTolerance * tolerance &&
+            damping < kMaxFinalDamping) {
+            unknowns = next;
+            follow(unknowns);
+            return true;
+        }
+        linearise(next, sectors, trial);
+        if (!(trial.cost <= equations.cost * (1.0 + 1e-9))) {
             damping *= 10.0;
             continue;
         }
         unknowns = next;
-        equations = trial;
-        damping = std::max(damping * 0.05, 1e-9);
-        if (std::hypot(change[kShiftX], change[kShiftY]) < kCentreTolerance &&
-            std::fabs(change[kGrowth]) < kShapeTolerance && std::fabs(change[kBlur]) < kShapeTolerance) {
-            return true;
-        }
+        std::swap(equations, trial);
+        damping = std::max(damping * 0.05, kMinDamping);
     }
+    follow(unknowns);
     return false;
+}
+
+void DotModel::review() {
+    follow(unknowns);
+    for (DotSample& s : pixels.samples) {
+        const SampleView view = look(s, unknowns);
+        s.coverage = std::clamp(view.coverage, 0.0, 1.0);
+        s.residual = s.gray - view.gray();
+        s.slope = view.slope();
+        s.counts = !isBeyondClip(s.gray, view.gray());
+    }
 }
 
 void DotModel::weigh() {
     for (DotSample& s : pixels.samples) {
-        s.weight = 1.0 / variance.at(std::clamp(look(s, unknowns).coverage, 0.0, 1.0));
+        s.weight = 1.0 / variance.at(s.coverage);
     }
 }
 

@@ -5,10 +5,12 @@
 #include <zelmLib.h>
 
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
 
+#include "blurredEllipse.h"
 #include "cholesky.h"
 
 namespace zelm::measure {
@@ -43,14 +45,24 @@ struct DotOutline {
     double turn = 1.0;       // 1 or -1: the parameter runs from x towards y, or against that
     double longAxis = 0.0;
     double shortAxis = 0.0;
+    double longX = 1.0, longY = 0.0;  // direction of the long axis
+    double maxCurvature = 0.0;        // 1 / pixels
 };
 
-// A pixel near the outline. Its foot, the nearest point of the outline, moves little while the outline does.
+// A pixel near the outline, and the outline at the pixel's foot, its nearest point there.
 struct DotSample {
-    double x, y;          // from the predicted centre, pixels
-    double gray;          //
-    double footX, footY;  // parameter of the foot, as a unit vector
+    double x, y;  // from the predicted centre, pixels
+    double gray;
     double weight;        // 1 / variance
+    double footX, footY;  // parameter of the foot, as a unit vector
+    double nx, ny;        // normal at the foot, outwards
+    double tangent;       // distance of the foot's tangent from the centre, pixels of the predicted outline
+    double curvature;     // of the predicted outline at the foot
+    double fourth;        // nx^4 + ny^4
+    double coverage;      // by the dot; this and what follows as of review()
+    double residual;      // gray levels
+    double slope;         // gray levels a pixel by which it changes when the outline moves outwards
+    bool counts;          // false for a clipped pixel whose model lies beyond the clip
     std::uint32_t sector;
 };
 
@@ -84,6 +96,7 @@ struct DotLimits {
     double contrast = 0.0;  // the scale of what is thought likely of levels
 };
 
+// The upper triangle of the normal matrix.
 struct DotEquations {
     Matrix<kDotUnknowns> normal{};
     DotVector right{};
@@ -92,18 +105,16 @@ struct DotEquations {
 
 // What the model says of one sample.
 struct SampleView {
-    double nx, ny;      // normal of the outline at the foot, outwards
-    double support;     // how far the foot moves along the normal when the mean radius grows by 1
-    double distance;    // from the outline, positive outside, pixels
-    double coverage;    // by the dot
-    double byDistance;  // derivatives of the coverage
-    double byBlur;      //
-    double inside;      // gray levels here
-    double outside;     //
+    double coverage;  // by the dot
+    double byX, byY;  // its derivatives by the shift, the growth and the blur
+    double byGrowth;
+    double byBlur;
+    double inside;  // gray levels here
+    double outside;
 
     double gray() const { return outside + (inside - outside) * coverage; }
     // Gray levels a pixel by which the sample changes when the outline moves outwards.
-    double slope() const { return -(inside - outside) * byDistance; }
+    double slope() const { return (inside - outside) * std::sqrt(byX * byX + byY * byY); }
 };
 
 // Whether the sample is clipped and the model lies beyond the clip, so that it says nothing against the model.
@@ -120,22 +131,42 @@ public:
     DotLimits limits;
     DotEquations equations;  // at the unknowns, after fit()
 
-    // Gives every sample its weight by the variance at the present unknowns.
+    // Prepares look() for these unknowns: the feet of all samples follow the outline.
+    void follow(const DotVector& at);
+    // Notes in every sample what the model says of it at the unknowns.
+    void review();
+    // Gives every reviewed sample its weight by the variance.
     void weigh();
-    // Whether it converged; equations then hold at the solution.
-    bool fit(SectorMask sectors, int maxSteps);
-    // Moves the sample's foot to the outline as it is with these unknowns.
-    SampleView look(DotSample& sample, const DotVector& at) const;
+    // Whether it converged: its last step was shorter than the tolerance, pixels, and the next one would be shorter by an
+    // order. The equations are those that this step came from.
+    bool fit(SectorMask sectors, int maxSteps, double tolerance);
+    SampleView look(const DotSample& sample, const DotVector& at) const;
+    // Distance from the outline, positive outside.
+    double distance(const DotSample& sample, const DotVector& at) const;
+    // The unknowns that the feet of newly gathered samples follow.
+    void setFeet(const DotVector& at) { feetAt = at; }
+    void moveFeet(const DotVector& at);
+    // One step of Newton's towards the foot on the outline as it is with these unknowns.
+    // Returns how far it turned, in radians of the parameter.
+    double moveFoot(DotSample& sample, const DotVector& at) const;
     // Sums over the sectors of one class, 0 inside and 1 outside, as they count at these levels.
     CoreSums coreOf(SectorMask sectors, std::size_t side, const DotVector& at) const;
 
 private:
-    void linearise(const DotVector& at, SectorMask sectors, DotEquations& to) const;
+    void linearise(const DotVector& at, SectorMask sectors, DotEquations& to);
     void addPriors(const DotVector& at, DotEquations& to) const;
     bool isAllowed(const DotVector& at) const;
 
     const DotOutline& outline;
     DotPixels& pixels;
+    DotVector feetAt{};  // the unknowns that the feet follow
+    DotEquations trial;
+    // What look() needs of the unknowns, by follow().
+    double size = 1.0;
+    double perBlur = 1.0;
+    double blurPerScale = 1.0;
+    bool isSmall = false;
+    BlurredEllipse ellipse;  // of a dot little larger than the blur
 };
 
 }  // namespace zelm::measure

@@ -13,6 +13,7 @@ constexpr double kMaxAxisRatio = 8.0;
 constexpr int kStepsPerSide = 4;          // of the sparse lines, along which a pixel is the shortest step
 constexpr double kMaxInsideShare = 0.85;  // of the short axis that the sparse lines reach inwards
 constexpr int kMinDifferences = 16;
+constexpr double kMaxFirstTurn = 0.02;  // radians; the foot is then right to its square
 
 struct Direction {
     double x, y;
@@ -84,6 +85,14 @@ std::optional<DotOutline> outlineOf(const std::array<double, 4>& axes) {
         return std::nullopt;
     }
     outline.inverse = {axes[3] / det, -axes[1] / det, -axes[2] / det, axes[0] / det};
+    // Direction of the long axis: of the larger eigenvalue of U U'.
+    const double xx = axes[0] * axes[0] + axes[1] * axes[1];
+    const double xy = axes[0] * axes[2] + axes[1] * axes[3];
+    const double yy = axes[2] * axes[2] + axes[3] * axes[3];
+    const double angle = 0.5 * std::atan2(2.0 * xy, xx - yy);
+    outline.longX = std::cos(angle);
+    outline.longY = std::sin(angle);
+    outline.maxCurvature = outline.longAxis / (outline.shortAxis * outline.shortAxis);
     outline.radius = std::sqrt(area);
     outline.perRadius = 1.0 / outline.radius;
     outline.turn = det < 0.0 ? -1.0 : 1.0;
@@ -158,9 +167,15 @@ void gatherSparse(const DotPlace& place, double reach, double variance, DotPixel
             const int x = static_cast<int>(std::lround(place.centre.x + qx + j * step * nx));
             const int y = static_cast<int>(std::lround(place.centre.y + qy + j * step * ny));
             if (isIn(place.image, x, y)) {
-                to.samples.push_back({x - place.centre.x, y - place.centre.y,
-                                      static_cast<double>(place.image.row(y)[x]), e.x, e.y, 1.0 / variance,
-                                      static_cast<std::uint32_t>(k)});
+                DotSample sample{};
+                sample.x = x - place.centre.x;
+                sample.y = y - place.centre.y;
+                sample.gray = place.image.row(y)[x];
+                sample.weight = 1.0 / variance;
+                sample.footX = e.x;
+                sample.footY = e.y;
+                sample.sector = static_cast<std::uint32_t>(k);
+                to.samples.push_back(sample);
             }
         }
     }
@@ -217,8 +232,17 @@ private:
         const std::uint32_t sector = sectorOf(ex, ey);
         if (std::fabs(least) <= band.edge) {
             const double norm = rho > 1e-6 ? 1.0 / rho : 0.0;
-            DotSample sample{px, py, gray, norm > 0.0 ? ex * norm : 1.0, ey * norm, weight, sector};
-            const double distance = model.look(sample, at).distance;
+            DotSample sample{};
+            sample.x = px;
+            sample.y = py;
+            sample.gray = gray;
+            sample.weight = weight;
+            sample.footX = norm > 0.0 ? ex * norm : 1.0;
+            sample.footY = ey * norm;
+            if (model.moveFoot(sample, at) > kMaxFirstTurn) {
+                model.moveFoot(sample, at);
+            }
+            const double distance = model.distance(sample, at);
             if (std::fabs(distance) <= band.edge) {
                 sample.sector = sectorOf(sample.footX, sample.footY);
                 to.samples.push_back(sample);
