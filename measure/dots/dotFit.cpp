@@ -15,8 +15,8 @@ constexpr double kEdgeSigmas = 4.2;            // of the blur, beyond which a pi
 constexpr double kEdgeMargin = 0.4;            // pixels by which the outline may still move
 constexpr double kGround = 2.5;                // pixels of ground beyond the edge, at least
 constexpr double kGroundShare = 0.25;          // of the radius
-constexpr double kNeighbourSigmas = 3.0;       // of the blur, kept clear of another dot's outline
-constexpr double kMinClear = 1.0;              // of the blur that the band needs beyond the outline
+constexpr double kNeighbourSigmas = 2.2;       // of the blur, kept clear of another dot's outline
+constexpr double kMinClear = 0.7;              // of the blur that the band needs beyond the outline
 constexpr double kUnknownReach = 0.7;          // of the radius that is free where no neighbour is told
 constexpr double kFirstBlur = 1.0;             // pixels
 constexpr double kMaxBlurShare = 0.9;          // of the short axis
@@ -299,19 +299,31 @@ private:
         return result;
     }
 
+    // What noise alone does to the centre: what is thought likely of the levels keeps some of it away.
     bool giveCovariance() {
         Matrix<kDotUnknowns> N = model.equations.normal;
         if (!factor(N)) {
             return false;
         }
-        DotVector e{};
-        e[kShiftX] = 1.0;
-        const DotVector x = solve(N, e);
-        e[kShiftX] = 0.0;
-        e[kShiftY] = 1.0;
-        const DotVector y = solve(N, e);
-        result.covariance = {x[kShiftX], x[kShiftY], y[kShiftY]};
-        return x[kShiftX] + y[kShiftY] <= 2.0 * kMaxError * kMaxError;
+        const auto column = [&](std::size_t i) {
+            DotVector e{};
+            e[i] = 1.0;
+            return solve(N, e);
+        };
+        const DotVector x = column(kShiftX);
+        const DotVector y = column(kShiftY);
+        const auto product = [&](const DotVector& a, const DotVector& b) {
+            double sum = 0.0;
+            for (std::size_t i = 0; i < kDotUnknowns; ++i) {
+                for (std::size_t j = 0; j < kDotUnknowns; ++j) {
+                    sum += a[i] * b[j] * model.equations.prior[std::min(i, j)][std::max(i, j)];
+                }
+            }
+            return sum;
+        };
+        result.covariance = {x[kShiftX] - product(x, x), x[kShiftY] - product(x, y), y[kShiftY] - product(y, y)};
+        return x[kShiftX] + y[kShiftY] <= 2.0 * kMaxError * kMaxError && result.covariance[0] > 0.0 &&
+               result.covariance[2] > 0.0;
     }
 
     void setFlags() {

@@ -22,7 +22,8 @@ constexpr double kFirstDamping = 1e-4;
 constexpr double kMaxDamping = 1e8;
 constexpr double kMinDamping = 1e-9;
 constexpr double kMaxFinalDamping = 1e-2;  // steps damped more are short for that reason alone
-constexpr double kMaxSeriesBend = 0.25;    // blur over radius of curvature: the series is then right to 1e-3
+constexpr double kNoiseOfSteps = 5.0;      // tolerances
+constexpr double kMaxSeriesBend = 0.3;     // blur over radius of curvature: the series is then right to 1e-3
 constexpr double kMaxStale = 0.01;         // of the radius, by which feet may lag: a distance errs by 5e-5 of it
 
 struct Foot {
@@ -279,10 +280,11 @@ void DotModel::addPriors(const DotVector& at, DotEquations& to) const {
         to.cost += residual * residual;
         to.right[i] += a * residual;
         to.right[j] += b * residual;
-        to.normal[i][i] += a * a;
-        to.normal[i][j] += a * b;
-        to.normal[j][i] += a * b;
-        to.normal[j][j] += b * b;
+        for (auto* N : {&to.normal, &to.prior}) {
+            (*N)[i][i] += a * a;
+            (*N)[i][j] += a * b;
+            (*N)[j][j] += b * b;
+        }
     };
     for (const std::size_t k : {std::size_t{0}, std::size_t{1}}) {
         add(kInsideX + k, kOutsideX + k, tie * at[kOutside] / larger, -tie * at[kInside] / larger);
@@ -328,7 +330,11 @@ bool DotModel::fit(SectorMask sectors, int maxSteps, double tolerance) {
             return true;
         }
         linearise(next, sectors, trial);
-        if (!(trial.cost <= equations.cost * (1.0 + 1e-9))) {
+        if (!(trial.cost <= equations.cost)) {
+            if (std::hypot(change[kShiftX], change[kShiftY]) < kNoiseOfSteps * tolerance) {
+                follow(unknowns);
+                return true;  // as low as rounding lets it be
+            }
             damping *= 10.0;
             continue;
         }

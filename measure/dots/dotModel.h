@@ -99,6 +99,7 @@ struct DotLimits {
 // The upper triangle of the normal matrix.
 struct DotEquations {
     Matrix<kDotUnknowns> normal{};
+    Matrix<kDotUnknowns> prior{};  // the part of it that does not come from pixels
     DotVector right{};
     double cost = 0.0;
 };
