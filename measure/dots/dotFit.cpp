@@ -19,17 +19,19 @@ constexpr double kNeighbourSigmas = 2.2;       // of the blur, kept clear of ano
 constexpr double kMinClear = 0.7;              // of the blur that the band needs beyond the outline
 constexpr double kUnknownReach = 0.7;          // of the radius that is free where no neighbour is told
 constexpr double kFirstBlur = 1.0;             // pixels
-constexpr double kMaxBlurShare = 0.9;          // of the short axis
+constexpr double kMaxBlurShare = 0.75;         // of the short axis
 constexpr double kMinContrast = 4.0;           // gray levels
 constexpr double kMinSignal = 3.0;             // contrast over noise
 constexpr double kMinShiftLimit = 2.0;         // pixels
 constexpr double kShiftLimitShare = 0.5;       // of the radius
 constexpr double kMinScale = 0.7;
 constexpr double kMaxScale = 1.4;
-constexpr double kMaxError = 0.4;  // pixels, standard deviation of the centre
-constexpr int kMinSectors = 15;    // of 24: 60 %
-constexpr int kMinKept = 12;       // after those next to hidden ones are left out too
-constexpr int kMinInImage = 20;    // of 24: 80 %
+constexpr double kMaxExcess = 1.3;       // residuals over the noise
+constexpr double kMaxModelError = 0.05;  // of the contrast, in the residuals of all pixels
+constexpr double kMaxError = 0.25;       // pixels, standard deviation of the centre
+constexpr int kMinSectors = 15;          // of 24: 60 %
+constexpr int kMinKept = 12;             // after those next to hidden ones are left out too
+constexpr int kMinInImage = 20;          // of 24: 80 %
 constexpr int kArcSectors = 15;
 constexpr int kSparseSteps = 12;
 constexpr int kBandSteps = 15;
@@ -278,7 +280,8 @@ private:
         const double scale = 1.0 + at[kGrowth] / outline.radius;
         setFlags();
         if (!hasContrast() || !(scale >= kMinScale && scale <= kMaxScale) ||
-            !(std::hypot(at[kShiftX], at[kShiftY]) <= shiftLimit()) || !agrees) {
+            !(std::hypot(at[kShiftX], at[kShiftY]) <= shiftLimit()) || !agrees ||
+            residual.rms > std::hypot(kMaxExcess * noise, kMaxModelError * contrast())) {
             return refused(kDotNoDot);
         }
         if (!converged) {
