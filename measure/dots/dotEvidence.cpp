@@ -8,8 +8,12 @@ namespace {
 
 constexpr double kMinSectorSamples = 3.0;
 constexpr double kNoiseExcess = 2.0;        // root mean square of a sector's residuals over the noise
+constexpr double kFinerModelError = 0.03;   // where most sectors show that it does
+constexpr double kMaxOverMedian = 3.0;      // mean square of a sector's residuals over the median of all
+constexpr double kMaxShiftExcess = 4.0;     // of the spread of shifts over what noise explains
+constexpr double kFinerShift = 0.03;        // pixels
 constexpr double kModelError = 0.07;        // of the contrast, that the profile of a real edge may differ
-constexpr double kSureness = 4.5;           // standard deviations
+constexpr double kSureness = 4.0;           // standard deviations
 constexpr double kShiftTolerance = 0.15;    // pixels by which a real outline may leave its ellipse
 constexpr double kShiftShare = 0.02;        // and of the radius
 constexpr double kContrastTolerance = 0.3;  // of the contrast
@@ -55,14 +59,48 @@ OutlineEvidence evidenceOf(const DotModel& model, const DotPixels& pixels, doubl
     return evidence;
 }
 
-SectorMask agreeingSectors(const OutlineEvidence& evidence, double contrast, double noise, double radius) {
-    const double modelError = kModelError * contrast;
-    const double maxSquare = kNoiseExcess * kNoiseExcess * noise * noise + modelError * modelError;
+namespace {
+
+// Of the sectors with samples; nothing much of fewer than three.
+template <class Figure>
+double medianOver(const OutlineEvidence& evidence, SectorMask sectors, Figure figure) {
+    std::array<double, kDotSectors> values{};
+    std::size_t n = 0;
+    for (std::size_t k = 0; k < kDotSectors; ++k) {
+        if ((sectors >> k & 1U) != 0 && evidence[k].count >= kMinSectorSamples) {
+            values[n++] = figure(evidence[k]);
+        }
+    }
+    if (n == 0) {
+        return 0.0;
+    }
+    const auto middle = values.begin() + static_cast<std::ptrdiff_t>(n / 2);
+    std::nth_element(values.begin(), middle, values.begin() + static_cast<std::ptrdiff_t>(n));
+    return *middle;
+}
+
+}  // namespace
+
+SectorMask agreeingSectors(const OutlineEvidence& evidence, SectorMask fitted, const DotTolerance& tolerance) {
+    constexpr double kPerMedian = 1.4826;  // standard deviation of a normal variable over the median of its size
+    const double noise = tolerance.noise;
+    const double modelError = kModelError * tolerance.contrast;
+    const double finerError = kFinerModelError * tolerance.contrast;
+    const double usual = medianOver(evidence, fitted, [](const SectorEvidence& e) { return e.squares / e.count; });
+    const double maxSquare = std::min(kNoiseExcess * kNoiseExcess * noise * noise + modelError * modelError,
+                                      kMaxOverMedian * std::max(usual, noise * noise) + finerError * finerError);
+    // Real edges have more noise than their ground, and printed outlines are not quite ellipses: as most sectors show.
+    const double excess =
+        std::clamp(kPerMedian * medianOver(evidence, fitted,
+                                           [](const SectorEvidence& e) { return std::fabs(e.shift) / e.shiftError; }),
+                   1.0, kMaxShiftExcess);
     SectorMask mask = 0;
     for (std::size_t k = 0; k < kDotSectors; ++k) {
         const SectorEvidence& e = evidence[k];
+        const double shift = std::fabs(e.shift);
         const bool agrees = e.count >= kMinSectorSamples && e.squares <= maxSquare * e.count &&
-                            std::fabs(e.shift) <= kShiftTolerance + kShiftShare * radius + kSureness * e.shiftError &&
+                            shift <= kShiftTolerance + kShiftShare * tolerance.radius + kSureness * e.shiftError &&
+                            shift <= kFinerShift + kSureness * excess * e.shiftError &&
                             std::fabs(e.contrast - 1.0) <= kContrastTolerance + kSureness * e.contrastError;
         mask |= agrees ? SectorMask{1} << k : 0U;
     }

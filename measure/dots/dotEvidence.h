@@ -22,8 +22,14 @@ using OutlineEvidence = std::array<SectorEvidence, kDotSectors>;
 // Of reviewed pixels, in noise of that standard deviation.
 OutlineEvidence evidenceOf(const DotModel& model, const DotPixels& pixels, double noise);
 
-// The sectors whose pixels agree with the dot.
-SectorMask agreeingSectors(const OutlineEvidence& evidence, double contrast, double noise, double radius);
+struct DotTolerance {
+    double contrast;  // gray levels
+    double noise;     //
+    double radius;    // pixels
+};
+
+// The sectors whose pixels agree with the dot, by what is usual in the fitted ones.
+SectorMask agreeingSectors(const OutlineEvidence& evidence, SectorMask fitted, const DotTolerance& tolerance);
 
 // Variances of the gray levels by what the residuals of reviewed pixels are.
 DotVariance varianceOf(const DotModel& model, const DotPixels& pixels, SectorMask sectors, double floor);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <numbers>
 
 #include "dotEvidence.h"
 #include "dotPixels.h"
@@ -36,15 +37,22 @@ constexpr int kArcSectors = 15;
 constexpr int kSparseSteps = 12;
 constexpr int kBandSteps = 15;
 constexpr int kMaxBands = 4;
+constexpr int kMaxRounds = 6;
+constexpr double kDisturbedSigmas = 2.0;  // of the blur
+constexpr int kMaxDisturbed = 3;
 constexpr double kSparseTolerance = 0.05;  // pixels
 constexpr double kBandTolerance = 3e-3;    //
 constexpr double kFinalTolerance = 1e-3;   //
 constexpr double kCoarseTolerance = 0.25;  // of the contrast, of uniform pixels before the levels are known well
-constexpr double kFineTolerance = 0.08;    //
-constexpr double kToleranceSigmas = 6.0;
+constexpr double kFineTolerance = 0.06;    //
+constexpr double kToleranceSigmas = 5.0;
 
-SectorMask widened(SectorMask bad) {
-    return (bad | bad << 1 | bad >> 1 | bad << (kDotSectors - 1) | bad >> (kDotSectors - 1)) & kAllSectors;
+// With as many sectors on either side.
+SectorMask widened(SectorMask bad, int sectors) {
+    for (int k = 0; k < sectors; ++k) {
+        bad = (bad | bad << 1 | bad >> 1 | bad << (kDotSectors - 1) | bad >> (kDotSectors - 1)) & kAllSectors;
+    }
+    return bad;
 }
 
 class DotFitter {
@@ -154,8 +162,8 @@ private:
     }
 
     // Fits the band's pixels of these sectors, again where the band has to move with the outline.
-    bool fitBand(SectorMask sectors) {
-        double tolerance = kCoarseTolerance;
+    bool fitBand(SectorMask sectors, double tolerance) {
+        used = sectors;
         for (int k = 0; k < kMaxBands; ++k) {
             const DotBand band = bandNow(tolerance);
             if (!(band.outside >= kMinClear * blur())) {
@@ -173,8 +181,8 @@ private:
             const double moved =
                 std::hypot(model.unknowns[kShiftX] - before[kShiftX], model.unknowns[kShiftY] - before[kShiftY]) +
                 std::fabs(model.unknowns[kGrowth] - before[kGrowth]);
-            const double wanted = kEdgeSigmas * blur();
-            if (moved < kEdgeMargin && wanted < band.edge + kEdgeMargin && !isSpotty(sectors)) {
+            const bool isSpotty = tolerance > kFineTolerance && countOutliers(sectors) > 0;
+            if (moved < kEdgeMargin && kEdgeSigmas * blur() < band.edge + kEdgeMargin && !isSpotty) {
                 break;
             }
             tolerance = kFineTolerance;
@@ -182,45 +190,49 @@ private:
         return true;
     }
 
-    // Whether uniform ground was left out or should be, so that finer thresholds are worth another look.
-    bool isSpotty(SectorMask sectors) const {
+    int countOutliers(SectorMask sectors) const {
         int count = 0;
         for (std::size_t k = 0; k < kDotSectors; ++k) {
             count += (sectors >> k & 1U) != 0 ? outliers.brighter[k] + outliers.darker[k] : 0;
         }
-        return count > 0 && false;
+        return count;
     }
 
     SectorMask agreeing() {
         model.review();
-        return agreeingSectors(evidenceOf(model, pixels, noise), contrast(), noise, outline.radius) & visible;
+        return agreeingSectors(evidenceOf(model, pixels, noise), used, {contrast(), noise, outline.radius}) & visible;
     }
 
-    bool findOnAllOutline() {
-        if (!findRoughly(visible) || !fitBand(visible)) {
-            return false;
-        }
-        used = visible;
-        SectorMask good = agreeing();
-        for (int k = 0; k < 3 && good != used; ++k) {
+    bool findOnAllOutline() { return findRoughly(visible) && fitBand(visible, kCoarseTolerance) && settleSectors(); }
+
+    // Leaves sectors out and takes them in again until those that are used agree with the dot, and the others do not.
+    bool settleSectors() {
+        for (int k = 0; k < kMaxRounds; ++k) {
+            const SectorMask good = agreeing();
             if (std::popcount(good) < kMinSectors) {
                 return false;
             }
-            used = good & ~(widened(visible & ~good) & ~SectorMask{0}) & visible;
-            if (std::popcount(used) < kMinKept || !fitBand(used)) {
-                return false;
-            }
-            good = agreeing();
-            if ((used & ~good) == 0) {
+            const SectorMask next = good & ~widened(visible & ~good, sectorsDisturbed());
+            if (next == used || (k > 0 && (used & ~next) == 0)) {
                 return true;
             }
+            if (std::popcount(next) < kMinKept || !fitBand(next, kFineTolerance)) {
+                return false;
+            }
         }
-        return good == used;
+        return (used & ~agreeing()) == 0;
+    }
+
+    // What hides a part of the outline disturbs its neighbours by its own blurred edge.
+    int sectorsDisturbed() const {
+        const double width = 2.0 * std::numbers::pi * outline.radius / static_cast<double>(kDotSectors);
+        return std::clamp(static_cast<int>(std::ceil(kDisturbedSigmas * blur() / width)), 1, kMaxDisturbed);
     }
 
     // A dot of which much is hidden: some arc of its outline is not.
     bool findOnArcs() {
         DotVector best{};
+        SectorMask bestArc = 0;
         double least = HUGE_VAL;
         for (std::size_t start = 0; start < kDotSectors; start += 2) {
             const SectorMask arc = arcFrom(start) & visible;
@@ -232,31 +244,14 @@ private:
             if (cost < least) {
                 least = cost;
                 best = model.unknowns;
-                used = arc;
+                bestArc = arc;
             }
         }
-        if (least == HUGE_VAL) {
+        if (bestArc == 0) {
             return false;
         }
         model.unknowns = best;
-        if (!fitBand(used)) {
-            return false;
-        }
-        for (int k = 0; k < 3; ++k) {
-            const SectorMask good = agreeing();
-            if (std::popcount(good) < kMinSectors) {
-                return false;
-            }
-            const SectorMask next = good == visible ? good : good & ~widened(visible & ~good);
-            if (next == used) {
-                return true;
-            }
-            used = next;
-            if (std::popcount(used) < kMinKept || !fitBand(used)) {
-                return false;
-            }
-        }
-        return (used & ~agreeing()) == 0;
+        return fitBand(bestArc, kFineTolerance) && settleSectors();
     }
 
     static SectorMask arcFrom(std::size_t start) {
