@@ -26,6 +26,7 @@
 #include "zelmMeasure/measureMatch.h"
 #include "zelmMeasure/measurePoints.h"
 #include "zelmMeasure/measureRig.h"
+#include "zelmMeasure/measureTargets.h"
 #include "zelmMeasure/measureUncertainty.h"
 
 #endif

@@ -172,7 +172,7 @@ std::optional<Ellipse2d> arcEllipse(std::span<const Point2d> outline) {
     return std::nullopt;
 }
 
-std::optional<Ellipse2d> dotEllipse(const DenseImage& image, Point2d near, DotPolarity polarity) {
+std::optional<Ellipse2d> ellipseAt(const DenseImage& image, Point2d near, DotPolarity polarity) {
     if (const auto spot = spotAt(image, near, polarity)) {
         const double reach = kRayEnd * std::sqrt(spot->area / std::numbers::pi);
         if (const auto ellipse =
@@ -190,15 +190,20 @@ std::optional<Ellipse2d> dotEllipse(const DenseImage& image, Point2d near, DotPo
 
 }  // namespace
 
-std::optional<Point2d> dotCentre(const DenseImage& image, Point2d near, DotPolarity polarity) {
+std::optional<Ellipse2d> dotEllipse(const DenseImage& image, Point2d near, DotPolarity polarity) {
     if (!(near.x >= 0.0 && near.y >= 0.0 && near.x <= image.width() - 1 && near.y <= image.height() - 1)) {
         return std::nullopt;
     }
-    const auto ellipse = dotEllipse(image, near, polarity);
+    const auto ellipse = ellipseAt(image, near, polarity);
     if (!ellipse || !(relativeRadius(*ellipse, near) < 1.0)) {
         return std::nullopt;
     }
-    return Point2d{ellipse->x, ellipse->y};
+    return ellipse;
+}
+
+std::optional<Point2d> dotCentre(const DenseImage& image, Point2d near, DotPolarity polarity) {
+    const auto ellipse = dotEllipse(image, near, polarity);
+    return ellipse ? std::optional<Point2d>({ellipse->x, ellipse->y}) : std::nullopt;
 }
 
 }  // namespace zelm::measure

@@ -1,4 +1,4 @@
-// Pixel pairs on the centres of dots.
+// Pixel pairs on the centres of round targets.
 #ifndef ZELM_TOOL_DOT_PAIRS_H
 #define ZELM_TOOL_DOT_PAIRS_H
 
@@ -7,6 +7,7 @@
 
 #include "pairFile.h"
 #include "rigFile.h"
+#include "spacePoints.h"
 #include "subcommands.h"
 
 namespace zelm::tool {
@@ -18,9 +19,10 @@ struct DotOptions {
 };
 void addDotOptions(Subcommand& sub, DotOptions& options);
 
-// Moves the pixels of the pairs onto the centres of the dots that they lie in; tells where there is none in both
-// images. Without images the pixels stay.
-std::vector<bool> moveToDots(std::vector<PixelPair>& pairs, const DotOptions& options, const LoadedRig& rig);
+// Measures the round targets in whose dots the pixels of the pairs lie, and moves the pixels onto the images of their
+// centres. Throws Failure, naming `file`, for a rig that cannot triangulate.
+std::vector<SpacePoint> moveToDots(std::vector<PixelPair>& pairs, const DotOptions& options, const LoadedRig& rig,
+                                   const std::string& file);
 
 }  // namespace zelm::tool
 

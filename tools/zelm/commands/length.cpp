@@ -268,7 +268,12 @@ void runLength(const LengthOptions& o, const Console& console) {
     if (!o.csv.empty()) {
         outputs.prepareFolder(fs::path(o.csv).parent_path());
     }
-    const std::vector<bool> found = moveToDots(pairs, o.dots, rig);
+    std::vector<bool> found(pairs.size(), true);
+    if (!o.dots.images.empty()) {
+        const std::vector<SpacePoint> targets = moveToDots(pairs, o.dots, rig, o.rig);
+        std::transform(targets.begin(), targets.end(), found.begin(),
+                       [](const SpacePoint& point) { return point.status == PointStatus::ok; });
+    }
     measure(lengths, pairs, found, o, rig);
     checkResult(o, lengths, console);
     if (!o.csv.empty()) {

@@ -15,6 +15,7 @@
 #include "jsonText.h"
 #include "rigFigures.h"
 #include "spacePoints.h"
+#include "targets.h"
 
 namespace zelm::tool {
 namespace {
@@ -34,9 +35,10 @@ struct ScenePoint {
 // What a target's pixels and points of space are by each way of finding its centre.
 struct Target {
     const ScenePoint* truth = nullptr;
-    std::optional<PixelPair> measured;
-    Point3d fromOutlines{};  // triangulated from the centroids of the true outlines,
-    Point3d fromMeasured{};  // and from the centres measured
+    std::optional<Point3d> measured;   // as a circle
+    Point3d fromOutlines{};            // triangulated from the centroids of the true outlines,
+    std::optional<PixelPair> centres;  // and from the centres of the ellipses in both images
+    Point3d fromCentres{};             //
 };
 
 // A line of the result: how far some points are from where they should be.
@@ -133,28 +135,34 @@ std::vector<std::optional<Point2d>> dotCentres(const Picture& picture, const std
     return centres;
 }
 
-std::vector<Target> measureTargets(const std::vector<ScenePoint>& points, const LoadedRig& rig, const std::string& file,
-                                   const Picture& left, const Picture& right) {
+std::vector<Target> targetsOf(const std::vector<ScenePoint>& points, const LoadedRig& rig, const std::string& file,
+                              const Picture& left, const Picture& right) {
     std::vector<Target> targets;
     std::vector<PixelPair> outlines;
+    std::vector<PixelPair> seeds;
     std::vector<Point2d> leftSeeds;
     std::vector<Point2d> rightSeeds;
     for (const ScenePoint& point : points) {
         if (point.isTarget) {
-            targets.push_back({&point, {}, {}, {}});
+            targets.push_back({&point, {}, {}, {}, {}});
             outlines.push_back(point.outlines);
+            seeds.push_back(point.pixels);
             leftSeeds.push_back(point.pixels.left);
             rightSeeds.push_back(point.pixels.right);
         }
     }
     const std::vector<Point3d> fromOutlines = positionsOf(rig, file, outlines);
+    const std::vector<SpacePoint> circles = measureTargets(rig, file, left, right, seeds, false);
     const auto leftCentres = dotCentres(left, leftSeeds);
     const auto rightCentres = dotCentres(right, rightSeeds);
     for (std::size_t i = 0; i < targets.size(); ++i) {
         targets[i].fromOutlines = fromOutlines[i];
+        if (circles[i].status == PointStatus::ok) {
+            targets[i].measured = circles[i].position;
+        }
         if (leftCentres[i] && rightCentres[i]) {
-            targets[i].measured = PixelPair{*leftCentres[i], *rightCentres[i], ""};
-            targets[i].fromMeasured = positionsOf(rig, file, {*targets[i].measured}).front();
+            targets[i].centres = PixelPair{*leftCentres[i], *rightCentres[i], ""};
+            targets[i].fromCentres = positionsOf(rig, file, {*targets[i].centres}).front();
         }
     }
     return targets;
@@ -177,18 +185,21 @@ std::vector<Distances> allDistances(const std::vector<ScenePoint>& points, const
     const auto isEven = [&](const Target& t) { return isMeasured(t) && t.truth->isEvenlyLit; };
     const auto isUneven = [&](const Target& t) { return isMeasured(t) && !t.truth->isEvenlyLit; };
     const auto fromPixels = [](const ScenePoint& p) { return distance(p.fromPixels, p.position); };
-    const auto fromMeasured = [](const Target& t) { return distance(t.fromMeasured, t.truth->position); };
+    const auto hasCentres = [](const Target& t) { return t.centres.has_value(); };
+    const auto fromMeasured = [](const Target& t) { return distance(*t.measured, t.truth->position); };
     return {
         distancesOf("all points, from true pixels", "pointsFromTruePixels", points, all, fromPixels),
-        distancesOf("targets, from measured centres", "targetsMeasured", targets, isMeasured, fromMeasured),
+        distancesOf("targets, measured as circles", "targetsMeasured", targets, isMeasured, fromMeasured),
         distancesOf("  evenly lit ones", "targetsMeasuredEvenlyLit", targets, isEven, fromMeasured),
         distancesOf("  with a shadow edge on the pad", "targetsMeasuredShadowed", targets, isUneven, fromMeasured),
         distancesOf("  of this: calibration", "targetsCalibration", targets, isMeasured,
                     [](const Target& t) { return distance(t.truth->fromPixels, t.truth->position); }),
-        distancesOf("  of this: centre of the outline", "targetsCentreBias", targets, isMeasured,
-                    [](const Target& t) { return distance(t.fromOutlines, t.truth->fromPixels); }),
         distancesOf("  of this: noise and finding the outline", "targetsNoise", targets, isMeasured,
-                    [](const Target& t) { return distance(t.fromMeasured, t.fromOutlines); }),
+                    [](const Target& t) { return distance(*t.measured, t.truth->fromPixels); }),
+        distancesOf("targets, from the ellipses' centres", "targetsFromCentres", targets, hasCentres,
+                    [](const Target& t) { return distance(t.fromCentres, t.truth->position); }),
+        distancesOf("  of this: centre of the outline", "targetsCentreBias", targets, hasCentres,
+                    [](const Target& t) { return distance(t.fromOutlines, t.truth->fromPixels); }),
     };
 }
 
@@ -196,10 +207,10 @@ std::vector<Distances> allDistances(const std::vector<ScenePoint>& points, const
 DistanceFigures centreErrors(const std::vector<Target>& targets) {
     std::vector<double> distances;
     for (const Target& t : targets) {
-        if (t.measured) {
+        if (t.centres) {
             const PixelPair& o = t.truth->outlines;
-            distances.push_back(std::hypot(t.measured->left.x - o.left.x, t.measured->left.y - o.left.y));
-            distances.push_back(std::hypot(t.measured->right.x - o.right.x, t.measured->right.y - o.right.y));
+            distances.push_back(std::hypot(t.centres->left.x - o.left.x, t.centres->left.y - o.left.y));
+            distances.push_back(std::hypot(t.centres->right.x - o.right.x, t.centres->right.y - o.right.y));
         }
     }
     return figuresOf(distances);
@@ -214,7 +225,7 @@ std::string textOf(const std::vector<Distances>& list, std::size_t missed, const
         }
     }
     if (centres.count > 0) {
-        text += fmt::format("\ncentres measured to the true outlines' centroids: RMS {:.4f}, worst {:.4f} px",
+        text += fmt::format("\nellipses' centres to the true outlines' centroids: RMS {:.4f}, worst {:.4f} px",
                             centres.rms, centres.max);
     }
     if (missed > 0) {
@@ -252,7 +263,7 @@ void compareScene(const LoadedRig& rig, const fs::path& rigPath, const nlohmann:
     if (anyTarget) {
         const Picture left = sceneImage(truth, "left_image", truthPath, rig, 'L');
         const Picture right = sceneImage(truth, "right_image", truthPath, rig, 'R');
-        targets = measureTargets(points, rig, rigPath.string(), left, right);
+        targets = targetsOf(points, rig, rigPath.string(), left, right);
     }
     const std::vector<Distances> list = allDistances(points, targets);
     const DistanceFigures centres = centreErrors(targets);

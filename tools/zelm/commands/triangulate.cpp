@@ -67,15 +67,7 @@ void checkNames(const TriangulateOptions& o) {
 }
 
 std::vector<SpacePoint> pointsOf(std::vector<PixelPair>& pairs, const TriangulateOptions& o, const LoadedRig& rig) {
-    const std::vector<bool> found = moveToDots(pairs, o.dots, rig);
-    std::vector<SpacePoint> points = triangulate(rig, o.rig, pairs);
-    for (std::size_t i = 0; i < pairs.size(); ++i) {
-        if (!found[i]) {
-            points[i] = {};
-            points[i].status = PointStatus::noDot;
-        }
-    }
-    return points;
+    return o.dots.images.empty() ? triangulate(rig, o.rig, pairs) : moveToDots(pairs, o.dots, rig, o.rig);
 }
 
 Summary summaryOf(const std::vector<SpacePoint>& points) {

@@ -43,7 +43,8 @@ std::vector<SpacePoint> triangulate(const LoadedRig& rig, const std::string& fil
                      {X[0], X[1], X[2]},
                      errors[2 * i],
                      errors[2 * i + 1],
-                     angles[i] * kDegreesPerRadian};
+                     angles[i] * kDegreesPerRadian,
+                     {}};
     }
     return points;
 }

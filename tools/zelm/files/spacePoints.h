@@ -5,6 +5,7 @@
 #include <zelmMeasure.h>
 
 #include <array>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -28,12 +29,19 @@ constexpr std::size_t kPointStatuses = 5;
 // The word that files have for it.
 std::string_view statusWord(PointStatus status);
 
+// The round target whose centre a point is.
+struct Disc {
+    Point3d normal{};     // unit length, towards the left camera
+    double radius = 0.0;  // plate units
+};
+
 struct SpacePoint {
     PointStatus status = PointStatus::ok;
     Point3d position{};       // world frame
-    double errorLeft = 0.0;   // pixels between the pixel given and the raw projection of the point
+    double errorLeft = 0.0;   // pixels between what is seen and the projection of what is measured
     double errorRight = 0.0;  // pixels
     double degrees = 0.0;     // between the two rays at the point, 0 to 180
+    std::optional<Disc> disc{};
 };
 
 // Makes points of pairs. Throws Failure, naming `file`, for a rig that cannot triangulate, or when memory runs out.

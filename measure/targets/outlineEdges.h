@@ -1,0 +1,33 @@
+// The outline of a dot as points that are found independently of each other, each with its own uncertainty.
+#ifndef ZELM_MEASURE_OUTLINE_EDGES_H
+#define ZELM_MEASURE_OUTLINE_EDGES_H
+
+#include <zelmLib.h>
+
+#include <optional>
+#include <vector>
+
+#include "dotCentre.h"
+#include "image.h"
+
+namespace zelm::measure {
+
+struct OutlineEdge {
+    Point2d pixel{};
+    double deviation = 0.0;  // standard, across the outline, pixels: from the noise of the pixels around
+};
+
+struct DotOutline {
+    Ellipse2d ellipse{};  // through the edges
+    std::vector<OutlineEdge> edges;
+};
+
+// The outline of the dot that covers the pixel `near`. It is cut into sectors of some 3 pixels; in each, a step from one
+// level to the other, blurred as in all others, is laid through all pixels near the outline. Sectors that no such step
+// explains (shadows, what hides the dot) are left out. Nothing when no outline there is an ellipse, or when less than
+// half of it is seen.
+std::optional<DotOutline> dotOutline(const DenseImage& image, Point2d near, DotPolarity polarity);
+
+}  // namespace zelm::measure
+
+#endif

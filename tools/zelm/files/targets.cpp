@@ -1,0 +1,64 @@
+#include "targets.h"
+
+#include "dots.h"
+#include "numberText.h"
+
+namespace zelm::tool {
+namespace {
+
+PointStatus statusOf(std::int32_t status) {
+    switch (status) {
+        case ZELM_MEASURE_CIRCLE_OK:
+        case ZELM_MEASURE_CIRCLE_POINT_ALONE:
+            return PointStatus::ok;
+        case ZELM_MEASURE_CIRCLE_BEHIND:
+            return PointStatus::behind;
+        case ZELM_MEASURE_CIRCLE_DISTORTION:
+            return PointStatus::distortion;
+        case ZELM_MEASURE_CIRCLE_PARALLEL:
+            return PointStatus::parallel;
+        default:
+            return PointStatus::noDot;
+    }
+}
+
+}  // namespace
+
+std::vector<SpacePoint> measureTargets(const LoadedRig& rig, const std::string& file, const Picture& left,
+                                       const Picture& right, const std::vector<PixelPair>& pairs, bool areBright) {
+    std::vector<double> leftSeeds;
+    std::vector<double> rightSeeds;
+    for (const PixelPair& pair : pairs) {
+        leftSeeds.insert(leftSeeds.end(), {pair.left.x, pair.left.y});
+        rightSeeds.insert(rightSeeds.end(), {pair.right.x, pair.right.y});
+    }
+    const std::size_t count = pairs.size();
+    std::vector<std::int32_t> statuses(count);
+    std::vector<double> centres(3 * count);
+    std::vector<double> normals(3 * count);
+    std::vector<double> radii(count);
+    std::vector<double> errors(2 * count);
+    std::vector<double> angles(count);
+    const ZelmMeasureTargets out{sizeof(out),  0,       statuses.data(), centres.data(), normals.data(),
+                                 radii.data(), nullptr, errors.data(),   angles.data()};
+    const ZelmMeasureImage leftImage = imageOf(left);
+    const ZelmMeasureImage rightImage = imageOf(right);
+    rig.require(zelmMeasureCircles(rig.handle.get(), &leftImage, &rightImage, static_cast<std::int64_t>(count),
+                                   leftSeeds.data(), rightSeeds.data(), areBright ? 1 : 0, &out),
+                file);
+    std::vector<SpacePoint> points(count);
+    for (std::size_t i = 0; i < count; ++i) {
+        points[i] = {statusOf(statuses[i]),
+                     {centres[3 * i], centres[3 * i + 1], centres[3 * i + 2]},
+                     errors[2 * i],
+                     errors[2 * i + 1],
+                     angles[i] * kDegreesPerRadian,
+                     {}};
+        if (statuses[i] == ZELM_MEASURE_CIRCLE_OK) {
+            points[i].disc = Disc{{normals[3 * i], normals[3 * i + 1], normals[3 * i + 2]}, radii[i]};
+        }
+    }
+    return points;
+}
+
+}  // namespace zelm::tool
