@@ -29,6 +29,7 @@ constexpr double kSettled = 1e-4;       // pixels of the blur
 constexpr double kMisfit = 4.0;         // a sector's mean square over the usual one that is not remarkable,
 constexpr double kMisfitOfFew = 12.0;   // with this over its degrees of freedom added
 constexpr double kPixelVariance = 1.0 / 12.0;  // square pixels, of a pixel across any direction
+constexpr double kShapeError = 0.02;           // of the contrast: what no step but a bent one would follow
 constexpr double kRounding = 1.0 / 12.0;       // square gray levels
 
 // What a step has: gray level inside and outside, its offset and its blur.
@@ -47,7 +48,7 @@ struct Sector {
     Vector<kUnknowns> step{};
     Matrix<kUnknowns> normal{};  // upper triangle, in kOrder
     Vector<kUnknowns> right{};   //
-    double squares = 0.0;        // of what the step leaves, over the variances
+    double squares = 0.0;        // of what the step leaves
     bool sound = true;
 
     double contrast() const { return step[kOutside] - step[kInside]; }
@@ -84,7 +85,7 @@ void form(Sector& sector, const Noise& noise) {
             }
             sector.right[i] += element * residual;
         }
-        sector.squares += weight * residual * residual;
+        sector.squares += residual * residual;
     }
 }
 
@@ -242,8 +243,9 @@ void settle(std::vector<Sector>& sectors, const Noise& noise, double sign) {
     }
     const std::optional<double> usual = usualSquare<local>(sectors);
     for (Sector& sector : sectors) {
+        const double shape = kShapeError * sector.contrast();
         const double limit = kMisfit * freedom<local>(sector) + kMisfitOfFew;
-        sector.sound = sector.sound && usual && sector.squares <= limit * std::max(*usual, kRounding);
+        sector.sound = sector.sound && usual && sector.squares <= limit * std::max(*usual, shape * shape);
     }
 }
 
