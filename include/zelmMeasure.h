@@ -28,5 +28,6 @@
 #include "zelmMeasure/measureRig.h"
 #include "zelmMeasure/measureTargets.h"
 #include "zelmMeasure/measureUncertainty.h"
+#include "zelmMeasure/measureVerify.h"
 
 #endif
