@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "driftStart.h"
 #include "plateBlobs.h"
 
 namespace zelm::measure {
@@ -10,11 +11,14 @@ namespace {
 
 constexpr int kMaxSteps = 30;
 constexpr int kMaxHalvings = 12;
-constexpr double kSmallStep = 1e-6;     // of the change of the distances by a step, root mean square, pixels
-constexpr int kReweightings = 20;       // of each kind of weights
-constexpr double kTukey = 4.685;        // standard deviations: 95 % efficient (Holland and Welsch 1977)
-constexpr double kAgreeing = 4.5;       // standard deviations; noise alone exceeds them once in 150,000 pairs
-constexpr double kOfMedian = 1.4826;    // standard deviation of normal noise by the median of magnitudes
+constexpr double kSmallStep = 1e-5;   // of the change of the distances by a step, root mean square, pixels
+constexpr int kReweightings = 20;     // of each kind of weights
+constexpr double kTukey = 4.685;      // standard deviations: 95 % efficient (Holland and Welsch 1977)
+constexpr double kAgreeing = 4.5;     // standard deviations; noise alone exceeds them once in 150,000 pairs
+constexpr double kOfMedian = 1.4826;  // standard deviation of normal noise by the median of magnitudes
+constexpr int kRefinements = 3;
+constexpr double kMaxLeverages = 6.0;  // of the mean one
+constexpr double kMaxLeverage = 0.6;
 constexpr double kMinDeviation = 1e-9;  // pixels; distances of exact pairs are rounding
 constexpr DriftMask kAllParts{true, true, true, true, true};
 
@@ -27,9 +31,9 @@ struct Normal {
 class DriftSolver {
 public:
     DriftSolver(const EpipolarModel& used, const std::vector<RayPair>& given, const DriftMask& estimated)
-        : residuals(given.size()), model(used), pairs(given), mask(estimated), weights(given.size(), 1.0) {}
+        : model(used), pairs(given), residuals(given.size()), mask(estimated), weights(given.size(), 1.0) {}
 
-    // One step of Gauss and Newton, halved until it helps; false when it changes nothing any more.
+    // One step of Gauss and Newton, halved until it helps; false when it changes next to nothing.
     bool step() {
         const Normal here = normal(drift);
         Drift change{};
@@ -37,20 +41,26 @@ public:
             isDetermined = false;
             return false;
         }
+        double gain = 0.0;  // of the squares, as far as they are linear
+        for (std::size_t k = 0; k < kDriftParts; ++k) {
+            gain += change[k] * here.right[k];
+        }
+        if (!(gain > kSmallStep * kSmallStep * totalWeight())) {
+            return false;
+        }
         for (int halving = 0; halving < kMaxHalvings; ++halving) {
             Drift next = drift;
             for (std::size_t k = 0; k < kDriftParts; ++k) {
                 next[k] += change[k];
             }
-            if (const Normal there = normal(next); there.squares <= here.squares) {
+            if (normal(next).squares <= here.squares) {
                 drift = next;
-                return here.squares - there.squares > kSmallStep * kSmallStep * totalWeight();
+                return true;
             }
             for (double& c : change) {
                 c *= 0.5;
             }
         }
-        normal(drift);
         return false;
     }
 
@@ -59,16 +69,18 @@ public:
         }
     }
 
-    // Steps with weights that are made of the distances anew each time.
-    template <class WeightOf>
-    void reweight(WeightOf weightOf) {
-        normal(drift);
-        for (int i = 0; i < kReweightings && isDetermined; ++i) {
-            const double deviation = deviationNow();
+    // Steps with Tukey's weights, which are made of the distances anew each time: wrong pairs have none.
+    void reweight() {
+        for (int i = 0; i < kReweightings; ++i) {
+            normal(drift);
+            const double limit = kTukey * deviationNow();
             for (std::size_t k = 0; k < pairs.size(); ++k) {
-                weights[k] = weightOf(std::fabs(residuals[k]) / deviation);
+                const double part = residuals[k] / limit;
+                weights[k] = std::fabs(part) < 1.0 ? std::pow(1.0 - part * part, 2.0) : 0.0;
             }
-            step();
+            if (!step()) {
+                break;
+            }
         }
         normal(drift);
     }
@@ -79,6 +91,22 @@ public:
         const double n = static_cast<double>(pairs.size());
         const double freedom = std::max(n - static_cast<double>(kDriftParts), 1.0);
         return std::max(kOfMedian * median(std::move(magnitudes)) * std::sqrt(n / freedom), kMinDeviation);
+    }
+
+    // Least squares over the pairs that agree, which are told anew: those within the limit of their standard deviation
+    // whose leverage is not too large. A pair of the latter kind would be believed whatever it says, and a wrong match
+    // easily is one, as no other has its depth.
+    void refine() {
+        std::vector<bool> agree = within(deviationNow());
+        for (int pass = 0; pass < kRefinements; ++pass) {
+            std::transform(agree.begin(), agree.end(), weights.begin(), [](bool is) { return is ? 1.0 : 0.0; });
+            converge();
+            const Normal here = normal(drift);
+            const double freedom = std::max(totalWeight() - static_cast<double>(kDriftParts), 1.0);
+            agree = within(std::max(std::sqrt(here.squares / freedom), kMinDeviation));
+            leaveOutLevers(here, agree);
+        }
+        agreeing = std::move(agree);
     }
 
     DriftFit result() {
@@ -98,7 +126,7 @@ public:
     }
 
     Drift drift{};
-    std::vector<double> residuals;  // of the latest drift that was tried
+    std::vector<bool> agreeing;
     bool isDetermined = true;
 
 private:
@@ -118,6 +146,32 @@ private:
             }
         }
         return sums;
+    }
+
+    std::vector<bool> within(double deviation) const {
+        std::vector<bool> is(pairs.size());
+        std::transform(residuals.begin(), residuals.end(), is.begin(),
+                       [&](double r) { return std::fabs(r) <= kAgreeing * deviation; });
+        return is;
+    }
+
+    void leaveOutLevers(const Normal& here, std::vector<bool>& agree) const {
+        Matrix<kDriftParts> U = masked(here.N);
+        if (!factor(U)) {
+            return;
+        }
+        const double max = std::min(kMaxLeverages * static_cast<double>(kDriftParts) / totalWeight(), kMaxLeverage);
+        const DriftedPair drifted = model.at(drift);
+        for (std::size_t i = 0; i < pairs.size(); ++i) {
+            const Drift row = drifted.distance(pairs[i]).byDrift;
+            const Drift solved = solve(U, row);
+            double leverage = 0.0;
+            for (std::size_t k = 0; k < kDriftParts; ++k) {
+                leverage += row[k] * solved[k];
+            }
+            leverage = weights[i] > 0.0 ? leverage : leverage / (1.0 + leverage);
+            agree[i] = agree[i] && leverage <= max;
+        }
     }
 
     // Rows and columns of parts that are held become those of the unit matrix.
@@ -155,6 +209,7 @@ private:
 
     const EpipolarModel& model;
     const std::vector<RayPair>& pairs;
+    std::vector<double> residuals;  // of the latest drift that was tried
     DriftMask mask;
     std::vector<double> weights;
 };
@@ -169,14 +224,10 @@ DriftFit fitDrift(const EpipolarModel& model, const std::vector<RayPair>& pairs,
 
 std::vector<bool> agreeingPairs(const EpipolarModel& model, const std::vector<RayPair>& pairs) {
     DriftSolver solver(model, pairs, kAllParts);
-    // Least absolute distances find the drift among wrong matches; the other weights leave these out.
-    solver.reweight([](double r) { return 1.0 / std::max(r, 0.05); });
-    solver.reweight([](double r) { return r < kTukey ? std::pow(1.0 - (r / kTukey) * (r / kTukey), 2.0) : 0.0; });
-    const double limit = kAgreeing * solver.deviationNow();
-    std::vector<bool> agree(pairs.size());
-    std::transform(solver.residuals.begin(), solver.residuals.end(), agree.begin(),
-                   [&](double r) { return std::fabs(r) <= limit; });
-    return agree;
+    solver.drift = startDrift(model, pairs);
+    solver.reweight();
+    solver.refine();
+    return std::move(solver.agreeing);
 }
 
 }  // namespace zelm::measure

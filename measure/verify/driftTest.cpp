@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <string>
 
 #include "significance.h"
@@ -10,6 +11,7 @@ namespace zelm::measure {
 namespace {
 
 constexpr std::size_t kMinPairs = 20;
+constexpr std::size_t kMinGood = 16;    // of these, left when wrong ones are out
 constexpr double kMinSpread = 0.02;     // of the image's diagonal: RMS of the pairs across their narrowest direction
 constexpr double kMinAgreeing = 0.5;    // part of the pairs
 constexpr double kMaxNoise = 5.0;       // pixels; no match is so bad, but those of another rig are
@@ -17,6 +19,7 @@ constexpr double kMinVariance = 1e-18;  // pixels^2; exact pairs
 constexpr double kTests = 6.0;          // explanations that are tried
 constexpr double kLackOfFit = 1e-3;     // probability below which one part alone is too little
 constexpr double kAboutAsWell = 16.0;   // variances by which another part's sum of squares may be larger
+constexpr std::ptrdiff_t kTurns = 3;    // the parts that are turns come first
 constexpr double kPower = 1.2816;       // standard deviations that hold 9 of 10
 
 // Root of the smaller eigenvalue of the scatter of the left pixels.
@@ -87,7 +90,7 @@ private:
         if (static_cast<double>(count) < kMinAgreeing * static_cast<double>(usable)) {
             refuseForeign();
         }
-        if (count < kMinPairs) {
+        if (count < kMinGood || usable < kMinPairs) {
             refuse("only " + std::to_string(count) + " of " + std::to_string(pairs.size()) +
                    " pixel pairs can be used, and drift takes " + std::to_string(kMinPairs) +
                    ": give more, from all over the images");
@@ -166,10 +169,13 @@ private:
 
     void compare() {
         ZelmMeasureDrift& d = verdict.drift;
-        const auto best = static_cast<std::size_t>(
-            std::min_element(singles.begin(), singles.end(),
-                             [](const DriftFit& a, const DriftFit& b) { return a.squares < b.squares; }) -
-            singles.begin());
+        const auto isBetter = [](const DriftFit& a, const DriftFit& b) { return a.squares < b.squares; };
+        const auto begin = singles.begin();
+        // A mount gives way to a turn sooner than to a shift: where both explain the distances, the turn is named.
+        const auto turn = std::min_element(begin, begin + kTurns, isBetter);
+        const auto any = std::min_element(begin, singles.end(), isBetter);
+        const bool isTurn = (turn->squares - any->squares) / variance < kAboutAsWell;
+        const auto best = static_cast<std::size_t>((isTurn ? turn : any) - begin);
         d.best = static_cast<std::int32_t>(best);
         const double others = static_cast<double>(kDriftParts - 1);
         d.isSingle = probabilityOf(singles[best].squares - all.squares, others) > kLackOfFit ? 1 : 0;
