@@ -14,5 +14,5 @@ if [ "$(echo "$declared" | uniq -d)" ]; then
 fi
 diff <(echo "$declared") <(echo "$exported") || { echo "left: declared, right: exported"; exit 1; }
 count=$(echo "$exported" | wc -l)
-[ "$count" -eq 43 ] || { echo "$count exported functions, not 43"; exit 1; }
+[ "$count" -eq 47 ] || { echo "$count exported functions, not 47"; exit 1; }
 echo "$count exported functions"
