@@ -63,7 +63,7 @@ ZELM_API int32_t zelmMeasurePlateLengths(const Zelm2ViewPatternDesc* pattern, in
                                          int64_t capacity, int64_t* ends, double* nominal, int64_t* chosen);
 
 /// Measured lengths, in arrays of the caller's with room for all.
-typedef struct ZelmMeasureLengths {
+typedef struct ZelmMeasureLengthErrors {
     int32_t size;      ///< of this record, bytes
     int32_t reserved;  ///< 0
     double* measured;  ///< 1 a length: plate units; or NULL
@@ -71,7 +71,7 @@ typedef struct ZelmMeasureLengths {
     double* depths;    ///< 1 a length: of its middle along the left camera's axis, plate units; or NULL
     int32_t* regions;  ///< 1 a length: third of the left image that shows its middle, 0 to 8, row by row; or NULL
     int32_t* slabs;    ///< 1 a length: third of the depths that holds its middle, 0 (near) to 2; or NULL
-} ZelmMeasureLengths;
+} ZelmMeasureLengthErrors;
 
 /// Errors of lengths, measured less nominal.
 typedef struct ZelmMeasureLengthFigures {
@@ -110,7 +110,7 @@ typedef struct ZelmMeasureLengthSummary {
 /// Cost O(count).
 ZELM_API int32_t zelmMeasureLengthErrors(ZelmMeasureRig* rig, int64_t pointCount, const double* positions,
                                          int64_t count, const int64_t* ends, const double* nominal,
-                                         const ZelmMeasureLengths* lengths, ZelmMeasureLengthSummary* summary);
+                                         const ZelmMeasureLengthErrors* lengths, ZelmMeasureLengthSummary* summary);
 
 /// What of the right camera may have moved since the calibration, in its own frame. Points alone show no more of a
 /// pair: what the left camera does shows as turns and shifts of the right one.

@@ -81,7 +81,7 @@ Vector3 pointAt(std::int64_t pointCount, const double* positions, std::int64_t i
     return {X[0], X[1], X[2]};
 }
 
-void give(const LengthErrors& errors, const ZelmMeasureLengths& out) {
+void give(const LengthErrors& errors, const ZelmMeasureLengthErrors& out) {
     for (std::size_t i = 0; i < errors.lengths.size(); ++i) {
         const MeasuredLength& length = errors.lengths[i];
         put(out.measured, i, std::array{length.measured});
@@ -147,12 +147,12 @@ std::int32_t zelmMeasurePlateLengths(const Zelm2ViewPatternDesc* pattern, std::i
 
 std::int32_t zelmMeasureLengthErrors(ZelmMeasureRig* handle, std::int64_t pointCount, const double* positions,
                                      std::int64_t count, const std::int64_t* ends, const double* nominal,
-                                     const ZelmMeasureLengths* lengths, ZelmMeasureLengthSummary* summary) {
+                                     const ZelmMeasureLengthErrors* lengths, ZelmMeasureLengthSummary* summary) {
     return withRig(handle, [&](const Rig& rig) {
         require(pointCount >= 0 && positions != nullptr, "the points are NULL, or their number negative");
         require(count > 0 && ends != nullptr && nominal != nullptr, "the lengths are NULL, or there is none");
         recordOf(summary);
-        const ZelmMeasureLengths out = arraysOf(lengths);
+        const ZelmMeasureLengthErrors out = arraysOf(lengths);
         std::vector<KnownLength> known(static_cast<std::size_t>(count));
         for (std::size_t i = 0; i < known.size(); ++i) {
             require(nominal[i] > 0.0 && std::isfinite(nominal[i]), "a length's true size is not greater than 0");
