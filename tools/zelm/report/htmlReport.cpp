@@ -118,6 +118,33 @@ std::string cameraTable(const Calibration& c) {
     return html + "</table>";
 }
 
+// What the adjustment changed.
+std::string adjustment(const Calibration& c) {
+    if (!c.adjustment) {
+        return {};
+    }
+    const AdjustReport& report = *c.adjustment;
+    std::string html = "<h2>Adjustment of both cameras together</h2>";
+    html +=
+        fmt::format("<p class='{}'>{}</p>", report.refusal.empty() ? "note" : "warning", escaped(adjustLine(report)));
+    if (!report.refusal.empty()) {
+        return html;
+    }
+    for (const std::string& remark : adjustRemarks(report)) {
+        html += fmt::format("<p class='warning'>{}</p>", escaped(remark));
+    }
+    html += "<div class='scroll'><table><tr><th>moved by</th><th>left</th><th>±</th><th>right</th><th>±</th></tr>";
+    for (const MovedParameter& row : movedParameters(report, c.rig, c.plate.units)) {
+        html += fmt::format("<tr><td>{}</td><td>{}</td><td>{}</td><td>{}</td><td>{}</td></tr>", escaped(row.name),
+                            row.leftMoved, row.leftDeviation, row.rightMoved, row.rightDeviation);
+    }
+    html += "</table></div>";
+    for (const std::string& line : movedPair(report, c.rig, c.plate.units)) {
+        html += fmt::format("<p class='note'>{}</p>", escaped(line));
+    }
+    return html + "<p class='note'>± is the standard deviation that the residuals leave each parameter.</p>";
+}
+
 std::string imageCells(const std::filesystem::path& path, const ImageFigures& image) {
     if (image.dots.empty()) {
         return "<td class='name'>–</td><td>–</td><td>–</td><td>–</td><td>–</td>";
@@ -168,7 +195,7 @@ std::string htmlReport(const Calibration& c) {
     html += fmt::format("<p class='note'>zelm {}, lengths in {}, image positions in pixels</p>", ZELM_VERSION,
                         escaped(c.plate.units));
     html += tiles(c) + skippedViews(c);
-    html += "<h2>Cameras</h2>" + cameraTable(c);
+    html += "<h2>Cameras</h2>" + cameraTable(c) + adjustment(c);
     html +=
         "<h2>Reprojection error of every view</h2><p class='note'>RMS distance in pixels between the dots and their "
         "projections.<span class='key left'></span>left<span class='key right'></span>right</p>";
