@@ -11,6 +11,7 @@ constexpr double kNoiseExcess = 2.0;        // root mean square of a sector's re
 constexpr double kFinerModelError = 0.03;   // where most sectors show that it does
 constexpr double kMaxOverMedian = 3.0;      // mean square of a sector's residuals over the median of all
 constexpr double kMaxShiftExcess = 4.0;     // of the spread of shifts over what noise explains
+constexpr double kFinerContrast = 0.08;     // of the contrast
 constexpr double kFinerShift = 0.03;        // pixels
 constexpr double kModelError = 0.07;        // of the contrast, that the profile of a real edge may differ
 constexpr double kSureness = 4.0;           // standard deviations
@@ -94,14 +95,20 @@ SectorMask agreeingSectors(const OutlineEvidence& evidence, SectorMask fitted, c
         std::clamp(kPerMedian * medianOver(evidence, fitted,
                                            [](const SectorEvidence& e) { return std::fabs(e.shift) / e.shiftError; }),
                    1.0, kMaxShiftExcess);
+    const double contrastExcess = std::clamp(
+        kPerMedian * medianOver(evidence, fitted,
+                                [](const SectorEvidence& e) { return std::fabs(e.contrast - 1.0) / e.contrastError; }),
+        1.0, kMaxShiftExcess);
     SectorMask mask = 0;
     for (std::size_t k = 0; k < kDotSectors; ++k) {
         const SectorEvidence& e = evidence[k];
         const double shift = std::fabs(e.shift);
-        const bool agrees = e.count >= kMinSectorSamples && e.squares <= maxSquare * e.count &&
-                            shift <= kShiftTolerance + kShiftShare * tolerance.radius + kSureness * e.shiftError &&
-                            shift <= kFinerShift + kSureness * excess * e.shiftError &&
-                            std::fabs(e.contrast - 1.0) <= kContrastTolerance + kSureness * e.contrastError;
+        const bool agrees =
+            e.count >= kMinSectorSamples && e.squares <= maxSquare * e.count &&
+            shift <= kShiftTolerance + kShiftShare * tolerance.radius + kSureness * e.shiftError &&
+            shift <= kFinerShift + kSureness * excess * e.shiftError &&
+            std::fabs(e.contrast - 1.0) <= kContrastTolerance + kSureness * e.contrastError &&
+            std::fabs(e.contrast - 1.0) <= kFinerContrast + kSureness * contrastExcess * e.contrastError;
         mask |= agrees ? SectorMask{1} << k : 0U;
     }
     return mask;

@@ -27,13 +27,17 @@ constexpr double kMinShiftLimit = 2.0;         // pixels
 constexpr double kShiftLimitShare = 0.5;       // of the radius
 constexpr double kMinScale = 0.7;
 constexpr double kMaxScale = 1.4;
+constexpr double kMinArcScale = 0.85;    // where a part of the outline is hidden
+constexpr double kMaxArcScale = 1.18;    //
+constexpr double kMaxSlant = 0.15;       // of the contrast a radius, of the ground's level
 constexpr double kMaxExcess = 1.3;       // residuals over the noise
 constexpr double kMaxModelError = 0.05;  // of the contrast, in the residuals of all pixels
 constexpr double kMaxError = 0.25;       // pixels, standard deviation of the centre
-constexpr int kMinSectors = 15;          // of 24: 60 %
-constexpr int kMinKept = 12;             // after those next to hidden ones are left out too
+constexpr int kMinSectors = 14;          // of 24 that are seen whole: 60 % of the outline with parts of two more
+constexpr int kMinScattered = 17;        // where more than one arc is hidden: a wrong shape too agrees with some arcs
+constexpr int kMinKept = 10;             // after those next to hidden ones are left out too
 constexpr int kMinInImage = 20;          // of 24: 80 %
-constexpr int kArcSectors = 15;
+constexpr int kArcSectors = 13;
 constexpr int kSparseSteps = 12;
 constexpr int kBandSteps = 15;
 constexpr int kMaxBands = 4;
@@ -53,6 +57,12 @@ SectorMask widened(SectorMask bad, int sectors) {
         bad = (bad | bad << 1 | bad >> 1 | bad << (kDotSectors - 1) | bad >> (kDotSectors - 1)) & kAllSectors;
     }
     return bad;
+}
+
+// How many runs of neighbouring sectors there are.
+int runsOf(SectorMask sectors) {
+    const SectorMask previous = (sectors << 1 | sectors >> (kDotSectors - 1)) & kAllSectors;
+    return std::popcount(sectors & ~previous);
 }
 
 class DotFitter {
@@ -205,11 +215,18 @@ private:
 
     bool findOnAllOutline() { return findRoughly(visible) && fitBand(visible, kCoarseTolerance) && settleSectors(); }
 
+    // Whether the levels are as slanted as light may be, rather than as what hides a part would make them.
+    bool isEvenlyLit() const {
+        const DotVector& at = model.unknowns;
+        return std::hypot(at[kOutsideX], at[kOutsideY]) <= kMaxSlant * contrast() &&
+               std::hypot(at[kInsideX], at[kInsideY]) <= 2.0 * kMaxSlant * contrast();
+    }
+
     // Leaves sectors out and takes them in again until those that are used agree with the dot, and the others do not.
     bool settleSectors() {
         for (int k = 0; k < kMaxRounds; ++k) {
             const SectorMask good = agreeing();
-            if (std::popcount(good) < kMinSectors) {
+            if (std::popcount(good) < (runsOf(visible & ~good) > 1 ? kMinScattered : kMinSectors)) {
                 return false;
             }
             const SectorMask next = good & ~widened(visible & ~good, sectorsDisturbed());
@@ -274,9 +291,8 @@ private:
         const DotResidual residual = residualOf(model, pixels, used);
         const double scale = 1.0 + at[kGrowth] / outline.radius;
         setFlags();
-        if (!hasContrast() || !(scale >= kMinScale && scale <= kMaxScale) ||
-            !(std::hypot(at[kShiftX], at[kShiftY]) <= shiftLimit()) || !agrees ||
-            residual.rms > std::hypot(kMaxExcess * noise, kMaxModelError * contrast())) {
+        if (!hasContrast() || !isPlausible(scale) || !(std::hypot(at[kShiftX], at[kShiftY]) <= shiftLimit()) ||
+            !agrees || !isEvenlyLit() || residual.rms > std::hypot(kMaxExcess * noise, kMaxModelError * contrast())) {
             return refused(kDotNoDot);
         }
         if (!converged) {
@@ -295,6 +311,11 @@ private:
         result.inside = at[kInside] + at[kInsideX] * u + at[kInsideY] * v;
         result.outside = at[kOutside] + at[kOutsideX] * u + at[kOutsideY] * v;
         return result;
+    }
+
+    bool isPlausible(double scale) const {
+        const bool isWhole = used == visible;
+        return scale >= (isWhole ? kMinScale : kMinArcScale) && scale <= (isWhole ? kMaxScale : kMaxArcScale);
     }
 
     // What noise alone does to the centre: what is thought likely of the levels keeps some of it away.

@@ -13,7 +13,7 @@ namespace {
 constexpr double kWhite = 255.0;
 constexpr double kMinTotalBlur = 0.3;     // pixels; the pixel's square alone has 0.289
 constexpr double kTie = 0.03;             // of the contrast a radius: how far shading of dot and ground may differ
-constexpr double kSlant = 0.5;            // of the contrast a radius: how much of it there may be
+constexpr double kSlant = 0.1;            // of the contrast a radius: how much of it there may be
 constexpr double kMinGrowth = -0.5;       // of the radius
 constexpr double kMaxGrowth = 0.7;        //
 constexpr double kShapeTolerance = 10.0;  // times the tolerance of the centre, which size and blur touch little
