@@ -109,6 +109,52 @@ enum ZelmMeasureDotStatus {
 ZELM_API int32_t zelmMeasureDotCentres(const ZelmMeasureImage* image, int64_t count, const double* seeds,
                                        int32_t polarity, double* centres, int32_t* statuses);
 
+/// What fitting a dot to its pixels came across.
+enum ZelmMeasureDotFlag {
+    ZELM_MEASURE_DOT_HALF_HIDDEN = 1,     ///< a part of its outline is hidden and was left out
+    ZELM_MEASURE_DOT_HIGHLIGHT = 2,       ///< pixels much brighter than dot and ground were left out
+    ZELM_MEASURE_DOT_SATURATED = 4,       ///< gray levels are clipped
+    ZELM_MEASURE_DOT_NEIGHBOUR = 8,       ///< another dot is so near that fewer pixels were taken for it
+    ZELM_MEASURE_DOT_CUT = 16,            ///< the image's edge cuts it off
+    ZELM_MEASURE_DOT_ABSENT = 32,         ///< the pixels show no such dot
+    ZELM_MEASURE_DOT_NOT_CONVERGED = 64,  ///< its place did not settle
+};
+
+/// Dots placed by all their pixels. Arrays of the caller's, one entry a dot unless said otherwise; each may be NULL. All
+/// but the statuses and flags are written for dots whose status is ZELM_MEASURE_DOT_OK alone.
+typedef struct ZelmMeasureRefinedDots {
+    int32_t size;         ///< of this record, bytes
+    int32_t reserved;     ///< 0
+    int32_t* statuses;    ///< ZelmMeasureDotStatus
+    int32_t* flags;       ///< sums of ZelmMeasureDotFlag
+    double* centres;      ///< 2 a dot: of the ellipse of the outline, pixels
+    double* covariances;  ///< 3 a dot: xx, xy, yy of the centre, by the noise of its pixels, square pixels
+    double* scales;       ///< the outline's size over the predicted one
+    double* blurs;        ///< standard deviation of the point spread without the pixel's own square, pixels
+    double* noises;       ///< root mean square of the residuals, gray levels
+    double* levels;       ///< 2 a dot: inside and outside at its centre, gray levels
+} ZelmMeasureRefinedDots;
+
+/// Places dots of known shape by all pixels about their outlines: the most likely shift, size, blur and gray levels,
+/// these linear inside and outside, in normal noise. Its precision is that of the Cramer-Rao bound; the bias of
+/// edge-by-edge methods, and of light that falls off across a dot, is not there. A dot is measured when its own pixels
+/// show it all along its outline, of which up to 40 % in one arc may be hidden; never another one beside it.
+/// @param image [in] any size
+/// @param count [in] of dots
+/// @param shapes [in] 6 a dot: predicted centre x, y of the ellipse of its outline, pixels, right to 2 pixels or half the
+/// radius, whichever is more; and U, 2 x 2 row-major: the outline is the centre + U (cos, sin), right but for its scale,
+/// which may be 0.7 to 1.4
+/// @param neighbours [in] from each centre to the nearest outline of another dot, pixels, 0 where it is not known; NULL:
+/// none is known
+/// @param polarity [in] 0: dark dots on a bright ground; 1: bright ones
+/// @param dots [in] the arrays that are written
+/// @return ZELM_OK, ZELM_ERR_PARAM, ZELM_ERR_MEMORY
+/// Cost: of the pixels within some blurs of the outlines. Method: damped least squares (Levenberg 1944; Marquardt 1963)
+/// of an edge blurred by a normal point spread and by the pixel, after Edgeworth (1905).
+ZELM_API int32_t zelmMeasureRefineDots(const ZelmMeasureImage* image, int64_t count, const double* shapes,
+                                       const double* neighbours, int32_t polarity,
+                                       const ZelmMeasureRefinedDots* dots);
+
 ZELM_END_DECLS
 
 #endif
