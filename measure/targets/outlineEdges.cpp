@@ -71,12 +71,12 @@ void dropStrays(std::vector<OutlineEdge>& edges, const Ellipse2d& ellipse) {
 
 }  // namespace
 
-std::optional<DotOutline> dotOutline(const DenseImage& image, Point2d near, DotPolarity polarity) {
+std::optional<SeenOutline> seenOutline(const DenseImage& image, Point2d near, DotPolarity polarity) {
     const std::optional<Ellipse2d> rough = dotEllipse(image, near, polarity);
     if (!rough) {
         return std::nullopt;
     }
-    DotOutline outline{*rough, {}};
+    SeenOutline outline{*rough, {}};
     for (int round = 0; round < kRounds; ++round) {
         const std::vector<SectorStep> steps = sectorSteps(image, outline.ellipse, polarity);
         const auto isEnough = [&](double share) {

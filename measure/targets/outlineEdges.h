@@ -17,7 +17,7 @@ struct OutlineEdge {
     double deviation = 0.0;  // standard, across the outline, pixels: from the noise of the pixels around
 };
 
-struct DotOutline {
+struct SeenOutline {
     Ellipse2d ellipse{};  // through the edges
     std::vector<OutlineEdge> edges;
 };
@@ -26,7 +26,7 @@ struct DotOutline {
 // level to the other, blurred as in all others, is laid through all pixels near the outline. Sectors that no such step
 // explains (shadows, what hides the dot) are left out. Nothing when no outline there is an ellipse, or when less than
 // half of it is seen.
-std::optional<DotOutline> dotOutline(const DenseImage& image, Point2d near, DotPolarity polarity);
+std::optional<SeenOutline> seenOutline(const DenseImage& image, Point2d near, DotPolarity polarity);
 
 }  // namespace zelm::measure
 

@@ -6,6 +6,7 @@
 
 #include <optional>
 
+#include "projection.h"
 #include "rig.h"
 #include "space3.h"
 
@@ -28,11 +29,10 @@ public:
     Vector3 towards(const Vector3& X) const;
 
 private:
-    bool parallel;
+    ProjectionCamera lens;
     Matrix3 R{};
     Vector3 t{};
     Vector3 centre{};  // of projection
-    double fx, skew, fy, cx, cy, k1, k2;
 };
 
 }  // namespace zelm::measure

@@ -41,8 +41,8 @@ TargetMeasurer::TargetMeasurer(const Rig& rig, const DenseImage& left, const Den
 
 std::optional<CircleFit> TargetMeasurer::bestCircle(const std::array<Ellipse2d, 2>& ellipses, Point2d left,
                                                     Point2d right, const Vector3& centre) const {
-    const auto leftOutline = dotOutline(leftImage, left, polarity);
-    const auto rightOutline = dotOutline(rightImage, right, polarity);
+    const auto leftOutline = seenOutline(leftImage, left, polarity);
+    const auto rightOutline = seenOutline(rightImage, right, polarity);
     if (!leftOutline || !rightOutline) {
         return std::nullopt;
     }
