@@ -46,8 +46,8 @@ typedef struct ZelmMeasurePixelNoise {
     const double* right;  ///< of the right pixel likewise
 } ZelmMeasurePixelNoise;
 
-/// Covariances of points, in arrays of the caller's with room for all pairs. Six numbers of a covariance are xx, xy, xz,
-/// yy, yz, zz. The parts are independent: their sum is the point's covariance.
+/// Covariances of points, in arrays of the caller's with room for all pairs. Six numbers of a covariance are xx, xy,
+/// xz, yy, yz, zz. The parts are independent: their sum is the point's covariance.
 typedef struct ZelmMeasurePointCovariances {
     int32_t size;         ///< of this record, bytes
     int32_t reserved;     ///< 0
@@ -94,10 +94,11 @@ ZELM_API int32_t zelmMeasureRigCovariance(ZelmMeasureRig* rig, ZelmMeasureCovari
 ZELM_API int32_t zelmMeasureRigSetCovariance(ZelmMeasureRig* rig, const ZelmMeasureCovariance* covariance);
 
 /// The covariances of the points of pixel pairs, to first order at the point that zelmMeasureTriangulate() gives: that
-/// is the least-squares point of the undistorted pixels, all weighted alike, so that the implicit function theorem tells
-/// how pixels and parameters move it (Haralick, 1996). Points whose rays are so nearly parallel that the equations are
-/// singular to rounding are ZELM_MEASURE_POINT_PARALLEL. What a pair without numbers would have written is not. About a
-/// microsecond a pair beside triangulation.
+/// is the least-squares point of the undistorted pixels, all weighted alike, so that the implicit function theorem
+/// tells how pixels and parameters move it (Haralick, 1996); the weights stay alike where covariances of pixels are
+/// given. Points whose rays are so nearly parallel that the equations are singular to rounding are
+/// ZELM_MEASURE_POINT_PARALLEL. What a pair without numbers would have written is not. About a microsecond a pair
+/// beside triangulation.
 /// @param rig [in] the rig; with a covariance unless `calibration` and `depths` are NULL
 /// @param count [in] of pairs
 /// @param left [in] raw pixels, 2 a pair
@@ -105,7 +106,8 @@ ZELM_API int32_t zelmMeasureRigSetCovariance(ZelmMeasureRig* rig, const ZelmMeas
 /// @param noise [in] of the pixels; NULL: that of the calibration's dots
 /// @param covariances [in] the arrays that are written
 /// @return ZELM_OK; ZELM_ERR_PARAM: also noise that is negative or not finite, and covariances of pixels that are not
-///     positive semi-definite; ZELM_ERR_MEMORY; ZELM_MEASURE_ERR_DATA: the rig has no covariance, or two parallel cameras
+///     positive semi-definite; ZELM_ERR_MEMORY; ZELM_MEASURE_ERR_DATA: the rig has no covariance, or two parallel
+///     cameras
 ZELM_API int32_t zelmMeasurePointCovariance(ZelmMeasureRig* rig, int64_t count, const double* left, const double* right,
                                             const ZelmMeasurePixelNoise* noise,
                                             const ZelmMeasurePointCovariances* covariances);
@@ -144,8 +146,8 @@ ZELM_API int32_t zelmMeasureCovarianceSize(ZelmMeasureRig* rig, int64_t* size);
 /// @return ZELM_OK; ZELM_ERR_PARAM; ZELM_ERR_MEMORY; ZELM_MEASURE_ERR_DATA for a rig without a covariance
 ZELM_API int32_t zelmMeasureCovarianceSave(ZelmMeasureRig* rig, int64_t capacity, void* bytes);
 
-/// Gives a rig the covariance that was saved from it. Bytes that are cut, foreign, changed or of another calibration are
-/// refused, and what zelmMeasureRigSetCovariance() refuses.
+/// Gives a rig the covariance that was saved from it. Bytes that are cut, foreign, changed or of another calibration
+/// are refused, and what zelmMeasureRigSetCovariance() refuses.
 /// @param rig [in,out] the rig; keeps what it had when the bytes are refused
 /// @param bytes [in] the bytes
 /// @param size [in] their number

@@ -16,8 +16,8 @@ struct CameraRows {
 };
 
 CameraRows rowsOf(const ProjectionCamera& camera, const Projection& p, double scale, const Matrix3* rotation) {
-    // Without the lens the pixel would move by scale * K with the first two coordinates, K the 2 x 2 camera matrix; with
-    // it by the raw derivatives.
+    // Without the lens the pixel would move by scale * K with the first two coordinates, K the 2 x 2 camera matrix;
+    // with it by the raw derivatives.
     const auto& a = p.byPoint;
     const double determinant = a[0][0] * a[1][1] - a[0][1] * a[1][0];
     const double f = scale / determinant;
@@ -184,8 +184,8 @@ Symmetric3 imageCovariance(const PointSensitivity& s, const Symmetric2& left, co
 }
 
 Symmetric3 calibrationCovariance(const SensitivityModel::ByParameters& B, const CalibrationCovariance& covariance) {
-    // C = T + T' with T the lower triangle and half the diagonal: B T B' and its transpose. Row by row of T, so that the
-    // innermost loops run over what lies together.
+    // C = T + T' with T the lower triangle and half the diagonal: B T B' and its transpose. Row by row of T, so that
+    // the innermost loops run over what lies together.
     SensitivityModel::ByParameters half{};  // B T
     for (std::size_t k = 0; k < kRigParameters; ++k) {
         const double* const row = &covariance.matrix[kRigParameters * k];
