@@ -2,8 +2,11 @@
 
 namespace zelm::tool {
 
-void addPlateOptions(Subcommand& sub, PlateOptions& options) {
-    sub.option("--plate", options.file, "Description of the plate (JSON)").required();
+void addPlateOptions(Subcommand& sub, PlateOptions& options, bool isRequired) {
+    Option plate = sub.option("--plate", options.file, "Description of the plate (JSON)");
+    if (isRequired) {
+        plate.required();
+    }
     sub.option("--min-dots", options.minDots,
                "Smallest number of dots that an image must yield; default: half the plate's")
         .positive();

@@ -19,7 +19,7 @@ struct PlateOptions {
 };
 
 // Adds --plate, --min-dots, --min-area and --min-strength.
-void addPlateOptions(Subcommand& sub, PlateOptions& options);
+void addPlateOptions(Subcommand& sub, PlateOptions& options, bool isRequired = true);
 
 // The plate that the options describe. Throws Failure.
 Plate plateOf(const PlateOptions& options);

@@ -14,6 +14,7 @@ void addSubcommands(CommandLine& commandLine, Console& console) {
     addSimulate(commandLine, console);
     addTriangulate(commandLine, console);
     addUndistort(commandLine, console);
+    addVerify(commandLine, console);
 }
 
 }  // namespace zelm::tool

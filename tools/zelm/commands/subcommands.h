@@ -18,6 +18,7 @@ void addRectify(CommandLine& commandLine, Console& console);
 void addSimulate(CommandLine& commandLine, Console& console);
 void addTriangulate(CommandLine& commandLine, Console& console);
 void addUndistort(CommandLine& commandLine, Console& console);
+void addVerify(CommandLine& commandLine, Console& console);
 
 // Adds them all.
 void addSubcommands(CommandLine& commandLine, Console& console);

@@ -1,0 +1,102 @@
+#include "viewDots.h"
+
+#include <fmt/format.h>
+
+#include <map>
+
+#include "dots.h"
+#include "failure.h"
+#include "imageFile.h"
+
+namespace zelm::tool {
+namespace {
+
+namespace fs = std::filesystem;
+
+// Throws Failure that the caller may take as a reason to skip the view.
+std::map<GridIndex, Point2d> dotsOf(const Picture& picture, const fs::path& path, const Plate& plate,
+                                    const std::optional<ZelmRect>& region) {
+    const DotReading reading = readDots(picture, plate, region);
+    if (reading.status < 0) {
+        failData("{}: {}", path.string(), readingText(reading.status, plate, &picture));
+    }
+    std::map<GridIndex, Point2d> dots;
+    for (const Dot& dot : reading.dots) {
+        dots.emplace(dot.index, dot.pixel);
+    }
+    return dots;
+}
+
+void checkPicture(const Picture& picture, const fs::path& path, const LoadedRig& rig, char side,
+                  const std::optional<ZelmRect>& region) {
+    const RigCamera& camera = rig.camera(side);
+    if (picture.width != camera.width || picture.height != camera.height) {
+        failData("{}: {} x {} pixels, but the {} camera was calibrated with {} x {}: give raw images of this rig",
+                 path.string(), picture.width, picture.height, side == 'L' ? "left" : "right", camera.width,
+                 camera.height);
+    }
+    if (region) {
+        checkRegion(*region, picture, path.string());
+    }
+}
+
+ViewDots common(const fs::path& leftPath, const fs::path& rightPath, const std::map<GridIndex, Point2d>& left,
+                const std::map<GridIndex, Point2d>& right) {
+    ViewDots view;
+    view.left = leftPath;
+    view.right = rightPath;
+    for (const auto& [index, pixel] : left) {
+        const auto other = right.find(index);
+        if (other != right.end()) {
+            view.grid.insert(view.grid.end(), {index.x, index.y});
+            view.leftPixels.insert(view.leftPixels.end(), {pixel.x, pixel.y});
+            view.rightPixels.insert(view.rightPixels.end(), {other->second.x, other->second.y});
+        }
+    }
+    return view;
+}
+
+}  // namespace
+
+ViewDotsReading readViewDots(const ViewImages& images, const Plate& plate, const LoadedRig& rig,
+                             const Console& console) {
+    if (images.left.size() != images.right.size()) {
+        failUsage("{} left images but {} right ones (the last are {} and {}): give the two images of every view",
+                  images.left.size(), images.right.size(), images.left.back().string(), images.right.back().string());
+    }
+    ViewDotsReading reading;
+    Progress progress(console, "reading views", images.left.size());
+    for (std::size_t i = 0; i < images.left.size(); ++i) {
+        const fs::path& leftPath = images.left[i];
+        const fs::path& rightPath = images.right[i];
+        std::optional<Picture> left;
+        std::optional<Picture> right;
+        const auto skip = [&](const Failure& failure) {
+            progress.erase();
+            console.warn(fmt::format("skipping a view: {}", failure.what()));
+            reading.skipped.emplace_back(failure.what());
+        };
+        try {
+            left = readPicture(leftPath);
+            right = readPicture(rightPath);
+        } catch (const Failure& failure) {
+            skip(failure);
+            continue;
+        }
+        checkPicture(*left, leftPath, rig, 'L', images.leftRegion);
+        checkPicture(*right, rightPath, rig, 'R', images.rightRegion);
+        try {
+            reading.views.push_back(common(leftPath, rightPath, dotsOf(*left, leftPath, plate, images.leftRegion),
+                                           dotsOf(*right, rightPath, plate, images.rightRegion)));
+        } catch (const Failure& failure) {
+            skip(failure);
+        }
+        progress.advance();
+    }
+    if (reading.views.empty()) {
+        failData("none of {} views can be read: {}", images.left.size(), reading.skipped.front());
+    }
+    return reading;
+}
+
+}  // namespace zelm::tool
