@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <deque>
 #include <memory>
 #include <string>
 
@@ -18,12 +19,14 @@ constexpr double kLeastNoise = 1e-6;         // pixels; perfect data have some r
 constexpr double kHuber = 2.0;               // standard deviations
 constexpr double kOutlier = 5.0;             // standard deviations; one dot in 270,000 by chance
 constexpr double kMovedView = 4.0;           // times the median of the views' residuals
+constexpr double kLine = 0.02;               // of the width over the length of what a view shows of the plate
+constexpr double kFarOff = 1e5;              // pixels from where the start sees a dot; no image is as wide
 constexpr double kMovedPixels = 0.02;        // a view's residual that is nobody's concern
 constexpr int kMaxRounds = 8;                // of weights and outliers
 constexpr double kSettledNoise = 0.01;       // relative change
 constexpr double kRayleighMedian = 1.17741;  // median length of a plane normal vector, standard deviations
 constexpr std::size_t kMinViews = 3;
-constexpr std::size_t kMinDots = 6;  // of an image: a homography takes four
+constexpr std::size_t kMinDots = 6;  // of a view: its pose takes three
 
 class Adjuster {
 public:
@@ -32,7 +35,9 @@ public:
     AdjustSummary run();
 
 private:
+    void checkStart();
     void checkViews() const;
+    void leaveOutPoorViews();
     void solve(bool robust, double tolerance);
     void predict();
     void dropOutliers();
@@ -73,10 +78,71 @@ bool isUsed(const DotObservation& dot) {
     return dot.fate == DotFate::used;
 }
 
+bool takesPart(const AdjustView& view) {
+    const auto any = [](const auto& list) { return std::any_of(list.begin(), list.end(), isUsed); };
+    return view.leftOut.empty() && (any(view.dots[kLeft]) || any(view.dots[kRight]));
+}
+
+// Whether the dots that take part are enough, and not all on one line, so that they tell where the plate is.
+bool placesPlate(const AdjustView& view) {
+    std::size_t count = 0;
+    double x = 0.0, y = 0.0, xx = 0.0, xy = 0.0, yy = 0.0;
+    for (const auto& list : view.dots) {
+        for (const DotObservation& dot : list) {
+            if (isUsed(dot)) {
+                ++count;
+                x += dot.place[0];
+                y += dot.place[1];
+                xx += dot.place[0] * dot.place[0];
+                xy += dot.place[0] * dot.place[1];
+                yy += dot.place[1] * dot.place[1];
+            }
+        }
+    }
+    if (count < kMinDots) {
+        return false;
+    }
+    const auto n = static_cast<double>(count);
+    const double a = xx - x * x / n;
+    const double b = xy - x * y / n;
+    const double c = yy - y * y / n;
+    const double root = std::hypot(0.5 * (a - c), b);
+    return 0.5 * (a + c) - root > kLine * kLine * (0.5 * (a + c) + root);
+}
+
+void leaveOut(AdjustView& view, const std::string& why) {
+    view.leftOut = why;
+    for (auto& list : view.dots) {
+        for (DotObservation& dot : list) {
+            dot.fate = DotFate::viewLeftOut;
+        }
+    }
+}
+
+void Adjuster::leaveOutPoorViews() {
+    for (AdjustView& view : views) {
+        if (takesPart(view) && !placesPlate(view)) {
+            leaveOut(view, "its dots are too few, or all on one line, to tell where the plate is");
+        }
+    }
+}
+
+// Numbers that mean nothing are refused here: the solver would say so on the console.
+void Adjuster::checkStart() {
+    predict();
+    forEachDot([&](Side, std::size_t view, const DotObservation& dot) {
+        const double distance = std::hypot(dot.residual.x, dot.residual.y);
+        if (isUsed(dot) && !(distance < kFarOff)) {
+            refuse("a dot of view " + std::to_string(view) +
+                   " is nowhere near where the calibration sees it: calibrate again");
+        }
+    });
+}
+
 void Adjuster::checkViews() const {
     std::size_t used = 0;
     for (const AdjustView& view : views) {
-        used += view.leftOut.empty() && (!view.dots[kLeft].empty() || !view.dots[kRight].empty()) ? 1U : 0U;
+        used += takesPart(view) ? 1U : 0U;
     }
     if (used < kMinViews) {
         refuse("only " + std::to_string(used) + " views can be adjusted: take at least " + std::to_string(kMinViews));
@@ -90,12 +156,17 @@ void Adjuster::solve(bool robust, double tolerance) {
     ceres::Problem::Options problemOptions;
     problemOptions.enable_fast_removal = false;
     problemOptions.loss_function_ownership = ceres::DO_NOT_TAKE_OWNERSHIP;
+    problemOptions.cost_function_ownership = ceres::DO_NOT_TAKE_OWNERSHIP;
+    problemOptions.manifold_ownership = ceres::DO_NOT_TAKE_OWNERSHIP;
     problemOptions.disable_all_safety_checks = true;
     ceres::HuberLoss huber(kHuber);
+    // All that the problem refers to outlives it.
+    std::deque<DotResidual> residuals;
+    std::deque<FreeDirections> manifolds;
     ceres::Problem problem(problemOptions);
-    ceres::ParameterBlockOrdering* const order = new ceres::ParameterBlockOrdering;
+    const auto order = std::make_shared<ceres::ParameterBlockOrdering>();
     ceres::Solver::Options solver;
-    solver.linear_solver_ordering.reset(order);
+    solver.linear_solver_ordering = order;
 
     forEachDot([&](Side side, std::size_t view, DotObservation& dot) {
         if (!isUsed(dot)) {
@@ -111,9 +182,8 @@ void Adjuster::solve(bool robust, double tolerance) {
         if (options.estimateBow) {
             blocks.push_back(state.bow.b.data());
         }
-        auto residual =
-            std::make_unique<DotResidual>(state, options, side, view, dot, weightOf(covarianceOf(dot, noise[side])));
-        problem.AddResidualBlock(residual.release(), robust ? &huber : nullptr, blocks);
+        residuals.emplace_back(state, options, side, view, dot, weightOf(covarianceOf(dot, noise[side])));
+        problem.AddResidualBlock(&residuals.back(), robust ? &huber : nullptr, blocks);
     });
     const auto shared = [&](double* block) {
         if (problem.HasParameterBlock(block)) {
@@ -124,12 +194,14 @@ void Adjuster::solve(bool robust, double tolerance) {
         double* const camera = state.cameras[side].p.data();
         shared(camera);
         if (problem.HasParameterBlock(camera)) {
-            problem.SetManifold(camera, new FreeDirections(kCameraParameters, freeOfCamera(state, options, side)));
+            manifolds.emplace_back(static_cast<int>(kCameraParameters), freeOfCamera(state, options, side));
+            problem.SetManifold(camera, &manifolds.back());
         }
     }
     shared(state.relative.data());
     if (problem.HasParameterBlock(state.relative.data())) {
-        problem.SetManifold(state.relative.data(), new FreeDirections(6, freeOfRelative(state)));
+        manifolds.emplace_back(6, freeOfRelative(state));
+        problem.SetManifold(state.relative.data(), &manifolds.back());
     }
     shared(&state.factors[kPlainDot]);
     shared(&state.factors[kMarkerDot]);
@@ -152,6 +224,10 @@ void Adjuster::solve(bool robust, double tolerance) {
     if (!result.IsSolutionUsable()) {
         refuse("the adjustment does not converge: check that all views show the same plate with the same lens setting");
     }
+    // A circle is the same with its radius turned round.
+    for (double& factor : state.factors) {
+        factor = std::fabs(factor);
+    }
 }
 
 void Adjuster::predict() {
@@ -172,23 +248,33 @@ void Adjuster::dropOutliers() {
     });
 }
 
+// Standard deviation of a coordinate that the median of the residuals tells, whatever some wrong dots say; of the worse
+// image of the view, since the pose may fit one of them.
+double misfitOf(const AdjustView& view) {
+    double worst = 0.0;
+    for (const auto& list : view.dots) {
+        std::vector<double> lengths;
+        for (const DotObservation& dot : list) {
+            if (isUsed(dot) || dot.fate == DotFate::outlier) {
+                lengths.push_back(std::hypot(dot.residual.x, dot.residual.y));
+            }
+        }
+        if (!lengths.empty()) {
+            const auto middle = lengths.begin() + static_cast<std::ptrdiff_t>(lengths.size() / 2);
+            std::nth_element(lengths.begin(), middle, lengths.end());
+            worst = std::max(worst, *middle / kRayleighMedian);
+        }
+    }
+    return worst;
+}
+
 // A view whose dots agree with none of the others in size: one at a time, the worst.
 bool Adjuster::dropMovedView() {
     std::vector<double> rms(views.size(), 0.0);
     std::vector<double> seen;
     for (std::size_t i = 0; i < views.size(); ++i) {
-        double squares = 0.0;
-        std::size_t count = 0;
-        for (const auto& list : views[i].dots) {
-            for (const DotObservation& dot : list) {
-                if (isUsed(dot) || dot.fate == DotFate::outlier) {
-                    squares += dot.residual.x * dot.residual.x + dot.residual.y * dot.residual.y;
-                    ++count;
-                }
-            }
-        }
-        if (count > 0) {
-            rms[i] = std::sqrt(squares / (2.0 * static_cast<double>(count)));
+        if (takesPart(views[i])) {
+            rms[i] = misfitOf(views[i]);
             seen.push_back(rms[i]);
         }
     }
@@ -198,19 +284,14 @@ bool Adjuster::dropMovedView() {
     if (seen.size() <= kMinViews || *worst <= kMovedView * median || *worst <= kMovedPixels) {
         return false;
     }
-    AdjustView& view = views[static_cast<std::size_t>(worst - rms.begin())];
     const auto text = [](double pixels) {
         const auto thousandths = static_cast<long>(std::lround(std::min(pixels, 1e6) * 1000.0));
         const std::string digits = std::to_string(1000 + thousandths % 1000);
         return std::to_string(thousandths / 1000) + "." + digits.substr(1);
     };
-    view.leftOut = "its dots are " + text(*worst) + " px from where the other views put them, usual is " +
-                   text(median) + " px: was the plate or a camera moved between its two images?";
-    for (auto& list : view.dots) {
-        for (DotObservation& dot : list) {
-            dot.fate = DotFate::viewLeftOut;
-        }
-    }
+    leaveOut(views[static_cast<std::size_t>(worst - rms.begin())],
+             "its dots are " + text(*worst) + " px from where the other views put them, usual is " + text(median) +
+                 " px: was the plate or a camera moved between its two images?");
     return true;
 }
 
@@ -325,21 +406,28 @@ void Adjuster::fillFigures() {
 }
 
 AdjustSummary Adjuster::run() {
+    leaveOutPoorViews();
     checkViews();
+    checkStart();
     const AdjustState start = state;
     bool robust = true;
-    for (int round = 0; round < kMaxRounds; ++round) {
+    // Views that are left out, of which there are no more than views, do not count as rounds.
+    for (int round = 0;;) {
         solve(robust, robust ? 1e-6 : 1e-12);
         predict();
         const bool moved = dropMovedView();
         const bool settled = estimateNoise(robust);
+        if (!moved && ++round == kMaxRounds) {
+            break;
+        }
         const std::size_t before = countUsed(kLeft) + countUsed(kRight);
         dropOutliers();
+        leaveOutPoorViews();
         const bool same = countUsed(kLeft) + countUsed(kRight) == before;
         if (!robust && settled && same && !moved) {
             break;
         }
-        robust = moved || (robust && round == 0 && !same);
+        robust = moved || (robust && round == 1 && !same);
         checkViews();
     }
     const AdjustState found = state;

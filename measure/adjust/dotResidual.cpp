@@ -10,9 +10,11 @@ namespace {
 // The derivatives of both coordinates by one block, weighted, row-major.
 template <std::size_t n>
 void put(const std::array<double, 3>& W, const Rows2<n>& rows, double* to) {
+    // What is not finite would stop the solver, with words on the console.
+    const auto finite = [](double value) { return std::isfinite(value) ? value : 0.0; };
     for (std::size_t i = 0; i < n; ++i) {
-        to[i] = W[0] * rows[0][i] + W[1] * rows[1][i];
-        to[n + i] = W[2] * rows[1][i];
+        to[i] = finite(W[0] * rows[0][i] + W[1] * rows[1][i]);
+        to[n + i] = finite(W[2] * rows[1][i]);
     }
 }
 

@@ -186,7 +186,8 @@ std::array<double, kRigParameters> rigErrors(const Rig& truth, const Rig& estima
             errors[at + i] = p[i] - q[i];
         }
     };
-    const auto motion = [&errors](std::size_t at, const Matrix3& R, const double* t, const Matrix3& S, const double* u) {
+    const auto motion = [&errors](std::size_t at, const Matrix3& R, const double* t, const Matrix3& S,
+                                  const double* u) {
         const MotionParameters d = motionParameters(product(R, *inverse(S)), {});
         for (std::size_t i = 0; i < 3; ++i) {
             errors[at + i] = d[i];

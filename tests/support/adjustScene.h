@@ -21,12 +21,12 @@ namespace zelmtest {
 struct AdjustSceneOptions {
     std::array<int, 2> models{0, 0};  // left, right
     int views = 12;
-    double maxTilt = 0.6;             // radians
-    double distance = 340.0;          // of the plates from the base camera, plate units
-    double convergence = 0.35;        // radians
+    double maxTilt = 0.6;       // radians
+    double distance = 340.0;    // of the plates from the base camera, plate units
+    double convergence = 0.35;  // radians
     std::array<double, 2> focal{1690.0, 1675.0};
-    double k1 = -0.12, k2 = 0.06;     // of perspective cameras
-    bool skewed = false;              // the image axes are not quite at right angles
+    double k1 = -0.12, k2 = 0.06;  // of perspective cameras
+    bool skewed = false;           // the image axes are not quite at right angles
     bool squarePixels = false;
     std::array<double, 2> factors{1.0, 1.0};  // of the diameters
     std::array<double, 3> bow{};              // plate units at half the diagonal

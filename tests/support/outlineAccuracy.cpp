@@ -58,13 +58,14 @@ std::vector<Point2d> sampledOutline(const OutlineCase& one, int count) {
         const double angle = 2.0 * std::numbers::pi * i / fine;
         Vector3 X{};
         for (std::size_t k = 0; k < 3; ++k) {
-            X[k] = one.circle.centre[k] + std::cos(angle) * one.circle.first[k] + std::sin(angle) * one.circle.second[k];
+            X[k] =
+                one.circle.centre[k] + std::cos(angle) * one.circle.first[k] + std::sin(angle) * one.circle.second[k];
         }
         points.push_back(pixelOf(one.camera, X));
         const std::size_t n = points.size();
         along.push_back(n < 2 ? 0.0
-                              : along.back() + std::hypot(points[n - 1].x - points[n - 2].x,
-                                                          points[n - 1].y - points[n - 2].y));
+                              : along.back() +
+                                    std::hypot(points[n - 1].x - points[n - 2].x, points[n - 1].y - points[n - 2].y));
     }
     std::vector<Point2d> even;
     std::size_t at = 0;
@@ -137,10 +138,10 @@ OutlineErrors readerErrors(int model, double radiusPixels, double tiltDegrees, d
         const double x = dot.index.x * plate.pitchX;
         const double y = dot.index.y * plate.pitchY;
         const auto& R = pose.R;
-        const CircleInCamera circle{{R[0] * x + R[1] * y + pose.t[0], R[3] * x + R[4] * y + pose.t[1],
-                                     R[6] * x + R[7] * y + pose.t[2]},
-                                    {r * R[0], r * R[3], r * R[6]},
-                                    {r * R[1], r * R[4], r * R[7]}};
+        const CircleInCamera circle{
+            {R[0] * x + R[1] * y + pose.t[0], R[3] * x + R[4] * y + pose.t[1], R[6] * x + R[7] * y + pose.t[2]},
+            {r * R[0], r * R[3], r * R[6]},
+            {r * R[1], r * R[4], r * R[7]}};
         const Point2d centre = dotOutline(camera, circle).centre;
         errors.add(std::hypot(centre.x - dot.pixel.x, centre.y - dot.pixel.y));
     }

@@ -1,7 +1,5 @@
 // The adjustment of simulated dots whose truth is known: without noise, within the stated covariance with it, and with
 // dots and views that do not belong.
-#include "adjuster.h"
-
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -10,6 +8,7 @@
 
 #include "adjustCovariance.h"
 #include "adjustScene.h"
+#include "adjuster.h"
 #include "fault.h"
 
 namespace zelmtest {
@@ -296,10 +295,20 @@ TEST(Adjuster, AViewMovedBetweenItsImagesIsLeftOutAndNamed) {
             EXPECT_EQ(found.views[view].leftOut.empty(), view != 4) << view;
         }
         EXPECT_NE(found.views[4].leftOut.find("moved"), std::string::npos) << found.views[4].leftOut;
-        const Consistency c =
-            consistencyOf(rigErrors(rigOfState(scene, scene.truth), rigOfState(scene, found.state)), found.covariance.rig);
+        const Consistency c = consistencyOf(rigErrors(rigOfState(scene, scene.truth), rigOfState(scene, found.state)),
+                                            found.covariance.rig);
         EXPECT_LE(c.square, c.freedom + 5.0 * std::sqrt(2.0 * c.freedom));
     }
+}
+
+TEST(Adjuster, OneWrongDotDoesNotCostItsView) {
+    const AdjustScene scene = makeAdjustScene({});
+    Random random(12);
+    std::vector<AdjustView> views = scene.noisy(0.01, random);
+    views[3].dots[kLeft][40].pixel.x += 5.0;
+    const Adjusted found = adjusted(scene.truth, views, {});
+    EXPECT_EQ(found.summary.viewsLeftOut, 0U);
+    EXPECT_EQ(found.views[3].dots[kLeft][40].fate, DotFate::outlier);
 }
 
 TEST(Adjuster, SeveralMovedViewsAreAllLeftOut) {

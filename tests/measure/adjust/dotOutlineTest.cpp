@@ -1,12 +1,11 @@
 // What a camera sees of a printed circle: against sampled outlines, and against what the reader measures.
-#include "dotOutline.h"
-
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <numbers>
 #include <vector>
 
+#include "dotOutline.h"
 #include "outlineAccuracy.h"
 #include "random.h"
 
@@ -24,7 +23,8 @@ TEST_P(DotOutlineModels, CentreIsThatOfTheEllipseThroughTheOutline) {
     Random random(5);
     OutlineErrors errors;
     for (int i = 0; i < 400; ++i) {
-        errors.add(outlineError(randomOutline(GetParam(), random.uniform(5.0, 20.0), random.uniform(0.0, 60.0), random)));
+        errors.add(
+            outlineError(randomOutline(GetParam(), random.uniform(5.0, 20.0), random.uniform(0.0, 60.0), random)));
     }
     EXPECT_LE(errors.rms(), kMaxRms);
     EXPECT_LE(errors.worst, 0.02);
