@@ -24,6 +24,7 @@
 #include "zelmMeasure/measureBase.h"
 #include "zelmMeasure/measureDots.h"
 #include "zelmMeasure/measureMatch.h"
+#include "zelmMeasure/measurePlan.h"
 #include "zelmMeasure/measurePoints.h"
 #include "zelmMeasure/measureRig.h"
 #include "zelmMeasure/measureTargets.h"

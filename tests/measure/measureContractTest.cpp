@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "matchedPoints.h"
+#include "planFixtures.h"
 
 namespace zelmtest {
 namespace {
@@ -396,8 +397,79 @@ TEST_F(MeasureContract, CountsThatNoMemoryHoldsAreOutOfMemory) {
     EXPECT_EQ(zelmMeasurePointCovariance(rig, kMany, p, p, &noise, &covariances), ZELM_ERR_MEMORY);
     EXPECT_EQ(zelmMeasureLengths(rig, kMany, p, p, &noise, 1, ends, &lengths), ZELM_ERR_MEMORY);
     EXPECT_EQ(zelmMeasureLengths(rig, 2, p, p, &noise, kMany, ends, &lengths), ZELM_ERR_MEMORY);
+    PlanSetup setup;
+    setup.options.extent[2] = 0.0;  // fewer poses
+    const OpenedPlan plan(setup);
+    const ZelmCameraExtrinsics pose{};
+    EXPECT_EQ(zelmMeasurePlanTake(plan.get(), kMany, &pose), ZELM_ERR_MEMORY);
     EXPECT_EQ(figures.count, 0);
     EXPECT_TRUE(out.areUntouched());
+}
+
+TEST_F(MeasureContract, PlansAreOpenedIntoEmptyHandlesAlone) {
+    const PlanSetup p;
+    ZelmMeasurePlan* plan = nullptr;
+    expectParam("handle", zelmMeasurePlanOpen(&p.left, &p.right, &p.relative, &p.plate, &p.options, nullptr));
+    expectParam("handle", zelmMeasurePlanOfRig(sound.rig.get(), &p.plate, &p.options, nullptr));
+    expectParam("plate", zelmMeasurePlanOpen(&p.left, &p.right, &p.relative, nullptr, &p.options, &plan));
+    expectParam("plate", zelmMeasurePlanOfRig(sound.rig.get(), nullptr, &p.options, &plan));
+    expectParam("rig", zelmMeasurePlanOfRig(nullptr, &p.plate, &p.options, &plan));
+    expectRecordRefused<ZelmMeasureCamera>(
+        "left", [&](auto* r) { return zelmMeasurePlanOpen(r, &p.right, &p.relative, &p.plate, &p.options, &plan); });
+    expectRecordRefused<ZelmMeasureCamera>(
+        "right", [&](auto* r) { return zelmMeasurePlanOpen(&p.left, r, &p.relative, &p.plate, &p.options, &plan); });
+    expectRecordRefused<ZelmMeasureRelativePose>(
+        "relative", [&](auto* r) { return zelmMeasurePlanOpen(&p.left, &p.right, r, &p.plate, &p.options, &plan); });
+    expectRecordRefused<ZelmMeasurePlanOptions>(
+        "options", [&](auto* r) { return zelmMeasurePlanOpen(&p.left, &p.right, &p.relative, &p.plate, r, &plan); });
+    expectRecordRefused<ZelmMeasurePlanOptions>(
+        "options", [&](auto* r) { return zelmMeasurePlanOfRig(sound.rig.get(), &p.plate, r, &plan); });
+    for (std::int32_t ZelmMeasurePlanOptions::*field :
+         {&ZelmMeasurePlanOptions::criterion, &ZelmMeasurePlanOptions::holdSkew,
+          &ZelmMeasurePlanOptions::squarePixels}) {
+        PlanSetup wrong;
+        wrong.options.*field = 2;
+        expectParam("options", zelmMeasurePlanOpen(&p.left, &p.right, &p.relative, &p.plate, &wrong.options, &plan));
+    }
+    EXPECT_EQ(plan, nullptr);
+}
+
+TEST_F(MeasureContract, PlansAnswerSoundQuestionsAlone) {
+    PlanSetup setup;
+    setup.options.extent[2] = 0.0;  // fewer poses
+    const OpenedPlan plan(setup);
+    ZelmMeasurePlan* live = plan.get();
+    expectParam("live",
+                zelmMeasurePlanOpen(&setup.left, &setup.right, &setup.relative, &setup.plate, &setup.options, &live));
+    EXPECT_EQ(live, plan.get());
+    const ZelmCameraExtrinsics pose = plan.next().pose;
+    auto view = emptyRecord<ZelmMeasurePlanView>();
+    auto figures = emptyRecord<ZelmMeasurePlanFigures>();
+    expectParam("take", zelmMeasurePlanTake(nullptr, 1, &pose));
+    expectParam("take", zelmMeasurePlanTake(plan.get(), -1, &pose));
+    expectParam("take", zelmMeasurePlanTake(plan.get(), 1, nullptr));
+    expectParam("next", zelmMeasurePlanNext(nullptr, &view));
+    expectParam("fewest", zelmMeasurePlanFewest(nullptr, 0.0, 3));
+    for (const double tolerance : {-1.0, std::nan(""), std::numeric_limits<double>::infinity()}) {
+        expectParam("fewest", zelmMeasurePlanFewest(plan.get(), tolerance, 3));
+    }
+    for (const std::int32_t most : {-1, 0, 2, 1001}) {
+        expectParam("fewest", zelmMeasurePlanFewest(plan.get(), 0.0, most));
+    }
+    expectParam("views", zelmMeasurePlanViews(nullptr, out.integers));
+    expectParam("views", zelmMeasurePlanViews(plan.get(), nullptr));
+    for (const std::int32_t index : {-1, 0, 1}) {
+        expectParam("view", zelmMeasurePlanView(plan.get(), index, &view));
+    }
+    expectParam("figures", zelmMeasurePlanFigures(nullptr, &figures));
+    EXPECT_EQ(view.dots[0], 0);
+    EXPECT_STREQ(zelmMeasurePlanError(nullptr), "");
+    zelmMeasurePlanClose(nullptr);
+    ASSERT_EQ(zelmMeasurePlanFewest(plan.get(), 0.0, 5), ZELM_OK) << plan.error();
+    expectRecordRefused<ZelmMeasurePlanView>("next", [&](auto* r) { return zelmMeasurePlanNext(plan.get(), r); });
+    expectRecordRefused<ZelmMeasurePlanView>("view", [&](auto* r) { return zelmMeasurePlanView(plan.get(), 0, r); });
+    expectRecordRefused<ZelmMeasurePlanFigures>("figures",
+                                                [&](auto* r) { return zelmMeasurePlanFigures(plan.get(), r); });
 }
 
 }  // namespace

@@ -15,6 +15,7 @@
 #include "faultAlloc.h"
 #include "matchedPoints.h"
 #include "patternReading.h"
+#include "planFixtures.h"
 
 namespace {
 
@@ -241,6 +242,78 @@ TEST(MeasureMemory, RigsOfObjectsAndTheirDots) {
     const Failures epipolar = expectEveryFailureIsTold(
         [&](Outputs& out) { return zelmMeasureRigEpipolar(rig.get(), &pattern, 1, 100, out.numbers, out.longs); });
     EXPECT_GE(epipolar.own, 143);
+}
+
+// A plate of nine dots in a plane: few poses, each of which costs little.
+PlanSetup smallPlan() {
+    PlanSetup setup;
+    setup.plate.d0 = setup.plate.d1 = 20.0;
+    setup.plate.d6 = setup.plate.d7 = 10.0;
+    setup.plate.minDots = 9;
+    setup.options.extent[2] = 0.0;
+    return setup;
+}
+
+TEST(MeasureMemory, OpeningAPlan) {
+    const PlanSetup sound = smallPlan();
+    PlanSetup refused = smallPlan();
+    refused.plate.minDots = 10;
+    const DottedPair pair;
+    const OpenedRig rig(pair.handle.get());
+    const Zelm2ViewPatternDesc pattern = describe(pair.plate);
+    const auto close = [](std::int32_t status, ZelmMeasurePlan*& plan) {
+        EXPECT_EQ(plan == nullptr, status == ZELM_ERR_MEMORY);
+        zelmMeasurePlanClose(&plan);
+        return status;
+    };
+    const auto open = [&](const PlanSetup& s) {
+        ZelmMeasurePlan* plan = nullptr;
+        return close(zelmMeasurePlanOpen(&s.left, &s.right, &s.relative, &s.plate, &s.options, &plan), plan);
+    };
+    EXPECT_GE(expectEveryFailureIsTold([&](Outputs&) { return open(sound); }).own, 5);
+    EXPECT_GE(expectEveryFailureIsTold([&](Outputs&) { return open(refused); }, ZELM_MEASURE_ERR_DATA).own, 3);
+    const Failures ofRig = expectEveryFailureIsTold([&](Outputs&) {
+        ZelmMeasurePlan* plan = nullptr;
+        return close(zelmMeasurePlanOfRig(rig.get(), &pattern, &sound.options, &plan), plan);
+    });
+    EXPECT_GE(ofRig.own, 5);
+}
+
+TEST(MeasureMemory, ViewsOfAPlan) {
+    const OpenedPlan plan(smallPlan());
+    ASSERT_EQ(plan.status, ZELM_OK) << plan.error();
+    const Failures next = expectEveryFailureIsTold([&](Outputs& out) {
+        auto view = emptyRecord<ZelmMeasurePlanView>();
+        const std::int32_t status = zelmMeasurePlanNext(plan.get(), &view);
+        if (status == ZELM_OK) {
+            out.numbers[0] = view.tilt;
+        }
+        return status;
+    });
+    EXPECT_GE(next.own, 2);
+    const ZelmCameraExtrinsics pose = plan.next().pose;
+    const Failures fewest = expectEveryFailureIsTold([&](Outputs&) {
+        const OpenedPlan one(smallPlan());  // it keeps its views, and takes their memory along
+        return one.status == ZELM_OK ? zelmMeasurePlanFewest(one.get(), 0.0, 4) : one.status;
+    });
+    EXPECT_GE(fewest.own, 10);
+    EXPECT_GE(expectEveryFailureIsTold([&](Outputs&) { return zelmMeasurePlanTake(plan.get(), 0, &pose); }).own, 0);
+    EXPECT_EQ(plan.views(), 0);
+    const OpenedPlan other(smallPlan());
+    ASSERT_EQ(zelmMeasurePlanFewest(other.get(), 0.0, 4), ZELM_OK) << other.error();
+    expectEveryFailureIsTold([&](Outputs& out) {
+        auto view = emptyRecord<ZelmMeasurePlanView>();
+        const std::int32_t status = zelmMeasurePlanView(other.get(), 3, &view);
+        if (status == ZELM_OK) {
+            out.numbers[0] = view.worst;
+        }
+        return status;
+    });
+    const OpenedPlan empty(smallPlan());
+    auto figures = emptyRecord<ZelmMeasurePlanFigures>();
+    const Failures words = expectEveryFailureIsTold(
+        [&](Outputs&) { return zelmMeasurePlanFigures(empty.get(), &figures); }, ZELM_MEASURE_ERR_DATA);
+    EXPECT_GE(words.own, 1);
 }
 
 TEST(MeasureMemory, CentreOfARig) {
