@@ -3,6 +3,7 @@
 #include <Eigen/Cholesky>
 #include <Eigen/Core>
 #include <Eigen/Eigenvalues>
+#include <algorithm>
 #include <cmath>
 #include <optional>
 
@@ -66,42 +67,10 @@ void addDot(const AdjustState& state, Side side, std::size_t view, const DotObse
     normal.views[view].seen = true;
 }
 
-// Columns: the directions in which the shared parameters are free. A direction of the relative rotation vector is taken
-// as the turn that it makes.
-Eigen::MatrixXd freeDirections(const AdjustState& state, const AdjustOptions& options, bool otherSeen) {
-    std::vector<Eigen::VectorXd> columns;
-    const auto add = [&columns](std::size_t at, const std::vector<double>& direction) {
-        Eigen::VectorXd column = Eigen::VectorXd::Zero(kSharedParameters);
-        for (std::size_t i = 0; i < direction.size(); ++i) {
-            column[static_cast<Index>(at + i)] = direction[i];
-        }
-        columns.push_back(column);
-    };
-    for (const auto& direction : freeOfCamera(state, options, state.base)) {
-        add(kSharedBase, direction);
-    }
-    if (otherSeen) {
-        for (const auto& direction : freeOfCamera(state, options, state.other())) {
-            add(kSharedOther, direction);
-        }
-        const Matrix3 J = leftJacobian({state.relative[0], state.relative[1], state.relative[2]});
-        for (const auto& direction : freeOfRelative(state)) {
-            const Vector3 turn = times(J, {direction[0], direction[1], direction[2]});
-            add(kSharedRelative, {turn[0], turn[1], turn[2], direction[3], direction[4], direction[5]});
-        }
-    }
-    if (options.estimateFactors) {
-        add(kSharedFactors, {1.0, 0.0});
-        add(kSharedFactors, {0.0, 1.0});
-    }
-    if (options.estimateBow) {
-        for (std::size_t i = 0; i < 3; ++i) {
-            add(kSharedBow + i, {1.0});
-        }
-    }
+Eigen::MatrixXd matrixOf(const std::vector<std::vector<double>>& columns) {
     Eigen::MatrixXd B(static_cast<Index>(kSharedParameters), static_cast<Index>(columns.size()));
     for (std::size_t i = 0; i < columns.size(); ++i) {
-        B.col(static_cast<Index>(i)) = columns[i];
+        B.col(static_cast<Index>(i)) = Eigen::Map<const Eigen::VectorXd>(columns[i].data(), B.rows());
     }
     return B;
 }
@@ -225,6 +194,37 @@ RigMatrix rigMatrix(const AdjustState& state, const Shared& shared, const ViewPa
 
 }  // namespace
 
+std::vector<std::vector<double>> freeOfShared(const AdjustState& state, const AdjustOptions& options, bool otherSeen) {
+    std::vector<std::vector<double>> columns;
+    const auto add = [&columns](std::size_t at, const std::vector<double>& direction) {
+        columns.emplace_back(kSharedParameters, 0.0);
+        std::copy(direction.begin(), direction.end(), columns.back().begin() + static_cast<std::ptrdiff_t>(at));
+    };
+    for (const auto& direction : freeOfCamera(state, options, state.base)) {
+        add(kSharedBase, direction);
+    }
+    if (otherSeen) {
+        for (const auto& direction : freeOfCamera(state, options, state.other())) {
+            add(kSharedOther, direction);
+        }
+        const Matrix3 J = leftJacobian({state.relative[0], state.relative[1], state.relative[2]});
+        for (const auto& direction : freeOfRelative(state)) {
+            const Vector3 turn = times(J, {direction[0], direction[1], direction[2]});
+            add(kSharedRelative, {turn[0], turn[1], turn[2], direction[3], direction[4], direction[5]});
+        }
+    }
+    if (options.estimateFactors) {
+        add(kSharedFactors, {1.0, 0.0});
+        add(kSharedFactors, {0.0, 1.0});
+    }
+    if (options.estimateBow) {
+        for (std::size_t i = 0; i < 3; ++i) {
+            add(kSharedBow + i, {1.0});
+        }
+    }
+    return columns;
+}
+
 AdjustCovariance covarianceOf(const AdjustState& state, const std::vector<AdjustView>& views,
                               const AdjustOptions& options, const AdjustSummary& summary) {
     Normal normal;
@@ -241,7 +241,7 @@ AdjustCovariance covarianceOf(const AdjustState& state, const std::vector<Adjust
         }
     }
     AdjustCovariance result;
-    const Shared shared = sharedCovariance(state, normal, freeDirections(state, options, otherSeen), result);
+    const Shared shared = sharedCovariance(state, normal, matrixOf(freeOfShared(state, options, otherSeen)), result);
     Eigen::Map<Eigen::Matrix<double, kSharedParameters, kSharedParameters, Eigen::RowMajor>>(result.shared.data()) =
         shared;
     for (const ViewPart& view : normal.views) {

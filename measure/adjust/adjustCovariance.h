@@ -33,6 +33,10 @@ struct AdjustCovariance {
     double condition = 0.0;  // least over greatest eigenvalue of the normal equations, scaled to a unit diagonal
 };
 
+// The directions in which the shared parameters are free, kSharedParameters numbers each. A direction of the relative
+// rotation vector is taken as the turn that it makes. `otherSeen`: the other camera has dots that take part.
+std::vector<std::vector<double>> freeOfShared(const AdjustState& state, const AdjustOptions& options, bool otherSeen);
+
 // At an adjusted state. Throws Fault, which names the parameter, where the observations do not determine one.
 AdjustCovariance covarianceOf(const AdjustState& state, const std::vector<AdjustView>& views,
                               const AdjustOptions& options, const AdjustSummary& summary);

@@ -76,7 +76,7 @@ void Adjustment::solve() {
     }
     const AdjustSummary summary = adjust(state, views, now);
     const AdjustCovariance covariance = covarianceOf(state, views, now, summary);
-    Outcome next{state, summary, covariance};
+    Outcome next{state, summary, covariance, now};
     if (outcome && !hasNewDots && !hasRefined) {
         next.summary.rmsBefore = outcome->summary.rmsBefore;
     }

@@ -39,6 +39,12 @@ public:
     const AdjustState& state() const { return solved().state; }
     const std::vector<AdjustView>& views() const { return current; }
     bool usesRefinedDots() const { return hasRefined; }
+    // Whether solve() has seen all dots.
+    bool isCurrent() const { return isSolved() && !hasNewDots; }
+    // What the last solve() estimated.
+    const AdjustOptions& solvedOptions() const { return solved().options; }
+    // Measured diameters of refined dots over the plate's.
+    const std::array<std::vector<double>, kDotKinds>& measuredScales() const { return scales; }
     // The image of a dot's own centre: the measured centre without what projection and lens add to it.
     Point2d centreOf(Side side, std::size_t view, const DotObservation& dot) const;
     Rig adjustedRig() const;
@@ -48,6 +54,7 @@ private:
         AdjustState state;
         AdjustSummary summary;
         AdjustCovariance covariance;
+        AdjustOptions options;
     };
     // What the reader's dots gave, to go back to where its dots are the better ones.
     struct Reading {

@@ -7,27 +7,12 @@
 #include <memory>
 #include <new>
 
-#include "adjustment.h"
+#include "adjustmentHandle.h"
 #include "records.h"
 
 using namespace zelm::measure;
 
-// What the handles of the interface point to.
-struct ZelmMeasureAdjustment {
-    std::unique_ptr<Adjustment> adjustment;  // none: refused
-    ErrorText error;
-};
-
 namespace {
-
-// Does the work of a function with an adjustment.
-template <class Work>
-std::int32_t withAdjustment(ZelmMeasureAdjustment* handle, Work work) noexcept {
-    if (handle == nullptr || !handle->adjustment) {
-        return ZELM_ERR_PARAM;
-    }
-    return guarded(&handle->error, [&] { work(*handle->adjustment); });
-}
 
 Side sideFrom(std::int32_t side) {
     return sideOf(side) == 'L' ? kLeft : kRight;
