@@ -10,7 +10,8 @@ constexpr double kMinSectorSamples = 3.0;
 constexpr double kNoiseExcess = 2.0;        // root mean square of a sector's residuals over the noise
 constexpr double kFinerModelError = 0.03;   // where most sectors show that it does
 constexpr double kMaxOverMedian = 3.0;      // mean square of a sector's residuals over the median of all
-constexpr double kMaxShiftExcess = 4.0;     // of the spread of shifts over what noise explains
+constexpr double kMaxExcess = 4.0;          // of the spread of shifts and contrasts over what noise explains
+constexpr double kMaxArcExcess = 1.5;       // where a part of the outline is left out
 constexpr double kFinerContrast = 0.08;     // of the contrast
 constexpr double kFinerShift = 0.03;        // pixels
 constexpr double kModelError = 0.07;        // of the contrast, that the profile of a real edge may differ
@@ -85,6 +86,8 @@ double medianOver(const OutlineEvidence& evidence, SectorMask sectors, Figure fi
 SectorMask agreeingSectors(const OutlineEvidence& evidence, SectorMask fitted, const DotTolerance& tolerance) {
     constexpr double kPerMedian = 1.4826;  // standard deviation of a normal variable over the median of its size
     const double noise = tolerance.noise;
+    // The fewer sectors show a dot, the stricter they are taken.
+    const double maxExcess = fitted == kAllSectors ? kMaxExcess : kMaxArcExcess;
     const double modelError = kModelError * tolerance.contrast;
     const double finerError = kFinerModelError * tolerance.contrast;
     const double usual = medianOver(evidence, fitted, [](const SectorEvidence& e) { return e.squares / e.count; });
@@ -94,11 +97,11 @@ SectorMask agreeingSectors(const OutlineEvidence& evidence, SectorMask fitted, c
     const double excess =
         std::clamp(kPerMedian * medianOver(evidence, fitted,
                                            [](const SectorEvidence& e) { return std::fabs(e.shift) / e.shiftError; }),
-                   1.0, kMaxShiftExcess);
+                   1.0, maxExcess);
     const double contrastExcess = std::clamp(
         kPerMedian * medianOver(evidence, fitted,
                                 [](const SectorEvidence& e) { return std::fabs(e.contrast - 1.0) / e.contrastError; }),
-        1.0, kMaxShiftExcess);
+        1.0, maxExcess);
     SectorMask mask = 0;
     for (std::size_t k = 0; k < kDotSectors; ++k) {
         const SectorEvidence& e = evidence[k];

@@ -2,7 +2,7 @@
 #ifndef ZELM_MEASURE_DOT_FIT_H
 #define ZELM_MEASURE_DOT_FIT_H
 
-#include <zelmLib.h>
+#include <zelmMeasure.h>
 
 #include <array>
 
@@ -24,13 +24,13 @@ struct DotFitOptions {
 };
 
 enum DotFlags : unsigned {
-    kDotHalfHidden = 1,  // a part of the outline is hidden
-    kDotHighlight = 2,   // pixels much brighter or darker than the dot explains
-    kDotSaturated = 4,   // gray levels are clipped
-    kDotNeighbour = 8,   // another dot is so near that the band of pixels is narrower for it
-    kDotCut = 16,        // by the image's edge
-    kDotNoDot = 32,      // the pixels show no such dot
-    kDotNotConverged = 64,
+    kDotHalfHidden = ZELM_MEASURE_DOT_HALF_HIDDEN,
+    kDotHighlight = ZELM_MEASURE_DOT_HIGHLIGHT,
+    kDotSaturated = ZELM_MEASURE_DOT_SATURATED,
+    kDotNeighbour = ZELM_MEASURE_DOT_NEIGHBOUR,
+    kDotCut = ZELM_MEASURE_DOT_CUT,
+    kDotNoDot = ZELM_MEASURE_DOT_ABSENT,
+    kDotNotConverged = ZELM_MEASURE_DOT_NOT_CONVERGED,
 };
 
 struct DotFitResult {

@@ -8,11 +8,6 @@ using namespace zelm::measure;
 
 namespace {
 
-static_assert(ZELM_MEASURE_DOT_HALF_HIDDEN == kDotHalfHidden && ZELM_MEASURE_DOT_HIGHLIGHT == kDotHighlight &&
-              ZELM_MEASURE_DOT_SATURATED == kDotSaturated && ZELM_MEASURE_DOT_NEIGHBOUR == kDotNeighbour &&
-              ZELM_MEASURE_DOT_CUT == kDotCut && ZELM_MEASURE_DOT_ABSENT == kDotNoDot &&
-              ZELM_MEASURE_DOT_NOT_CONVERGED == kDotNotConverged);
-
 // Writes numbers of one dot to the caller's array, where there is one.
 template <class... Numbers>
 void put(double* array, std::size_t dot, Numbers... numbers) {

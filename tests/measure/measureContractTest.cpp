@@ -24,6 +24,7 @@ struct Sound {
     Zelm2ViewPatternDesc pattern = plainPattern();
     ZelmMeasureMatchOptions options = defaultsOf(rig);
     double pixels[4] = {30.0, 20.0, 31.0, 21.0};
+    double shape[6] = {30.0, 20.0, 6.0, 0.0, 0.0, 6.0};
     std::vector<std::uint16_t> map = std::vector<std::uint16_t>(64 * 48, 1000);
 };
 
@@ -189,6 +190,9 @@ TEST_F(MeasureContract, ImagesThatCannotBeMeant) {
         expectParam("traits", zelmMeasurePlateTraits(image, &sound.pattern, &traits));
         expectParam("centres", zelmMeasureDotCentres(image, 1, sound.pixels, 0, out.numbers, out.integers));
         expectParam("noise", zelmMeasureNoise(image, out.numbers));
+        auto refined = emptyRecord<ZelmMeasureRefinedDots>();
+        refined.statuses = out.integers;
+        expectParam("refine", zelmMeasureRefineDots(image, 1, sound.shape, nullptr, 0, &refined));
         for (const bool isLeft : {true, false}) {
             const ZelmMeasureImage* const left = isLeft ? image : &sound.image;
             const ZelmMeasureImage* const right = isLeft ? &sound.image : image;
@@ -216,6 +220,19 @@ TEST_F(MeasureContract, DotsOfImages) {
     expectParam("statuses", zelmMeasureDotCentres(&sound.image, 1, sound.pixels, 0, d, nullptr));
     expectParam("polarity", zelmMeasureDotCentres(&sound.image, 1, sound.pixels, 2, d, i));
     expectParam("polarity", zelmMeasureDotCentres(&sound.image, 1, sound.pixels, -1, d, i));
+}
+
+TEST_F(MeasureContract, DotsToRefine) {
+    auto refined = emptyRecord<ZelmMeasureRefinedDots>();
+    refined.statuses = refined.flags = out.integers;
+    refined.centres = refined.covariances = refined.levels = out.numbers;
+    const double* const s = sound.shape;
+    expectParam("count", zelmMeasureRefineDots(&sound.image, -1, s, nullptr, 0, &refined));
+    expectParam("shapes", zelmMeasureRefineDots(&sound.image, 1, nullptr, nullptr, 0, &refined));
+    expectParam("polarity", zelmMeasureRefineDots(&sound.image, 1, s, nullptr, 2, &refined));
+    expectParam("polarity", zelmMeasureRefineDots(&sound.image, 1, s, nullptr, -1, &refined));
+    expectRecordRefused<ZelmMeasureRefinedDots>(
+        "dots", [&](auto* r) { return zelmMeasureRefineDots(&sound.image, 1, s, nullptr, 0, r); });
 }
 
 TEST_F(MeasureContract, PointsOfSpace) {
@@ -384,6 +401,9 @@ TEST_F(MeasureContract, CountsThatNoMemoryHoldsAreOutOfMemory) {
     EXPECT_EQ(zelmMeasureTriangulate(rig, kMany, p, p, &points), ZELM_ERR_MEMORY);
     EXPECT_EQ(sound.rig.error(), "out of memory");
     EXPECT_EQ(zelmMeasureDotCentres(image, kMany, p, 0, out.numbers, out.integers), ZELM_ERR_MEMORY);
+    auto refined = emptyRecord<ZelmMeasureRefinedDots>();
+    refined.statuses = out.integers;
+    EXPECT_EQ(zelmMeasureRefineDots(image, kMany, sound.shape, nullptr, 0, &refined), ZELM_ERR_MEMORY);
     EXPECT_EQ(zelmMeasureMatch(rig, image, image, &sound.options, kMany, p, &matches), ZELM_ERR_MEMORY);
     EXPECT_EQ(zelmMeasureOverlap(rig, &sound.options, kMany, p, out.integers), ZELM_ERR_MEMORY);
     EXPECT_EQ(zelmMeasureFigures(kMany, p, &figures), ZELM_ERR_MEMORY);

@@ -427,6 +427,23 @@ TEST(MeasureMemory, CentresOfDots) {
     }
 }
 
+TEST(MeasureMemory, DotsToRefine) {
+    const render::RenderedView view = smallView();
+    const render::DotTruth& dot = view.dots[17];
+    const double shape[] = {dot.ellipse.centre.x + 0.5, dot.ellipse.centre.y, dot.radius, 0.0, 0.0, dot.radius};
+    // Padded, so that a copy is made.
+    const ZelmMeasureImage image{view.image.pixels.data(), 639, 480, 640};
+    const Failures failures = expectEveryFailureIsTold([&](Outputs& out) {
+        auto dots = emptyRecord<ZelmMeasureRefinedDots>();
+        dots.statuses = out.integers;
+        dots.flags = out.integers + 1;
+        dots.centres = out.numbers;
+        dots.covariances = out.numbers + 2;
+        return zelmMeasureRefineDots(&image, 1, shape, nullptr, 0, &dots);
+    });
+    EXPECT_GE(failures.own, 3);  // the copy, the results, the samples
+}
+
 TEST(MeasureMemory, DotsAndTraitsOfPlates) {
     const render::RenderedView view = smallView();
     const Zelm2ViewPatternDesc pattern = describe(smallPlate());
