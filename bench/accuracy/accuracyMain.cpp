@@ -4,6 +4,7 @@
 #include <exception>
 #include <string>
 
+#include "dotTables.h"
 #include "matchingTables.h"
 #include "readingAccuracy.h"
 
@@ -96,7 +97,7 @@ void printReading() {
 
 int usage() {
     std::fprintf(stderr,
-                 "usage: zelm_accuracy [reading|matching] [--views N]\n"
+                 "usage: zelm_accuracy [reading|dots|matching] [--views N]\n"
                  "  --views N   views of each reading setting and hundreds of trials of each matching setting, "
                  "default 4\n");
     return 2;
@@ -110,17 +111,22 @@ int main(int argc, char** argv) {
         const std::string word = argv[i];
         if (word == "--views" && i + 1 < argc && std::atoi(argv[i + 1]) > 0) {
             views = std::atoi(argv[++i]);
-        } else if (subject.empty() && (word == "reading" || word == "matching")) {
+        } else if (subject.empty() && (word == "reading" || word == "dots" || word == "matching")) {
             subject = word;
         } else {
             return usage();
         }
     }
     try {
-        if (subject != "matching") {
+        if (subject.empty() || subject == "reading") {
             printReading();
         }
-        if (subject != "reading") {
+#ifdef ZELM_ACCURACY_DOTS
+        if (subject.empty() || subject == "dots") {
+            zelm::accuracy::printDotTables(views);
+        }
+#endif
+        if (subject.empty() || subject == "matching") {
             zelm::accuracy::printMatchingTables(100 * views);
         }
     } catch (const std::exception& e) {
