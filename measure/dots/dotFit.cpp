@@ -30,8 +30,8 @@ constexpr double kMaxScale = 1.4;
 constexpr double kMinArcScale = 0.85;    // where a part of the outline is hidden
 constexpr double kMaxArcScale = 1.18;    //
 constexpr double kMaxSlant = 0.15;       // of the contrast a radius, of the ground's level
-constexpr double kMaxExcess = 1.3;       // residuals over the noise
-constexpr double kMaxModelError = 0.05;  // of the contrast, in the residuals of all pixels
+constexpr double kMaxExcess = 1.25;      // residuals over the noise
+constexpr double kMaxModelError = 0.03;  // of the contrast, in the residuals of all pixels
 constexpr double kMaxError = 0.25;       // pixels, standard deviation of the centre
 constexpr int kMinSectors = 14;          // of 24 that are seen whole: 60 % of the outline with parts of two more
 constexpr int kMinScattered = 17;        // where more than one arc is hidden: a wrong shape too agrees with some arcs
@@ -213,13 +213,21 @@ private:
         return agreeingSectors(evidenceOf(model, pixels, noise), used, {contrast(), noise, outline.radius}) & visible;
     }
 
-    bool findOnAllOutline() { return findRoughly(visible) && fitBand(visible, kCoarseTolerance) && settleSectors(); }
+    bool findOnAllOutline() {
+        return findRoughly(visible) && fitBand(visible, kCoarseTolerance) && settleSectors() && isEvenlyLit() &&
+               isExplained();
+    }
 
     // Whether the levels are as slanted as light may be, rather than as what hides a part would make them.
     bool isEvenlyLit() const {
         const DotVector& at = model.unknowns;
         return std::hypot(at[kOutsideX], at[kOutsideY]) <= kMaxSlant * contrast() &&
                std::hypot(at[kInsideX], at[kInsideY]) <= 2.0 * kMaxSlant * contrast();
+    }
+
+    // Whether noise and the profile of a real edge are all that the model leaves.
+    bool isExplained() const {
+        return residualOf(model, pixels, used).rms <= std::hypot(kMaxExcess * noise, kMaxModelError * contrast());
     }
 
     // Leaves sectors out and takes them in again until those that are used agree with the dot, and the others do not.
@@ -292,7 +300,7 @@ private:
         const double scale = 1.0 + at[kGrowth] / outline.radius;
         setFlags();
         if (!hasContrast() || !isPlausible(scale) || !(std::hypot(at[kShiftX], at[kShiftY]) <= shiftLimit()) ||
-            !agrees || !isEvenlyLit() || residual.rms > std::hypot(kMaxExcess * noise, kMaxModelError * contrast())) {
+            !agrees || !isEvenlyLit() || !isExplained()) {
             return refused(kDotNoDot);
         }
         if (!converged) {

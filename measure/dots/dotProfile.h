@@ -34,7 +34,7 @@ struct NormalValue {
 // To 1e-8, by Taylor's series about the nearest node.
 inline NormalValue standardNormal(double x) {
     constexpr double kEnd = NormalTable::kReach - 1.0 / NormalTable::kNodesPerUnit;  // where it is 0 or 1 to 1e-10
-    x = std::min(std::max(x, -kEnd), kEnd);                                          // NaN becomes kEnd
+    x = std::min(std::max(-kEnd, x), kEnd);                                          // NaN becomes -kEnd
     const int k = static_cast<int>((x + NormalTable::kReach) * NormalTable::kNodesPerUnit + 0.5);
     const NormalTable::Node node = kNormalTable.nodes[static_cast<std::size_t>(k)];
     const double a = static_cast<double>(k) * (1.0 / NormalTable::kNodesPerUnit) - NormalTable::kReach;
