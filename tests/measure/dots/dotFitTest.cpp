@@ -38,37 +38,31 @@ void expectAtBound(const ReadingCase& setting) {
 }
 
 TEST(MeasureDotFit, ErrorsAreAtTheCramerRaoBound) {
-    for (const double radius : {4.0, 7.0, 12.0, 20.0}) {
-        for (const double blur : {0.4, 1.0}) {
-            expectAtBound(settingOf(radius, blur, 0.0));
-            expectAtBound(settingOf(radius, blur, 1.5));
-        }
-    }
-    expectAtBound(settingOf(10.0, 2.5, 3.0));
+    expectAtBound(settingOf(4.0, 0.4, 0.0));
+    expectAtBound(settingOf(4.0, 1.0, 1.5));
     expectAtBound(settingOf(6.0, 2.0, 3.0));
+    expectAtBound(settingOf(10.0, 1.0, 0.0));
     expectAtBound(settingOf(10.0, 0.7, 8.0));
+    expectAtBound(settingOf(20.0, 0.4, 1.5));
 }
 
 TEST(MeasureDotFit, LightThatFallsOffMovesNothing) {
     expectAtBound(settingOf(5.0, 0.6, 1.0, 0.6));
     expectAtBound(settingOf(10.0, 1.5, 1.0, 0.6));
-    expectAtBound(settingOf(20.0, 1.0, 3.0, 0.6));
 }
 
 TEST(MeasureDotFit, CovariancesAreThoseOfTheErrors) {
     for (const double radius : {6.0, 10.0}) {
-        for (const double blur : {0.5, 1.2}) {
-            ReadingCase setting = settingOf(radius, blur, 2.0);
-            setting.noiseDraws = 3;
-            const DotFigures f = refinePlates(setting, 0.5, false);
-            // 858 dots: the root mean square has a standard deviation of 1.7 %; 10 % is what is promised.
-            EXPECT_NEAR(f.expected / f.rms, 1.0, 0.1 + 3.0 * 0.017) << radius << ' ' << blur;
-        }
+        ReadingCase setting = settingOf(radius, 0.8, 2.0);
+        setting.noiseDraws = 3;
+        const DotFigures f = refinePlates(setting, 0.5, false);
+        // 858 dots: the root mean square has a standard deviation of 1.7 %; 10 % is what is promised.
+        EXPECT_NEAR(f.expected / f.rms, 1.0, 0.1 + 3.0 * 0.017) << radius;
     }
 }
 
 TEST(MeasureDotFit, LargeDots) {
-    ReadingCase setting = settingOf(60.0, 1.0, 2.0);
+    ReadingCase setting = settingOf(40.0, 1.0, 2.0);
     setting.views = 1;
     expectAtBound(setting);
 }

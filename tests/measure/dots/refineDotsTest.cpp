@@ -19,7 +19,7 @@ using zelm::accuracy::tryDisturbed;
 
 // The bench tries ten thousand.
 TEST(MeasureRefineDots, WrongPlacesAreNeverAccepted) {
-    const auto figures = zelm::accuracy::tryWrongPlaces(900, 5);
+    const auto figures = zelm::accuracy::tryWrongPlaces(600, 5);
     for (std::size_t k = 0; k < zelm::accuracy::kWrongPlaces; ++k) {
         EXPECT_EQ(figures.wrong[k], 0) << k;
     }
