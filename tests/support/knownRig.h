@@ -24,7 +24,7 @@ struct KnownRig {
     OpenedRig rig;
 };
 
-struct Pixels {
+struct PairPixels {
     std::vector<double> left;
     std::vector<double> right;
 
@@ -42,8 +42,8 @@ struct Pixels {
     }
 };
 
-inline Pixels pixelsOf(const TruePair& pair, const std::vector<Point3d>& points) {
-    Pixels pixels;
+inline PairPixels pixelsOf(const TruePair& pair, const std::vector<Point3d>& points) {
+    PairPixels pixels;
     for (const Point3d& X : points) {
         pixels.add(pair.project('L', X), pair.project('R', X));
     }
@@ -51,7 +51,7 @@ inline Pixels pixelsOf(const TruePair& pair, const std::vector<Point3d>& points)
 }
 
 // Positions, 3 a pair, as the pair triangulates.
-inline std::vector<double> triangulated(const TruePair& pair, const Pixels& pixels) {
+inline std::vector<double> triangulated(const TruePair& pair, const PairPixels& pixels) {
     const OpenedRig rig(blockOf(pair));
     std::vector<double> positions(3 * static_cast<std::size_t>(pixels.count()));
     auto points = emptyRecord<ZelmMeasurePoints>();

@@ -23,7 +23,7 @@ struct Expected {
         for (const auto& [id, X] : kPoints) {
             points.push_back(X);
         }
-        const Pixels pixels = pixelsOf(rig.known.pair, points);
+        const PairPixels pixels = pixelsOf(rig.known.pair, points);
         auto record = emptyRecord<ZelmMeasurePointCovariances>();
         record.image = image.data();
         record.calibration = calibration.data();

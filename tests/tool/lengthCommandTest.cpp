@@ -25,7 +25,7 @@ struct Expected {
         for (const auto& [id, X] : kPoints) {
             points.push_back(X);
         }
-        const Pixels pixels = pixelsOf(rig.known.pair, points);
+        const PairPixels pixels = pixelsOf(rig.known.pair, points);
         auto record = emptyRecord<ZelmMeasureLengths>();
         record.lengths = lengths.data();
         record.image = image.data();

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <vector>
 
-#include "knownRig.h"
+#include "measureRigs.h"
 #include "patternReading.h"
 
 namespace zelmtest {

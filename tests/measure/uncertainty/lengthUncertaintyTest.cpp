@@ -39,14 +39,14 @@ struct Outputs {
     bool operator==(const Outputs&) const = default;
 };
 
-std::int32_t lengthsOf(ZelmMeasureRig* rig, const Pixels& pixels, const Ends& ends, Outputs& out,
+std::int32_t lengthsOf(ZelmMeasureRig* rig, const PairPixels& pixels, const Ends& ends, Outputs& out,
                        const ZelmMeasurePixelNoise* noise = nullptr) {
     const ZelmMeasureLengths record = out.record();
     return zelmMeasureLengths(rig, pixels.count(), pixels.left.data(), pixels.right.data(), noise,
                               static_cast<std::int64_t>(ends.size() / 2), ends.data(), &record);
 }
 
-Outputs measured(const KnownRig& known, const Pixels& pixels, const Ends& ends,
+Outputs measured(const KnownRig& known, const PairPixels& pixels, const Ends& ends,
                  const ZelmMeasurePixelNoise* noise = nullptr) {
     Outputs out(ends.size() / 2);
     EXPECT_EQ(lengthsOf(known.rig.get(), pixels, ends, out, noise), ZELM_OK) << known.rig.error();
@@ -70,7 +70,7 @@ class LengthsOfModels : public testing::TestWithParam<std::int32_t> {};
 
 TEST_P(LengthsOfModels, DrawnRigsAndPixelsScatterAsPredicted) {
     const KnownRig known(makePair(GetParam(), 0), kNoise);
-    const Pixels exact = pixelsOf(known.pair, corners());
+    const PairPixels exact = pixelsOf(known.pair, corners());
     const Outputs predicted = measured(known, exact, kEnds);
     const std::size_t count = predicted.lengths.size();
     const std::vector<double> truth = triangulated(known.pair, exact);
@@ -80,7 +80,7 @@ TEST_P(LengthsOfModels, DrawnRigsAndPixelsScatterAsPredicted) {
     std::vector<double> squares(3 * count);
     std::vector<int> held(count);
     for (int n = 0; n < kDraws; ++n) {
-        Pixels noisy = exact;
+        PairPixels noisy = exact;
         noisy.addNoise(random, kNoise);
         const TruePair drawn = moved(known.pair, draws.draw(random));
         const std::vector<double> byImage = triangulated(known.pair, noisy);
@@ -114,7 +114,7 @@ INSTANTIATE_TEST_SUITE_P(Models, LengthsOfModels, testing::Values(0, 1, 2));
 TEST(LengthUncertainty, WhatBothEndsShareCancels) {
     // The points' own covariances, taken as independent, tell another length: by far too much of neighbours.
     const KnownRig known(makePair(0, 0), kNoise);
-    const Pixels exact = pixelsOf(known.pair, corners());
+    const PairPixels exact = pixelsOf(known.pair, corners());
     const Outputs lengths = measured(known, exact, kEnds);
     std::vector<double> covariances(6 * corners().size());
     auto record = emptyRecord<ZelmMeasurePointCovariances>();
@@ -145,7 +145,7 @@ TEST(LengthUncertainty, WhatBothEndsShareCancels) {
 
 TEST(LengthUncertainty, FrameOfThePlateDoesNotMatter) {
     KnownRig known(makePair(0, 0), kNoise);
-    const Pixels exact = pixelsOf(known.pair, corners());
+    const PairPixels exact = pixelsOf(known.pair, corners());
     const Outputs before = measured(known, exact, kEnds);
     ZelmMeasureCovariance other = known.covariance;
     for (std::size_t i = ZELM_MEASURE_FRAME_ROTATION; i < ZELM_MEASURE_PARAMETERS; ++i) {
@@ -160,7 +160,7 @@ TEST(LengthUncertainty, FrameOfThePlateDoesNotMatter) {
 
 TEST(LengthUncertainty, StudentsFactorWhereTheNoiseWasEstimated) {
     KnownRig known(makePair(0, 0), kNoise);
-    const Pixels exact = pixelsOf(known.pair, corners());
+    const PairPixels exact = pixelsOf(known.pair, corners());
     ZelmMeasureCovariance estimated = known.covariance;
     estimated.freedom = 10.0;
     known.give(estimated);
@@ -189,7 +189,7 @@ TEST(LengthUncertainty, StudentsFactorWhereTheNoiseWasEstimated) {
 TEST(LengthUncertainty, ShortLengthsHaveNoDirection) {
     const KnownRig known(makePair(0, 0), kNoise);
     std::vector<Point3d> points{{0.0, 0.0, 0.0}, {0.0, 0.0, 0.0}, {0.01, 0.0, 0.0}, {1.0, 0.0, 0.0}};
-    const Pixels exact = pixelsOf(known.pair, points);
+    const PairPixels exact = pixelsOf(known.pair, points);
     const Outputs out = measured(known, exact, {0, 0, 0, 1, 0, 2, 0, 3});
     for (const std::size_t i : {0U, 1U, 2U}) {
         EXPECT_EQ(out.statuses[i], ZELM_MEASURE_LENGTH_SHORT);
@@ -213,7 +213,7 @@ TEST(LengthUncertainty, ShortLengthsHaveNoDirection) {
 
 TEST(LengthUncertainty, EndsWithoutAPoint) {
     const KnownRig known(makePair(0, 0), kNoise);
-    Pixels pixels = pixelsOf(known.pair, {{0.0, 0.0, 0.0}});
+    PairPixels pixels = pixelsOf(known.pair, {{0.0, 0.0, 0.0}});
     pixels.add({1e9, 1e9}, {640.0, 480.0});
     pixels.add({1240.0, 480.0}, {40.0, 480.0});  // behind the cameras
     const Outputs out = measured(known, pixels, {0, 1, 2, 0, 1, 1});
@@ -224,7 +224,7 @@ TEST(LengthUncertainty, EndsWithoutAPoint) {
 
 TEST(LengthUncertainty, EndsThatAreNoPointsAreRefused) {
     const KnownRig known(makePair(0, 0), kNoise);
-    const Pixels pixels = pixelsOf(known.pair, corners());
+    const PairPixels pixels = pixelsOf(known.pair, corners());
     for (const Ends& ends : {Ends{0, 6}, Ends{-1, 0}, Ends{0, INT64_MAX}, Ends{INT64_MIN, 0}}) {
         Outputs out(1);
         EXPECT_EQ(lengthsOf(known.rig.get(), pixels, ends, out), ZELM_ERR_PARAM);
@@ -238,7 +238,7 @@ TEST(LengthUncertainty, EndsThatAreNoPointsAreRefused) {
 TEST(LengthUncertainty, ARigWithoutACovarianceTellsTheNoisesPartAlone) {
     const KnownRig known(makePair(0, 0), kNoise);
     const OpenedRig rig(blockOf(known.pair));
-    const Pixels pixels = pixelsOf(known.pair, corners());
+    const PairPixels pixels = pixelsOf(known.pair, corners());
     auto noise = emptyRecord<ZelmMeasurePixelNoise>();
     noise.sigma = kNoise;
     Outputs out(5);

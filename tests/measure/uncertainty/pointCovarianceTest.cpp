@@ -39,7 +39,7 @@ struct Outputs {
     bool operator==(const Outputs&) const = default;
 };
 
-std::int32_t covariancesOf(ZelmMeasureRig* rig, const Pixels& pixels, Outputs& out,
+std::int32_t covariancesOf(ZelmMeasureRig* rig, const PairPixels& pixels, Outputs& out,
                            const ZelmMeasurePixelNoise* noise = nullptr) {
     const ZelmMeasurePointCovariances record = out.record();
     return zelmMeasurePointCovariance(rig, pixels.count(), pixels.left.data(), pixels.right.data(), noise, &record);
@@ -127,7 +127,7 @@ class CovarianceOfModels : public testing::TestWithParam<std::int32_t> {};
 TEST_P(CovarianceOfModels, DrawnRigsAndPixelsScatterAsPredicted) {
     const KnownRig known(makePair(GetParam(), 0), kNoise);
     const std::vector<Point3d> truth = somePoints();
-    const Pixels exact = pixelsOf(known.pair, truth);
+    const PairPixels exact = pixelsOf(known.pair, truth);
     Outputs out(truth.size());
     ASSERT_EQ(covariancesOf(known.rig.get(), exact, out), ZELM_OK) << known.rig.error();
     const ParameterDraws draws(known.covariance);
@@ -136,7 +136,7 @@ TEST_P(CovarianceOfModels, DrawnRigsAndPixelsScatterAsPredicted) {
     Moments byCalibration(truth.size());
     Moments byBoth(truth.size());
     for (int n = 0; n < kDraws; ++n) {
-        Pixels noisy = exact;
+        PairPixels noisy = exact;
         noisy.addNoise(random, kNoise);
         const TruePair drawn = moved(known.pair, draws.draw(random));
         byImage.add(errorsOf(triangulated(known.pair, noisy), truth));
@@ -160,7 +160,7 @@ INSTANTIATE_TEST_SUITE_P(Models, CovarianceOfModels, testing::Values(0, 1, 2));
 TEST(PointCovariance, DepthsHaveTheDeviationsOfTheirScatter) {
     const KnownRig known(makePair(0, 0), kNoise);
     const std::vector<Point3d> truth = somePoints();
-    const Pixels exact = pixelsOf(known.pair, truth);
+    const PairPixels exact = pixelsOf(known.pair, truth);
     Outputs out(truth.size());
     ASSERT_EQ(covariancesOf(known.rig.get(), exact, out), ZELM_OK);
     const ParameterDraws draws(known.covariance);
@@ -173,7 +173,7 @@ TEST(PointCovariance, DepthsHaveTheDeviationsOfTheirScatter) {
     constexpr int kDepthDraws = 8000;  // 1.6 % of a variance, 0.8 % of a deviation
     const std::vector<double> exactly = triangulated(known.pair, exact);
     for (int n = 0; n < kDepthDraws; ++n) {
-        Pixels noisy = exact;
+        PairPixels noisy = exact;
         noisy.addNoise(random, kNoise);
         const TruePair drawn = moved(known.pair, draws.draw(random));
         const std::vector<double> a = triangulated(known.pair, noisy);
@@ -192,7 +192,7 @@ TEST(PointCovariance, DepthsHaveTheDeviationsOfTheirScatter) {
 TEST(PointCovariance, PixelCovariancesOfTheirOwn) {
     const KnownRig known(makePair(0, 0), kNoise);
     const std::vector<Point3d> truth = somePoints();
-    const Pixels exact = pixelsOf(known.pair, truth);
+    const PairPixels exact = pixelsOf(known.pair, truth);
     const double s2 = kNoise * kNoise;
     Outputs plain(truth.size());
     ASSERT_EQ(covariancesOf(known.rig.get(), exact, plain), ZELM_OK);
@@ -231,7 +231,7 @@ TEST(PointCovariance, PixelCovariancesOfTheirOwn) {
     ASSERT_EQ(covariancesOf(known.rig.get(), exact, out, &noise), ZELM_OK);
     Moments moments(truth.size());
     for (int n = 0; n < kDraws; ++n) {
-        Pixels noisy = exact;
+        PairPixels noisy = exact;
         for (std::size_t i = 0; i < truth.size(); ++i) {
             const double a = kNoise * random.normal();
             const double b = kNoise * random.normal();
@@ -249,7 +249,7 @@ TEST(PointCovariance, PixelCovariancesOfTheirOwn) {
 
 TEST(PointCovariance, PairsWithoutAPointHaveAStatusAlone) {
     KnownRig known(makePair(0, 0), kNoise);
-    Pixels pixels = pixelsOf(known.pair, {{0.0, 0.0, 0.0}});
+    PairPixels pixels = pixelsOf(known.pair, {{0.0, 0.0, 0.0}});
     pixels.add({1e9, 1e9}, {640.0, 480.0});
     pixels.add({std::nan(""), 0.0}, {640.0, 480.0});
     Outputs out(3);
@@ -263,7 +263,7 @@ TEST(PointCovariance, PairsWithoutAPointHaveAStatusAlone) {
         EXPECT_EQ(out.calibration[k], kUntouched);
     }
     // Behind a camera there are numbers.
-    Pixels behind;
+    PairPixels behind;
     behind.add({1240.0, 480.0}, {40.0, 480.0});
     Outputs one(1);
     ASSERT_EQ(covariancesOf(known.rig.get(), behind, one), ZELM_OK);
@@ -273,7 +273,7 @@ TEST(PointCovariance, PairsWithoutAPointHaveAStatusAlone) {
 
 TEST(PointCovariance, NumbersThatGrowBeyondADoubleAreNone) {
     KnownRig known(makePair(0, 0), kNoise);
-    const Pixels pixels = pixelsOf(known.pair, {{0.0, 0.0, 0.0}});
+    const PairPixels pixels = pixelsOf(known.pair, {{0.0, 0.0, 0.0}});
     auto noise = emptyRecord<ZelmMeasurePixelNoise>();
     noise.sigma = 1e200;
     Outputs out(1);
@@ -285,7 +285,7 @@ TEST(PointCovariance, NumbersThatGrowBeyondADoubleAreNone) {
 
 TEST(PointCovariance, ArraysThatAreNotWantedMayBeMissing) {
     const KnownRig known(makePair(0, 0), kNoise);
-    const Pixels pixels = pixelsOf(known.pair, somePoints());
+    const PairPixels pixels = pixelsOf(known.pair, somePoints());
     Outputs all(somePoints().size());
     ASSERT_EQ(covariancesOf(known.rig.get(), pixels, all), ZELM_OK);
     Outputs some(somePoints().size());
@@ -302,7 +302,7 @@ TEST(PointCovariance, ArraysThatAreNotWantedMayBeMissing) {
 TEST(PointCovariance, ARigWithoutACovarianceTellsTheNoisesPartAlone) {
     const TruePair pair = makePair(0, 0);
     const OpenedRig rig(blockOf(pair));
-    const Pixels pixels = pixelsOf(pair, somePoints());
+    const PairPixels pixels = pixelsOf(pair, somePoints());
     Outputs out(somePoints().size());
     EXPECT_EQ(covariancesOf(rig.get(), pixels, out), ZELM_MEASURE_ERR_DATA);
     auto noise = emptyRecord<ZelmMeasurePixelNoise>();
@@ -323,7 +323,7 @@ TEST(PointCovariance, ARigWithoutACovarianceTellsTheNoisesPartAlone) {
 
 TEST(PointCovariance, TwoParallelCamerasAreRefused) {
     const OpenedRig rig(parallelBlock());
-    Pixels pixels;
+    PairPixels pixels;
     pixels.add({100.0, 100.0}, {100.0, 100.0});
     auto noise = emptyRecord<ZelmMeasurePixelNoise>();
     noise.sigma = kNoise;
@@ -343,7 +343,7 @@ TEST(PointCovariance, ManyPairsInOneCallAreTheSameAsOneByOne) {
     for (std::size_t i = 0; i < kCount; ++i) {
         points.push_back(randomWorldPoint(random));
     }
-    const Pixels pixels = pixelsOf(known.pair, points);
+    const PairPixels pixels = pixelsOf(known.pair, points);
     Outputs out(kCount);
     std::vector<double> positions(3 * kCount);
     auto plain = emptyRecord<ZelmMeasurePoints>();
@@ -361,7 +361,7 @@ TEST(PointCovariance, ManyPairsInOneCallAreTheSameAsOneByOne) {
                 1e6 * triangulation.count() / static_cast<double>(kCount));
     EXPECT_EQ(out.positions, positions);
     for (std::size_t i = 0; i < kCount; i += 997) {
-        Pixels one;
+        PairPixels one;
         one.add({pixels.left[2 * i], pixels.left[2 * i + 1]}, {pixels.right[2 * i], pixels.right[2 * i + 1]});
         Outputs single(1);
         ASSERT_EQ(covariancesOf(known.rig.get(), one, single), ZELM_OK);
