@@ -21,6 +21,7 @@ struct AdjustedRig {
     explicit AdjustedRig(render::Projection leftProjection) {
         const render::Plate plate;
         render::StereoRig stereo = render::exampleRig();
+        std::vector<render::Pose> poses = render::makeViewPoses(plate, stereo, kViews, 3);
         const bool isParallel = leftProjection == render::Projection::parallel;
         if (isParallel) {
             stereo.left.projection = leftProjection;
@@ -32,7 +33,6 @@ struct AdjustedRig {
         const Zelm2ViewPatternDesc pattern = describe(plate);
         const Zelm2ViewCameraDesc cameras = cameraPair(isParallel ? 2 : 0, 0, stereo.left.width, stereo.left.height);
         EXPECT_EQ(zelm2ViewCalibOpen(kViews, &pattern, &cameras, &handle.calib), ZELM_OK);
-        std::vector<render::Pose> poses = render::makeViewPoses(plate, stereo, kViews, 3);
         poses[0] = {render::rotationFromVector({0.0, 0.0, 0.0}), poses[0].t};  // a parallel camera looks straight at it
         for (std::int32_t view = 0; view < kViews; ++view) {
             const render::Pose& left = poses[static_cast<std::size_t>(view)];
