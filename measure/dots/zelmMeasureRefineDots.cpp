@@ -8,6 +8,14 @@ using namespace zelm::measure;
 
 namespace {
 
+constexpr bool isSame(ZelmMeasureDotFlag inTheInterface, DotFlags flag) {
+    return static_cast<unsigned>(inTheInterface) == static_cast<unsigned>(flag);
+}
+static_assert(isSame(ZELM_MEASURE_DOT_HALF_HIDDEN, kDotHalfHidden) &&
+              isSame(ZELM_MEASURE_DOT_HIGHLIGHT, kDotHighlight) && isSame(ZELM_MEASURE_DOT_SATURATED, kDotSaturated) &&
+              isSame(ZELM_MEASURE_DOT_NEIGHBOUR, kDotNeighbour) && isSame(ZELM_MEASURE_DOT_CUT, kDotCut) &&
+              isSame(ZELM_MEASURE_DOT_ABSENT, kDotNoDot) && isSame(ZELM_MEASURE_DOT_NOT_CONVERGED, kDotNotConverged));
+
 // Writes numbers of one dot to the caller's array, where there is one.
 template <class... Numbers>
 void put(double* array, std::size_t dot, Numbers... numbers) {
