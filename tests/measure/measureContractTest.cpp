@@ -233,6 +233,26 @@ TEST_F(MeasureContract, DotsToRefine) {
     expectParam("polarity", zelmMeasureRefineDots(&sound.image, 1, s, nullptr, -1, &refined));
     expectRecordRefused<ZelmMeasureRefinedDots>(
         "dots", [&](auto* r) { return zelmMeasureRefineDots(&sound.image, 1, s, nullptr, 0, r); });
+TEST_F(MeasureContract, RoundTargets) {
+    ZelmMeasureRig* const rig = sound.rig.get();
+    auto targets = emptyRecord<ZelmMeasureTargets>();
+    targets.statuses = out.integers;
+    targets.centres = out.numbers;
+    const double* const p = sound.pixels;
+    const ZelmMeasureImage* const image = &sound.image;
+    expectParam("rig", zelmMeasureCircles(nullptr, image, image, 1, p, p, 0, &targets));
+    expectParam("left", zelmMeasureCircles(rig, nullptr, image, 1, p, p, 0, &targets));
+    expectParam("right", zelmMeasureCircles(rig, image, nullptr, 1, p, p, 0, &targets));
+    ZelmMeasureImage other = sound.image;
+    other.width = 63;
+    expectParam("left size", zelmMeasureCircles(rig, &other, image, 1, p, p, 0, &targets));
+    expectParam("right size", zelmMeasureCircles(rig, image, &other, 1, p, p, 0, &targets));
+    expectParam("count", zelmMeasureCircles(rig, image, image, -1, p, p, 0, &targets));
+    expectParam("left seeds", zelmMeasureCircles(rig, image, image, 1, nullptr, p, 0, &targets));
+    expectParam("right seeds", zelmMeasureCircles(rig, image, image, 1, p, nullptr, 0, &targets));
+    expectParam("polarity", zelmMeasureCircles(rig, image, image, 1, p, p, 2, &targets));
+    expectRecordRefused<ZelmMeasureTargets>(
+        "targets", [&](auto* r) { return zelmMeasureCircles(rig, image, image, 1, p, p, 0, r); });
 }
 
 TEST_F(MeasureContract, PointsOfSpace) {
@@ -400,6 +420,9 @@ TEST_F(MeasureContract, CountsThatNoMemoryHoldsAreOutOfMemory) {
     constexpr std::int64_t kMany = std::numeric_limits<std::int64_t>::max();
     EXPECT_EQ(zelmMeasureTriangulate(rig, kMany, p, p, &points), ZELM_ERR_MEMORY);
     EXPECT_EQ(sound.rig.error(), "out of memory");
+    auto targets = emptyRecord<ZelmMeasureTargets>();
+    targets.centres = out.numbers;
+    EXPECT_EQ(zelmMeasureCircles(rig, image, image, kMany, p, p, 0, &targets), ZELM_ERR_MEMORY);
     EXPECT_EQ(zelmMeasureDotCentres(image, kMany, p, 0, out.numbers, out.integers), ZELM_ERR_MEMORY);
     auto refined = emptyRecord<ZelmMeasureRefinedDots>();
     refined.statuses = out.integers;

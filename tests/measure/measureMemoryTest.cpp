@@ -442,6 +442,27 @@ TEST(MeasureMemory, DotsToRefine) {
         return zelmMeasureRefineDots(&image, 1, shape, nullptr, 0, &dots);
     });
     EXPECT_GE(failures.own, 3);  // the copy, the results, the samples
+TEST(MeasureMemory, RoundTargets) {
+    // A disc at the origin as both cameras of the rig see it.
+    const RigTruth truth = trueRig(640, 480);
+    const OpenedRig rig(truth.block());
+    const render::Optics optics;
+    const render::RenderedView left = render::renderView(smallPlate(), truth.left, truth.leftPose, optics);
+    const render::RenderedView right = render::renderView(smallPlate(), truth.right, truth.rightPose, optics);
+    const ZelmMeasureImage leftImage = imageOf(left.image);
+    const ZelmMeasureImage rightImage = imageOf(right.image);
+    const double leftSeed[] = {left.dots[18].centre.x, left.dots[18].centre.y};
+    const double rightSeed[] = {right.dots[18].centre.x, right.dots[18].centre.y};
+    const Failures failures = expectEveryFailureIsTold([&](Outputs& out) {
+        auto targets = emptyRecord<ZelmMeasureTargets>();
+        targets.statuses = out.integers;
+        targets.centres = out.numbers;
+        targets.normals = out.numbers + 3;
+        targets.covariances = out.numbers + 6;
+        return zelmMeasureCircles(rig.get(), &leftImage, &rightImage, 1, leftSeed, rightSeed, 0, &targets);
+    });
+    EXPECT_GE(failures.own, 50);  // bands, sectors and equations
+    EXPECT_GE(failures.core, 4);
 }
 
 TEST(MeasureMemory, DotsAndTraitsOfPlates) {
