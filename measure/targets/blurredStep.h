@@ -11,9 +11,9 @@ struct BlurredStep {
     double byBlur = 0.0;
 };
 
-// Of a pixel whose centre lies `distance` pixels beyond the edge, square to it, when the edge is blurred by a Gaussian of
-// the standard deviation `blur` and then integrated over the pixel's square; |cosine| and |sine| of the edge's normal
-// against the rows.
+// Of a pixel whose centre lies `distance` pixels beyond the edge, square to it, when the edge is blurred by a Gaussian
+// of the standard deviation `blur` and then integrated over the pixel's square; |cosine| and |sine| of the edge's
+// normal against the rows.
 BlurredStep blurredStep(double distance, double blur, double cosine, double sine);
 
 }  // namespace zelm::measure

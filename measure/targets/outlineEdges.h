@@ -22,10 +22,10 @@ struct SeenOutline {
     std::vector<OutlineEdge> edges;
 };
 
-// The outline of the dot that covers the pixel `near`. It is cut into sectors of some 3 pixels; in each, a step from one
-// level to the other, blurred as in all others, is laid through all pixels near the outline. Sectors that no such step
-// explains (shadows, what hides the dot) are left out. Nothing when no outline there is an ellipse, or when less than
-// half of it is seen.
+// The outline of the dot that covers the pixel `near`. It is cut into sectors of some 3 pixels; in each, a step from
+// one level to the other, blurred as in all others, is laid through all pixels near the outline. Sectors that no such
+// step explains (shadows, what hides the dot) are left out, and their neighbours with them. Nothing when no outline
+// there is an ellipse, or when less than two fifths of it are left.
 std::optional<SeenOutline> seenOutline(const DenseImage& image, Point2d near, DotPolarity polarity);
 
 }  // namespace zelm::measure

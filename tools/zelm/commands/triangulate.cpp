@@ -100,7 +100,7 @@ std::string failuresText(const Summary& s) {
     return text;
 }
 
-// Of points whose status leaves them without numbers nothing is known.
+// Of points whose status leaves them without numbers nothing is known. A target's outlines tell its own noise.
 Uncertainties uncertaintiesOf(const std::vector<PixelPair>& pairs, const std::vector<SpacePoint>& points,
                               const TriangulateOptions& o, const LoadedRig& rig) {
     if (!rig.rig.covariance) {
@@ -112,8 +112,16 @@ Uncertainties uncertaintiesOf(const std::vector<PixelPair>& pairs, const std::ve
     Uncertainties known = uncertaintyOf(rig, pairs, o.noise.value_or(0.0));
     for (std::size_t i = 0; i < points.size(); ++i) {
         known[i].isKnown = known[i].isKnown && points[i].status != PointStatus::noDot;
+        if (points[i].disc && !o.noise) {
+            known[i].noise = points[i].disc->covariance;
+        }
     }
     return known;
+}
+
+std::string noiseText(const TriangulateOptions& o, const LoadedRig& rig) {
+    return o.dots.images.empty() || o.noise ? fmt::format("{:.4f} px", o.noise.value_or(rig.rig.covariance->noise))
+                                            : "the outlines of the targets";
 }
 
 std::string uncertaintyText(const Uncertainties& known, const TriangulateOptions& o, const LoadedRig& rig) {
@@ -125,9 +133,9 @@ std::string uncertaintyText(const Uncertainties& known, const TriangulateOptions
         return fmt::format("X {:.2g}, Y {:.2g}, Z {:.2g}", s[0], s[1], s[2]);
     };
     return fmt::format(
-        "standard deviations   {} plate units (medians)\n  by noise            {}, of {:.4f} px\n"
+        "standard deviations   {} plate units (medians)\n  by noise            {}, of {}\n"
         "  by calibration      {}",
-        part(m.total), part(m.noise), o.noise.value_or(rig.rig.covariance->noise), part(m.calibration));
+        part(m.total), part(m.noise), noiseText(o, rig), part(m.calibration));
 }
 
 void addUncertainty(Json& json, const Uncertainties& known, const TriangulateOptions& o, const LoadedRig& rig) {

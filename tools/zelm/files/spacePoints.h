@@ -31,8 +31,9 @@ std::string_view statusWord(PointStatus status);
 
 // The round target whose centre a point is.
 struct Disc {
-    Point3d normal{};     // unit length, towards the left camera
-    double radius = 0.0;  // plate units
+    Point3d normal{};                    // unit length, towards the left camera
+    double radius = 0.0;                 // plate units
+    std::array<double, 6> covariance{};  // of its centre by the noise of both images: xx, xy, xz, yy, yz, zz
 };
 
 struct SpacePoint {

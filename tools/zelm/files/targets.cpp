@@ -37,10 +37,14 @@ std::vector<SpacePoint> measureTargets(const LoadedRig& rig, const std::string& 
     std::vector<double> centres(3 * count);
     std::vector<double> normals(3 * count);
     std::vector<double> radii(count);
+    std::vector<double> covariances(9 * count);
     std::vector<double> errors(2 * count);
     std::vector<double> angles(count);
-    const ZelmMeasureTargets out{sizeof(out),  0,       statuses.data(), centres.data(), normals.data(),
-                                 radii.data(), nullptr, errors.data(),   angles.data()};
+    const ZelmMeasureTargets out{sizeof(out),        0,
+                                 statuses.data(),    centres.data(),
+                                 normals.data(),     radii.data(),
+                                 covariances.data(), errors.data(),
+                                 angles.data()};
     const ZelmMeasureImage leftImage = imageOf(left);
     const ZelmMeasureImage rightImage = imageOf(right);
     rig.require(zelmMeasureCircles(rig.handle.get(), &leftImage, &rightImage, static_cast<std::int64_t>(count),
@@ -55,7 +59,10 @@ std::vector<SpacePoint> measureTargets(const LoadedRig& rig, const std::string& 
                      angles[i] * kDegreesPerRadian,
                      {}};
         if (statuses[i] == ZELM_MEASURE_CIRCLE_OK) {
-            points[i].disc = Disc{{normals[3 * i], normals[3 * i + 1], normals[3 * i + 2]}, radii[i]};
+            const double* const C = &covariances[9 * i];
+            points[i].disc = Disc{{normals[3 * i], normals[3 * i + 1], normals[3 * i + 2]},
+                                  radii[i],
+                                  {C[0], C[1], C[2], C[4], C[5], C[8]}};
         }
     }
     return points;
