@@ -184,13 +184,16 @@ private:
 
 // Centre of the ellipse less image of the centre.
 Point2d offsetOf(const RigCamera& camera, const Motion& plate, const Pattern& pattern, GridIndex index) {
+    const double radius = radiusOf(pattern, index);
+    if (!(radius > 0.0)) {
+        return {};
+    }
     Matrix3 R{};
     std::copy_n(camera.pose().R, 9, R.begin());
     const Matrix3 turn = product(R, plate.R);
     const Point2d place = placeOf(pattern, index);
     const Vector3 t{camera.pose().t[0], camera.pose().t[1], camera.pose().t[2]};
     const Vector3 X = sum(times(plate.R, {place.x, place.y, 0.0}), plate.t);
-    const double radius = radiusOf(pattern, index);
     const CircleInCamera circle{sum(times(R, X), t), scaled(column(turn, 0), radius), scaled(column(turn, 1), radius)};
     const ProjectionCamera projection = projectionOf(camera);
     const Point2d ellipse = dotOutline(projection, circle).centre;

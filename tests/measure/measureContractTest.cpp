@@ -408,6 +408,103 @@ TEST_F(MeasureContract, UncertaintyOfPointsAndLengths) {
         "lengths", [&](auto* r) { return zelmMeasureLengths(rig, 2, p, p, nullptr, 1, ends, r); });
 }
 
+TEST_F(MeasureContract, PlatesInSpace) {
+    ZelmMeasureRig* const rig = sound.rig.get();
+    const std::int32_t grid[] = {0, 0, 1, 0};
+    const double* const p = sound.pixels;
+    auto points = emptyRecord<ZelmMeasurePlatePoints>();
+    points.statuses = out.integers;
+    points.positions = out.numbers;
+    auto fit = emptyRecord<ZelmMeasurePlateFit>();
+    const auto call = [&](ZelmMeasureRig* r, const Zelm2ViewPatternDesc* plate, std::int64_t n, const std::int32_t* g,
+                          const double* left, const double* right) {
+        return zelmMeasurePlatePoints(r, plate, n, g, left, right, &points, &fit);
+    };
+    expectParam("rig", call(nullptr, &sound.pattern, 2, grid, p, p));
+    expectParam("plate", call(rig, nullptr, 2, grid, p, p));
+    expectParam("count", call(rig, &sound.pattern, -1, grid, p, p));
+    expectParam("grid", call(rig, &sound.pattern, 2, nullptr, p, p));
+    expectParam("left", call(rig, &sound.pattern, 2, grid, nullptr, p));
+    expectParam("right", call(rig, &sound.pattern, 2, grid, p, nullptr));
+    const double none = std::numeric_limits<double>::quiet_NaN();
+    for (const double wrong : {-1.0, none, std::numeric_limits<double>::infinity()}) {
+        for (const auto field : {&Zelm2ViewPatternDesc::d2, &Zelm2ViewPatternDesc::d3, &Zelm2ViewPatternDesc::d4,
+                                 &Zelm2ViewPatternDesc::d5, &Zelm2ViewPatternDesc::d6, &Zelm2ViewPatternDesc::d7}) {
+            Zelm2ViewPatternDesc plate = sound.pattern;
+            plate.*field = wrong;
+            expectParam("plate", call(rig, &plate, 2, grid, p, p));
+        }
+    }
+    EXPECT_EQ(fit.count, 0);
+    expectRecordRefused<ZelmMeasurePlateFit>(
+        "fit", [&](auto* r) { return zelmMeasurePlatePoints(rig, &sound.pattern, 2, grid, p, p, &points, r); });
+    points.size = 3;
+    expectParam("points", call(rig, &sound.pattern, 2, grid, p, p));
+    double* const d = out.numbers;
+    std::int64_t* const l = out.longs;
+    expectParam("plate", zelmMeasurePlateLengths(nullptr, 2, grid, 1, l, d, l + 1));
+    expectParam("count", zelmMeasurePlateLengths(&sound.pattern, -1, grid, 1, l, d, l + 1));
+    expectParam("grid", zelmMeasurePlateLengths(&sound.pattern, 2, nullptr, 1, l, d, l + 1));
+    expectParam("capacity", zelmMeasurePlateLengths(&sound.pattern, 2, grid, -1, l, d, l + 1));
+    expectParam("chosen", zelmMeasurePlateLengths(&sound.pattern, 2, grid, 1, l, d, nullptr));
+}
+
+TEST_F(MeasureContract, LengthsAndDrift) {
+    ZelmMeasureRig* const rig = sound.rig.get();
+    const double none = std::numeric_limits<double>::quiet_NaN();
+    const double positions[] = {0.0, 0.0, 0.0, 1.0, 0.0, 0.0, none, 0.0, 0.0};
+    const std::int64_t ends[] = {0, 1};
+    const double nominal[] = {1.0};
+    auto lengths = emptyRecord<ZelmMeasureLengthErrors>();
+    lengths.measured = out.numbers;
+    auto summary = emptyRecord<ZelmMeasureLengthSummary>();
+    const auto call = [&](ZelmMeasureRig* r, std::int64_t points, const double* X, std::int64_t n,
+                          const std::int64_t* e, const double* size) {
+        return zelmMeasureLengthErrors(r, points, X, n, e, size, &lengths, &summary);
+    };
+    expectParam("rig", call(nullptr, 3, positions, 1, ends, nominal));
+    expectParam("points", call(rig, -1, positions, 1, ends, nominal));
+    expectParam("points", call(rig, 3, nullptr, 1, ends, nominal));
+    expectParam("count", call(rig, 3, positions, 0, ends, nominal));
+    expectParam("count", call(rig, 3, positions, -1, ends, nominal));
+    expectParam("ends", call(rig, 3, positions, 1, nullptr, nominal));
+    expectParam("nominal", call(rig, 3, positions, 1, ends, nullptr));
+    for (const std::int64_t wrong :
+         {std::int64_t{-1}, std::int64_t{3}, std::int64_t{2}, std::numeric_limits<std::int64_t>::max()}) {
+        const std::int64_t outside[] = {0, wrong};
+        expectParam("end", call(rig, 3, positions, 1, outside, nominal));
+    }
+    for (const double wrong : {0.0, -1.0, none, std::numeric_limits<double>::infinity()}) {
+        expectParam("size", call(rig, 3, positions, 1, ends, &wrong));
+    }
+    EXPECT_EQ(summary.all.count, 0);
+    expectRecordRefused<ZelmMeasureLengthSummary>(
+        "summary", [&](auto* r) { return zelmMeasureLengthErrors(rig, 3, positions, 1, ends, nominal, &lengths, r); });
+    lengths.size = 0;
+    expectParam("lengths", call(rig, 3, positions, 1, ends, nominal));
+
+    const double* const p = sound.pixels;
+    auto drift = emptyRecord<ZelmMeasureDrift>();
+    expectParam("rig", zelmMeasureDrift(nullptr, 2, p, p, nullptr, out.integers, &drift));
+    expectParam("count", zelmMeasureDrift(rig, -1, p, p, nullptr, out.integers, &drift));
+    expectParam("left", zelmMeasureDrift(rig, 2, nullptr, p, nullptr, out.integers, &drift));
+    expectParam("right", zelmMeasureDrift(rig, 2, p, nullptr, nullptr, out.integers, &drift));
+    expectRecordRefused<ZelmMeasureDrift>(
+        "drift", [&](auto* r) { return zelmMeasureDrift(rig, 2, p, p, nullptr, out.integers, r); });
+    for (const auto field : {&ZelmMeasureDriftOptions::noise, &ZelmMeasureDriftOptions::calibrationError,
+                             &ZelmMeasureDriftOptions::level}) {
+        for (const double wrong : {-1.0, none, std::numeric_limits<double>::infinity()}) {
+            auto options = emptyRecord<ZelmMeasureDriftOptions>();
+            options.*field = wrong;
+            expectParam("options", zelmMeasureDrift(rig, 2, p, p, &options, out.integers, &drift));
+        }
+    }
+    auto options = emptyRecord<ZelmMeasureDriftOptions>();
+    options.size = -8;
+    expectParam("options", zelmMeasureDrift(rig, 2, p, p, &options, out.integers, &drift));
+    EXPECT_EQ(drift.used, 0);
+}
+
 TEST_F(MeasureContract, CountsThatNoMemoryHoldsAreOutOfMemory) {
     ZelmMeasureRig* const rig = sound.rig.get();
     auto points = emptyRecord<ZelmMeasurePoints>();
@@ -445,6 +542,14 @@ TEST_F(MeasureContract, CountsThatNoMemoryHoldsAreOutOfMemory) {
     const OpenedPlan plan(setup);
     const ZelmCameraExtrinsics pose{};
     EXPECT_EQ(zelmMeasurePlanTake(plan.get(), kMany, &pose), ZELM_ERR_MEMORY);
+    auto drift = emptyRecord<ZelmMeasureDrift>();
+    EXPECT_EQ(zelmMeasureDrift(rig, kMany, p, p, nullptr, out.integers, &drift), ZELM_ERR_MEMORY);
+    const std::int32_t grid[] = {0, 0};
+    EXPECT_EQ(zelmMeasurePlateLengths(&sound.pattern, kMany, grid, 0, nullptr, nullptr, out.longs), ZELM_ERR_MEMORY);
+    auto fit = emptyRecord<ZelmMeasurePlateFit>();
+    EXPECT_EQ(zelmMeasurePlatePoints(rig, &sound.pattern, kMany, grid, p, p, nullptr, &fit), ZELM_ERR_MEMORY);
+    auto summary = emptyRecord<ZelmMeasureLengthSummary>();
+    EXPECT_EQ(zelmMeasureLengthErrors(rig, 1, p, kMany, ends, p, nullptr, &summary), ZELM_ERR_MEMORY);
     EXPECT_EQ(figures.count, 0);
     EXPECT_TRUE(out.areUntouched());
 }

@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "driftTrials.h"
 #include "faultAlloc.h"
 #include "matchedPoints.h"
 #include "patternReading.h"
@@ -397,6 +398,68 @@ TEST(MeasureMemory, BytesOfACovariance) {
     EXPECT_GE(loading.own, 1);
     EXPECT_EQ(
         expectEveryFailureIsTold([&](Outputs& out) { return zelmMeasureCovarianceSize(rig.get(), out.longs); }).own, 0);
+}
+
+TEST(MeasureMemory, PlatesInSpaceAndLengths) {
+    const RigTruth truth = trueRig();
+    const OpenedRig rig(truth.block());
+    const Zelm2ViewPatternDesc pattern = plainPattern();
+    const std::int32_t grid[] = {0, 0, 1, 0, 2, 0, 0, 1, 1, 1, 2, 1};
+    std::vector<double> left;
+    std::vector<double> right;
+    for (std::size_t i = 0; i < 6; ++i) {
+        const Point3d X{10.0 * grid[2 * i], 10.0 * grid[2 * i + 1], 0.0};
+        const Point2d l = truth.raw('L', X);
+        const Point2d r = truth.raw('R', X);
+        left.insert(left.end(), {l.x, l.y});
+        right.insert(right.end(), {r.x, r.y});
+    }
+    const Failures placing = expectEveryFailureIsTold([&](Outputs& out) {
+        auto points = emptyRecord<ZelmMeasurePlatePoints>();
+        points.statuses = out.integers;
+        points.positions = out.numbers;
+        points.left = out.numbers + 20;
+        points.right = out.numbers + 40;
+        auto fit = emptyRecord<ZelmMeasurePlateFit>();
+        const std::int32_t status =
+            zelmMeasurePlatePoints(rig.get(), &pattern, 6, grid, left.data(), right.data(), &points, &fit);
+        EXPECT_EQ(fit.count, status == ZELM_OK ? 6 : 0);
+        return status;
+    });
+    EXPECT_GE(placing.own, 5);
+    EXPECT_GE(placing.core, 18);
+    const Failures choosing = expectEveryFailureIsTold([&](Outputs& out) {
+        return zelmMeasurePlateLengths(&pattern, 6, grid, 1, out.longs, out.numbers, out.longs + 3);
+    });
+    EXPECT_GE(choosing.own, 10);
+    const std::int64_t ends[] = {0, 1};
+    const double positions[] = {0.0, 0.0, 0.0, 10.0, 0.0, 0.0};
+    const double nominal[] = {10.0};
+    const Failures checking = expectEveryFailureIsTold([&](Outputs& out) {
+        auto lengths = emptyRecord<ZelmMeasureLengthErrors>();
+        lengths.measured = out.numbers;
+        lengths.regions = out.integers;
+        auto summary = emptyRecord<ZelmMeasureLengthSummary>();
+        const std::int32_t status =
+            zelmMeasureLengthErrors(rig.get(), 2, positions, 1, ends, nominal, &lengths, &summary);
+        EXPECT_EQ(summary.all.count, status == ZELM_OK ? 1 : 0);
+        return status;
+    });
+    EXPECT_GE(checking.own, 2);
+}
+
+TEST(MeasureMemory, Drift) {
+    const RigTruth truth = trueRig();
+    const OpenedRig rig(truth.block());
+    const DriftPairs pairs = driftPairs(truth, {.points = 30}, 1);
+    const Failures failures = expectEveryFailureIsTold([&](Outputs& out) {
+        auto drift = emptyRecord<ZelmMeasureDrift>();
+        const std::int32_t status =
+            zelmMeasureDrift(rig.get(), 30, pairs.left.data(), pairs.right.data(), nullptr, out.integers, &drift);
+        EXPECT_EQ(drift.used > 0, status == ZELM_OK);
+        return status;
+    });
+    EXPECT_GE(failures.own, 100);
 }
 
 TEST(MeasureMemory, TrueDepths) {
