@@ -170,7 +170,7 @@ typedef struct ZelmMeasureDrift {
 /// their number (Bonferroni). Wrong matches are left out: least absolute distances, then Tukey's weights (Holland and
 /// Welsch, 1977). The length of the baseline is never seen.
 /// @param rig [in] of two perspective cameras
-/// @param count [in] of pairs; at least 20, all over the images
+/// @param count [in] of pairs; at least 30, all over the images
 /// @param left [in] raw pixels, 2 a pair
 /// @param right [in] raw pixels, 2 a pair
 /// @param options [in] how to look; NULL: the defaults

@@ -10,8 +10,8 @@
 namespace zelm::measure {
 namespace {
 
-constexpr std::size_t kMinPairs = 20;
-constexpr std::size_t kMinGood = 16;    // of these, left when wrong ones are out
+constexpr std::size_t kMinPairs = 30;
+constexpr std::size_t kMinGood = 24;    // of these, left when wrong ones are out
 constexpr double kMinSpread = 0.02;     // of the image's diagonal: RMS of the pairs across their narrowest direction
 constexpr double kMinAgreeing = 0.5;    // part of the pairs
 constexpr double kMaxNoise = 5.0;       // pixels; no match is so bad, but those of another rig are

@@ -170,12 +170,14 @@ void runVerify(const VerifyOptions& o, const Console& console) {
     Verification v = o.hasImages() ? verifyImages(o, rig, console, outputs) : verifyPairs(o, rig, outputs);
     if (v.lengths) {
         v.lengths->tolerance = o.tolerance;
-        console.say(lengthText(*v.lengths));
     }
     if (!o.csv.empty()) {
         outputs.add(o.csv, lengthCsv(*v.lengths));
     }
     outputs.commit();
+    if (v.lengths) {
+        console.say(lengthText(*v.lengths));
+    }
     console.say(driftText(v.drift));
     if (!o.csv.empty()) {
         console.say(fmt::format("wrote {}", o.csv));

@@ -15,8 +15,9 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 constexpr double kMillionths = 1e6;
-constexpr double kPureScale = 0.5;  // of the RMS error: what remains without the scale, if the scale is nearly all
-constexpr double kClear = 3.0;      // standard deviations
+constexpr double kPureScale = 0.5;      // of the RMS error: what remains without the scale, if the scale is nearly all
+constexpr std::int64_t kMinScaled = 5;  // lengths that a word on their common scale takes
+constexpr double kClear = 3.0;          // standard deviations
 constexpr std::array<std::string_view, 9> kRegions{"upper left",  "upper middle", "upper right",
                                                    "middle left", "middle",       "middle right",
                                                    "lower left",  "lower middle", "lower right"};
@@ -61,7 +62,8 @@ std::string scaleText(const LengthCheck& check) {
     std::string text =
         fmt::format("scale error: all lengths together are too {} by {:.0f} +- {:.0f} ppm",
                     s.scale < 0.0 ? "short" : "long", std::fabs(s.scale) * kMillionths, s.scaleDeviation * kMillionths);
-    if (std::fabs(s.scale) > kClear * s.scaleDeviation && s.rmsWithoutScale < kPureScale * s.all.rms) {
+    if (s.all.count >= kMinScaled && std::fabs(s.scale) > kClear * s.scaleDeviation &&
+        s.rmsWithoutScale < kPureScale * s.all.rms) {
         text += fmt::format(
             ", which is nearly all of the error (RMS {:.4f}{} without it): a pure scale error means that the pitch in "
             "the plate file, or the plate, is not the one of the calibration, or that the baseline has changed",
