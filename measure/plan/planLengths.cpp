@@ -4,7 +4,6 @@
 #include <Eigen/Eigenvalues>
 #include <algorithm>
 #include <cmath>
-#include <numeric>
 #include <vector>
 
 #include "fault.h"
@@ -80,12 +79,58 @@ std::vector<Vector3> directionsOf(const PlanVolume& volume, double length) {
     return directions;
 }
 
+// A test length, in the left camera's frame.
+struct Span {
+    Vector3 from{};
+    Vector3 to{};
+};
+
+// Those along one direction that lie in the volume and are seen by both cameras.
+void addSpans(const PlanPair& pair, const PlanVolume& volume, const Vector3& d, std::vector<Span>& spans) {
+    const Vector3& e = volume.extent;
+    Vector3 room{};
+    for (std::size_t i = 0; i < 3; ++i) {
+        room[i] = 0.5 * (e[i] - std::fabs(d[i]));
+        if (room[i] < -1e-9 * std::sqrt(dot(e, e))) {
+            return;
+        }
+        room[i] = std::max(room[i], 0.0);
+    }
+    for (const double z : kPlaces) {
+        for (const double y : kPlaces) {
+            for (const double x : kPlaces) {
+                const Vector3& c = volume.centre;
+                const Vector3 middle{c[0] + room[0] * x, c[1] + room[1] * y, c[2] + room[2] * z};
+                const auto end = [&](double half) {
+                    return pair.fromFrame({middle[0] + half * d[0], middle[1] + half * d[1], middle[2] + half * d[2]});
+                };
+                const Span span{end(-0.5), end(0.5)};
+                if (pair.bothSee(span.from) && pair.bothSee(span.to)) {
+                    spans.push_back(span);
+                }
+            }
+        }
+    }
+}
+
+std::vector<Span> spansOf(const PlanPair& pair, const PlanVolume& volume, double length) {
+    const std::vector<Vector3> directions = directionsOf(volume, length);
+    std::vector<Span> spans;
+    spans.reserve(directions.size() * kPlaces.size() * kPlaces.size() * kPlaces.size());
+    for (const Vector3& direction : directions) {
+        addSpans(pair, volume, direction, spans);
+    }
+    if (spans.empty()) {
+        refuse("nowhere in the volume do both cameras see both ends of a length: give a shorter length");
+    }
+    return spans;
+}
+
 }  // namespace
 
 TestLengths::TestLengths(const PlanPair& pair, const PlanVolume& volume, const PlanBasis& basis, double length,
                          double pointNoise) {
-    const Vector3& e = volume.extent;
-    const double diagonal = std::sqrt(dot(e, e));
+    const double diagonal = std::sqrt(dot(volume.extent, volume.extent));
     each = length > 0.0 ? length : kUsualLength * diagonal;
     if (each > diagonal) {
         refuse("the test lengths are longer than the volume's diagonal: give a shorter length");
@@ -95,54 +140,22 @@ TestLengths::TestLengths(const PlanPair& pair, const PlanVolume& volume, const P
         refuse("both cameras see only " + std::to_string(std::lround(100.0 * share)) +
                " % of the volume, sharp: make it smaller, move it to where the cameras look, or change their angle");
     }
-    const std::vector<Vector3> directions = directionsOf(volume, each);
-    std::vector<PlanVector> columns;
-    std::vector<double> variances;
-    columns.reserve(directions.size() * 27);
-    variances.reserve(directions.size() * 27);
-    for (const Vector3& d : directions) {
-        Vector3 room{};
-        for (std::size_t i = 0; i < 3; ++i) {
-            room[i] = e[i] - std::fabs(d[i]);
-        }
-        if (*std::min_element(room.begin(), room.end()) < -1e-9 * diagonal) {
-            continue;
-        }
-        for (int place = 0; place < 27; ++place) {
-            const std::array<std::size_t, 3> at{static_cast<std::size_t>(place % 3),
-                                                static_cast<std::size_t>(place / 3 % 3),
-                                                static_cast<std::size_t>(place / 9)};
-            Vector3 from{};
-            Vector3 to{};
-            for (std::size_t i = 0; i < 3; ++i) {
-                const double middle = volume.centre[i] + 0.5 * std::max(room[i], 0.0) * kPlaces[at[i]];
-                from[i] = middle - 0.5 * d[i];
-                to[i] = middle + 0.5 * d[i];
-            }
-            const Vector3 P = pair.fromFrame(from);
-            const Vector3 Q = pair.fromFrame(to);
-            if (!pair.bothSee(P) || !pair.bothSee(Q)) {
-                continue;
-            }
-            const MeasuredPoint p = measuredPoint(pair, P);
-            const MeasuredPoint q = measuredPoint(pair, Q);
-            const Eigen::Vector3d u = Eigen::Vector3d(Q[0] - P[0], Q[1] - P[1], Q[2] - P[2]).normalized();
-            columns.push_back(basis.gradient((u.transpose() * (q.byParameters - p.byParameters)).transpose()));
-            variances.push_back(pointNoise * pointNoise * u.dot((p.byPixels + q.byPixels) * u));
-        }
+    const std::vector<Span> spans = spansOf(pair, volume, each);
+    const auto count = static_cast<Eigen::Index>(spans.size());
+    gradients.resize(kPlanParameters, count);
+    imageVariance.resize(count);
+    for (Eigen::Index i = 0; i < count; ++i) {
+        const auto& [P, Q] = spans[static_cast<std::size_t>(i)];
+        const MeasuredPoint p = measuredPoint(pair, P);
+        const MeasuredPoint q = measuredPoint(pair, Q);
+        const Eigen::Vector3d u = Eigen::Vector3d(Q[0] - P[0], Q[1] - P[1], Q[2] - P[2]).normalized();
+        gradients.col(i) = basis.gradient((u.transpose() * (q.byParameters - p.byParameters)).transpose());
+        imageVariance[i] = pointNoise * pointNoise * u.dot((p.byPixels + q.byPixels) * u);
     }
-    if (columns.empty()) {
-        refuse("nowhere in the volume do both cameras see both ends of a length: give a shorter length");
-    }
-    gradients.resize(kPlanParameters, static_cast<Eigen::Index>(columns.size()));
-    for (std::size_t i = 0; i < columns.size(); ++i) {
-        gradients.col(static_cast<Eigen::Index>(i)) = columns[i];
-    }
-    imageVariance = Eigen::Map<const Eigen::VectorXd>(variances.data(), static_cast<Eigen::Index>(variances.size()));
     if (!gradients.allFinite() || !imageVariance.allFinite()) {
         refuse("the rays of the cameras run side by side in the volume: give a greater baseline");
     }
-    const PlanMatrix mean = gradients * gradients.transpose() / static_cast<double>(columns.size());
+    const PlanMatrix mean = gradients * gradients.transpose() / static_cast<double>(count);
     const Eigen::SelfAdjointEigenSolver<PlanMatrix> eigen(mean);
     root = eigen.eigenvectors() * eigen.eigenvalues().cwiseMax(0.0).cwiseSqrt().asDiagonal();
 }

@@ -10,6 +10,7 @@ constexpr double kNone = std::numeric_limits<double>::infinity();
 constexpr double kOtherPart = 0.01;      // of the criterion that is not asked for
 constexpr double kGain = 1e-4;           // relative, that an exchange is worth
 constexpr int kMaxSweeps = 4;            // of exchanges
+constexpr std::size_t kManyViews = 60;   // of which one matters little
 constexpr std::size_t kFinalists = 100;  // by the rms, of which the worst length is looked at
 
 }  // namespace
@@ -85,7 +86,8 @@ void PlanSearch::dropLeast() {
 void PlanSearch::exchange() {
     double value = valueOf(sum());
     bool moved = true;
-    for (int sweep = 0; moved && sweep < kMaxSweeps; ++sweep) {
+    const int sweeps = list.size() > kManyViews ? 1 : kMaxSweeps;
+    for (int sweep = 0; moved && sweep < sweeps; ++sweep) {
         moved = false;
         for (std::size_t i = 0; i < list.size(); ++i) {
             const Choice choice = best(sumWithout(i));
