@@ -40,7 +40,7 @@ private:
     Check lens(const Flaw& flaw) const;
     Check bow(const Flaw& flaw) const;
     Check pitch(const Flaw& flaw) const;
-    Check diameter(const Flaw& flaw) const;
+    Check diameter(const Flaw& flaw, DotKind kind) const;
     Check moved(const Flaw& flaw) const;
     Check leftOut(std::size_t view) const;
     // Of the flaws of a check the clearest that was found, or the likeliest.
@@ -193,14 +193,12 @@ Check Checker::pitch(const Flaw& flaw) const {
 }
 
 // The dots' own pixels tell their size better than the bias of their centres does.
-Check Checker::diameter(const Flaw& flaw) const {
+Check Checker::diameter(const Flaw& flaw, DotKind kind) const {
     Check check = start(flaw);
-    if (flaw.result.isDone) {
-        check.value = flaw.result.value[0];
-        check.deviation = std::sqrt(flaw.result.covariance(0, 0));
-    }
+    check.kind = kind == kPlainDot ? CheckKind::dotDiameter : CheckKind::markerDiameter;
     judge(flaw, check);
-    const auto& scales = (*adjusted.scales)[flaw.kind == CheckKind::dotDiameter ? kPlainDot : kMarkerDot];
+    const auto& scales = (*adjusted.scales)[kind];
+    double freedom = 0.0;
     if (scales.size() >= kFewestScales) {
         const double middle = median(scales);
         std::vector<double> distances;
@@ -212,11 +210,22 @@ Check Checker::diameter(const Flaw& flaw) const {
         const double ofMedian = 1.2533 * 1.4826 * median(distances) / std::sqrt(count);
         check.value = middle - 1.0;
         check.deviation = std::hypot(ofMedian, kDiameterDeviation);
-        const double t = check.value / check.deviation;
-        check.p = std::min(1.0, kChecks * squaresTail(t * t, 1.0, count - 1.0));
-    } else if (!flaw.result.isDone) {
+        freedom = count - 1.0;
+    } else if (flaw.result.isDone) {
+        const auto at = static_cast<Index>(kind);
+        check.value = flaw.result.value[at];
+        check.deviation = std::sqrt(flaw.result.covariance(at, at));
+        freedom = static_cast<double>(equations.rows);
+    }
+    check.p = 1.0;
+    check.verdict = CheckVerdict::undone;
+    check.shift = check.deviation > 0.0 ? check.shift : 0.0;
+    if (!(check.deviation > 0.0)) {
+        check.value = 0.0;
         return check;
     }
+    const double t = check.value / check.deviation;
+    check.p = std::min(1.0, kChecks * squaresTail(t * t, 1.0, freedom));
     check.limit = kDiameterLimit;
     check.verdict = !(check.p < kFalseAlarms)                                       ? CheckVerdict::fine
                     : std::fabs(check.value) > kDiameterLimit && !check.isEstimated ? CheckVerdict::wrong
@@ -322,8 +331,9 @@ std::vector<Check> Checker::run() {
     for (const Flaw& flaw : flaws) {
         if (flaw.kind == CheckKind::pitch) {
             checks.push_back(pitch(flaw));
-        } else if (flaw.kind == CheckKind::dotDiameter || flaw.kind == CheckKind::markerDiameter) {
-            checks.push_back(diameter(flaw));
+        } else if (flaw.kind == CheckKind::dotDiameter) {
+            checks.push_back(diameter(flaw, kPlainDot));
+            checks.push_back(diameter(flaw, kMarkerDot));
         }
     }
     return checks;

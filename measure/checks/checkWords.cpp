@@ -80,6 +80,17 @@ std::string lensFlaw(const Check& check) {
     }
 }
 
+std::string lensRemedy(LensGroup group) {
+    switch (group) {
+        case kRadial:
+            return "use a lens with less distortion, or measure in the middle of the image alone";
+        case kPattern:
+            return "check the plate's dots and the light on them, what stands before the lens, and the lens";
+        default:
+            return "use a better centred lens, mount it straight, or measure in the middle of the image alone";
+    }
+}
+
 std::string lens(const Check& check) {
     const std::string camera = check.side == kLeft ? "the left camera" : "the right camera";
     const std::string size = estimate(check.value, check.deviation) + " px RMS";
@@ -91,9 +102,7 @@ std::string lens(const Check& check) {
         default:
             return camera + "'s lens model does not fit all of the image: its residuals show " + lensFlaw(check) + " (" +
                    size + ")" +
-                   effect(check, check.group == kPattern
-                                     ? "check the plate's dots and the light on them, or use a better lens"
-                                     : "use a lens with less distortion, or measure in the middle of the image alone");
+                   effect(check, lensRemedy(check.group));
     }
 }
 

@@ -33,13 +33,12 @@ std::vector<Flaw> possibleFlaws(const CheckEquations& equations, const AdjustSta
     Flaw pitch(CheckKind::pitch);
     pitch.candidate.shared = {kWideStretch};
     flaws.push_back(pitch);
-    for (const DotKind kind : {kPlainDot, kMarkerDot}) {
-        Flaw diameter(kind == kPlainDot ? CheckKind::dotDiameter : CheckKind::markerDiameter);
-        diameter.candidate.shared = {static_cast<std::size_t>(kSharedFactors) + kind};
-        diameter.candidate.present = {state.factors[kind] - 1.0};
-        diameter.isEstimated = options.estimateFactors || state.factors[kind] != 1.0;
-        flaws.push_back(diameter);
-    }
+    // Both kinds of dots together: the bias of one can pass for the other's.
+    Flaw diameters(CheckKind::dotDiameter);
+    diameters.candidate.shared = {kSharedFactors, kSharedFactors + 1};
+    diameters.candidate.present = {state.factors[kPlainDot] - 1.0, state.factors[kMarkerDot] - 1.0};
+    diameters.isEstimated = options.estimateFactors || state.factors != std::array{1.0, 1.0};
+    flaws.push_back(diameters);
     const auto views = static_cast<double>(std::count_if(equations.views.begin(), equations.views.end(),
                                                          [](const ViewEquations& view) { return view.seesBoth; }));
     for (std::size_t view = 0; view < equations.views.size(); ++view) {

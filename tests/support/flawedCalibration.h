@@ -26,6 +26,7 @@ struct CalibrationFlaws {
     double pitchRatio = 1.0;                 // along x over along y
     double diameter = 1.0;                   // times the stated one
     bool hasScales = false;                  // measured diameters
+    bool reachesCorners = false;             // the plates, which the images then do not show whole
     int movedView = -1;                      //
     std::array<double, 3> moved{};           // plate units
     std::array<double, 3> turnedDegrees{};   // about the plate's middle
@@ -87,6 +88,13 @@ inline Point2d flawedPixel(const zelm::measure::AdjustState& truth, zelm::measur
     return pixel;
 }
 
+// Whole dots alone are measured.
+inline bool isShown(const zelm::render::Camera& camera, const Point2d& pixel) {
+    constexpr double kBorder = 20.0;  // pixels
+    return pixel.x > kBorder && pixel.x < camera.width - kBorder && pixel.y > kBorder &&
+           pixel.y < camera.height - kBorder;
+}
+
 // Not adjusted yet; it starts at the truth.
 inline SimulatedCalibration simulate(const CalibrationFlaws& flaws, std::uint64_t seed, int viewCount = 12,
                                      const zelm::render::Plate& plate = {}) {
@@ -102,6 +110,14 @@ inline SimulatedCalibration simulate(const CalibrationFlaws& flaws, std::uint64_
     const double halfX = 0.5 * (plate.maxX - plate.minX) * plate.pitchX;
     const double halfY = 0.5 * (plate.maxY - plate.minY) * plate.pitchY;
     state.bow.extent = std::hypot(halfX, halfY);
+    if (flaws.reachesCorners) {
+        for (std::size_t view = 0; view < state.poses.size(); ++view) {
+            constexpr std::array<double, 5> kAlongX{0.0, 1.0, -1.0, 1.0, -1.0};
+            constexpr std::array<double, 5> kAlongY{0.0, 1.0, 1.0, -1.0, -1.0};
+            state.poses[view][3] += 45.0 * kAlongX[view % 5];
+            state.poses[view][4] += 35.0 * kAlongY[view % 5];
+        }
+    }
     AdjustState truth = state;
     truth.bow.b = {flaws.bow, 0.0, flaws.bow};  // a sphere: b at half the diagonal
 
@@ -116,6 +132,9 @@ inline SimulatedCalibration simulate(const CalibrationFlaws& flaws, std::uint64_
                 dot.place = {printed.centre.x, printed.centre.y, 0.0};
                 dot.radius = printed.radius;
                 dot.pixel = flawedPixel(truth, side, view, dot, flaws);
+                if (!isShown(side == kLeft ? rig.left : rig.right, dot.pixel)) {
+                    continue;
+                }
                 dot.pixel.x += flaws.noise * random.normal();
                 dot.pixel.y += flaws.noise * random.normal();
                 simulated.views[view].dots[side].push_back(dot);
