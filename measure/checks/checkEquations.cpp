@@ -158,9 +158,12 @@ void Collector::add(std::size_t view, const AdjustView& seen) {
         }
     }
     equations.normal = Eigen::MatrixXd::Zero(kColumns, kColumns);
-    equations.normal.selfadjointView<Eigen::Lower>().rankUpdate(J.transpose());
-    equations.normal.triangularView<Eigen::StrictlyUpper>() = equations.normal.transpose();
-    equations.right = J.transpose() * r;
+    equations.right = Eigen::VectorXd::Zero(kColumns);
+    if (count > 0) {
+        equations.normal.selfadjointView<Eigen::Lower>().rankUpdate(J.transpose());
+        equations.normal.triangularView<Eigen::StrictlyUpper>() = equations.normal.transpose();
+        equations.right = J.transpose() * r;
+    }
     result.squares += r.squaredNorm();
     result.rows += equations.rows;
     result.otherSeen = result.otherSeen || count > ofBase;

@@ -110,6 +110,9 @@ ScoreTest::ScoreTest(const CheckEquations& all, const std::vector<std::vector<do
             }
         }
     }
+    if (free.cols() == 0 || equations.rows == 0) {
+        return;
+    }
     const Eigen::VectorXd diagonal = (free.transpose() * scale.asDiagonal() * free).diagonal();
     const ScaledInverse solved = scaledInverse(free.transpose() * normal * free, diagonal);
     inverse = solved.inverse;
@@ -167,6 +170,9 @@ Eigen::VectorXd ScoreTest::absorbed(const Candidate& candidate, const Eigen::Vec
 }
 
 Eigen::MatrixXd ScoreTest::sharedCovariance() const {
+    if (!determined) {
+        return Eigen::MatrixXd::Zero(kWide, kWide);
+    }
     return unitVariance() * free * inverse * free.transpose();
 }
 
