@@ -197,7 +197,8 @@ Check Checker::diameter(const Flaw& flaw, DotKind kind) const {
     Check check = start(flaw);
     check.kind = kind == kPlainDot ? CheckKind::dotDiameter : CheckKind::markerDiameter;
     judge(flaw, check);
-    const auto& scales = (*adjusted.scales)[kind];
+    std::vector<double> scales = (*adjusted.scales)[kind];
+    std::erase_if(scales, [](double scale) { return !std::isfinite(scale); });
     double freedom = 0.0;
     if (scales.size() >= kFewestScales) {
         const double middle = median(scales);

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "dottedPair.h"
 #include "matchedPoints.h"
 #include "planFixtures.h"
 
@@ -618,6 +619,25 @@ TEST_F(MeasureContract, PlansAnswerSoundQuestionsAlone) {
     expectRecordRefused<ZelmMeasurePlanView>("view", [&](auto* r) { return zelmMeasurePlanView(plan.get(), 0, r); });
     expectRecordRefused<ZelmMeasurePlanFigures>("figures",
                                                 [&](auto* r) { return zelmMeasurePlanFigures(plan.get(), r); });
+TEST_F(MeasureContract, ChecksOfAdjustments) {
+    const DottedPair pair(6);
+    const OpenedRig rig(pair.handle.get());
+    const Zelm2ViewPatternDesc pattern = describe(pair.plate);
+    ZelmMeasureAdjustment* adjustment = nullptr;
+    ASSERT_EQ(zelmMeasureAdjustOpen(rig.get(), &pattern, nullptr, &adjustment), ZELM_OK);
+    std::vector<ZelmMeasureCheck> checks(8, emptyRecord<ZelmMeasureCheck>());
+    EXPECT_EQ(zelmMeasureAdjustChecks(adjustment, checks.data(), 8, out.longs), ZELM_MEASURE_ERR_DATA);
+    EXPECT_NE(std::string(zelmMeasureAdjustError(adjustment)).find("not solved"), std::string::npos);
+    ASSERT_EQ(zelmMeasureAdjustSolve(adjustment), ZELM_OK);
+    expectParam("adjustment", zelmMeasureAdjustChecks(nullptr, checks.data(), 8, out.longs));
+    expectParam("capacity", zelmMeasureAdjustChecks(adjustment, checks.data(), -1, out.longs));
+    expectParam("count", zelmMeasureAdjustChecks(adjustment, checks.data(), 8, nullptr));
+    for (const std::int32_t size : {0, 3, -8, 12}) {
+        checks[0].size = size;
+        expectParam("size", zelmMeasureAdjustChecks(adjustment, checks.data(), 8, out.longs));
+        EXPECT_EQ(checks[0].kind, 0);
+    }
+    zelmMeasureAdjustClose(&adjustment);
 }
 
 }  // namespace

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "driftTrials.h"
+#include "dottedPair.h"
 #include "faultAlloc.h"
 #include "matchedPoints.h"
 #include "patternReading.h"
@@ -198,30 +199,8 @@ TEST(MeasureMemory, OpeningARig) {
     EXPECT_GE(refused.own, 2);
 }
 
-// A pair of opened objects with dots in every view; view 0 of the left one as the true rig sees the default plate.
-struct DottedPair {
-    render::Plate plate;
-    Handle handle;
-
-    DottedPair() {
-        const render::StereoRig rig = render::exampleRig();
-        const Zelm2ViewPatternDesc pattern = describe(plate);
-        const Zelm2ViewCameraDesc cameras = cameraPair(0, 0, rig.left.width, rig.left.height);
-        EXPECT_EQ(zelm2ViewCalibOpen(3, &pattern, &cameras, &handle.calib), ZELM_OK);
-        const std::vector<render::Pose> poses = render::makeViewPoses(plate, rig, 3, 3);
-        for (std::int32_t view = 0; view < 3; ++view) {
-            const render::Pose& left = poses[static_cast<std::size_t>(view)];
-            fillView(handle.calib, zelm::Camera::left, view, plate, rig.left, left, 0.1);
-            fillView(handle.calib, zelm::Camera::right, view, plate, rig.right,
-                     render::compose(rig.rightFromLeft, left), 0.1);
-        }
-        Zelm2ViewCalibResult result{};
-        EXPECT_EQ(zelm2ViewCalibCameraParam(handle.calib, &result), ZELM_OK);
-    }
-};
-
 TEST(MeasureMemory, RigsOfObjectsAndTheirDots) {
-    const DottedPair pair;
+    const DottedPair pair(3);
     const Failures opening = expectEveryFailureIsTold([&](Outputs&) {
         ZelmMeasureRig* rig = nullptr;
         const std::int32_t status = zelmMeasureRigOfCalib(pair.handle.get(), &rig);
@@ -315,6 +294,21 @@ TEST(MeasureMemory, ViewsOfAPlan) {
     const Failures words = expectEveryFailureIsTold(
         [&](Outputs&) { return zelmMeasurePlanFigures(empty.get(), &figures); }, ZELM_MEASURE_ERR_DATA);
     EXPECT_GE(words.own, 1);
+TEST(MeasureMemory, ChecksOfAdjustments) {
+    const DottedPair pair(3);
+    const OpenedRig rig(pair.handle.get());
+    const Zelm2ViewPatternDesc pattern = describe(pair.plate);
+    ZelmMeasureAdjustment* adjustment = nullptr;
+    ASSERT_EQ(zelmMeasureAdjustOpen(rig.get(), &pattern, nullptr, &adjustment), ZELM_OK);
+    ASSERT_EQ(zelmMeasureAdjustSolve(adjustment), ZELM_OK);
+    const Failures failures = expectEveryFailureIsTold([&](Outputs& out) {
+        ZelmMeasureCheck check = emptyRecord<ZelmMeasureCheck>();
+        const std::int32_t status = zelmMeasureAdjustChecks(adjustment, &check, 1, out.longs);
+        EXPECT_EQ(check.kind == 0, status != ZELM_OK);
+        return status;
+    });
+    EXPECT_GE(failures.own, 100);
+    zelmMeasureAdjustClose(&adjustment);
 }
 
 TEST(MeasureMemory, CentreOfARig) {

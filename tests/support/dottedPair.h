@@ -1,0 +1,35 @@
+// A calibrated object whose dots are those that a rendered pair of cameras would see.
+#ifndef ZELM_TEST_DOTTED_PAIR_H
+#define ZELM_TEST_DOTTED_PAIR_H
+
+#include "measureRigs.h"
+#include "scene.h"
+
+namespace zelmtest {
+
+// Dots of the default plate in every view, with a noise of a tenth of a pixel.
+struct DottedPair {
+    render::Plate plate;
+    Handle handle;
+
+    explicit DottedPair(std::int32_t views) {
+        const render::StereoRig rig = render::exampleRig();
+        const Zelm2ViewPatternDesc pattern = describe(plate);
+        const Zelm2ViewCameraDesc cameras = cameraPair(0, 0, rig.left.width, rig.left.height);
+        EXPECT_EQ(zelm2ViewCalibOpen(views, &pattern, &cameras, &handle.calib), ZELM_OK);
+        const std::vector<render::Pose> poses = render::makeViewPoses(plate, rig, views, 3);
+        for (std::int32_t view = 0; view < views; ++view) {
+            const render::Pose& left = poses[static_cast<std::size_t>(view)];
+            const auto seed = static_cast<std::uint64_t>(2 * view + 1);
+            fillView(handle.calib, zelm::Camera::left, view, plate, rig.left, left, 0.1, seed);
+            fillView(handle.calib, zelm::Camera::right, view, plate, rig.right,
+                     render::compose(rig.rightFromLeft, left), 0.1, seed + 1);
+        }
+        Zelm2ViewCalibResult result{};
+        EXPECT_EQ(zelm2ViewCalibCameraParam(handle.calib, &result), ZELM_OK);
+    }
+};
+
+}  // namespace zelmtest
+
+#endif
