@@ -73,8 +73,7 @@ void run(const Trial& trial, bool isSound) {
             }
             if (isTalking && draw <= 2) {
                 std::printf("  [%d] p %.2g value %.4g dev %.2g limit %.3g: %s\n", static_cast<int>(check.verdict),
-                            check.p, check.value, check.deviation, check.limit,
-                            zelm::measure::wordsOf(check).c_str());
+                            check.p, check.value, check.deviation, check.limit, zelm::measure::wordsOf(check).c_str());
             }
         }
         others += other ? 1 : 0;

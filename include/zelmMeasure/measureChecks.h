@@ -28,19 +28,19 @@ enum ZelmMeasureCheckVerdict {
 
 /// One check.
 typedef struct ZelmMeasureCheck {
-    int32_t size;      ///< of this record, bytes
-    int32_t kind;      ///< ZelmMeasureCheckKind
-    int32_t verdict;   ///< ZelmMeasureCheckVerdict
-    int32_t view;      ///< that it is about, from 0; -1: none
-    int32_t side;      ///< 'L' or 'R': the camera that it is about; 0: none
-    int32_t reserved;  ///< 0
-    double p;          ///< probability that chance alone gives as much in any of the checks; 1 where undone
-    double value;      ///< what was found, in the unit of the kind
-    double deviation;  ///< its standard deviation
-    double limit;      ///< size of the value from which on it matters; 0: unknown
+    int32_t size;        ///< of this record, bytes
+    int32_t kind;        ///< ZelmMeasureCheckKind
+    int32_t verdict;     ///< ZelmMeasureCheckVerdict
+    int32_t view;        ///< that it is about, from 0; -1: none
+    int32_t side;        ///< 'L' or 'R': the camera that it is about; 0: none
+    int32_t reserved;    ///< 0
+    double p;            ///< probability that chance alone gives as much in any of the checks; 1 where undone
+    double value;        ///< what was found, in the unit of the kind
+    double deviation;    ///< its standard deviation
+    double limit;        ///< size of the value from which on it matters; 0: unknown
     double turnDegrees;  ///< ZELM_MEASURE_CHECK_MOVED: how far the plate turned; else 0
-    double shift;      ///< how far what was found moves points against one another at most, plate units
-    char text[512];    ///< a sentence for the report, without a line break: what is wrong, and what to do
+    double shift;        ///< how far what was found moves points against one another at most, plate units
+    char text[512];      ///< a sentence for the report, without a line break: what is wrong, and what to do
 } ZelmMeasureCheck;
 
 /// Checks a solved adjustment: whether halves of its views agree, and whether its residuals show what its model lacks.

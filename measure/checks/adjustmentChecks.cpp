@@ -103,7 +103,8 @@ void Checker::judge(const Flaw& flaw, Check& check) const {
             change[static_cast<Index>(flaw.candidate.shared[i])] = -flaw.result.value[static_cast<Index>(i)];
         }
     }
-    const PointShift worst = shifts.of(flaw.isEstimated ? Eigen::VectorXd(Eigen::VectorXd::Zero(change.size())) : change);
+    const PointShift worst =
+        shifts.of(flaw.isEstimated ? Eigen::VectorXd(Eigen::VectorXd::Zero(change.size())) : change);
     check.shift = worst.shift;
     check.limit = worst.shift > 0.0 ? std::fabs(check.value) * worst.limit / worst.shift : 0.0;
     check.verdict = check.p >= kFalseAlarms ? CheckVerdict::fine
@@ -118,10 +119,9 @@ const Flaw* Checker::clearest(Of of) const {
         if (!of(flaw)) {
             continue;
         }
-        const bool isClearer =
-            best == nullptr || (flaw.isFound != best->isFound ? flaw.isFound
-                                : flaw.isFound                ? flaw.result.evidence > best->result.evidence
-                                                              : flaw.result.p < best->result.p);
+        const bool isClearer = best == nullptr || (flaw.isFound != best->isFound ? flaw.isFound
+                                                   : flaw.isFound ? flaw.result.evidence > best->result.evidence
+                                                                  : flaw.result.p < best->result.p);
         if (isClearer) {
             best = &flaw;
         }
@@ -245,7 +245,8 @@ Check Checker::moved(const Flaw& flaw) const {
         const auto sizeOf = [&](const Eigen::MatrixXd& by, double& value, double& deviation) {
             const Eigen::VectorXd v = by * flaw.result.value;
             value = v.norm();
-            const Eigen::VectorXd u = value > 0.0 ? Eigen::VectorXd(v / value) : Eigen::VectorXd(Eigen::Vector3d::UnitX());
+            const Eigen::VectorXd u =
+                value > 0.0 ? Eigen::VectorXd(v / value) : Eigen::VectorXd(Eigen::Vector3d::UnitX());
             deviation = deviationAlong(flaw.result.covariance, by.transpose() * u);
         };
         sizeOf(place, check.value, check.deviation);

@@ -35,10 +35,10 @@ struct ViewEquations {
 
 // A dot that both cameras see, and what changes its place when it is triangulated.
 struct SpacePoint {
-    Eigen::Vector3d place;                               // in the base camera's frame
-    Eigen::Matrix<double, 4, 3> byPlace;                 // pixels of both cameras
-    Eigen::Matrix<double, 4, Eigen::Dynamic> byShared;   // likewise, kWideParameters columns
-    std::array<double, 4> variances{};                   // pixels^2
+    Eigen::Vector3d place;                              // in the base camera's frame
+    Eigen::Matrix<double, 4, 3> byPlace;                // pixels of both cameras
+    Eigen::Matrix<double, 4, Eigen::Dynamic> byShared;  // likewise, kWideParameters columns
+    std::array<double, 4> variances{};                  // pixels^2
 };
 
 struct CheckEquations {

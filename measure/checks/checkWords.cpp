@@ -41,11 +41,13 @@ std::string units(double value, double deviation) {
 
 // What follows a flaw that does not matter, or one that does.
 std::string effect(const Check& check, const std::string& remedy) {
-    const std::string moves = check.shift > 0.0 ? "moves points by up to " + twoDigits(check.shift) + " plate units" : "";
+    const std::string moves =
+        check.shift > 0.0 ? "moves points by up to " + twoDigits(check.shift) + " plate units" : "";
     if (check.verdict == CheckVerdict::wrong) {
         return " and " + moves + ": " + remedy;
     }
-    return moves.empty() ? ": " + remedy : ", which " + moves + ", less than their uncertainty; to be rid of it, " + remedy;
+    return moves.empty() ? ": " + remedy
+                         : ", which " + moves + ", less than their uncertainty; to be rid of it, " + remedy;
 }
 
 std::string halves(const Check& check) {
@@ -100,9 +102,8 @@ std::string lens(const Check& check) {
         case CheckVerdict::fine:
             return camera + "'s lens model fits: its residuals show no pattern beyond chance";
         default:
-            return camera + "'s lens model does not fit all of the image: its residuals show " + lensFlaw(check) + " (" +
-                   size + ")" +
-                   effect(check, lensRemedy(check.group));
+            return camera + "'s lens model does not fit all of the image: its residuals show " + lensFlaw(check) +
+                   " (" + size + ")" + effect(check, lensRemedy(check.group));
     }
 }
 
@@ -119,8 +120,9 @@ std::string bow(const Check& check) {
     const std::string bent = "the plate is bent by " + size + " at its corners";
     return check.isEstimated
                ? bent + ", which the calibration takes into account"
-               : bent + effect(check, "measure where its dots are, estimate the bow along with the calibration, or use "
-                                      "a stiffer plate");
+               : bent + effect(check,
+                               "measure where its dots are, estimate the bow along with the calibration, or use "
+                               "a stiffer plate");
 }
 
 std::string moved(const Check& check) {
@@ -176,7 +178,8 @@ std::string diameter(const Check& check) {
         return found + ", which the calibration takes into account";
     }
     return check.verdict == CheckVerdict::wrong
-               ? found + ": correct their diameter in the plate's description, or estimate it along with the calibration"
+               ? found +
+                     ": correct their diameter in the plate's description, or estimate it along with the calibration"
                : found + ", too little to matter";
 }
 

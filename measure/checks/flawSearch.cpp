@@ -67,9 +67,8 @@ std::vector<Candidate> foundBut(const std::vector<Flaw>& flaws, const Flaw* exce
 Directions without(const Directions& free, const Flaw& flaw) {
     Directions rest;
     for (const auto& direction : free) {
-        const bool isOwn = std::any_of(flaw.candidate.shared.begin(), flaw.candidate.shared.end(), [&](std::size_t i) {
-            return i < direction.size() && direction[i] != 0.0;
-        });
+        const bool isOwn = std::any_of(flaw.candidate.shared.begin(), flaw.candidate.shared.end(),
+                                       [&](std::size_t i) { return i < direction.size() && direction[i] != 0.0; });
         if (!isOwn) {
             rest.push_back(direction);
         }

@@ -9,9 +9,9 @@
 namespace zelm::measure {
 namespace {
 
-constexpr double kCoverage = 1.96;            // standard deviations, 95 % of a normal distribution
-constexpr double kLeastSight = 1e-10;         // of the squares of a point's derivatives, least over greatest
-constexpr std::size_t kLeastPoints = 3;       // that tell a motion of all
+constexpr double kCoverage = 1.96;       // standard deviations, 95 % of a normal distribution
+constexpr double kLeastSight = 1e-10;    // of the squares of a point's derivatives, least over greatest
+constexpr std::size_t kLeastPoints = 3;  // that tell a motion of all
 constexpr Index kWide = static_cast<Index>(kWideParameters);
 
 // The motions of all points together, orthonormal.
@@ -51,7 +51,8 @@ ShiftOfPoints::ShiftOfPoints(const CheckEquations& equations, const Eigen::Matri
         const Eigen::Vector4d variances(point.variances.data());
         // What the plate is like does not move other things that are measured.
         Eigen::Matrix<double, 4, Eigen::Dynamic> J = point.byShared;
-        J.middleCols(static_cast<Index>(kSharedFactors), static_cast<Index>(kSharedParameters - kSharedFactors)).setZero();
+        J.middleCols(static_cast<Index>(kSharedFactors), static_cast<Index>(kSharedParameters - kSharedFactors))
+            .setZero();
         J.col(static_cast<Index>(kWideStretch)).setZero();
         rows.middleRows<3>(static_cast<Index>(3 * places.size())) = -seen * J;
         places.push_back(point.place);

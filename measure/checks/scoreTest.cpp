@@ -135,8 +135,7 @@ ScoreTest::Block ScoreTest::blockOf(const Candidate& candidate) const {
 
 ScoreResult ScoreTest::test(const Candidate& candidate) const {
     ScoreResult result;
-    if (!determined ||
-        (candidate.isMotion && (!equations.views[candidate.view].seesBoth || isFreed(candidate.view)))) {
+    if (!determined || (candidate.isMotion && (!equations.views[candidate.view].seesBoth || isFreed(candidate.view)))) {
         return result;
     }
     const Block block = blockOf(candidate);

@@ -19,18 +19,18 @@
 namespace zelmtest {
 
 struct CalibrationFlaws {
-    double noise = 0.01;                     // pixels
-    double k3 = 0.0;                         // of the left lens
-    double decentring = 0.0;                 // p1 of the right lens
-    double bow = 0.0;                        // plate units at the corners
-    double pitchRatio = 1.0;                 // along x over along y
-    double diameter = 1.0;                   // times the stated one
-    bool hasScales = false;                  // measured diameters
-    bool isWide = false;                     // both lenses see twice the angle, from half the distance
-    bool reachesCorners = false;             // the plates, which the images then do not show whole
-    int movedView = -1;                      //
-    std::array<double, 3> moved{};           // plate units
-    std::array<double, 3> turnedDegrees{};   // about the plate's middle
+    double noise = 0.01;                    // pixels
+    double k3 = 0.0;                        // of the left lens
+    double decentring = 0.0;                // p1 of the right lens
+    double bow = 0.0;                       // plate units at the corners
+    double pitchRatio = 1.0;                // along x over along y
+    double diameter = 1.0;                  // times the stated one
+    bool hasScales = false;                 // measured diameters
+    bool isWide = false;                    // both lenses see twice the angle, from half the distance
+    bool reachesCorners = false;            // the plates, which the images then do not show whole
+    int movedView = -1;                     //
+    std::array<double, 3> moved{};          // plate units
+    std::array<double, 3> turnedDegrees{};  // about the plate's middle
 };
 
 struct SimulatedCalibration {
