@@ -255,8 +255,7 @@ AdjustCovariance covarianceOf(const AdjustState& state, const std::vector<Adjust
         result.poses.push_back(pose);
     }
     Eigen::Map<RigMatrix>(result.rig.matrix.data()) = rigMatrix(state, shared, normal.views.front());
-    result.rig.noise =
-        std::sqrt(0.5 * (summary.noise[kLeft] * summary.noise[kLeft] + summary.noise[kRight] * summary.noise[kRight]));
+    result.rig.noise = options.knownNoise > 0.0 ? options.knownNoise : summary.deviation();
     result.rig.freedom = options.knownNoise > 0.0 ? 0.0 : summary.freedom;
     return result;
 }

@@ -234,6 +234,8 @@ TEST_F(MeasureContract, DotsToRefine) {
     expectParam("polarity", zelmMeasureRefineDots(&sound.image, 1, s, nullptr, -1, &refined));
     expectRecordRefused<ZelmMeasureRefinedDots>(
         "dots", [&](auto* r) { return zelmMeasureRefineDots(&sound.image, 1, s, nullptr, 0, r); });
+}
+
 TEST_F(MeasureContract, RoundTargets) {
     ZelmMeasureRig* const rig = sound.rig.get();
     auto targets = emptyRecord<ZelmMeasureTargets>();
@@ -619,6 +621,8 @@ TEST_F(MeasureContract, PlansAnswerSoundQuestionsAlone) {
     expectRecordRefused<ZelmMeasurePlanView>("view", [&](auto* r) { return zelmMeasurePlanView(plan.get(), 0, r); });
     expectRecordRefused<ZelmMeasurePlanFigures>("figures",
                                                 [&](auto* r) { return zelmMeasurePlanFigures(plan.get(), r); });
+}
+
 TEST_F(MeasureContract, ChecksOfAdjustments) {
     const DottedPair pair(6);
     const OpenedRig rig(pair.handle.get());

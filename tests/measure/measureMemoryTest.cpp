@@ -12,8 +12,8 @@
 #include <string>
 #include <vector>
 
-#include "driftTrials.h"
 #include "dottedPair.h"
+#include "driftTrials.h"
 #include "faultAlloc.h"
 #include "matchedPoints.h"
 #include "patternReading.h"
@@ -238,7 +238,7 @@ TEST(MeasureMemory, OpeningAPlan) {
     const PlanSetup sound = smallPlan();
     PlanSetup refused = smallPlan();
     refused.plate.minDots = 10;
-    const DottedPair pair;
+    const DottedPair pair(3);
     const OpenedRig rig(pair.handle.get());
     const Zelm2ViewPatternDesc pattern = describe(pair.plate);
     const auto close = [](std::int32_t status, ZelmMeasurePlan*& plan) {
@@ -294,6 +294,8 @@ TEST(MeasureMemory, ViewsOfAPlan) {
     const Failures words = expectEveryFailureIsTold(
         [&](Outputs&) { return zelmMeasurePlanFigures(empty.get(), &figures); }, ZELM_MEASURE_ERR_DATA);
     EXPECT_GE(words.own, 1);
+}
+
 TEST(MeasureMemory, ChecksOfAdjustments) {
     const DottedPair pair(3);
     const OpenedRig rig(pair.handle.get());
@@ -499,6 +501,8 @@ TEST(MeasureMemory, DotsToRefine) {
         return zelmMeasureRefineDots(&image, 1, shape, nullptr, 0, &dots);
     });
     EXPECT_GE(failures.own, 3);  // the copy, the results, the samples
+}
+
 TEST(MeasureMemory, RoundTargets) {
     // A disc at the origin as both cameras of the rig see it.
     const RigTruth truth = trueRig(640, 480);
@@ -554,6 +558,7 @@ TEST(MeasureMemory, NoiseAndOverlap) {
     const Failures failures = expectEveryFailureIsTold(
         [&](Outputs& out) { return zelmMeasureOverlap(rig.get(), &options, 1, pixels, out.integers); });
     EXPECT_GE(failures.own, 2);
+}
 }
 
 TEST(MeasureMemory, Matching) {

@@ -8,9 +8,9 @@
 
 #include "adjustStart.h"
 #include "adjuster.h"
-#include "dotModel.h"
 #include "planFixtures.h"
 #include "planner.h"
+#include "predictedDot.h"
 
 namespace zelm::measure {
 namespace {
@@ -69,8 +69,8 @@ struct Planned {
                     DotObservation dot;
                     dot.place = place;
                     dot.radius = plate.radius;
-                    dot.pixel = dotModel(imageParameters(state, side, view, kPlainDot), place, plate.radius,
-                                         RotationDerivative::byTurn)
+                    dot.pixel = predictDot(imageParameters(state, side, view, kPlainDot), place, plate.radius,
+                                           RotationDerivative::byTurn)
                                     .centre;
                     dot.pixel.x += noise(random);
                     dot.pixel.y += noise(random);

@@ -147,6 +147,20 @@ private:
                 number(ZELM_MEASURE_ADJUSTED_OUTLIER), number(ZELM_MEASURE_ADJUSTED_NOT_CONFIRMED)};
     }
 
+    void takeChecks() {
+        std::int64_t count = 0;
+        if (!isDone(zelmMeasureAdjustChecks(adjustment.get(), nullptr, 0, &count))) {
+            return;
+        }
+        std::vector<ZelmMeasureCheck> checks(static_cast<std::size_t>(count));
+        if (count > 0) {
+            checks.front().size = sizeof(ZelmMeasureCheck);
+        }
+        if (isDone(zelmMeasureAdjustChecks(adjustment.get(), checks.data(), count, &count))) {
+            result.report.checks = std::move(checks);
+        }
+    }
+
     void finish() {
         AdjustReport& report = result.report;
         report.summary.size = sizeof(report.summary);
@@ -162,6 +176,7 @@ private:
             report.leftOut.emplace_back(zelmMeasureAdjustView(adjustment.get(), view));
             report.images.push_back({countsOf(view, 0), countsOf(view, 1)});
         }
+        takeChecks();
         ZelmMeasureRig* adjusted = nullptr;
         if (isDone(zelmMeasureAdjustRig(adjustment.get(), &adjusted))) {
             result.rig = rigOfHandle(MeasurePtr(adjusted));

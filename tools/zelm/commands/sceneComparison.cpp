@@ -216,13 +216,40 @@ DistanceFigures centreErrors(const std::vector<Target>& targets) {
     return figuresOf(distances);
 }
 
-std::string textOf(const std::vector<Distances>& list, std::size_t missed, const DistanceFigures& centres) {
+// Errors of the distances between points that are far apart, each over its length.
+DistanceFigures lengthErrors(const std::vector<ScenePoint>& points) {
+    constexpr double kFar = 0.3;  // of the scene
+    double extent = 0.0;
+    for (const ScenePoint& a : points) {
+        for (const ScenePoint& b : points) {
+            extent = std::max(extent, distance(a.position, b.position));
+        }
+    }
+    std::vector<double> errors;
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        for (std::size_t k = 0; k < i; ++k) {
+            const double length = distance(points[i].position, points[k].position);
+            if (length > kFar * extent) {
+                errors.push_back(std::fabs(distance(points[i].fromPixels, points[k].fromPixels) / length - 1.0));
+            }
+        }
+    }
+    return figuresOf(errors);
+}
+
+std::string textOf(const std::vector<Distances>& list, const DistanceFigures& lengths, std::size_t missed,
+                   const DistanceFigures& centres) {
     std::string text = fmt::format("{:<40}{:>8}{:>12}{:>12}", "3-D distance, plate units", "points", "RMS", "worst");
     for (const Distances& d : list) {
         if (d.figures.count > 0) {
             text +=
                 fmt::format("\n{:<40}{:>8}{:>12.5f}{:>12.5f}", d.name, d.figures.count, d.figures.rms, d.figures.max);
         }
+    }
+    if (lengths.rms > 0.0) {
+        text +=
+            fmt::format("\nlengths over 30 % of the scene, from true pixels: error RMS 1 : {:.0f}, worst 1 : {:.0f}",
+                        1.0 / lengths.rms, 1.0 / lengths.max);
     }
     if (centres.count > 0) {
         text += fmt::format("\nellipses' centres to the true outlines' centroids: RMS {:.4f}, worst {:.4f} px",
@@ -268,8 +295,12 @@ void compareScene(const LoadedRig& rig, const fs::path& rigPath, const nlohmann:
     const std::vector<Distances> list = allDistances(points, targets);
     const DistanceFigures centres = centreErrors(targets);
     const std::size_t missed = targets.size() - static_cast<std::size_t>(list[1].figures.count);
-    console.say(textOf(list, missed, centres));
-    Json json{{"targets", targets.size()}, {"targetsNotFound", missed}, {"centreErrorPixels", figuresJson(centres)}};
+    const DistanceFigures lengths = lengthErrors(points);
+    console.say(textOf(list, lengths, missed, centres));
+    Json json{{"targets", targets.size()},
+              {"targetsNotFound", missed},
+              {"centreErrorPixels", figuresJson(centres)},
+              {"relativeLengthErrors", figuresJson(lengths)}};
     for (const Distances& d : list) {
         json[d.key] = figuresJson(d.figures);
     }

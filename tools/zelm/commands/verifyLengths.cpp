@@ -100,7 +100,7 @@ LengthCheck checked(const LoadedRig& rig, const std::string& file, LengthEnds al
     std::vector<double> depths(lengths.size());
     std::vector<std::int32_t> regions(lengths.size());
     const ZelmMeasureLengthErrors out{sizeof(out),    0,      measured.data(), middles.data(), depths.data(),
-                                 regions.data(), nullptr};
+                                      regions.data(), nullptr};
     all.check.summary.size = sizeof(all.check.summary);
     rig.require(zelmMeasureLengthErrors(rig.handle.get(), static_cast<std::int64_t>(all.positions.size() / 3),
                                         all.positions.data(), static_cast<std::int64_t>(lengths.size()),

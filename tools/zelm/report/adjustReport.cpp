@@ -155,6 +155,32 @@ std::vector<std::string> adjustRemarks(const AdjustReport& report) {
     return remarks;
 }
 
+const char* verdictWord(std::int32_t verdict) {
+    switch (verdict) {
+        case ZELM_MEASURE_CHECK_FINE:
+            return "fine";
+        case ZELM_MEASURE_CHECK_NOTABLE:
+            return "notable";
+        case ZELM_MEASURE_CHECK_WRONG:
+            return "wrong";
+        default:
+            return "not done";
+    }
+}
+
+std::vector<std::string> checkLines(const AdjustReport& report) {
+    const auto fine = std::count_if(report.checks.begin(), report.checks.end(), [](const ZelmMeasureCheck& check) {
+        return check.verdict == ZELM_MEASURE_CHECK_FINE;
+    });
+    std::vector<std::string> lines{fmt::format("self-checks: {} of {} fine", fine, report.checks.size())};
+    for (const ZelmMeasureCheck& check : report.checks) {
+        if (check.verdict != ZELM_MEASURE_CHECK_FINE) {
+            lines.push_back(fmt::format("{}: {} (p = {:.2g})", verdictWord(check.verdict), check.text, check.p));
+        }
+    }
+    return lines;
+}
+
 std::string adjustText(const AdjustReport& report, const Rig& rig, const std::string& units) {
     std::string text = adjustLine(report) + "\n";
     if (!report.refusal.empty()) {
@@ -174,6 +200,9 @@ std::string adjustText(const AdjustReport& report, const Rig& rig, const std::st
                             row.rightMoved, row.rightDeviation);
     }
     for (const std::string& line : movedPair(report, rig, units)) {
+        text += line + "\n";
+    }
+    for (const std::string& line : checkLines(report)) {
         text += line + "\n";
     }
     return text;
@@ -207,6 +236,15 @@ Json adjustJson(const AdjustReport& report) {
               {"left", camera(s.leftBefore, s.leftRms, s.leftNoise, report.before.left)},
               {"right", camera(s.rightBefore, s.rightRms, s.rightNoise, report.before.right)}};
     json["remarks"] = adjustRemarks(report);
+    Json checks = Json::array();
+    for (const ZelmMeasureCheck& check : report.checks) {
+        checks.push_back({{"verdict", verdictWord(check.verdict)},
+                          {"p", check.p},
+                          {"value", check.value},
+                          {"deviation", check.deviation},
+                          {"text", check.text}});
+    }
+    json["checks"] = checks;
     return json;
 }
 

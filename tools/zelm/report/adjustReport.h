@@ -24,6 +24,7 @@ struct AdjustReport {
     ZelmMeasureAdjustSummary summary{};
     Rig before;                                        // as the cameras were calibrated one by one
     std::vector<std::array<AdjustedImage, 2>> images;  // of each view, left and right
+    std::vector<ZelmMeasureCheck> checks;              // what it tells against itself
     std::vector<std::string> leftOut;                  // of each view why it takes no part; empty: it does
 };
 
@@ -40,6 +41,11 @@ std::vector<std::string> movedPair(const AdjustReport& report, const Rig& rig, c
 // One line on how it came out, and one for each image or view with something to tell.
 std::string adjustLine(const AdjustReport& report);
 std::vector<std::string> adjustRemarks(const AdjustReport& report);
+
+// "fine", "notable", "wrong" or "not done".
+const char* verdictWord(std::int32_t verdict);
+// What the self-checks found, a line each of those that are not fine, after a line on how many are.
+std::vector<std::string> checkLines(const AdjustReport& report);
 
 std::string adjustText(const AdjustReport& report, const Rig& rig, const std::string& units);
 nlohmann::ordered_json adjustJson(const AdjustReport& report);

@@ -142,7 +142,17 @@ std::string adjustment(const Calibration& c) {
     for (const std::string& line : movedPair(report, c.rig, c.plate.units)) {
         html += fmt::format("<p class='note'>{}</p>", escaped(line));
     }
-    return html + "<p class='note'>± is the standard deviation that the residuals leave each parameter.</p>";
+    html += "<p class='note'>± is the standard deviation that the residuals leave each parameter.</p>";
+    html +=
+        "<h2>Self-checks</h2><div class='scroll'><table><tr><th>verdict</th><th>p</th><th class='name'>finding"
+        "</th></tr>";
+    for (const ZelmMeasureCheck& check : report.checks) {
+        html += fmt::format("<tr><td>{}</td><td>{:.2g}</td><td class='name'>{}</td></tr>", verdictWord(check.verdict),
+                            check.p, escaped(check.text));
+    }
+    return html +
+           "</table></div><p class='note'>p is the probability that chance alone gives as much in any of the checks; "
+           "below 0.01 a finding is no chance. Wrong: it moves points by more than their uncertainty.</p>";
 }
 
 std::string imageCells(const std::filesystem::path& path, const ImageFigures& image) {
