@@ -559,7 +559,6 @@ TEST(MeasureMemory, NoiseAndOverlap) {
         [&](Outputs& out) { return zelmMeasureOverlap(rig.get(), &options, 1, pixels, out.integers); });
     EXPECT_GE(failures.own, 2);
 }
-}
 
 TEST(MeasureMemory, Matching) {
     const PlanePictures pictures(trueRig(240, 180), slantedPlane());
