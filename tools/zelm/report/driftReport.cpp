@@ -95,8 +95,7 @@ std::string driftText(const DriftCheck& check) {
         "({})",
         d.used, d.rms, d.rmsAll, d.noise, d.freedom > 0.0 ? "estimated" : "given");
     if (d.wrong > 0 || d.unusable > 0) {
-        text +=
-            fmt::format("\n{} pixel pairs are left out as wrong matches, {} as too far outside", d.wrong, d.unusable);
+        text += fmt::format("\npixel pairs left out: {} as wrong matches, {} as too far outside", d.wrong, d.unusable);
     }
     if (d.found == 1) {
         text += fmt::format("\n{}{}", driftVerdict(check), d.isSingle == 1 ? alternativesText(check) : std::string());
