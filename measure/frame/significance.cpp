@@ -17,7 +17,7 @@ double awayFromZero(double x) {
     return std::fabs(x) < kTiny ? kTiny : x;
 }
 
-// A continued fraction 1 / (1 + a1 / (1 + a2 / ...)) or with other denominators, given term by term.
+// A continued fraction 1 / (b0 + a1 / (b1 + a2 / ...)), given term by term.
 class Fraction {
 public:
     explicit Fraction(double denominator) : d(1.0 / awayFromZero(denominator)), value(d) {}
@@ -58,7 +58,8 @@ double upperGamma(double a, double x) {
 }
 
 double betaFraction(double x, double a, double b) {
-    Fraction fraction(1.0 - (a + b) * x / (a + 1.0));
+    Fraction fraction(1.0);
+    fraction.add(-(a + b) * x / (a + 1.0), 1.0);
     for (int m = 1; m < kMaxTerms; ++m) {
         const double even = m * (b - m) * x / ((a + 2.0 * m - 1.0) * (a + 2.0 * m));
         const double odd = -(a + m) * (a + b + m) * x / ((a + 2.0 * m) * (a + 2.0 * m + 1.0));
