@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "knownRigFile.h"
+#include "matchedPoints.h"
 
 namespace zelmtest {
 namespace {
@@ -204,6 +205,41 @@ TEST(CovarianceFile, UnitsOfAParallelCamera) {
     EXPECT_EQ(json.at("units")[0], "pixel/length");
     EXPECT_EQ(json.at("units")[5], "1/length^2");
     EXPECT_EQ(json.at("units")[7], "pixel");
+}
+
+TEST(CovarianceFile, MatchesTellWhatTheCalibrationAddsToTheirDepths) {
+    const PlanePictures pictures(trueRig(240, 180), slantedPlane());
+    TruePair pair;
+    pair.left = calibrated(pictures.rig.left, pictures.rig.leftPose);
+    pair.right = calibrated(pictures.rig.right, pictures.rig.rightPose);
+    pair.width = 240;
+    pair.height = 180;
+    const KnownRigFile rig(pair, 0.0);
+    writeFile(rig.folder / "L.pgm", pgmBytes({240, 180, {pictures.left.begin(), pictures.left.end()}}));
+    writeFile(rig.folder / "R.pgm", pgmBytes({240, 180, {pictures.right.begin(), pictures.right.end()}}));
+    const CommandResult run = zelm({"match", rig.path, rig.file("L.pgm"), rig.file("R.pgm"), "--grid", "24", "--depth",
+                                    "420,500", "-o", rig.file("points.csv")});
+    ASSERT_EQ(run.status, 0) << run.errors;
+    EXPECT_NE(run.output.find("the calibration adds a standard deviation"), std::string::npos) << run.output;
+    const auto rows = readCsv(rig.folder / "points.csv");
+    ASSERT_EQ(rows[0][13], "depth_sigma_calibration");
+    std::size_t found = 0;
+    for (std::size_t i = 1; i < rows.size(); ++i) {
+        ASSERT_EQ(rows[i].size(), 15U);
+        if (rows[i][14] != "ok") {
+            EXPECT_EQ(rows[i][13], "");
+            continue;
+        }
+        const double left[] = {std::stod(rows[i][1]), std::stod(rows[i][2])};
+        const double right[] = {std::stod(rows[i][3]), std::stod(rows[i][4])};
+        double depths[2];
+        auto record = emptyRecord<ZelmMeasurePointCovariances>();
+        record.depths = depths;
+        ASSERT_EQ(zelmMeasurePointCovariance(rig.known.rig.get(), 1, left, right, nullptr, &record), ZELM_OK);
+        EXPECT_NEAR(std::stod(rows[i][13]), depths[1], 0.006 * depths[1]);  // written with three digits
+        found += 1;
+    }
+    EXPECT_GT(found, 10U);
 }
 
 TEST(CovarianceFile, OutputsNeverTakeItsPlace) {

@@ -17,7 +17,9 @@ struct KnownRigFile {
     std::string path;
 
     explicit KnownRigFile(double freedom = 0.0, std::int32_t leftModel = 0)
-        : known(makePair(leftModel, 0), 0.05), path(writePair(known.pair, folder / "rig.zcal")) {
+        : KnownRigFile(makePair(leftModel, 0), freedom) {}
+    KnownRigFile(const TruePair& pair, double freedom)
+        : known(pair, 0.05), path(writePair(known.pair, folder / "rig.zcal")) {
         known.covariance.freedom = freedom;
         known.give(known.covariance);
         std::string bytes(2856, '\0');
