@@ -7,8 +7,8 @@ namespace {
 
 constexpr std::size_t kProducts = 10;
 
-// What the pattern is made of, along x and along y alike: of the second degree the one product that decentring and prism
-// leave, and all of the third and fourth degree.
+// What the pattern is made of, along x and along y alike: of the second degree the one product that decentring and
+// prism leave, and all of the third and fourth degree.
 std::array<double, kProducts> products(double x, double y) {
     return {x * y,         x * x * x,     x * x * y,     x * y * y,     y * y * y,
             x * x * x * x, x * x * x * y, x * x * y * y, x * y * y * y, y * y * y * y};

@@ -1,5 +1,5 @@
-// Simulated calibrations, with flaws that their adjustment knows nothing of: two cameras of 1280 x 960 pixels, 120 units
-// apart, and plates of 13 x 11 dots at a pitch of 10, seen at the level of dot centres.
+// Simulated calibrations, with flaws that their adjustment knows nothing of: two cameras of 1280 x 960 pixels, 120
+// units apart, and plates of 13 x 11 dots at a pitch of 10, seen at the level of dot centres.
 #ifndef ZELM_TEST_FLAWED_CALIBRATION_H
 #define ZELM_TEST_FLAWED_CALIBRATION_H
 
