@@ -22,7 +22,8 @@ std::array<std::array<double, kLensTerms>, 2> lensTerms(const ProjectionCamera& 
     const double y = point[1] * w;
     const double r2 = x * x + y * y;
     std::array<std::array<double, kLensTerms>, 2> moves{};
-    auto& [alongX, alongY] = moves;
+    auto& alongX = moves[0];
+    auto& alongY = moves[1];
     const auto set = [&](std::size_t term, double dx, double dy) {
         alongX[term] = dx;
         alongY[term] = dy;
