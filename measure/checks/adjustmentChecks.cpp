@@ -237,8 +237,11 @@ Check Checker::diameter(const Flaw& flaw, DotKind kind) const {
 Check Checker::moved(const Flaw& flaw) const {
     Check check = start(flaw);
     if (flaw.result.isDone) {
-        const Vector3& m = equations.views[flaw.candidate.view].middle;
-        // A turn about the camera moves the plate's middle: turn x m.
+        // The turn comes before the shift between the cameras: it moves the plate's middle by turn x m.
+        Vector3 m = equations.views[flaw.candidate.view].middle;
+        for (std::size_t i = 0; i < 3; ++i) {
+            m[i] -= adjusted.state->relative[3 + i];
+        }
         Eigen::Matrix<double, 3, 6> place = Eigen::Matrix<double, 3, 6>::Zero();
         place.leftCols<3>() << 0.0, m[2], -m[1], -m[2], 0.0, m[0], m[1], -m[0], 0.0;
         place.rightCols<3>().setIdentity();
