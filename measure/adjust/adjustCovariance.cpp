@@ -7,7 +7,7 @@
 #include <cmath>
 #include <optional>
 
-#include "dotResidual.h"
+#include "dotCost.h"
 #include "fault.h"
 
 namespace zelm::measure {

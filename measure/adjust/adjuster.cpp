@@ -8,7 +8,7 @@
 #include <memory>
 #include <string>
 
-#include "dotResidual.h"
+#include "dotCost.h"
 #include "fault.h"
 
 namespace zelm::measure {
@@ -161,7 +161,7 @@ void Adjuster::solve(bool robust, double tolerance) {
     problemOptions.disable_all_safety_checks = true;
     ceres::HuberLoss huber(kHuber);
     // All that the problem refers to outlives it.
-    std::deque<DotResidual> residuals;
+    std::deque<DotCost> residuals;
     std::deque<FreeDirections> manifolds;
     ceres::Problem problem(problemOptions);
     const auto order = std::make_shared<ceres::ParameterBlockOrdering>();

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "adjustedRigs.h"
 #include "dottedPair.h"
 #include "matchedPoints.h"
 #include "planFixtures.h"
@@ -310,6 +311,120 @@ TEST_F(MeasureContract, Correspondences) {
     expectParam("count", zelmMeasureOverlap(rig, &sound.options, -1, p, any));
     expectParam("pixels", zelmMeasureOverlap(rig, &sound.options, 1, nullptr, any));
     expectParam("any", zelmMeasureOverlap(rig, &sound.options, 1, p, nullptr));
+}
+
+TEST_F(MeasureContract, AdjustmentsAreOpenedOfSoundArgumentsAlone) {
+    const AdjustScene scene = makeAdjustScene({});
+    Handle core;
+    calibrateScene(scene, scene.views, core);
+    const OpenedRig dotted(core.get());
+    ZelmMeasureRig* const rig = dotted.get();
+    const Zelm2ViewPatternDesc& plate = scene.plate;
+    ZelmMeasureAdjustment* none = nullptr;
+    expectParam("rig", zelmMeasureAdjustOpen(nullptr, &plate, nullptr, &none));
+    expectParam("plate", zelmMeasureAdjustOpen(rig, nullptr, nullptr, &none));
+    expectParam("handle", zelmMeasureAdjustOpen(rig, &plate, nullptr, nullptr));
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const std::function<void(ZelmMeasureAdjustOptions&)> wrongOptions[] = {
+        [](auto& o) { o.size = 0; },          [](auto& o) { o.holdSkew = 2; },
+        [](auto& o) { o.squarePixels = -1; }, [](auto& o) { o.estimateDiameters = 7; },
+        [](auto& o) { o.estimateBow = 2; },   [](auto& o) { o.noise = -0.1; },
+        [=](auto& o) { o.noise = nan; },      [](auto& o) { o.placeCount = -1; },
+        [](auto& o) { o.placeCount = 1; }};
+    for (const auto& change : wrongOptions) {
+        auto options = emptyRecord<ZelmMeasureAdjustOptions>();
+        change(options);
+        expectParam("options", zelmMeasureAdjustOpen(rig, &plate, &options, &none));
+    }
+    const std::int32_t grid[] = {1, 1};
+    const double places[] = {10.0, nan, 0.0};
+    auto options = emptyRecord<ZelmMeasureAdjustOptions>();
+    options.placeCount = 1;
+    options.placeGrid = grid;
+    options.places = places;
+    expectParam("places", zelmMeasureAdjustOpen(rig, &plate, &options, &none));
+    const std::function<void(Zelm2ViewPatternDesc&)> wrongPlates[] = {
+        [](auto& p) { p.d4 = 0.0; }, [=](auto& p) { p.d0 = nan; }, [](auto& p) { p.polarity = 2; },
+        [](auto& p) { p.d4 = 1e-6; }};
+    for (const auto& change : wrongPlates) {
+        Zelm2ViewPatternDesc wrong = plate;
+        change(wrong);
+        expectParam("plate", zelmMeasureAdjustOpen(rig, &wrong, nullptr, &none));
+    }
+    EXPECT_EQ(none, nullptr);
+    OpenedAdjustment live;
+    ASSERT_EQ(live.open(core.get(), plate), ZELM_OK);
+    ZelmMeasureAdjustment* const before = live.handle;
+    expectParam("live", zelmMeasureAdjustOpen(rig, &plate, nullptr, &live.handle));
+    EXPECT_EQ(live.handle, before);
+}
+
+TEST_F(MeasureContract, AdjustmentsAnswerSoundQuestionsAlone) {
+    const AdjustScene scene = makeAdjustScene({});
+    Handle core;
+    calibrateScene(scene, scene.views, core);
+    OpenedAdjustment opened;
+    ASSERT_EQ(opened.open(core.get(), scene.plate), ZELM_OK);
+    ZelmMeasureAdjustment* const a = opened.handle;
+    std::int32_t* const i = out.integers;
+    std::int64_t* const n = out.longs;
+    auto summary = emptyRecord<ZelmMeasureAdjustSummary>();
+    auto dots = emptyRecord<ZelmMeasureAdjustedDots>();
+    ZelmMeasureRig* rig = nullptr;
+    const GrayPixels gray(static_cast<std::size_t>(kSceneWidth) * kSceneHeight, 100);
+    const ZelmMeasureImage image{gray.data(), kSceneWidth, kSceneHeight, kSceneWidth};
+    // Before it is solved.
+    const auto expectData = [&](const char* what, std::int32_t status) {
+        EXPECT_EQ(status, ZELM_MEASURE_ERR_DATA) << what;
+        EXPECT_NE(opened.error(), "") << what;
+        EXPECT_TRUE(out.areUntouched()) << what;
+    };
+    expectData("summary", zelmMeasureAdjustSummary(a, &summary));
+    expectData("dots", zelmMeasureAdjustDots(a, 'L', 0, nullptr, n));
+    expectData("rig", zelmMeasureAdjustRig(a, &rig));
+    expectData("refine", zelmMeasureAdjustRefine(a, 'L', 0, &image, nullptr));
+    expectData("view", zelmMeasureAdjustAddView(a, &image, &image, i, i + 1));
+    ASSERT_EQ(zelmMeasureAdjustSolve(a), ZELM_OK) << opened.error();
+    const ZelmMeasureImage other{gray.data(), 640, 480, 640};
+    expectData("size", zelmMeasureAdjustRefine(a, 'L', 0, &other, nullptr));
+    expectData("size", zelmMeasureAdjustAddView(a, &image, &other, i, i + 1));
+
+    expectParam("handle", zelmMeasureAdjustSolve(nullptr));
+    expectParam("handle", zelmMeasureAdjustSummary(nullptr, &summary));
+    expectParam("handle", zelmMeasureAdjustDots(nullptr, 'L', 0, nullptr, n));
+    expectParam("handle", zelmMeasureAdjustRig(nullptr, &rig));
+    expectParam("handle", zelmMeasureAdjustRefine(nullptr, 'L', 0, &image, nullptr));
+    expectParam("handle", zelmMeasureAdjustAddView(nullptr, &image, &image, i, i + 1));
+    for (const std::int32_t side : {0, static_cast<int>('l'), 256 + 'L'}) {
+        expectParam("side", zelmMeasureAdjustDots(a, side, 0, nullptr, n));
+        expectParam("side", zelmMeasureAdjustRefine(a, side, 0, &image, nullptr));
+    }
+    for (const std::int32_t view : {-1, 12, std::numeric_limits<std::int32_t>::max()}) {
+        expectParam("view", zelmMeasureAdjustDots(a, 'L', view, nullptr, n));
+        expectParam("view", zelmMeasureAdjustRefine(a, 'L', view, &image, nullptr));
+        EXPECT_EQ(zelmMeasureAdjustView(a, view), nullptr);
+    }
+    EXPECT_STREQ(zelmMeasureAdjustView(a, 0), "");
+    EXPECT_EQ(zelmMeasureAdjustView(nullptr, 0), nullptr);
+    EXPECT_STREQ(zelmMeasureAdjustError(nullptr), "");
+    expectParam("count", zelmMeasureAdjustDots(a, 'L', 0, nullptr, nullptr));
+    dots.capacity = -1;
+    expectParam("capacity", zelmMeasureAdjustDots(a, 'L', 0, &dots, n));
+    dots.size = 0;
+    expectParam("size", zelmMeasureAdjustDots(a, 'L', 0, &dots, n));
+    expectRecordRefused<ZelmMeasureAdjustSummary>("summary", [&](auto* r) { return zelmMeasureAdjustSummary(a, r); });
+    expectParam("image", zelmMeasureAdjustRefine(a, 'L', 0, nullptr, nullptr));
+    auto refined = emptyRecord<ZelmMeasureRefined>();
+    refined.size = 0;
+    expectParam("refined", zelmMeasureAdjustRefine(a, 'L', 0, &image, &refined));
+    expectParam("image", zelmMeasureAdjustAddView(a, nullptr, &image, i, i + 1));
+    expectParam("image", zelmMeasureAdjustAddView(a, &image, nullptr, i, i + 1));
+    expectParam("dots", zelmMeasureAdjustAddView(a, &image, &image, nullptr, i + 1));
+    expectParam("dots", zelmMeasureAdjustAddView(a, &image, &image, i, nullptr));
+    expectParam("rig", zelmMeasureAdjustRig(a, nullptr));
+    ZelmMeasureRig* live = sound.rig.get();
+    expectParam("live", zelmMeasureAdjustRig(a, &live));
+    zelmMeasureAdjustClose(nullptr);
 }
 
 // A covariance that a rig takes.

@@ -7,7 +7,6 @@
 
 #include "predictedDot.h"
 #include "rigBlock.h"
-#include "rigFixtures.h"
 
 namespace zelmtest {
 
@@ -140,25 +139,6 @@ AdjustState AdjustScene::start(Random& random) const {
     state.factors = {1.0, 1.0};
     state.bow.b = {};
     return state;
-}
-
-void calibrateScene(const AdjustScene& scene, const std::vector<AdjustView>& views, Handle& handle) {
-    const auto count = static_cast<std::int32_t>(views.size());
-    const Zelm2ViewCameraDesc cameras = cameraPair(scene.models[0], scene.models[1], kSceneWidth, kSceneHeight);
-    ASSERT_EQ(zelm2ViewCalibOpen(count, &scene.plate, &cameras, &handle.calib), ZELM_OK);
-    for (const Side side : {kLeft, kRight}) {
-        for (std::int32_t view = 0; view < count; ++view) {
-            std::vector<Point2d> plane;
-            std::vector<Point2d> image;
-            for (const DotObservation& dot : views[static_cast<std::size_t>(view)].dots[side]) {
-                plane.push_back({dot.index.x * scene.plate.d4, dot.index.y * scene.plate.d5});
-                image.push_back(dot.pixel);
-            }
-            fillEntry(handle.calib, side == kLeft ? zelm::Camera::left : zelm::Camera::right, view, plane, image);
-        }
-    }
-    Zelm2ViewCalibResult result{};
-    ASSERT_EQ(zelm2ViewCalibCameraParam(handle.calib, &result), ZELM_OK);
 }
 
 Rig rigOfState(const AdjustScene& scene, const AdjustState& state) {

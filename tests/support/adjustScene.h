@@ -53,9 +53,6 @@ AdjustScene makeAdjustScene(const AdjustSceneOptions& options);
 // Predicts the dots of all views that lie in the images; `places` are those of measured dots.
 void predictDots(AdjustScene& scene, const zelm::measure::DotPlaces& places = {});
 
-// The dots in an object of the core's, calibrated by it. Parallel cameras see all views.
-void calibrateScene(const AdjustScene& scene, const std::vector<zelm::measure::AdjustView>& views, Handle& handle);
-
 // A state as a rig, whose block says the same.
 zelm::measure::Rig rigOfState(const AdjustScene& scene, const zelm::measure::AdjustState& state);
 

@@ -2,22 +2,25 @@
 #ifndef ZELM_TEST_DOTTED_PAIR_H
 #define ZELM_TEST_DOTTED_PAIR_H
 
+#include <vector>
+
 #include "measureRigs.h"
 #include "scene.h"
 
 namespace zelmtest {
 
-// Dots of the default plate in every view, with a noise of a tenth of a pixel.
+// Dots of the plate in every view, with a noise of a tenth of a pixel.
 struct DottedPair {
     render::Plate plate;
+    render::StereoRig rig = render::exampleRig();
+    std::vector<render::Pose> poses;  // in the left camera
     Handle handle;
 
-    explicit DottedPair(std::int32_t views) {
-        const render::StereoRig rig = render::exampleRig();
+    explicit DottedPair(std::int32_t views, const render::Plate& chosen = {}) : plate(chosen) {
         const Zelm2ViewPatternDesc pattern = describe(plate);
         const Zelm2ViewCameraDesc cameras = cameraPair(0, 0, rig.left.width, rig.left.height);
         EXPECT_EQ(zelm2ViewCalibOpen(views, &pattern, &cameras, &handle.calib), ZELM_OK);
-        const std::vector<render::Pose> poses = render::makeViewPoses(plate, rig, views, 3);
+        poses = render::makeViewPoses(plate, rig, views, 3);
         for (std::int32_t view = 0; view < views; ++view) {
             const render::Pose& left = poses[static_cast<std::size_t>(view)];
             const auto seed = static_cast<std::uint64_t>(2 * view + 1);

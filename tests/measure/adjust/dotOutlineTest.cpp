@@ -84,7 +84,8 @@ TEST(DotOutline, CentreIsWhatTheReaderMeasures) {
         }
     }
     EXPECT_GT(errors.count, 400U);
-    EXPECT_LE(errors.rms(), kMaxRms);
+    // The reader's own error without noise is 0.0032 px at this blur (docs/accuracy.md).
+    EXPECT_LE(errors.rms(), std::hypot(kMaxRms, 0.0032));
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
 // The weighted residual of a dot, as the solver asks for it.
-#ifndef ZELM_MEASURE_DOT_RESIDUAL_H
-#define ZELM_MEASURE_DOT_RESIDUAL_H
+#ifndef ZELM_MEASURE_DOT_COST_H
+#define ZELM_MEASURE_DOT_COST_H
 
 #include <ceres/cost_function.h>
 #include <ceres/manifold.h>
@@ -19,10 +19,10 @@ std::array<double, 3> weightOf(const std::array<double, 3>& covariance);
 
 // W (predicted - measured) as a function of, in this order: the camera, the pose of the view, the relative pose where
 // the camera is not the base, the factor of the diameter and the bow where these are estimated.
-class DotResidual final : public ceres::CostFunction {
+class DotCost final : public ceres::CostFunction {
 public:
-    DotResidual(const AdjustState& state, const AdjustOptions& options, Side side, std::size_t view,
-                const DotObservation& dot, const std::array<double, 3>& weight);
+    DotCost(const AdjustState& state, const AdjustOptions& options, Side side, std::size_t view,
+            const DotObservation& dot, const std::array<double, 3>& weight);
 
     bool Evaluate(double const* const* parameters, double* residuals, double** jacobians) const override;
 

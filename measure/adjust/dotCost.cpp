@@ -1,4 +1,4 @@
-#include "dotResidual.h"
+#include "dotCost.h"
 
 #include <cmath>
 #include <numbers>
@@ -33,8 +33,8 @@ std::array<double, 3> weightOf(const std::array<double, 3>& covariance) {
     return {1.0 / left, -xy / yy / left, w11};
 }
 
-DotResidual::DotResidual(const AdjustState& s, const AdjustOptions& options, Side imageSide, std::size_t imageView,
-                         const DotObservation& observation, const std::array<double, 3>& W)
+DotCost::DotCost(const AdjustState& s, const AdjustOptions& options, Side imageSide, std::size_t imageView,
+                 const DotObservation& observation, const std::array<double, 3>& W)
     : state(&s), dot(&observation), weight(W), side(imageSide), view(imageView) {
     set_num_residuals(2);
     auto* const sizes = mutable_parameter_block_sizes();
@@ -54,7 +54,7 @@ DotResidual::DotResidual(const AdjustState& s, const AdjustOptions& options, Sid
     }
 }
 
-bool DotResidual::Evaluate(double const* const* parameters, double* residuals, double** jacobians) const {
+bool DotCost::Evaluate(double const* const* parameters, double* residuals, double** jacobians) const {
     ImageParameters image = imageParameters(*state, side, view, dot->kind);
     std::copy_n(parameters[0], kCameraParameters, image.camera.p.begin());
     image.pose = parameters[1];
