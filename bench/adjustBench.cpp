@@ -1,6 +1,6 @@
 // The adjustment of 12 to 300 views of 143 dots in two cameras, covariance included, beside a plain adjustment of the
-// same observations by a general solver with automatic derivatives, which takes dots as projected points. The last lines
-// say what the times are, their ratio, and how much longer 300 views take than 12.
+// same observations by a general solver with automatic derivatives, which takes dots as projected points. The last
+// lines say what the times are, their ratio, and how much longer 300 views take than 12.
 #include <benchmark/benchmark.h>
 #include <ceres/ceres.h>
 #include <ceres/rotation.h>

@@ -1,5 +1,5 @@
-// Dots of samples/desk-rig against the projections of their places by the true cameras. The centre of a dot's ellipse is
-// not the projection of its centre: the difference is taken from the truth.
+// Dots of samples/desk-rig against the projections of their places by the true cameras. The centre of a dot's ellipse
+// is not the projection of its centre: the difference is taken from the truth.
 #include <array>
 #include <cmath>
 #include <cstdio>

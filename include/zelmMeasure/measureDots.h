@@ -120,8 +120,8 @@ enum ZelmMeasureDotFlag {
     ZELM_MEASURE_DOT_NOT_CONVERGED = 64,  ///< its place did not settle
 };
 
-/// Dots placed by all their pixels. Arrays of the caller's, one entry a dot unless said otherwise; each may be NULL. All
-/// but the statuses and flags are written for dots whose status is ZELM_MEASURE_DOT_OK alone.
+/// Dots placed by all their pixels. Arrays of the caller's, one entry a dot unless said otherwise; each may be NULL.
+/// All but the statuses and flags are written for dots whose status is ZELM_MEASURE_DOT_OK alone.
 typedef struct ZelmMeasureRefinedDots {
     int32_t size;         ///< of this record, bytes
     int32_t reserved;     ///< 0
@@ -141,19 +141,18 @@ typedef struct ZelmMeasureRefinedDots {
 /// show it all along its outline, of which up to 40 % in one arc may be hidden; never another one beside it.
 /// @param image [in] any size
 /// @param count [in] of dots
-/// @param shapes [in] 6 a dot: predicted centre x, y of the ellipse of its outline, pixels, right to 2 pixels or half the
-/// radius, whichever is more; and U, 2 x 2 row-major: the outline is the centre + U (cos, sin), right but for its scale,
-/// which may be 0.7 to 1.4
-/// @param neighbours [in] from each centre to the nearest outline of another dot, pixels, 0 where it is not known; NULL:
-/// none is known
+/// @param shapes [in] 6 a dot: predicted centre x, y of the ellipse of its outline, pixels, right to 2 pixels or half
+/// the radius, whichever is more; and U, 2 x 2 row-major: the outline is the centre + U (cos, sin), right but for its
+/// scale, which may be 0.7 to 1.4
+/// @param neighbours [in] from each centre to the nearest outline of another dot, pixels, 0 where it is not known;
+/// NULL: none is known
 /// @param polarity [in] 0: dark dots on a bright ground; 1: bright ones
 /// @param dots [in] the arrays that are written
 /// @return ZELM_OK, ZELM_ERR_PARAM, ZELM_ERR_MEMORY
 /// Cost: of the pixels within some blurs of the outlines. Method: damped least squares (Levenberg 1944; Marquardt 1963)
 /// of an edge blurred by a normal point spread and by the pixel, after Edgeworth (1905).
 ZELM_API int32_t zelmMeasureRefineDots(const ZelmMeasureImage* image, int64_t count, const double* shapes,
-                                       const double* neighbours, int32_t polarity,
-                                       const ZelmMeasureRefinedDots* dots);
+                                       const double* neighbours, int32_t polarity, const ZelmMeasureRefinedDots* dots);
 
 ZELM_END_DECLS
 

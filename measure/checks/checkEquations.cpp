@@ -4,7 +4,7 @@
 #include <cmath>
 #include <map>
 
-#include "dotResidual.h"
+#include "dotCost.h"
 #include "predictedDot.h"
 
 namespace zelm::measure {

@@ -36,8 +36,8 @@ Foot footAt(const std::array<double, 4>& U, double scale, double ex, double ey) 
             scale * (U[3] * ex - U[2] * ey)};
 }
 
-// Rows of derivatives that end with the residual, some at a time: their products are summed when the next rows no longer
-// wait for them.
+// Rows of derivatives that end with the residual, some at a time: their products are summed when the next rows no
+// longer wait for them.
 class RowSums {
 public:
     static constexpr std::size_t kColumns = kDotUnknowns + 2;  // residual, and 0 for an even number

@@ -138,8 +138,8 @@ public:
     void review();
     // Gives every reviewed sample its weight by the variance.
     void weigh();
-    // Whether it converged: its last step was shorter than the tolerance, pixels, and the next one would be shorter by an
-    // order. The equations are those that this step came from.
+    // Whether it converged: its last step was shorter than the tolerance, pixels, and the next one would be shorter by
+    // an order. The equations are those that this step came from.
     bool fit(SectorMask sectors, int maxSteps, double tolerance);
     SampleView look(const DotSample& sample, const DotVector& at) const;
     // Distance from the outline, positive outside.

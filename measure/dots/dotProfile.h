@@ -54,10 +54,10 @@ struct EdgeCoverage {
 // positive for a convex dot; blur: standard deviation of point spread and pixel together, and its inverse; fourth:
 // nx^4 + ny^4 of the outline's normal n.
 //
-// About the foot of the pixel the outline falls away by kappa t^2 / 2 + kappa^3 t^4 / 8. Blurred along the outline, that
-// is a random displacement of the edge, whose cumulants join those of the blur across it; Edgeworth's series then gives
-// the coverage, to 1e-3 up to a bend of 0.25. The square pixel differs from the normal blur of the same variance by its
-// fourth cumulant.
+// About the foot of the pixel the outline falls away by kappa t^2 / 2 + kappa^3 t^4 / 8. Blurred along the outline,
+// that is a random displacement of the edge, whose cumulants join those of the blur across it; Edgeworth's series then
+// gives the coverage, to 1e-3 up to a bend of 0.25. The square pixel differs from the normal blur of the same variance
+// by its fourth cumulant.
 inline EdgeCoverage edgeCoverage(double distance, double bend, double blur, double perBlur, double fourth) {
     const double b2 = bend * bend;
     const double mean = 0.5 * bend * blur * (1.0 + 0.75 * b2);

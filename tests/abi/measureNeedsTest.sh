@@ -3,7 +3,7 @@
 # linked into it, needs.
 set -eu
 needed=$(readelf -d "$1" | grep -oE 'NEEDED.*\[[^]]+' | sed 's/.*\[//' | sort | tr '\n' ' ')
-expected="libc.so.6 libcholmod.so.3 libcxsparse.so.3 libf77blas.so.3 libgcc_s.so.1 libglog.so.1 liblapack.so.3 libm.so.6 "
-expected+="libstdc++.so.6 libtbb.so.12 libzelmLib.so.1 "
+expected="libc.so.6 libcholmod.so.3 libcxsparse.so.3 libf77blas.so.3 libgcc_s.so.1 libglog.so.1 liblapack.so.3 "
+expected+="libm.so.6 libstdc++.so.6 libtbb.so.12 libzelmLib.so.1 "
 [ "$needed" = "$expected" ] || { echo "needs: $needed"; exit 1; }
 readelf -d "$1" | grep -q 'SONAME.*\[libzelmMeasure.so.1\]' || { echo "SONAME is not libzelmMeasure.so.1"; exit 1; }

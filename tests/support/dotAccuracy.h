@@ -1,5 +1,5 @@
-// How well dots are placed by all their pixels: rendered plates against their truth, beside the library's reader and the
-// Cramer-Rao bound.
+// How well dots are placed by all their pixels: rendered plates against their truth, beside the library's reader and
+// the Cramer-Rao bound.
 #ifndef ZELM_TEST_DOT_ACCURACY_H
 #define ZELM_TEST_DOT_ACCURACY_H
 

@@ -1,4 +1,5 @@
-// Drift told by the interface: what it finds, what it leaves alone, what it refuses. bench/drift has the power at length.
+// Drift told by the interface: what it finds, what it leaves alone, what it refuses. bench/drift has the power at
+// length.
 #include <gtest/gtest.h>
 
 #include <cmath>

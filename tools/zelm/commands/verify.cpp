@@ -21,7 +21,8 @@ namespace {
 namespace fs = std::filesystem;
 using Json = nlohmann::ordered_json;
 
-// Pixels, RMS: what a relative pose from one view of 140 dots of 0.015 px lacks. Drift is told from some five times it on.
+// Pixels, RMS: what a relative pose from one view of 140 dots of 0.015 px lacks. Drift is told from some five times it
+// on.
 constexpr double kUsualCalibrationError = 0.003;
 
 struct VerifyOptions {
