@@ -116,7 +116,7 @@ void Collector::addPoints() {
     const std::size_t count = std::min(both.size(), kPointsOfView);
     for (std::size_t i = 0; i < count; ++i) {
         const std::size_t chosen = count == 1 ? 0 : i * (both.size() - 1) / (count - 1);
-        SpacePoint point;
+        CheckedPoint point;
         point.byShared.resize(4, static_cast<Index>(kWideParameters));
         for (const Side side : {kLeft, kRight}) {
             const DotRows& rows = list.rows[places[both[chosen]][side]];

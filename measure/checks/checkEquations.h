@@ -34,7 +34,7 @@ struct ViewEquations {
 };
 
 // A dot that both cameras see, and what changes its place when it is triangulated.
-struct SpacePoint {
+struct CheckedPoint {
     Eigen::Vector3d place;                              // in the base camera's frame
     Eigen::Matrix<double, 4, 3> byPlace;                // pixels of both cameras
     Eigen::Matrix<double, 4, Eigen::Dynamic> byShared;  // likewise, kWideParameters columns
@@ -43,7 +43,7 @@ struct SpacePoint {
 
 struct CheckEquations {
     std::vector<ViewEquations> views;
-    std::vector<SpacePoint> points;  // a sample of all views
+    std::vector<CheckedPoint> points;  // a sample of all views
     double squares = 0.0;
     std::size_t rows = 0;
     bool otherSeen = false;

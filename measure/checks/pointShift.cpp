@@ -41,7 +41,7 @@ ShiftOfPoints::ShiftOfPoints(const CheckEquations& equations, const Eigen::Matri
     std::vector<Eigen::Vector3d> places;
     std::vector<Eigen::Matrix3d> noises;
     Eigen::MatrixXd rows(static_cast<Index>(3 * equations.points.size()), kWide);
-    for (const SpacePoint& point : equations.points) {
+    for (const CheckedPoint& point : equations.points) {
         const Eigen::Matrix3d N = point.byPlace.transpose() * point.byPlace;
         const Eigen::SelfAdjointEigenSolver<Eigen::Matrix3d> eigen(N);
         if (!(eigen.eigenvalues()[0] > kLeastSight * eigen.eigenvalues()[2])) {

@@ -95,6 +95,13 @@ check_measure_includes
 refuse "printing or exits in the measuring library" \
   '\b(printf|fprintf|puts|fputs|exit|abort) *\(|std::(cout|cerr|clog|print|format)\b|\bfmt::' $measure
 
+# One namespace holds all folders: a type that two headers define would be two things to the linker under one name.
+twice=$(grep -rhoE '^(struct|class) [A-Za-z0-9]+( final)?( :.*)? \{' measure --include='*.h' | awk '{print $2}' | sort | uniq -d)
+if [ -n "$twice" ]; then
+  echo "types that two headers of the measuring library define: $twice"
+  failed=1
+fi
+
 trees=(src 3DLib measure render tests tools bench)
 duplicates=$(find "${trees[@]}" -name '*.cpp' -o -name '*.h' | xargs -n1 basename | sort | uniq -d)
 if [ -n "$duplicates" ]; then
