@@ -96,7 +96,8 @@ refuse "printing or exits in the measuring library" \
   '\b(printf|fprintf|puts|fputs|exit|abort) *\(|std::(cout|cerr|clog|print|format)\b|\bfmt::' $measure
 
 # One namespace holds all folders: a type that two headers define would be two things to the linker under one name.
-twice=$(grep -rhoE '^(struct|class) [A-Za-z0-9]+( final)?( :.*)? \{' measure --include='*.h' | awk '{print $2}' | sort | uniq -d)
+twice=$(grep -rhoE '^(struct|class) [A-Za-z0-9]+( final)?( :.*)? \{' measure --include='*.h' |
+  awk '{print $2}' | sort | uniq -d)
 if [ -n "$twice" ]; then
   echo "types that two headers of the measuring library define: $twice"
   failed=1
