@@ -80,7 +80,7 @@ private:
         for (const int sign : {1, -1}) {
             std::size_t low = 0;
             std::size_t high = 0;
-            const auto key = [&](std::size_t i) { return dots[i].x * plate.d4 + sign * dots[i].y * plate.d5; };
+            const auto key = [&](std::size_t i) { return plate.d4 * dots[i].x + sign * plate.d5 * dots[i].y; };
             for (std::size_t i = 0; i < dots.size(); ++i) {
                 low = key(i) < key(low) ? i : low;
                 high = key(i) > key(high) ? i : high;
