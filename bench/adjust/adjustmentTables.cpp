@@ -18,6 +18,8 @@ using namespace zelm::measure;
 using zelmtest::AdjustScene;
 using zelmtest::Random;
 
+constexpr double kMaxOfSamePlace = 1.0;  // pixels; a dot farther away was taken for another
+
 void printOutlines() {
     std::printf("| model | radius | tilt 0° | tilt 20° | tilt 40° | tilt 60° |\n|---:|---:|---:|---:|---:|---:|\n");
     for (const int model : {0, 1, 2}) {
@@ -48,6 +50,8 @@ void printReader() {
                 }
                 if (errors.count == 0) {
                     std::printf(" not read |");
+                } else if (errors.worst > kMaxOfSamePlace) {
+                    std::printf(" misread |");
                 } else {
                     std::printf(" %.4f / %.4f (%zu) |", errors.rms(), errors.worst, errors.count);
                 }
