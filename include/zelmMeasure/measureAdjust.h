@@ -21,7 +21,7 @@ typedef struct ZelmMeasureAdjustOptions {
         estimateDiameters;  ///< 1: a factor of the diameter for each kind of dot, as print bleeds; 0: as on the plate
     int32_t estimateBow;    ///< 1: the plate may be bent: z = b0 x^2 + b1 x y + b2 y^2; 0: it is flat
     int32_t reserved;       ///< 0
-    double noise;           ///< standard deviation of a dot's coordinate, pixels; 0: from the residuals
+    double noise;           ///< standard deviation of a dot's coordinate, 1e-6 to 100 pixels; 0: from the residuals
     int64_t placeCount;     ///< of measured dot positions; 0: all dots stand on the grid
     const int32_t* placeGrid;  ///< 2 a measured dot: column and row, counted from the corner marker
     const double* places;      ///< 3 a measured dot: its position on the plate, plate units
@@ -33,8 +33,8 @@ typedef struct ZelmMeasureAdjustOptions {
 /// @param options [in] what is estimated; NULL: the defaults
 /// @param adjustment [out] the handle, to be closed by zelmMeasureAdjustClose(); must be NULL before. Also when the rig
 ///     is refused: such a handle holds the error text alone, and every other function refuses it
-/// @return ZELM_OK; ZELM_ERR_PARAM; ZELM_ERR_MEMORY; ZELM_MEASURE_ERR_DATA: the rig has no dots, or its two cameras are
-///     parallel, which their one view determines
+/// @return ZELM_OK; ZELM_ERR_PARAM; ZELM_ERR_MEMORY; ZELM_MEASURE_ERR_DATA: the rig has no dots; its two cameras are parallel,
+///     which their one view determines; the plate's dots are wider than their pitch
 ZELM_API int32_t zelmMeasureAdjustOpen(const ZelmMeasureRig* rig, const Zelm2ViewPatternDesc* pattern,
                                        const ZelmMeasureAdjustOptions* options, ZelmMeasureAdjustment** adjustment);
 
@@ -157,7 +157,7 @@ typedef struct ZelmMeasureAdjustedDots {
 /// @param view [in] from 0
 /// @param dots [in] the arrays that are written; NULL: dots are only counted
 /// @param count [out] their number; dots beyond the capacity are not written
-/// @return ZELM_OK, ZELM_ERR_PARAM, ZELM_MEASURE_ERR_DATA: not solved yet
+/// @return ZELM_OK, ZELM_ERR_PARAM, ZELM_MEASURE_ERR_DATA: not solved since the dots were last changed
 ZELM_API int32_t zelmMeasureAdjustDots(ZelmMeasureAdjustment* adjustment, int32_t side, int32_t view,
                                        const ZelmMeasureAdjustedDots* dots, int64_t* count);
 
@@ -165,7 +165,8 @@ ZELM_API int32_t zelmMeasureAdjustDots(ZelmMeasureAdjustment* adjustment, int32_
 /// that took part, free of the bias of ellipses.
 /// @param adjustment [in] solved
 /// @param rig [out] the handle, to be closed by zelmMeasureRigClose(); must be NULL before; NULL on failure
-/// @return ZELM_OK; ZELM_ERR_PARAM; ZELM_ERR_MEMORY; ZELM_MEASURE_ERR_DATA: not solved yet
+/// @return ZELM_OK; ZELM_ERR_PARAM; ZELM_ERR_MEMORY; ZELM_MEASURE_ERR_DATA: not solved since the dots
+///     were last changed
 ZELM_API int32_t zelmMeasureAdjustRig(ZelmMeasureAdjustment* adjustment, ZelmMeasureRig** rig);
 
 ZELM_END_DECLS

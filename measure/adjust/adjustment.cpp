@@ -16,10 +16,27 @@ namespace {
 constexpr std::size_t kViewsForTilt = 3;   // of a parallel camera
 constexpr std::size_t kFewestDots = 6;     // of an image that places a plate
 constexpr std::size_t kFewestScales = 20;  // of refined dots that tell a diameter
+constexpr double kMinPlaced = 0.75;        // of the dots that were read, on the plate's grid
 constexpr double kWorse = 1.05;            // times the residuals of the reader's dots, and the refined ones are worse
 
-bool hasAny(const std::vector<AdjustView>& views, Side side) {
-    return std::any_of(views.begin(), views.end(), [&](const AdjustView& v) { return !v.dots[side].empty(); });
+// Throws unless the camera's dots are there, and on the plate's grid but for a few.
+void checkPlaced(const RigCamera& camera, const std::vector<AdjustView>& views, Side side) {
+    std::size_t read = 0;
+    for (const auto& dots : camera.dots) {
+        read += dots.size();
+    }
+    if (read == 0) {
+        refuse("the rig has no dots to adjust: open it from the object that was calibrated");
+    }
+    std::size_t placed = 0;
+    for (const AdjustView& view : views) {
+        placed += view.dots[side].size();
+    }
+    if (static_cast<double>(placed) < kMinPlaced * static_cast<double>(read)) {
+        refuse("only " + std::to_string(placed) + " of " + std::to_string(read) + " dots of the " +
+               (side == kLeft ? "left" : "right") +
+               " camera lie on the plate's grid: give the plate that the rig was calibrated with");
+    }
 }
 
 MotionParameters base(const AdjustState& state, Side side, const MotionParameters& pose) {
@@ -35,8 +52,8 @@ Adjustment::Adjustment(const Rig& rig, const Pattern& pattern, const AdjustOptio
       cameras{rig.left, rig.right},
       start(stateOf(rig, pattern)),
       current(viewsOf(rig, pattern, start, places)) {
-    if (!hasAny(current, kLeft) || !hasAny(current, kRight)) {
-        refuse("the rig has no dots to adjust: open it from the object that was calibrated");
+    for (const Side side : {kLeft, kRight}) {
+        checkPlaced(cameras[side], current, side);
     }
     if (options.holdSkew) {
         for (ProjectionCamera& camera : start.cameras) {
@@ -63,6 +80,13 @@ const Adjustment::Outcome& Adjustment::solved() const {
         refuse("the adjustment is not solved yet");
     }
     return *outcome;
+}
+
+void Adjustment::requireCurrent() const {
+    solved();
+    if (hasNewDots) {
+        refuse("the dots were measured anew: solve the adjustment once more");
+    }
 }
 
 void Adjustment::solve() {
@@ -263,7 +287,7 @@ RigCamera Adjustment::adjustedCamera(Side side) const {
 }
 
 Rig Adjustment::adjustedRig() const {
-    solved();
+    requireCurrent();
     const RigCamera left = adjustedCamera(kLeft);
     const RigCamera right = adjustedCamera(kRight);
     Rig rig = rigOfCameras(left, right);

@@ -39,8 +39,8 @@ public:
     const AdjustState& state() const { return solved().state; }
     const std::vector<AdjustView>& views() const { return current; }
     bool usesRefinedDots() const { return hasRefined; }
-    // Whether solve() has seen all dots.
-    bool isCurrent() const { return isSolved() && !hasNewDots; }
+    // Throws Fault unless solve() has seen all dots.
+    void requireCurrent() const;
     // What the last solve() estimated.
     const AdjustOptions& solvedOptions() const { return solved().options; }
     // Measured diameters of refined dots over the plate's.

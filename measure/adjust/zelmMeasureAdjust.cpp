@@ -23,6 +23,9 @@ std::size_t viewOf(const Adjustment& adjustment, std::int32_t view) {
     return static_cast<std::size_t>(view);
 }
 
+constexpr double kMinNoise = 1e-6;  // pixels
+constexpr double kMaxNoise = 100.0;
+
 bool isFlag(std::int32_t value) {
     return value == 0 || value == 1;
 }
@@ -30,7 +33,7 @@ bool isFlag(std::int32_t value) {
 AdjustOptions optionsOf(const ZelmMeasureAdjustOptions& o) {
     require(isFlag(o.holdSkew) && isFlag(o.squarePixels) && isFlag(o.estimateDiameters) && isFlag(o.estimateBow),
             "an option is neither 0 nor 1");
-    require(o.noise >= 0.0 && std::isfinite(o.noise), "the noise is negative or not finite");
+    require(o.noise == 0.0 || (o.noise >= kMinNoise && o.noise <= kMaxNoise), "the noise cannot be meant");
     AdjustOptions options;
     options.holdSkew = o.holdSkew == 1;
     options.squarePixels = o.squarePixels == 1;
@@ -60,15 +63,21 @@ void checkPlate(const Zelm2ViewPatternDesc& p) {
     require(p.polarity == 0 || p.polarity == 1, "the plate's polarity is neither 0 nor 1");
     constexpr double kMaxDots = 1e4;  // along a side; more is a mistake in a unit
     require(p.d0 / p.d4 < kMaxDots && p.d1 / p.d5 < kMaxDots, "the plate's dots are far too many");
+    require(p.d6 / p.d4 < kMaxDots && p.d7 / p.d5 < kMaxDots, "the plate's markers are far too many dots away");
+    if (p.d2 >= std::min(p.d4, p.d5)) {
+        refuse("the plate's dots are wider than their pitch: does its description give diameters in the pitch's unit?");
+    }
+}
+
+// Without arrays there is room for none.
+ZelmMeasureAdjustedDots arraysOf(const ZelmMeasureAdjustedDots* given) {
+    const ZelmMeasureAdjustedDots arrays = given == nullptr ? ZelmMeasureAdjustedDots{} : recordOf(given);
+    require(arrays.capacity >= 0, "the capacity is negative");
+    return arrays;
 }
 
 // Writes the dots that the caller has room for.
-void give(const Adjustment& adjustment, Side side, std::size_t view, const ZelmMeasureAdjustedDots* to) {
-    if (to == nullptr) {
-        return;
-    }
-    const ZelmMeasureAdjustedDots out = recordOf(to);
-    require(out.capacity >= 0, "the capacity is negative");
+void give(const Adjustment& adjustment, Side side, std::size_t view, const ZelmMeasureAdjustedDots& out) {
     const auto put = [](auto* array, std::size_t i, auto x, auto y) {
         if (array != nullptr) {
             array[2 * i] = x;
@@ -193,7 +202,10 @@ std::int32_t zelmMeasureAdjustAddView(ZelmMeasureAdjustment* handle, const ZelmM
 }
 
 std::int32_t zelmMeasureAdjustSummary(ZelmMeasureAdjustment* handle, ZelmMeasureAdjustSummary* summary) {
-    return withAdjustment(handle, [&](Adjustment& adjustment) { giveRecord(summaryOf(adjustment), summary); });
+    return withAdjustment(handle, [&](Adjustment& adjustment) {
+        recordOf(summary);
+        giveRecord(summaryOf(adjustment), summary);
+    });
 }
 
 const char* zelmMeasureAdjustView(const ZelmMeasureAdjustment* handle, std::int32_t view) {
@@ -210,8 +222,9 @@ std::int32_t zelmMeasureAdjustDots(ZelmMeasureAdjustment* handle, std::int32_t s
         require(count != nullptr, "the number's place is NULL");
         const Side camera = sideFrom(side);
         const std::size_t index = viewOf(adjustment, view);
-        adjustment.summary();
-        give(adjustment, camera, index, dots);
+        const ZelmMeasureAdjustedDots arrays = arraysOf(dots);
+        adjustment.requireCurrent();
+        give(adjustment, camera, index, arrays);
         *count = static_cast<std::int64_t>(adjustment.views()[index].dots[camera].size());
     });
 }

@@ -53,10 +53,7 @@ std::int32_t zelmMeasureAdjustChecks(ZelmMeasureAdjustment* handle, ZelmMeasureC
             recordOf(checks);
             require(checks->size % 8 == 0, "a record's size is not a multiple of 8");
         }
-        adjustment.summary();
-        if (!adjustment.isCurrent()) {
-            refuse("the dots were measured anew: solve the adjustment once more before it is checked");
-        }
+        adjustment.requireCurrent();
         std::vector<ZelmMeasureCheck> records;
         for (const Check& check : checksOf({&adjustment.state(), &adjustment.views(), &adjustment.solvedOptions(),
                                             &adjustment.summary(), &adjustment.measuredScales()})) {

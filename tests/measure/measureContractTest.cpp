@@ -329,7 +329,8 @@ TEST_F(MeasureContract, AdjustmentsAreOpenedOfSoundArgumentsAlone) {
         [](auto& o) { o.size = 0; },          [](auto& o) { o.holdSkew = 2; },
         [](auto& o) { o.squarePixels = -1; }, [](auto& o) { o.estimateDiameters = 7; },
         [](auto& o) { o.estimateBow = 2; },   [](auto& o) { o.noise = -0.1; },
-        [=](auto& o) { o.noise = nan; },      [](auto& o) { o.placeCount = -1; },
+        [=](auto& o) { o.noise = nan; },      [](auto& o) { o.noise = 1e-200; },
+        [](auto& o) { o.noise = 1e200; },     [](auto& o) { o.placeCount = -1; },
         [](auto& o) { o.placeCount = 1; }};
     for (const auto& change : wrongOptions) {
         auto options = emptyRecord<ZelmMeasureAdjustOptions>();
@@ -344,14 +345,19 @@ TEST_F(MeasureContract, AdjustmentsAreOpenedOfSoundArgumentsAlone) {
     options.places = places;
     expectParam("places", zelmMeasureAdjustOpen(rig, &plate, &options, &none));
     const std::function<void(Zelm2ViewPatternDesc&)> wrongPlates[] = {
-        [](auto& p) { p.d4 = 0.0; }, [=](auto& p) { p.d0 = nan; }, [](auto& p) { p.polarity = 2; },
-        [](auto& p) { p.d4 = 1e-6; }};
+        [](auto& p) { p.d4 = 0.0; },  [=](auto& p) { p.d0 = nan; },  [](auto& p) { p.polarity = 2; },
+        [](auto& p) { p.d4 = 1e-6; }, [](auto& p) { p.d6 = 1e300; }, [](auto& p) { p.d7 = 1e300; }};
     for (const auto& change : wrongPlates) {
         Zelm2ViewPatternDesc wrong = plate;
         change(wrong);
         expectParam("plate", zelmMeasureAdjustOpen(rig, &wrong, nullptr, &none));
     }
     EXPECT_EQ(none, nullptr);
+    Zelm2ViewPatternDesc wide = plate;
+    wide.d2 = wide.d5;
+    EXPECT_EQ(zelmMeasureAdjustOpen(rig, &wide, nullptr, &none), ZELM_MEASURE_ERR_DATA);
+    EXPECT_NE(std::string(zelmMeasureAdjustError(none)).find("wider than their pitch"), std::string::npos);
+    zelmMeasureAdjustClose(&none);
     OpenedAdjustment live;
     ASSERT_EQ(live.open(core.get(), plate), ZELM_OK);
     ZelmMeasureAdjustment* const before = live.handle;
@@ -384,6 +390,10 @@ TEST_F(MeasureContract, AdjustmentsAnswerSoundQuestionsAlone) {
     expectData("rig", zelmMeasureAdjustRig(a, &rig));
     expectData("refine", zelmMeasureAdjustRefine(a, 'L', 0, &image, nullptr));
     expectData("view", zelmMeasureAdjustAddView(a, &image, &image, i, i + 1));
+    // Wrong arguments are told first.
+    expectParam("summary", zelmMeasureAdjustSummary(a, nullptr));
+    dots.capacity = -1;
+    expectParam("capacity", zelmMeasureAdjustDots(a, 'L', 0, &dots, n));
     ASSERT_EQ(zelmMeasureAdjustSolve(a), ZELM_OK) << opened.error();
     const ZelmMeasureImage other{gray.data(), 640, 480, 640};
     expectData("size", zelmMeasureAdjustRefine(a, 'L', 0, &other, nullptr));
@@ -408,7 +418,6 @@ TEST_F(MeasureContract, AdjustmentsAnswerSoundQuestionsAlone) {
     EXPECT_EQ(zelmMeasureAdjustView(nullptr, 0), nullptr);
     EXPECT_STREQ(zelmMeasureAdjustError(nullptr), "");
     expectParam("count", zelmMeasureAdjustDots(a, 'L', 0, nullptr, nullptr));
-    dots.capacity = -1;
     expectParam("capacity", zelmMeasureAdjustDots(a, 'L', 0, &dots, n));
     dots.size = 0;
     expectParam("size", zelmMeasureAdjustDots(a, 'L', 0, &dots, n));
@@ -425,6 +434,11 @@ TEST_F(MeasureContract, AdjustmentsAnswerSoundQuestionsAlone) {
     ZelmMeasureRig* live = sound.rig.get();
     expectParam("live", zelmMeasureAdjustRig(a, &live));
     zelmMeasureAdjustClose(nullptr);
+    // Dots that no solution knows have no residuals yet, and are no rig's.
+    ASSERT_EQ(zelmMeasureAdjustRefine(a, 'L', 0, &image, nullptr), ZELM_OK) << opened.error();
+    expectData("dots", zelmMeasureAdjustDots(a, 'L', 0, nullptr, n));
+    expectData("rig", zelmMeasureAdjustRig(a, &rig));
+    EXPECT_EQ(rig, nullptr);
 }
 
 // A covariance that a rig takes.
