@@ -49,6 +49,14 @@ std::vector<DotObservation> dotsOf(const RigCamera& camera, const Pattern& plate
     return dots;
 }
 
+// From the plate of a view to a camera, as the camera's own dots tell it: they find their places on the plate even where
+// the other camera saw it elsewhere. A parallel camera has no pose of views that it was not calibrated from.
+MotionParameters ownPose(const RigCamera& camera, const AdjustState& state, Side side, std::size_t view) {
+    const ZelmCameraExtrinsics& pose = camera.poses[view];
+    const bool isKnown = std::any_of(std::begin(pose.R), std::end(pose.R), [](double r) { return r != 0.0; });
+    return isKnown ? ofExtrinsics(pose) : poseOf(state, side, view);
+}
+
 }  // namespace
 
 MotionParameters motionParameters(const Matrix3& R, const Vector3& t) {
@@ -110,7 +118,8 @@ std::vector<AdjustView> viewsOf(const Rig& rig, const Pattern& plate, const Adju
     for (const Side side : {kLeft, kRight}) {
         const RigCamera& camera = side == kLeft ? rig.left : rig.right;
         for (std::size_t view = 0; view < views.size() && view < camera.dots.size(); ++view) {
-            views[view].dots[side] = dotsOf(camera, plate, poseOf(state, side, view), camera.dots[view], places);
+            views[view].dots[side] =
+                dotsOf(camera, plate, ownPose(camera, state, side, view), camera.dots[view], places);
         }
     }
     return views;

@@ -21,6 +21,7 @@ constexpr double kOutlier = 5.0;             // standard deviations; one dot in 
 constexpr double kMovedView = 4.0;           // times the median of the views' residuals
 constexpr double kLine = 0.02;               // of the width over the length of what a view shows of the plate
 constexpr double kFarOff = 1e5;              // pixels from where the start sees a dot; no image is as wide
+constexpr double kMaxResidual = 2.0;         // pixels, RMS; no calibration is worth having beyond
 constexpr double kMovedPixels = 0.02;        // a view's residual that is nobody's concern
 constexpr int kMaxRounds = 8;                // of weights and outliers
 constexpr double kSettledNoise = 0.01;       // relative change
@@ -37,6 +38,9 @@ public:
 private:
     void checkStart();
     void checkViews() const;
+    void checkCamera(Side side) const;
+    void checkFit() const;
+    bool tellsDistance(const AdjustView& view) const;
     void leaveOutPoorViews();
     void solve(bool robust, double tolerance);
     void predict();
@@ -72,6 +76,13 @@ double normalisedSquare(const DotObservation& dot, double noise) {
     const double a = W[0] * dot.residual.x + W[1] * dot.residual.y;
     const double b = W[2] * dot.residual.y;
     return a * a + b * b;
+}
+
+// With three decimals.
+std::string textOf(double pixels) {
+    const auto thousandths = static_cast<long>(std::lround(std::min(pixels, 1e6) * 1000.0));
+    const std::string digits = std::to_string(1000 + thousandths % 1000);
+    return std::to_string(thousandths / 1000) + "." + digits.substr(1);
 }
 
 bool isUsed(const DotObservation& dot) {
@@ -121,10 +132,23 @@ void leaveOut(AdjustView& view, const std::string& why) {
 
 void Adjuster::leaveOutPoorViews() {
     for (AdjustView& view : views) {
-        if (takesPart(view) && !placesPlate(view)) {
+        if (!takesPart(view)) {
+            continue;
+        }
+        if (!placesPlate(view)) {
             leaveOut(view, "its dots are too few, or all on one line, to tell where the plate is");
+        } else if (!tellsDistance(view)) {
+            leaveOut(view, "the parallel camera alone sees it, which does not tell how far away the plate is");
         }
     }
+}
+
+bool Adjuster::tellsDistance(const AdjustView& view) const {
+    const auto isTold = [&](Side side) {
+        const auto& dots = view.dots[side];
+        return !state.cameras[side].isParallel && std::any_of(dots.begin(), dots.end(), isUsed);
+    };
+    return isTold(kLeft) || isTold(kRight);
 }
 
 // Numbers that mean nothing are refused here: the solver would say so on the console.
@@ -147,8 +171,29 @@ void Adjuster::checkViews() const {
     if (used < kMinViews) {
         refuse("only " + std::to_string(used) + " views can be adjusted: take at least " + std::to_string(kMinViews));
     }
-    if (countUsed(kLeft) < kMinDots * kMinViews && countUsed(kRight) < kMinDots * kMinViews) {
-        refuse("too few dots to adjust: take images that show more of the plate");
+    checkCamera(kLeft);
+    checkCamera(kRight);
+}
+
+// A camera whose dots all fell out would keep its start, and pass for known without error.
+void Adjuster::checkCamera(Side side) const {
+    const bool hasDots =
+        std::any_of(views.begin(), views.end(), [&](const AdjustView& view) { return !view.dots[side].empty(); });
+    // One view determines a parallel camera whose tilt is held.
+    const std::size_t least = state.cameras[side].isParallel ? kMinDots : kMinDots * kMinViews;
+    if (hasDots && countUsed(side) < least) {
+        refuse("the " + std::string(side == kLeft ? "left" : "right") + " camera has too few dots, " +
+               std::to_string(countUsed(side)) + ", that agree with the others: take images that show more of the " +
+               "plate, and see that each view's two images belong together");
+    }
+}
+
+// Views whose two images do not belong together can agree on a rig that is none.
+void Adjuster::checkFit() const {
+    const double worst = std::max(summary.rms[kLeft], summary.rms[kRight]);
+    if (!(worst <= kMaxResidual)) {
+        refuse("the dots are " + textOf(worst) + " px from where any one rig sees them: see that each view's two " +
+               "images belong together, that neither camera was moved or refocused, and that all show this plate");
     }
 }
 
@@ -284,13 +329,8 @@ bool Adjuster::dropMovedView() {
     if (seen.size() <= kMinViews || *worst <= kMovedView * median || *worst <= kMovedPixels) {
         return false;
     }
-    const auto text = [](double pixels) {
-        const auto thousandths = static_cast<long>(std::lround(std::min(pixels, 1e6) * 1000.0));
-        const std::string digits = std::to_string(1000 + thousandths % 1000);
-        return std::to_string(thousandths / 1000) + "." + digits.substr(1);
-    };
     leaveOut(views[static_cast<std::size_t>(worst - rms.begin())],
-             "its dots are " + text(*worst) + " px from where the other views put them, usual is " + text(median) +
+             "its dots are " + textOf(*worst) + " px from where the other views put them, usual is " + textOf(median) +
                  " px: was the plate or a camera moved between its two images?");
     return true;
 }
@@ -417,7 +457,7 @@ AdjustSummary Adjuster::run() {
         predict();
         const bool moved = dropMovedView();
         const bool settled = estimateNoise(robust);
-        if (!moved && ++round == kMaxRounds) {
+        if (!moved && ++round >= kMaxRounds && !robust) {
             break;
         }
         const std::size_t before = countUsed(kLeft) + countUsed(kRight);
@@ -436,6 +476,7 @@ AdjustSummary Adjuster::run() {
     state = found;
     fillFigures();
     summary.rmsBefore = rmsBefore;
+    checkFit();
     return summary;
 }
 

@@ -200,6 +200,53 @@ TEST(AdjustInterface, BadDataAreSilentAndFinite) {
     expectFinite(scene, views, scene.plate, "a foreign image");
 }
 
+TEST(AdjustInterface, ViewsWhoseImagesDoNotBelongTogetherAreNamed) {
+    Random random(7);
+    AdjustSceneOptions options = withModels(0, 0);
+    options.views = 6;
+    const AdjustScene scene = makeAdjustScene(options);
+    const std::vector<AdjustView> sound = scene.noisy(0.03, random);
+    {
+        // The pose between the cameras starts from this view.
+        std::vector<AdjustView> views = sound;
+        std::swap(views[0].dots[kLeft], views[0].dots[kRight]);
+        Handle core;
+        calibrateScene(scene, views, core);
+        OpenedAdjustment adjustment;
+        ASSERT_EQ(adjustment.open(core.get(), scene.plate), ZELM_OK) << adjustment.error();
+        ASSERT_EQ(zelmMeasureAdjustSolve(adjustment.handle), ZELM_OK) << adjustment.error();
+        auto summary = emptyRecord<ZelmMeasureAdjustSummary>();
+        ASSERT_EQ(zelmMeasureAdjustSummary(adjustment.handle, &summary), ZELM_OK);
+        EXPECT_EQ(summary.viewsLeftOut, 1);
+        EXPECT_NE(std::string(zelmMeasureAdjustView(adjustment.handle, 0)), "");
+        EXPECT_NEAR(summary.rightNoise, 0.03, 0.003);
+    }
+    std::vector<AdjustView> views = sound;
+    for (std::size_t view = 0; view < views.size(); ++view) {
+        views[view].dots[kRight] = sound[(view + 1) % sound.size()].dots[kRight];
+    }
+    Handle core;
+    calibrateScene(scene, views, core);
+    OpenedAdjustment adjustment;
+    ASSERT_EQ(adjustment.open(core.get(), scene.plate), ZELM_OK) << adjustment.error();
+    EXPECT_EQ(zelmMeasureAdjustSolve(adjustment.handle), ZELM_MEASURE_ERR_DATA);
+    EXPECT_NE(adjustment.error().find("two images belong together"), std::string::npos) << adjustment.error();
+}
+
+TEST(AdjustInterface, AnotherPlateIsRefused) {
+    Random random(8);
+    const AdjustScene scene = makeAdjustScene(withModels(0, 0));
+    Handle core;
+    calibrateScene(scene, scene.noisy(0.03, random), core);
+    for (const double pitch : {11.0, 12.0}) {
+        Zelm2ViewPatternDesc plate = scene.plate;
+        plate.d4 = pitch;
+        OpenedAdjustment adjustment;
+        EXPECT_EQ(adjustment.open(core.get(), plate), ZELM_MEASURE_ERR_DATA);
+        EXPECT_NE(adjustment.error().find("lie on the plate's grid"), std::string::npos) << adjustment.error();
+    }
+}
+
 TEST(AdjustInterface, WrongDiametersAreFoundWhereTheyAreEstimated) {
     AdjustSceneOptions options = withModels(0, 0);
     options.factors = {1.08, 1.08};

@@ -415,6 +415,43 @@ TEST(Adjuster, PoorDataAreRefusedOrHonest) {
     expectFiniteOrNamed(scene.truth, line, {}, "a line of dots in one view");
 }
 
+// A camera that no dot measures must not pass for one that is known without error.
+TEST(Adjuster, ACameraWhoseDotsFallOutIsRefusedByName) {
+    const AdjustScene scene = makeAdjustScene({});
+    Random random(12);
+    for (const Side side : {kLeft, kRight}) {
+        std::vector<AdjustView> views = scene.noisy(0.03, random);
+        for (std::size_t view = 0; view < views.size(); ++view) {
+            views[view].dots[side].resize(view < 3 ? 5 : 0);
+        }
+        AdjustState state = scene.truth;
+        try {
+            adjust(state, views, {});
+            ADD_FAILURE() << "adjusted with 15 dots of a camera";
+        } catch (const Fault& fault) {
+            const std::string name =
+                side == kLeft ? "the left camera has too few dots" : "the right camera has too few";
+            EXPECT_NE(std::string(fault.what()).find(name), std::string::npos) << fault.what();
+        }
+    }
+}
+
+TEST(Adjuster, AViewOfTheParallelCameraAloneTakesNoPart) {
+    AdjustSceneOptions options;
+    options.models = {2, 0};
+    const AdjustScene scene = makeAdjustScene(options);
+    Random random(13);
+    std::vector<AdjustView> views = scene.noisy(0.03, random);
+    views[4].dots[kRight].clear();
+    const Adjusted found = adjusted(scene.truth, views, {});
+    EXPECT_NE(found.views[4].leftOut.find("parallel camera alone"), std::string::npos) << found.views[4].leftOut;
+    EXPECT_EQ(found.summary.viewsLeftOut, 1U);
+    for (const double value : found.covariance.poses[4]) {
+        EXPECT_EQ(value, 0.0);
+    }
+    expectTruth(scene, found, 1e-3);
+}
+
 TEST(Adjuster, GarbageIsRefused) {
     const AdjustScene scene = makeAdjustScene({});
     for (const double bad : {std::nan(""), std::numeric_limits<double>::infinity(), 1e300, -1e300}) {
