@@ -5,15 +5,14 @@
 #include <ceres/ceres.h>
 #include <ceres/rotation.h>
 
-#include <algorithm>
 #include <cstdio>
-#include <map>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "adjustScene.h"
 #include "adjuster.h"
+#include "leastTimes.h"
 
 namespace {
 
@@ -153,29 +152,6 @@ void sizes(benchmark::internal::Benchmark* b) {
 BENCHMARK(adjustment)->Apply(sizes);
 BENCHMARK(plainSolver)->Apply(sizes);
 
-// Keeps the least processor time of each benchmark.
-class LeastTimes : public benchmark::ConsoleReporter {
-public:
-    LeastTimes() : ConsoleReporter(OO_Tabular) {}
-    void ReportRuns(const std::vector<Run>& runs) override {
-        for (const Run& run : runs) {
-            if (run.run_type == Run::RT_Iteration && !run.error_occurred) {
-                const std::string name = run.run_name.function_name + "/" + run.run_name.args;
-                const auto [entry, isNew] = least.emplace(name, run.GetAdjustedCPUTime());
-                entry->second = isNew ? entry->second : std::min(entry->second, run.GetAdjustedCPUTime());
-            }
-        }
-        ConsoleReporter::ReportRuns(runs);
-    }
-    double of(const std::string& name) const {
-        const auto entry = least.find(name);
-        return entry == least.end() ? 0.0 : entry->second;
-    }
-
-private:
-    std::map<std::string, double> least;
-};
-
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -183,7 +159,7 @@ int main(int argc, char** argv) {
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
         return 2;
     }
-    LeastTimes reporter;
+    zelmbench::LeastTimes reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
     std::printf("\nleast processor times\n");
     for (const char* const views : {"12", "100", "300"}) {

@@ -2,14 +2,13 @@
 // take than 30; the refinement is to cost O(views), so the ratio stays near 10.
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <map>
 #include <string>
 #include <vector>
 
 #include "cameraScene.h"
+#include "leastTimes.h"
 #include "random.h"
 #include "zelm/calib.h"
 
@@ -93,30 +92,13 @@ BENCHMARK(homography)->Unit(benchmark::kMicrosecond);
 BENCHMARK_CAPTURE(lens, distort, zelmCalibDistortPoint);
 BENCHMARK_CAPTURE(lens, undistort, zelmCalibUnDistortPoint);
 
-// Keeps the least time of each benchmark.
-class RatioReporter : public benchmark::ConsoleReporter {
-public:
-    RatioReporter() : ConsoleReporter(OO_Tabular) {}
-    void ReportRuns(const std::vector<Run>& runs) override {
-        for (const Run& run : runs) {
-            if (run.run_type == Run::RT_Iteration && !run.error_occurred) {
-                const auto [entry, isNew] = least.emplace(run.benchmark_name(), run.GetAdjustedCPUTime());
-                entry->second = isNew ? entry->second : std::min(entry->second, run.GetAdjustedCPUTime());
-            }
-        }
-        ConsoleReporter::ReportRuns(runs);
+void printRatio(const zelmbench::LeastTimes& times, const std::string& name) {
+    const double few = times.of(name + "/30");
+    const double many = times.of(name + "/300");
+    if (few > 0.0 && many > 0.0) {
+        std::printf("%s: 300 views take %.2f times as long as 30\n", name.c_str(), many / few);
     }
-    void printRatio(const std::string& name) const {
-        const auto few = least.find(name + "/30");
-        const auto many = least.find(name + "/300");
-        if (few != least.end() && many != least.end()) {
-            std::printf("%s: 300 views take %.2f times as long as 30\n", name.c_str(), many->second / few->second);
-        }
-    }
-
-private:
-    std::map<std::string, double> least;
-};
+}
 
 }  // namespace
 
@@ -125,11 +107,11 @@ int main(int argc, char** argv) {
     if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
         return 2;
     }
-    RatioReporter reporter;
+    zelmbench::LeastTimes reporter;
     benchmark::RunSpecifiedBenchmarks(&reporter);
     std::printf("\nleast processor times\n");
-    reporter.printRatio("cameraPlain");
-    reporter.printRatio("cameraRobust");
+    printRatio(reporter, "cameraPlain");
+    printRatio(reporter, "cameraRobust");
     benchmark::Shutdown();
     return 0;
 }
