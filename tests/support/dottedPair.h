@@ -9,14 +9,14 @@
 
 namespace zelmtest {
 
-// Dots of the plate in every view, with a noise of a tenth of a pixel.
+// Dots of the plate in every view, with normal noise.
 struct DottedPair {
     render::Plate plate;
     render::StereoRig rig = render::exampleRig();
     std::vector<render::Pose> poses;  // in the left camera
     Handle handle;
 
-    explicit DottedPair(std::int32_t views, const render::Plate& chosen = {}) : plate(chosen) {
+    explicit DottedPair(std::int32_t views, const render::Plate& chosen = {}, double noise = 0.1) : plate(chosen) {
         const Zelm2ViewPatternDesc pattern = describe(plate);
         const Zelm2ViewCameraDesc cameras = cameraPair(0, 0, rig.left.width, rig.left.height);
         EXPECT_EQ(zelm2ViewCalibOpen(views, &pattern, &cameras, &handle.calib), ZELM_OK);
@@ -24,9 +24,9 @@ struct DottedPair {
         for (std::int32_t view = 0; view < views; ++view) {
             const render::Pose& left = poses[static_cast<std::size_t>(view)];
             const auto seed = static_cast<std::uint64_t>(2 * view + 1);
-            fillView(handle.calib, zelm::Camera::left, view, plate, rig.left, left, 0.1, seed);
+            fillView(handle.calib, zelm::Camera::left, view, plate, rig.left, left, noise, seed);
             fillView(handle.calib, zelm::Camera::right, view, plate, rig.right,
-                     render::compose(rig.rightFromLeft, left), 0.1, seed + 1);
+                     render::compose(rig.rightFromLeft, left), noise, seed + 1);
         }
         Zelm2ViewCalibResult result{};
         EXPECT_EQ(zelm2ViewCalibCameraParam(handle.calib, &result), ZELM_OK);

@@ -7,6 +7,7 @@
 #include <limits>
 #include <vector>
 
+#include "dottedPair.h"
 #include "measureRigs.h"
 #include "patternReading.h"
 
@@ -14,29 +15,6 @@ namespace zelmtest {
 namespace {
 
 constexpr std::int32_t kViews = 6;
-
-// A pair calibrated from the dots of the default plate, 13 x 11, as the cameras of the example see them.
-struct CalibratedPair {
-    render::Plate plate;
-    Handle handle;
-
-    explicit CalibratedPair(double noise) {
-        const render::StereoRig rig = render::exampleRig();
-        const Zelm2ViewPatternDesc pattern = describe(plate);
-        const Zelm2ViewCameraDesc cameras = cameraPair(0, 0, rig.left.width, rig.left.height);
-        EXPECT_EQ(zelm2ViewCalibOpen(kViews, &pattern, &cameras, &handle.calib), ZELM_OK);
-        const std::vector<render::Pose> poses = render::makeViewPoses(plate, rig, kViews, 3);
-        for (std::int32_t view = 0; view < kViews; ++view) {
-            const render::Pose& left = poses[static_cast<std::size_t>(view)];
-            const auto seed = static_cast<std::uint64_t>(10 + view);
-            fillView(handle.calib, zelm::Camera::left, view, plate, rig.left, left, noise, seed);
-            fillView(handle.calib, zelm::Camera::right, view, plate, rig.right,
-                     render::compose(rig.rightFromLeft, left), noise, seed + 100);
-        }
-        Zelm2ViewCalibResult result{};
-        EXPECT_EQ(zelm2ViewCalibCameraParam(handle.calib, &result), ZELM_OK);
-    }
-};
 
 struct Dots {
     std::vector<std::int32_t> grid;
@@ -64,7 +42,7 @@ Dots dotsOf(const OpenedRig& rig, const Zelm2ViewPatternDesc& pattern, char side
 TEST(MeasureRigDots, EveryDotHasItsPlaceAndItsErrorIsMeasuredLessProjected) {
     for (const double noise : {0.0, 0.3}) {
         SCOPED_TRACE(noise);
-        const CalibratedPair pair(noise);
+        const DottedPair pair(kViews, {}, noise);
         const OpenedRig rig(pair.handle.get());
         const Zelm2ViewPatternDesc pattern = describe(pair.plate);
         const auto truths = render::plateDots(pair.plate);
@@ -105,7 +83,7 @@ TEST(MeasureRigDots, EveryDotHasItsPlaceAndItsErrorIsMeasuredLessProjected) {
 }
 
 TEST(MeasureRigDots, DotsWithoutAPlaceAreFoundButNotPlaced) {
-    const CalibratedPair pair(0.0);
+    const DottedPair pair(kViews, {}, 0.0);
     // A fifth of a pitch beside its place after calibration: damaged data.
     Zelm2ViewPtnEntry& entry = zelm::entriesOf(zelm::openedWork(*pair.handle.get()), zelm::Camera::left)[2];
     const Point2d next = entry.image[1];
@@ -121,7 +99,7 @@ TEST(MeasureRigDots, DotsWithoutAPlaceAreFoundButNotPlaced) {
 }
 
 TEST(MeasureRigDots, CountsAloneAndCapacities) {
-    const CalibratedPair pair(0.0);
+    const DottedPair pair(kViews, {}, 0.0);
     const OpenedRig rig(pair.handle.get());
     const Zelm2ViewPatternDesc pattern = describe(pair.plate);
     std::int64_t placed = -7;
@@ -160,7 +138,7 @@ std::vector<double> epipolarOf(const OpenedRig& rig, const Zelm2ViewPatternDesc&
 }
 
 TEST(MeasureRigEpipolar, ExactDotsLieOnEachOthersLines) {
-    const CalibratedPair pair(0.0);
+    const DottedPair pair(kViews, {}, 0.0);
     const OpenedRig rig(pair.handle.get());
     for (std::int32_t view = 0; view < kViews; ++view) {
         const std::vector<double> distances = epipolarOf(rig, describe(pair.plate), view);
@@ -171,7 +149,7 @@ TEST(MeasureRigEpipolar, ExactDotsLieOnEachOthersLines) {
 }
 
 TEST(MeasureRigEpipolar, DistancesAreThoseOfTheFundamentalMatrix) {
-    const CalibratedPair pair(0.3);
+    const DottedPair pair(kViews, {}, 0.3);
     const OpenedRig rig(pair.handle.get());
     const Zelm2ViewPatternDesc pattern = describe(pair.plate);
     double F[9];

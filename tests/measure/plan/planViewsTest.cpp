@@ -7,6 +7,7 @@
 #include <numbers>
 #include <string>
 
+#include "dottedPair.h"
 #include "patternReading.h"
 #include "planFixtures.h"
 
@@ -139,32 +140,9 @@ TEST(PlanViews, TakenViewsStayAndPlannedOnesFollow) {
     }
 }
 
-// A pair that was calibrated from five views of the renderer's plate.
-struct CalibratedPair {
-    render::Plate plate;
-    Handle handle;
-
-    CalibratedPair() {
-        constexpr int kViews = 5;
-        const render::StereoRig rig = render::exampleRig();
-        const Zelm2ViewPatternDesc pattern = describe(plate);
-        const Zelm2ViewCameraDesc cameras = cameraPair(0, 0, rig.left.width, rig.left.height);
-        EXPECT_EQ(zelm2ViewCalibOpen(kViews, &pattern, &cameras, &handle.calib), ZELM_OK);
-        const std::vector<render::Pose> poses = render::makeViewPoses(plate, rig, kViews, 3);
-        for (std::int32_t view = 0; view < kViews; ++view) {
-            const render::Pose& left = poses[static_cast<std::size_t>(view)];
-            fillView(handle.calib, zelm::Camera::left, view, plate, rig.left, left, 0.02);
-            fillView(handle.calib, zelm::Camera::right, view, plate, rig.right,
-                     render::compose(rig.rightFromLeft, left), 0.02);
-        }
-        Zelm2ViewCalibResult result{};
-        EXPECT_EQ(zelm2ViewCalibCameraParam(handle.calib, &result), ZELM_OK);
-    }
-};
-
 // A calibrated rig: its views are taken.
 TEST(PlanViews, GoesOnFromARig) {
-    const CalibratedPair pair;
+    const DottedPair pair(5, {}, 0.02);
     const OpenedRig rig(pair.handle.get());
     PlanSetup setup;
     setup.plate = describe(pair.plate);
