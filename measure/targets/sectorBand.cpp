@@ -21,14 +21,14 @@ std::size_t sectorCount(const Ellipse2d& ellipse) {
         std::clamp(std::round(perimeterOf(ellipse) / kSectorLength), kMinSectors, kMaxSectors));
 }
 
-// First and last row or column within `reach` of a centre.
+// First and last row or column of the image within `reach` of a centre; none where the last comes before the first.
 struct Span {
     int first;
     int last;
 };
 Span within(double centre, double reach, int size) {
-    return {std::max(0, static_cast<int>(std::floor(centre - reach))),
-            std::min(size - 1, static_cast<int>(std::ceil(centre + reach)))};
+    return {static_cast<int>(std::clamp(std::floor(centre - reach), 0.0, static_cast<double>(size))),
+            static_cast<int>(std::clamp(std::ceil(centre + reach), -1.0, size - 1.0))};
 }
 
 }  // namespace
