@@ -15,6 +15,7 @@ namespace {
 using zelm::measure::Check;
 using zelm::measure::CheckKind;
 using zelm::measure::CheckVerdict;
+using zelmtest::alarms;
 using zelmtest::CalibrationFlaws;
 
 struct Trial {
@@ -28,10 +29,6 @@ struct Trial {
 int draws = 100;
 std::string only;  // of the flaws, those whose words hold it
 bool isTalking = false;
-
-bool alarms(const Check& check) {
-    return check.verdict == CheckVerdict::notable || check.verdict == CheckVerdict::wrong;
-}
 
 bool isMeant(const Check& check, const Trial& trial) {
     return check.kind == trial.kind && (trial.side < 0 || check.side == trial.side) &&

@@ -159,6 +159,11 @@ inline SimulatedCalibration simulate(const CalibrationFlaws& flaws, std::uint64_
     return simulated;
 }
 
+inline bool alarms(const zelm::measure::Check& check) {
+    using zelm::measure::CheckVerdict;
+    return check.verdict == CheckVerdict::notable || check.verdict == CheckVerdict::wrong;
+}
+
 // The first check of a kind, of a side where one is named.
 inline const zelm::measure::Check& checkOf(const std::vector<zelm::measure::Check>& checks,
                                            zelm::measure::CheckKind kind, int side = -1) {

@@ -1,5 +1,5 @@
-// Checks of simulated calibrations: sound ones seldom alarm, flaws are found, named and sized, and what cannot be
-// checked says so.
+// Checks of simulated calibrations: flaws are found, named and sized, and what cannot be checked says so. How often
+// sound ones alarm is in soundChecksTest.cpp.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -11,15 +11,12 @@
 
 #include "checkWords.h"
 #include "flawedCalibration.h"
+#include "soundChecks.h"
 
 namespace zelmtest {
 namespace {
 
 using namespace zelm::measure;
-
-bool alarms(const Check& check) {
-    return check.verdict == CheckVerdict::notable || check.verdict == CheckVerdict::wrong;
-}
 
 // The halves see every flaw, and are left to the tests that mean them.
 std::set<CheckKind> alarming(const std::vector<Check>& checks) {
@@ -32,26 +29,20 @@ std::set<CheckKind> alarming(const std::vector<Check>& checks) {
     return kinds;
 }
 
-void expectSound(const std::vector<Check>& checks) {
-    ASSERT_GE(checks.size(), 8U);
-    for (const Check& check : checks) {
-        for (const double number : {check.p, check.value, check.deviation, check.limit, check.turnDegrees,
-                                    check.turnDeviation, check.shift, check.coefficient, check.coefficientSigma}) {
-            EXPECT_TRUE(std::isfinite(number)) << static_cast<int>(check.kind);
-        }
-        EXPECT_GE(check.p, 0.0);
-        EXPECT_LE(check.p, 1.0);
-        EXPECT_GE(check.deviation, 0.0);
-        const std::string words = wordsOf(check);
-        EXPECT_FALSE(words.empty());
-        EXPECT_LT(words.size(), 512U) << words;
-        EXPECT_EQ(words.find('\n'), std::string::npos) << words;
-        EXPECT_EQ(words.find("nan"), std::string::npos) << words;
-    }
+// As wide as the usual plate, with fewer dots: what the tests look for is far beyond the noise of either.
+zelm::render::Plate coarsePlate() {
+    zelm::render::Plate plate;
+    plate.minX = -4;
+    plate.maxX = 4;
+    plate.minY = -3;
+    plate.maxY = 3;
+    plate.pitchX = plate.pitchY = 15.0;
+    return plate;
 }
 
-std::vector<Check> checksOfAdjusted(const CalibrationFlaws& flaws, std::uint64_t seed, int views = 12) {
-    SimulatedCalibration calibration = simulate(flaws, seed, views);
+std::vector<Check> checksOfAdjusted(const CalibrationFlaws& flaws, std::uint64_t seed, int views = 9,
+                                    const zelm::render::Plate& plate = coarsePlate()) {
+    SimulatedCalibration calibration = simulate(flaws, seed, views, plate);
     calibration.adjust();
     const std::vector<Check> checks = calibration.checks();
     expectSound(checks);
@@ -62,25 +53,6 @@ std::vector<Check> checksOfAdjusted(const CalibrationFlaws& flaws, std::uint64_t
 void expectFound(const Check& check, double truth) {
     EXPECT_TRUE(alarms(check)) << wordsOf(check);
     EXPECT_NEAR(check.value, truth, 4.0 * check.deviation + 0.02 * truth) << wordsOf(check);
-}
-
-TEST(AdjustmentChecks, SoundCalibrationsSeldomAlarm) {
-    int alarmed = 0;
-    int likely = 0;
-    for (std::uint64_t seed = 1; seed <= 100; ++seed) {
-        SimulatedCalibration calibration = simulate({}, seed, 7);
-        calibration.takeTruth(0.01);
-        const std::vector<Check> checks = calibration.checks();
-        expectSound(checks);
-        alarmed += std::any_of(checks.begin(), checks.end(), alarms) ? 1 : 0;
-        // 8 times the probability of one test: below 0.8 in one of ten.
-        likely += checkOf(checks, CheckKind::pitch).p < 0.8 ? 1 : 0;
-    }
-    // One in a hundred is meant; of 100 more than 5 come once in two thousand suites.
-    EXPECT_LE(alarmed, 5);
-    // Ten are meant, with a deviation of three.
-    EXPECT_GE(likely, 1);
-    EXPECT_LE(likely, 22);
 }
 
 TEST(AdjustmentChecks, AdjustedSoundCalibration) {
@@ -104,7 +76,7 @@ TEST(AdjustmentChecks, BentPlate) {
 TEST(AdjustmentChecks, BowThatIsEstimated) {
     CalibrationFlaws flaws;
     flaws.bow = 0.05;
-    SimulatedCalibration calibration = simulate(flaws, 2);
+    SimulatedCalibration calibration = simulate(flaws, 2, 9, coarsePlate());
     calibration.options.estimateBow = true;
     calibration.adjust();
     const std::vector<Check> checks = calibration.checks();
@@ -129,7 +101,7 @@ TEST(AdjustmentChecks, MovedViews) {
             CalibrationFlaws flaws;
             flaws.movedView = static_cast<int>(3 + axis);
             (isTurn ? flaws.turnedDegrees : flaws.moved)[axis] = 0.02;
-            const std::vector<Check> checks = checksOfAdjusted(flaws, 4 + axis);
+            const std::vector<Check> checks = checksOfAdjusted(flaws, 4 + axis, 7, zelm::render::Plate{});
             const Check& check = checkOf(checks, CheckKind::moved);
             EXPECT_EQ(alarming(checks), std::set{CheckKind::moved});
             EXPECT_EQ(check.view, flaws.movedView);
@@ -214,7 +186,7 @@ TEST(AdjustmentChecks, TooFewViewsForHalves) {
 }
 
 TEST(AdjustmentChecks, OneCameraAlone) {
-    SimulatedCalibration calibration = simulate({}, 13);
+    SimulatedCalibration calibration = simulate({}, 13, 9, coarsePlate());
     for (AdjustView& view : calibration.views) {
         view.dots[kRight].clear();
     }
