@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "checkPower.h"
 #include "checkWords.h"
 #include "flawedCalibration.h"
 
@@ -29,6 +30,7 @@ struct Trial {
 int draws = 100;
 std::string only;  // of the flaws, those whose words hold it
 bool isTalking = false;
+bool isTheory = false;  // how large flaws must be to be found, instead
 
 bool isMeant(const Check& check, const Trial& trial) {
     return check.kind == trial.kind && (trial.side < 0 || check.side == trial.side) &&
@@ -146,13 +148,15 @@ int main(int argc, char** argv) {
             only = argv[++i];
         } else if (word == "--sentences") {
             isTalking = true;
+        } else if (word == "--power") {
+            isTheory = true;
         } else {
-            std::fprintf(stderr, "usage: zelm_checks [--draws N] [--only WORDS] [--sentences]\n");
+            std::fprintf(stderr, "usage: zelm_checks [--draws N] [--only WORDS] [--sentences] | --power\n");
             return 2;
         }
     }
     try {
-        runAll();
+        isTheory ? printCheckPower(std::min(draws, 5)) : runAll();
     } catch (const std::exception& e) {
         std::fprintf(stderr, "zelm_checks: %s\n", e.what());
         return 1;
