@@ -93,8 +93,10 @@ typedef struct ZelmMeasureLengthSummary {
     double maxNominal;                    ///< the longest, plate units
     int64_t worst;                        ///< index of the length of the largest error
     double scale;                         ///< by which all lengths are too long, of 1: 1e-6 is a millionth
-    double scaleDeviation;                ///< its standard deviation, if the lengths' errors are independent
-    double rmsWithoutScale;               ///< of the errors that remain when every length is divided by 1 + scale
+    double scaleDeviation;                ///< its standard deviation, if the lengths' errors are independent; 0 of one
+                                          ///< length, which tells none
+    double rmsWithoutScale;               ///< of the errors that remain when every length is divided by 1 + scale; that
+                                          ///< of all where every length was measured as 0
 } ZelmMeasureLengthSummary;
 
 /// Errors of lengths between points of space, by region of the volume and by depth.

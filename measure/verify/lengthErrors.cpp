@@ -75,7 +75,7 @@ void findScale(const std::vector<KnownLength>& known, LengthErrors& e) {
         left += error * error;
     }
     const double n = static_cast<double>(known.size());
-    s.rmsWithoutScale = std::sqrt(left / n) / (1.0 + s.scale);
+    s.rmsWithoutScale = s.scale > -1.0 ? std::sqrt(left / n) / (1.0 + s.scale) : s.all.rms;
     s.scaleDeviation = known.size() > 1 ? std::sqrt(left / (n - 1.0) / squares) : 0.0;
 }
 

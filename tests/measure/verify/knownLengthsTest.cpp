@@ -296,5 +296,19 @@ TEST(KnownLengths, ErrorsByRegionAndDepth) {
     EXPECT_NEAR(s.scale, (9.9 * 0.1 - 10.2 * 0.2) / (9.9 * 9.9 + 200.0 + 10.2 * 10.2), kRounding);
 }
 
+TEST(KnownLengths, LengthsMeasuredAsNothingStillGiveNumbers) {
+    const OpenedRig rig(trueRig().block());
+    const double positions[] = {1.0, 2.0, 3.0};
+    const std::int64_t ends[] = {0, 0, 0, 0};
+    const double nominal[] = {10.0, 20.0};
+    auto s = emptyRecord<ZelmMeasureLengthSummary>();
+    ASSERT_EQ(zelmMeasureLengthErrors(rig.get(), 1, positions, 2, ends, nominal, nullptr, &s), ZELM_OK);
+    EXPECT_EQ(s.scale, -1.0);
+    EXPECT_EQ(s.rmsWithoutScale, s.all.rms);
+    // One length tells no deviation of the scale.
+    ASSERT_EQ(zelmMeasureLengthErrors(rig.get(), 1, positions, 1, ends, nominal, nullptr, &s), ZELM_OK);
+    EXPECT_EQ(s.scaleDeviation, 0.0);
+}
+
 }  // namespace
 }  // namespace zelmtest

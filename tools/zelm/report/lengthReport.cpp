@@ -59,9 +59,10 @@ std::string nameOf(const CheckedLength& length) {
 
 std::string scaleText(const LengthCheck& check) {
     const ZelmMeasureLengthSummary& s = check.summary;
-    std::string text =
-        fmt::format("scale error: all lengths together are too {} by {:.0f} +- {:.0f} ppm",
-                    s.scale < 0.0 ? "short" : "long", std::fabs(s.scale) * kMillionths, s.scaleDeviation * kMillionths);
+    const std::string deviation =
+        s.all.count > 1 ? fmt::format(" +- {:.0f}", s.scaleDeviation * kMillionths) : std::string();
+    std::string text = fmt::format("scale error: all lengths together are too {} by {:.0f}{} ppm",
+                                   s.scale < 0.0 ? "short" : "long", std::fabs(s.scale) * kMillionths, deviation);
     if (s.all.count >= kMinScaled && std::fabs(s.scale) > kClear * s.scaleDeviation &&
         s.rmsWithoutScale < kPureScale * s.all.rms) {
         text += fmt::format(
@@ -142,7 +143,7 @@ Json lengthJson(const LengthCheck& check) {
                 {"nominal", worst.nominal},
                 {"error", worst.error()}}},
               {"scalePpm", s.scale * kMillionths},
-              {"scalePpmDeviation", s.scaleDeviation * kMillionths},
+              {"scalePpmDeviation", s.all.count > 1 ? Json(s.scaleDeviation * kMillionths) : Json()},
               {"rmsWithoutScale", s.rmsWithoutScale}};
     for (std::size_t i = 0; i < kSlabs.size(); ++i) {
         Json slab = figuresJson(s.slabs[i]);
