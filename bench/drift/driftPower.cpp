@@ -3,8 +3,11 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
+#include <utility>
 
 #include "driftTrials.h"
+#include "freshCalibrations.h"
 
 namespace zelmtest {
 namespace {
@@ -111,16 +114,54 @@ void printShifts(const RigTruth& rig, const DriftScene& scene, int trials) {
     }
 }
 
+double percentFound(const FreshCalibrations& calibrations, const RightMove& move, const DriftScene& scene, bool isKnown,
+                    int trials) {
+    int found = 0;
+    for (int trial = 0; trial < trials; ++trial) {
+        found += calibrations.drift(static_cast<std::uint64_t>(2'000'000 + trial), move, scene, isKnown).found;
+    }
+    return 100.0 * found / trials;
+}
+
+// Of rigs that have not moved, beside calibrations that have errors, and of rigs whose right camera has turned.
+void printFreshCalibrations(int trials) {
+    std::printf(
+        "\n## Fresh calibrations: drift told without and with their covariance\n\n"
+        "| calibration | pairs | noise | none, without | none, with (of %d) | 0.01° about x, with | about z, with |\n"
+        "|---|---:|---:|---:|---:|---:|---:|\n",
+        10 * trials);
+    for (const auto& [dotNoise, views] : {std::pair(0.02, 10), {0.1, 4}}) {
+        const FreshCalibrations calibrations(dotNoise, views);
+        for (const DriftScene& scene :
+             {DriftScene{}, DriftScene{.wrong = 0.1}, DriftScene{.points = 1000, .noise = 0.02}}) {
+            RightMove turns[2];
+            turns[0].turn[0] = turns[1].turn[2] = radiansOf(0.01);
+            std::printf("| %d views of dots of %.2f px | %zu%s | %.2f px | %.0f %% | %.2f %% | %.0f %% | %.0f %% |\n",
+                        views, dotNoise, scene.points, scene.wrong > 0.0 ? ", 10 % wrong" : "", scene.noise,
+                        percentFound(calibrations, {}, scene, false, trials),
+                        percentFound(calibrations, {}, scene, true, 10 * trials),
+                        percentFound(calibrations, turns[0], scene, true, trials),
+                        percentFound(calibrations, turns[1], scene, true, trials));
+            std::fflush(stdout);
+        }
+    }
+}
+
 }  // namespace
 }  // namespace zelmtest
 
 int main(int argc, char** argv) {
     const int trials = argc > 1 ? std::max(std::atoi(argv[1]), 10) : 500;
+    if (argc > 2 && std::strcmp(argv[2], "fresh") == 0) {
+        zelmtest::printFreshCalibrations(trials);
+        return 0;
+    }
     const zelmtest::RigTruth rig = zelmtest::sideBySideRig();
     zelmtest::printFalseAlarms(rig, 10 * trials);
     zelmtest::printTurns(rig, "200 pairs", {}, trials);
     zelmtest::printTurns(rig, "200 pairs, 10 % wrong", {.wrong = 0.1}, trials);
     zelmtest::printTurns(rig, "1000 pairs", {.points = 1000}, trials / 5);
     zelmtest::printShifts(rig, {}, trials);
+    zelmtest::printFreshCalibrations(trials);
     return 0;
 }

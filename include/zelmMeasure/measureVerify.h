@@ -130,7 +130,8 @@ typedef struct ZelmMeasureDriftOptions {
     int32_t size;             ///< of this record, bytes
     int32_t reserved;         ///< 0
     double noise;             ///< standard deviation of a pixel's coordinates; 0: from what the five parts leave
-    double calibrationError;  ///< pixels; RMS epipolar distance that is put down to the calibration itself
+    double calibrationError;  ///< pixels; RMS epipolar distance that is put down to the calibration itself, beside what
+                              ///< the rig's covariance tells of it
     double level;             ///< probability of a false alarm that is accepted; 0: 0.0001
 } ZelmMeasureDriftOptions;
 
@@ -150,7 +151,7 @@ typedef struct ZelmMeasureDrift {
     int32_t best;                       ///< ZelmMeasureDriftPart that explains the distances best, alone
     int32_t isSingle;                   ///< 1: this part alone leaves no more than noise
     int32_t alternatives;               ///< bit 1 << part of each other part that explains them about as well
-    int32_t reserved;                   ///< 0
+    int32_t covariance;                 ///< 1: the rig's covariance was taken into account; 0: it has none
     int64_t used;                       ///< pairs that took part
     int64_t wrong;                      ///< pairs left out as wrong matches
     int64_t unusable;                   ///< pairs with a pixel whose lens distortion cannot be removed
@@ -170,7 +171,9 @@ typedef struct ZelmMeasureDrift {
 /// to first order in the noise of all four coordinates (Sampson, 1982), are explained by nothing, by each part alone
 /// and by all five; F tests, or chi-square tests where the noise is given, judge the six explanations, corrected for
 /// their number (Bonferroni). Wrong matches are left out: least absolute distances, then Tukey's weights (Holland and
-/// Welsch, 1977). The length of the baseline is never seen.
+/// Welsch, 1977). Where the rig has a covariance, the errors that it tells are among what chance may do: all pairs share
+/// them, and the distances are weighed by the inverse of both covariances together. The length of the baseline is never
+/// seen.
 /// @param rig [in] of two perspective cameras
 /// @param count [in] of pairs; at least 30, all over the images
 /// @param left [in] raw pixels, 2 a pair

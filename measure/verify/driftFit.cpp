@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 
 #include "driftStart.h"
 #include "plateBlobs.h"
@@ -26,12 +27,48 @@ struct Normal {
     Matrix<kDriftParts> N{};
     Drift right{};
     double squares = 0.0;
+    double plainSquares = 0.0;
+};
+
+// Sums of what pairs share: its part of the distances, and of their derivatives.
+struct SharedSums {
+    ByCalibration value{};
+    std::array<ByCalibration, kDriftParts> byDrift{};
+
+    void add(const ByCalibration& q, const SignedDistance& d) {
+        for (std::size_t i = 0; i < q.size(); ++i) {
+            value[i] += q[i] * d.value;
+            for (std::size_t k = 0; k < kDriftParts; ++k) {
+                byDrift[k][i] += q[i] * d.byDrift[k];
+            }
+        }
+    }
+
+    void takeFrom(Normal& sums) const {
+        const auto product = [](const ByCalibration& a, const ByCalibration& b) {
+            return std::inner_product(a.begin(), a.end(), b.begin(), 0.0);
+        };
+        sums.squares = std::max(sums.squares - product(value, value), 0.0);
+        for (std::size_t j = 0; j < kDriftParts; ++j) {
+            sums.right[j] += product(byDrift[j], value);
+            for (std::size_t k = j; k < kDriftParts; ++k) {
+                sums.N[j][k] -= product(byDrift[j], byDrift[k]);
+            }
+        }
+    }
 };
 
 class DriftSolver {
 public:
-    DriftSolver(const EpipolarModel& used, const std::vector<RayPair>& given, const DriftMask& estimated)
-        : model(used), pairs(given), residuals(given.size()), mask(estimated), weights(given.size(), 1.0) {}
+    // Pairs that share errors have no other weights.
+    DriftSolver(const EpipolarModel& used, const std::vector<RayPair>& given, const DriftMask& estimated,
+                const SharedErrors& sharedByPairs)
+        : model(used),
+          pairs(given),
+          shared(sharedByPairs),
+          residuals(given.size()),
+          mask(estimated),
+          weights(given.size(), 1.0) {}
 
     // One step of Gauss and Newton, halved until it helps; false when it changes next to nothing.
     bool step() {
@@ -111,11 +148,10 @@ public:
 
     DriftFit result() {
         const Normal end = normal(drift);
-        DriftFit fit{drift, end.squares, {}, {}, isDetermined};
+        DriftFit fit{drift, end.squares, end.plainSquares, {}, isDetermined};
         Matrix<kDriftParts> U = masked(end.N);
         fit.isDetermined = fit.isDetermined && factor(U);
         for (std::size_t k = 0; k < kDriftParts; ++k) {
-            fit.effect[k] = std::sqrt(end.N[k][k] / static_cast<double>(pairs.size()));
             if (mask[k] && fit.isDetermined) {
                 Drift e{};
                 e[k] = 1.0;
@@ -133,6 +169,7 @@ private:
     Normal normal(const Drift& at) {
         const DriftedPair drifted = model.at(at);
         Normal sums;
+        SharedSums common;
         for (std::size_t i = 0; i < pairs.size(); ++i) {
             const SignedDistance d = drifted.distance(pairs[i]);
             residuals[i] = d.value;
@@ -144,7 +181,12 @@ private:
                     sums.N[j][k] += w * d.byDrift[j] * d.byDrift[k];
                 }
             }
+            if (!shared.empty()) {
+                common.add(shared[i], d);
+            }
         }
+        sums.plainSquares = sums.squares;
+        common.takeFrom(sums);
         return sums;
     }
 
@@ -209,6 +251,7 @@ private:
 
     const EpipolarModel& model;
     const std::vector<RayPair>& pairs;
+    const SharedErrors& shared;
     std::vector<double> residuals;  // of the latest drift that was tried
     DriftMask mask;
     std::vector<double> weights;
@@ -216,14 +259,16 @@ private:
 
 }  // namespace
 
-DriftFit fitDrift(const EpipolarModel& model, const std::vector<RayPair>& pairs, const DriftMask& mask) {
-    DriftSolver solver(model, pairs, mask);
+DriftFit fitDrift(const EpipolarModel& model, const std::vector<RayPair>& pairs, const DriftMask& mask,
+                  const SharedErrors& shared) {
+    DriftSolver solver(model, pairs, mask, shared);
     solver.converge();
     return solver.result();
 }
 
 std::vector<bool> agreeingPairs(const EpipolarModel& model, const std::vector<RayPair>& pairs) {
-    DriftSolver solver(model, pairs, kAllParts);
+    const SharedErrors nothing;
+    DriftSolver solver(model, pairs, kAllParts, nothing);
     solver.drift = startDrift(model, pairs);
     solver.reweight();
     solver.refine();

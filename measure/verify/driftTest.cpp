@@ -16,6 +16,7 @@ constexpr double kMinSpread = 0.02;     // of the image's diagonal: RMS of the p
 constexpr double kMinAgreeing = 0.5;    // part of the pairs
 constexpr double kMaxNoise = 5.0;       // pixels; no match is so bad, but those of another rig are
 constexpr double kMinVariance = 1e-18;  // pixels^2; exact pairs
+constexpr double kMinNoise = 1e-4;      // pixels, beside a calibration's covariance; less only swamps the sums
 constexpr double kTests = 6.0;          // explanations that are tried
 constexpr double kLackOfFit = 1e-3;     // probability below which one part alone is too little
 constexpr double kAboutAsWell = 16.0;   // variances by which another part's sum of squares may be larger
@@ -116,46 +117,62 @@ private:
     }
 
     void fitAll() {
-        all = fitDrift(model, good, {true, true, true, true, true});
-        if (!all.isDetermined) {
-            refuseNarrow(spreadOf(pairs, verdict.statuses));
-        }
-        none = fitDrift(model, good, {});
-        for (std::size_t k = 0; k < kDriftParts; ++k) {
-            DriftMask mask{};
-            mask[k] = true;
-            singles[k] = fitDrift(model, good, mask);
-        }
+        const DriftFit plain = fitTogether({});
         const double n = static_cast<double>(good.size());
         const bool isKnown = options.noise > 0.0;
         const double freedom = n - static_cast<double>(kDriftParts);
         ZelmMeasureDrift& d = verdict.drift;
-        d.noise = isKnown ? options.noise : std::sqrt(all.squares / freedom);
-        d.freedom = isKnown ? 0.0 : freedom;
-        d.rms = std::sqrt(none.squares / n);
-        d.rmsAll = std::sqrt(all.squares / n);
+        d.noise = isKnown ? options.noise : std::sqrt(plain.squares / freedom);
+        d.freedom = testFreedom = isKnown ? 0.0 : freedom;
+        d.rmsAll = std::sqrt(plain.squares / n);
         if (d.rmsAll > kMaxNoise) {
             refuseForeign();
         }
-        // What the calibration's own error adds to the variance of a part of full effect: as if every pair had it.
-        variance = std::max(d.noise * d.noise + n * options.calibrationError * options.calibrationError, kMinVariance);
+        double noise = d.noise;
+        SharedErrors shared;
+        if (rig.covariance) {
+            noise = std::max(noise, kMinNoise);
+            shared = sharedErrors(model, good, *rig.covariance, noise);
+            d.covariance = 1;
+            if (rig.covariance->freedom > 0.0) {
+                testFreedom = isKnown ? rig.covariance->freedom : std::min(freedom, rig.covariance->freedom);
+            }
+        }
+        all = rig.covariance ? fitTogether(shared) : plain;
+        none = fitDrift(model, good, {}, shared);
+        for (std::size_t k = 0; k < kDriftParts; ++k) {
+            DriftMask mask{};
+            mask[k] = true;
+            singles[k] = fitDrift(model, good, mask, shared);
+        }
+        d.rms = std::sqrt(none.plainSquares / n);
+        // What the stated error adds to the variance of a part of full effect: as if every pair had it.
+        variance = std::max(noise * noise + n * options.calibrationError * options.calibrationError, kMinVariance);
+    }
+
+    DriftFit fitTogether(const SharedErrors& shared) const {
+        const DriftFit fit = fitDrift(model, good, {true, true, true, true, true}, shared);
+        if (!fit.isDetermined) {
+            refuseNarrow(spreadOf(pairs, verdict.statuses));
+        }
+        return fit;
     }
 
     // Probability of a sum of squares that `count` parts take away.
     double probabilityOf(double squares, double count) const {
-        return squaresTail(std::max(squares, 0.0) / variance, count, verdict.drift.freedom);
+        return squaresTail(std::max(squares, 0.0) / variance, count, testFreedom);
     }
 
     void judge() {
         ZelmMeasureDrift& d = verdict.drift;
-        const double needed = std::sqrt(squareOfTail(options.level / kTests, d.freedom)) + kPower;
+        const double needed = std::sqrt(squareOfTail(options.level / kTests, testFreedom)) + kPower;
         double least = probabilityOf(none.squares - all.squares, static_cast<double>(kDriftParts));
         for (std::size_t k = 0; k < kDriftParts; ++k) {
             ZelmMeasureDriftSingle& s = d.singles[k];
             s.value = singles[k].drift[k];
             s.deviation = std::sqrt(variance * singles[k].cofactors[k]);
             s.probability = probabilityOf(none.squares - singles[k].squares, 1.0);
-            s.rms = std::sqrt(singles[k].squares / static_cast<double>(good.size()));
+            s.rms = std::sqrt(singles[k].plainSquares / static_cast<double>(good.size()));
             s.detectable = needed * s.deviation;
             d.all[k] = all.drift[k];
             d.allDeviations[k] = std::sqrt(variance * all.cofactors[k]);
@@ -195,6 +212,7 @@ private:
     DriftFit all;
     std::array<DriftFit, kDriftParts> singles;
     double variance = 0.0;
+    double testFreedom = 0.0;  // of the variance: the least of the noise's and the calibration's
     DriftVerdict verdict;
 };
 

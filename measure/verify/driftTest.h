@@ -16,7 +16,7 @@ struct PixelPair {
 
 struct DriftOptions {
     double noise = 0.0;             // standard deviation of a coordinate, pixels; 0: from what the five parts leave
-    double calibrationError = 0.0;  // RMS epipolar distance that is the calibration's own, pixels
+    double calibrationError = 0.0;  // RMS epipolar distance of the calibration beyond its covariance, pixels
     double level = 1e-4;            // accepted probability of a false alarm
 };
 

@@ -1,5 +1,6 @@
 #include "epipolarModel.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace zelm::measure {
@@ -53,6 +54,19 @@ std::optional<std::array<double, 4>> byPixel(const ProjectionCamera& camera, con
         return std::nullopt;
     }
     return std::array<double, 4>{d * w, -b * w, -c * w, a * w};
+}
+
+// What the camera's parameters change along a line, in normalised coordinates, of the ray of a pixel that is held.
+std::array<double, kCameraParameters> alongByParameters(const ProjectionCamera& camera, const Vector3& ray,
+                                                        const std::array<double, 4>& byPixel, const Vector3& line) {
+    const Projection p = project(camera, ray);
+    const double x = byPixel[0] * line[0] + byPixel[2] * line[1];
+    const double y = byPixel[1] * line[0] + byPixel[3] * line[1];
+    std::array<double, kCameraParameters> along{};
+    for (std::size_t k = 0; k < kCameraParameters; ++k) {
+        along[k] = -(x * p.byParameters[0][k] + y * p.byParameters[1][k]);
+    }
+    return along;
 }
 
 double squaredChange(const std::array<double, 4>& D, const Vector3& line) {
@@ -115,6 +129,25 @@ SignedDistance DriftedPair::distance(const RayPair& pair) const {
     const Vector3 shift = cross(q, r);  // r . (-c x q) = -c . (q x r)
     return {w * dot(r, lineOfLeft),
             {w * turn[0], w * turn[1], w * turn[2], -w * dot(shifts[0], shift), -w * dot(shifts[1], shift)}};
+}
+
+// Of r . (t x q) with q the left ray in the right camera's frame, as far as it is linear where it is next to nothing.
+ByCalibration EpipolarModel::byCalibration(const RayPair& pair) const {
+    const Vector3 q = times(motion.R, pair.left);
+    const Vector3 lineInRight = cross(motion.t, q);
+    const Vector3 across = cross(pair.right, motion.t);
+    const Vector3 lineInLeft = timesTransposed(motion.R, across);
+    const double w = 1.0 / std::sqrt(squaredChange(pair.byLeft, lineInLeft) + squaredChange(pair.byRight, lineInRight));
+    ByCalibration by{};
+    const auto put = [&by, w](std::size_t at, const auto& values) {
+        std::transform(values.begin(), values.end(), by.begin() + static_cast<std::ptrdiff_t>(at),
+                       [w](double value) { return w * value; });
+    };
+    put(kLeftCamera, alongByParameters(leftCamera, pair.left, pair.byLeft, lineInLeft));
+    put(kRightCamera, alongByParameters(rightCamera, pair.right, pair.byRight, lineInRight));
+    put(kRelativeRotation, cross(q, across));         // (d x q) . (r x t) = d . (q x (r x t))
+    put(kRelativeTranslation, cross(q, pair.right));  // r . (c x q) = c . (q x r)
+    return by;
 }
 
 }  // namespace zelm::measure

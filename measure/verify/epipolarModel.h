@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <optional>
 
+#include "calibrationCovariance.h"
 #include "cholesky.h"
 #include "projection.h"
 #include "rig.h"
@@ -31,6 +32,10 @@ struct SignedDistance {
     Drift byDrift{};
 };
 
+// What the distance depends on of a calibration: all parameters but the place of the plate of view 0.
+constexpr std::size_t kEpipolarParameters = kFrameRotation;
+using ByCalibration = std::array<double, kEpipolarParameters>;
+
 // The pair of cameras after a drift.
 class DriftedPair {
 public:
@@ -53,6 +58,8 @@ public:
     // Nothing when the lens distortion of a pixel cannot be removed.
     std::optional<RayPair> rays(Point2d left, Point2d right) const;
     DriftedPair at(const Drift& drift) const;
+    // How the rig's parameters change the distance of a pair, pixels held, when the cameras have not moved.
+    ByCalibration byCalibration(const RayPair& pair) const;
     const Vector3& across() const { return shifts[0]; }
     const Vector3& along() const { return shifts[1]; }
 

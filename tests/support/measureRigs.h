@@ -81,14 +81,15 @@ struct RigTruth {
         const Point2d p = ideal(side, X);
         return {c.cx + gain * (p.x - c.cx), c.cy + gain * (p.y - c.cy)};
     }
-    [[nodiscard]] std::vector<unsigned char> block() const {
+    [[nodiscard]] TruePair pair() const {
         TruePair pair;
         pair.left = calibrated(left, leftPose);
         pair.right = calibrated(right, rightPose);
         pair.width = left.width;
         pair.height = left.height;
-        return blockOf(pair);
+        return pair;
     }
+    [[nodiscard]] std::vector<unsigned char> block() const { return blockOf(pair()); }
 };
 
 inline render::Pose poseOfVectors(const std::array<double, 3>& r, const std::array<double, 3>& t) {

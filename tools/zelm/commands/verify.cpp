@@ -21,8 +21,8 @@ namespace {
 namespace fs = std::filesystem;
 using Json = nlohmann::ordered_json;
 
-// Pixels, RMS: what a relative pose from one view of 140 dots of 0.015 px lacks. Drift is told from some five times it
-// on.
+// Pixels, RMS, of a calibration without a covariance: what a relative pose from one view of 140 dots of 0.015 px lacks.
+// Drift is told from some five times it on.
 constexpr double kUsualCalibrationError = 0.003;
 
 struct VerifyOptions {
@@ -36,7 +36,7 @@ struct VerifyOptions {
     std::string lengths;
     std::optional<double> tolerance;
     std::optional<double> noise;
-    double calibrationError = kUsualCalibrationError;
+    std::optional<double> calibrationError;
     std::string csv;
 
     bool hasImages() const { return !left.empty(); }
@@ -68,8 +68,8 @@ void checkOptions(const VerifyOptions& o) {
         failUsage("{} needs lengths: give images of a plate, or --lengths with --pairs",
                   o.tolerance ? "--tolerance" : "-o");
     }
-    if (!std::isfinite(o.calibrationError) || o.calibrationError < 0.0) {
-        failUsage("--calibration-error {}: expected pixels, 0 or more", o.calibrationError);
+    if (o.calibrationError && !(std::isfinite(*o.calibrationError) && *o.calibrationError >= 0.0)) {
+        failUsage("--calibration-error {}: expected pixels, 0 or more", *o.calibrationError);
     }
 }
 
@@ -79,7 +79,7 @@ DriftCheck checkDrift(const LoadedRig& rig, const PointPixels& pixels, const Ver
     ZelmMeasureDriftOptions options{};
     options.size = sizeof(options);
     options.noise = o.noise.value_or(0.0);
-    options.calibrationError = o.calibrationError;
+    options.calibrationError = o.calibrationError.value_or(rig.rig.covariance ? 0.0 : kUsualCalibrationError);
     if (zelmMeasureDrift(rig.handle.get(), static_cast<std::int64_t>(pixels.left.size() / 2), pixels.left.data(),
                          pixels.right.data(), &options, nullptr, &check.drift) < 0) {
         check.refusal = zelmMeasureRigError(rig.handle.get());
@@ -165,6 +165,7 @@ void runVerify(const VerifyOptions& o, const Console& console) {
     const LoadedRig rig = loadRig(o.rig);
     OutputFiles outputs;
     outputs.keep(o.rig);
+    outputs.keep(covarianceFile(o.rig));
     if (!o.csv.empty()) {
         outputs.prepareFolder(fs::path(o.csv).parent_path());
     }
@@ -206,8 +207,8 @@ void addVerify(CommandLine& commandLine, Console& console) {
         .positive();
     sub.option("--noise", o->noise, "Standard deviation of a pixel's coordinates; default: estimated").positive();
     sub.option("--calibration-error", o->calibrationError,
-               "RMS epipolar distance in pixels that the calibration itself may have without being told as drift")
-        .showDefault();
+               "RMS epipolar distance in pixels that the calibration itself may have without being told as drift, "
+               "beside what its covariance tells; default: 0 with a covariance, else 0.003");
     sub.option("-o,--output", o->csv, "CSV of all lengths");
     sub.does([o, &console] { runVerify(*o, console); });
 }

@@ -94,6 +94,9 @@ std::string driftText(const DriftCheck& check) {
         "epipolar distances of {} pixel pairs: RMS {:.4f} px, {:.4f} px if the cameras may have moved; noise {:.4f} px "
         "({})",
         d.used, d.rms, d.rmsAll, d.noise, d.freedom > 0.0 ? "estimated" : "given");
+    if (d.covariance == 1) {
+        text += "\nwhat the errors that the calibration states of itself (rig.zcov) explain counts as chance";
+    }
     if (d.wrong > 0 || d.unusable > 0) {
         text += fmt::format("\npixel pairs left out: {} as wrong matches, {} as too far outside", d.wrong, d.unusable);
     }
@@ -120,6 +123,7 @@ Json driftJson(const DriftCheck& check) {
               {"unusable", d.unusable},
               {"noise", d.noise},
               {"noiseEstimated", d.freedom > 0.0},
+              {"calibrationCovariance", d.covariance == 1},
               {"rms", d.rms},
               {"rmsAll", d.rmsAll}};
     json["best"] = kNames[static_cast<std::size_t>(d.best)];
