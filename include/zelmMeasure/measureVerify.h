@@ -7,6 +7,27 @@
 
 ZELM_BEGIN_DECLS
 
+/// Measures the dots of a plate anew in both images of a view, as an adjustment does: the dots that were read place the
+/// plate before each camera, and the camera tells the shape by which all pixels about a dot's outline are judged. Each
+/// camera places the plate for itself, so that cameras that have moved do not matter; before a parallel one the plate
+/// stands where the other one's dots put it.
+/// @param rig [in] the rig
+/// @param pattern [in] the plate; with d0 and d1
+/// @param leftImage [in] of the size of the camera's
+/// @param rightImage [in] likewise
+/// @param count [in] of dots that both images show; at least 6, not in a row
+/// @param grid [in] 2 a dot: column and row, counted from the corner marker
+/// @param left [in,out] 2 a dot: centre of the ellipse in the left image, raw. Those of missing dots are not written
+/// @param right [in,out] the same in the right image
+/// @param statuses [out] ZelmMeasureDotStatus, one a dot: missing where the pixels of either image do not confirm it
+/// @return ZELM_OK; ZELM_ERR_PARAM; ZELM_ERR_MEMORY; ZELM_MEASURE_ERR_DATA: the dots do not place the plate, or two
+///     parallel cameras
+/// Cost: of the pixels about the outlines of all dots of the plate, as zelmMeasureRefineDots().
+ZELM_API int32_t zelmMeasureRefinePlate(ZelmMeasureRig* rig, const Zelm2ViewPatternDesc* pattern,
+                                        const ZelmMeasureImage* leftImage, const ZelmMeasureImage* rightImage,
+                                        int64_t count, const int32_t* grid, double* left, double* right,
+                                        int32_t* statuses);
+
 /// The dots of a plate in space, in arrays of the caller's with room for all dots.
 typedef struct ZelmMeasurePlatePoints {
     int32_t size;       ///< of this record, bytes

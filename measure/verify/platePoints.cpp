@@ -4,6 +4,7 @@
 #include <cmath>
 #include <string>
 
+#include "adjustStart.h"
 #include "dotOutline.h"
 
 namespace zelm::measure {
@@ -34,14 +35,8 @@ Vector3 scaled(const Vector3& v, double s) {
 }
 
 Point2d placeOf(const Pattern& plate, GridIndex index) {
-    return {index.x * plate.d4, index.y * plate.d5};
-}
-
-double radiusOf(const Pattern& plate, GridIndex index) {
-    const GridIndex onX{static_cast<int>(std::lround(plate.d6 / plate.d4)), 0};
-    const GridIndex onY{0, static_cast<int>(std::lround(plate.d7 / plate.d5))};
-    const bool isMarker = index == GridIndex{0, 0} || index == onX || index == onY;
-    return 0.5 * (isMarker ? plate.d3 : plate.d2);
+    const Vector3 place = plateDot(plate, index, {}).place;
+    return {place[0], place[1]};
 }
 
 // A dot's place on the plate and in space.
@@ -184,17 +179,17 @@ private:
 
 // Centre of the ellipse less image of the centre.
 Point2d offsetOf(const RigCamera& camera, const Motion& plate, const Pattern& pattern, GridIndex index) {
-    const double radius = radiusOf(pattern, index);
-    if (!(radius > 0.0)) {
+    const DotObservation printed = plateDot(pattern, index, {});
+    if (!(printed.radius > 0.0)) {
         return {};
     }
     Matrix3 R{};
     std::copy_n(camera.pose().R, 9, R.begin());
     const Matrix3 turn = product(R, plate.R);
-    const Point2d place = placeOf(pattern, index);
     const Vector3 t{camera.pose().t[0], camera.pose().t[1], camera.pose().t[2]};
-    const Vector3 X = sum(times(plate.R, {place.x, place.y, 0.0}), plate.t);
-    const CircleInCamera circle{sum(times(R, X), t), scaled(column(turn, 0), radius), scaled(column(turn, 1), radius)};
+    const Vector3 X = sum(times(plate.R, printed.place), plate.t);
+    const CircleInCamera circle{sum(times(R, X), t), scaled(column(turn, 0), printed.radius),
+                                scaled(column(turn, 1), printed.radius)};
     const ProjectionCamera projection = projectionOf(camera);
     const Point2d ellipse = dotOutline(projection, circle).centre;
     const Point2d centre = pixelOf(projection, circle.centre);

@@ -6,6 +6,7 @@
 #include "driftTest.h"
 #include "lengthErrors.h"
 #include "plateLengths.h"
+#include "platePair.h"
 #include "platePoints.h"
 #include "records.h"
 
@@ -31,6 +32,20 @@ void checkSizes(const Zelm2ViewPatternDesc& p) {
             "the plate's diameters and marker distances must not be negative");
 }
 
+// What dots that are looked for all over the plate need besides.
+void checkField(const Zelm2ViewPatternDesc& p) {
+    constexpr double kMaxDots = 1e4;  // along a side; more is a mistake in a unit
+    require(p.d0 >= 0.0 && p.d1 >= 0.0 && p.d0 / p.d4 < kMaxDots && p.d1 / p.d5 < kMaxDots,
+            "the plate's sides are negative, not finite or far too long for its pitches");
+    require(p.polarity == 0 || p.polarity == 1, "the plate's polarity is neither 0 nor 1");
+}
+
+void checkPicture(const ZelmMeasureImage* image, const RigCamera& camera) {
+    checkImage(image);
+    require(image->width == camera.width && image->height == camera.height,
+            "an image has not the size of its camera's");
+}
+
 std::vector<GridIndex> gridOf(std::int64_t count, const std::int32_t* grid) {
     require(count >= 0 && (grid != nullptr || count == 0), "the grid is NULL, or the number of dots negative");
     std::vector<GridIndex> list(static_cast<std::size_t>(count));
@@ -38,6 +53,16 @@ std::vector<GridIndex> gridOf(std::int64_t count, const std::int32_t* grid) {
         list[i] = {grid[2 * i], grid[2 * i + 1]};
     }
     return list;
+}
+
+std::vector<DotPair> dotPairs(std::int64_t count, const std::int32_t* grid, const double* left, const double* right) {
+    require(count == 0 || (left != nullptr && right != nullptr), "the pixels are NULL");
+    const std::vector<GridIndex> indices = gridOf(count, grid);
+    std::vector<DotPair> dots(indices.size());
+    for (std::size_t i = 0; i < dots.size(); ++i) {
+        dots[i] = {indices[i], {left[2 * i], left[2 * i + 1]}, {right[2 * i], right[2 * i + 1]}};
+    }
+    return dots;
 }
 
 template <class T, std::size_t n>
@@ -110,21 +135,38 @@ DriftOptions optionsOf(const ZelmMeasureDriftOptions* given) {
 
 }  // namespace
 
+std::int32_t zelmMeasureRefinePlate(ZelmMeasureRig* handle, const Zelm2ViewPatternDesc* pattern,
+                                    const ZelmMeasureImage* leftImage, const ZelmMeasureImage* rightImage,
+                                    std::int64_t count, const std::int32_t* grid, double* left, double* right,
+                                    std::int32_t* statuses) {
+    return withRig(handle, [&](const Rig& rig) {
+        checkPattern(pattern);
+        checkSizes(*pattern);
+        checkField(*pattern);
+        checkPicture(leftImage, rig.left);
+        checkPicture(rightImage, rig.right);
+        require(statuses != nullptr || count == 0, "the statuses are NULL");
+        const auto refined = refinedPair(rig, *pattern, dotPairs(count, grid, left, right), DenseImage(*leftImage),
+                                         DenseImage(*rightImage));
+        for (std::size_t i = 0; i < refined.size(); ++i) {
+            statuses[i] = refined[i] ? ZELM_MEASURE_DOT_OK : ZELM_MEASURE_DOT_MISSING;
+            if (refined[i]) {
+                put(left, i, std::array{refined[i]->left.x, refined[i]->left.y});
+                put(right, i, std::array{refined[i]->right.x, refined[i]->right.y});
+            }
+        }
+    });
+}
+
 std::int32_t zelmMeasurePlatePoints(ZelmMeasureRig* handle, const Zelm2ViewPatternDesc* pattern, std::int64_t count,
                                     const std::int32_t* grid, const double* left, const double* right,
                                     const ZelmMeasurePlatePoints* points, ZelmMeasurePlateFit* fit) {
     return withRig(handle, [&](const Rig& rig) {
         checkPattern(pattern);
         checkSizes(*pattern);
-        require(count == 0 || (left != nullptr && right != nullptr), "the pixels are NULL");
         recordOf(fit);
         const ZelmMeasurePlatePoints out = arraysOf(points);
-        const std::vector<GridIndex> indices = gridOf(count, grid);
-        std::vector<DotPair> dots(indices.size());
-        for (std::size_t i = 0; i < dots.size(); ++i) {
-            dots[i] = {indices[i], {left[2 * i], left[2 * i + 1]}, {right[2 * i], right[2 * i + 1]}};
-        }
-        const PlatePoints plate = platePoints(rig, *pattern, dots);
+        const PlatePoints plate = platePoints(rig, *pattern, dotPairs(count, grid, left, right));
         give(plate, out);
         giveRecord(recordOfFit(plate.fit), fit);
     });

@@ -573,6 +573,18 @@ TEST_F(MeasureContract, PlatesInSpace) {
     points.size = 3;
     expectParam("points", call(rig, &sound.pattern, 2, grid, p, p));
     double* const d = out.numbers;
+    const ZelmMeasureImage* const image = &sound.image;
+    const auto refine = zelmMeasureRefinePlate;
+    std::int32_t* const s = out.integers;
+    expectParam("rig", refine(nullptr, &sound.pattern, image, image, 2, grid, d, d, s));
+    expectParam("plate", refine(rig, nullptr, image, image, 2, grid, d, d, s));
+    expectParam("left image", refine(rig, &sound.pattern, nullptr, image, 2, grid, d, d, s));
+    expectParam("right image", refine(rig, &sound.pattern, image, nullptr, 2, grid, d, d, s));
+    expectParam("count", refine(rig, &sound.pattern, image, image, -1, grid, d, d, s));
+    expectParam("grid", refine(rig, &sound.pattern, image, image, 2, nullptr, d, d, s));
+    expectParam("left", refine(rig, &sound.pattern, image, image, 2, grid, nullptr, d, s));
+    expectParam("right", refine(rig, &sound.pattern, image, image, 2, grid, d, nullptr, s));
+    expectParam("statuses", refine(rig, &sound.pattern, image, image, 2, grid, d, d, nullptr));
     std::int64_t* const l = out.longs;
     expectParam("plate", zelmMeasurePlateLengths(nullptr, 2, grid, 1, l, d, l + 1));
     expectParam("count", zelmMeasurePlateLengths(&sound.pattern, -1, grid, 1, l, d, l + 1));

@@ -528,6 +528,43 @@ TEST(MeasureMemory, RoundTargets) {
     EXPECT_GE(failures.core, 4);
 }
 
+TEST(MeasureMemory, PlatesMeasuredAnew) {
+    const RigTruth truth = trueRig(640, 480);
+    const OpenedRig rig(truth.block());
+    const render::Plate plate = smallPlate();
+    const render::RenderedView left = render::renderView(plate, truth.left, truth.leftPose, {});
+    const render::RenderedView right = render::renderView(plate, truth.right, truth.rightPose, {});
+    const ZelmMeasureImage leftImage = imageOf(left.image);
+    const ZelmMeasureImage rightImage = imageOf(right.image);
+    Zelm2ViewPatternDesc pattern = describe(plate);
+    pattern.d0 = 2.0 * pattern.d4;  // nine dots are enough
+    pattern.d1 = 2.0 * pattern.d5;
+    std::vector<std::int32_t> grid;
+    std::vector<double> leftPixels;
+    std::vector<double> rightPixels;
+    for (std::size_t i = 0; i < left.dots.size(); ++i) {
+        const auto& index = left.dots[i].dot.index;
+        if (std::abs(index.x) <= 1 && std::abs(index.y) <= 1) {
+            const auto& l = left.dots[i].ellipse.centre;
+            const auto& r = right.dots[i].ellipse.centre;
+            grid.insert(grid.end(), {index.x, index.y});
+            leftPixels.insert(leftPixels.end(), {l.x + 0.3, l.y});
+            rightPixels.insert(rightPixels.end(), {r.x, r.y - 0.3});
+        }
+    }
+    ASSERT_EQ(grid.size(), 18U);
+    const Failures failures = expectEveryFailureIsTold([&](Outputs& out) {
+        std::vector<double> l = leftPixels;
+        std::vector<double> r = rightPixels;
+        const std::int32_t status = zelmMeasureRefinePlate(rig.get(), &pattern, &leftImage, &rightImage, 9, grid.data(),
+                                                           l.data(), r.data(), out.integers);
+        EXPECT_EQ(l == leftPixels && r == rightPixels, status != ZELM_OK);
+        return status;
+    });
+    EXPECT_GE(failures.own, 50);  // the dots of two images, each with its samples
+    EXPECT_GE(failures.core, 2);
+}
+
 TEST(MeasureMemory, DotsAndTraitsOfPlates) {
     const render::RenderedView view = smallView();
     const Zelm2ViewPatternDesc pattern = describe(smallPlate());

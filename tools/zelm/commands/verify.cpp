@@ -37,6 +37,7 @@ struct VerifyOptions {
     std::optional<double> tolerance;
     std::optional<double> noise;
     std::optional<double> calibrationError;
+    std::string dots = "refined";  // or "reader"
     std::string csv;
 
     bool hasImages() const { return !left.empty(); }
@@ -46,6 +47,7 @@ struct VerifyOptions {
 struct Verification {
     std::string subject;  // the file that a verdict is about
     std::size_t views = 0;
+    std::size_t refused = 0;  // dots that their pixels do not confirm
     std::vector<std::string> skipped;
     std::optional<LengthCheck> lengths;
     DriftCheck drift;
@@ -67,6 +69,9 @@ void checkOptions(const VerifyOptions& o) {
     if (!o.hasLengths() && (o.tolerance || !o.csv.empty())) {
         failUsage("{} needs lengths: give images of a plate, or --lengths with --pairs",
                   o.tolerance ? "--tolerance" : "-o");
+    }
+    if (o.dots == "reader" && !o.hasImages()) {
+        failUsage("--dots goes with images of a plate: pixel pairs are taken as they are");
     }
     if (o.calibrationError && !(std::isfinite(*o.calibrationError) && *o.calibrationError >= 0.0)) {
         failUsage("--calibration-error {}: expected pixels, 0 or more", *o.calibrationError);
@@ -91,7 +96,7 @@ Verification verifyImages(const VerifyOptions& o, const LoadedRig& rig, const Co
     const Plate plate = plateOf(o.plate);
     outputs.keep(o.plate.file);
     const ViewImages images{expandImageSet(o.left, "--left"), expandImageSet(o.right, "--right"),
-                            regionOf(o.leftRegion), regionOf(o.rightRegion)};
+                            regionOf(o.leftRegion), regionOf(o.rightRegion), o.dots == "refined"};
     for (const auto* list : {&images.left, &images.right}) {
         for (const fs::path& image : *list) {
             outputs.keep(image);
@@ -102,6 +107,9 @@ Verification verifyImages(const VerifyOptions& o, const LoadedRig& rig, const Co
     v.subject = o.rig;
     v.views = reading.views.size();
     v.skipped = std::move(reading.skipped);
+    for (const ViewDots& view : reading.views) {
+        v.refused += view.refused;
+    }
     PointPixels pixels;
     v.lengths = checkPlateLengths(rig, plate, reading.views, console, pixels);
     v.drift = checkDrift(rig, pixels, o);
@@ -135,6 +143,8 @@ Json verificationJson(const Verification& v, const VerifyOptions& o) {
     if (o.hasImages()) {
         json["views"] = v.views;
         json["skipped"] = v.skipped;
+        json["dots"] = o.dots;
+        json["dotsNotConfirmed"] = v.refused;
     }
     if (v.lengths) {
         json["lengths"] = lengthJson(*v.lengths);
@@ -177,6 +187,9 @@ void runVerify(const VerifyOptions& o, const Console& console) {
         outputs.add(o.csv, lengthCsv(*v.lengths));
     }
     outputs.commit();
+    if (v.refused > 0) {
+        console.say(fmt::format("dots left out, as their pixels do not confirm them: {}", v.refused));
+    }
     if (v.lengths) {
         console.say(lengthText(*v.lengths));
     }
@@ -206,6 +219,10 @@ void addVerify(CommandLine& commandLine, Console& console) {
     sub.option("--tolerance", o->tolerance, "Largest length error that is accepted, plate units; else exit code 1")
         .positive();
     sub.option("--noise", o->noise, "Standard deviation of a pixel's coordinates; default: estimated").positive();
+    sub.option("--dots", o->dots,
+               "refined: measure each dot of the new images on its pixels, as calibrate does; reader: the reader's")
+        .oneOf({"refined", "reader"})
+        .showDefault();
     sub.option("--calibration-error", o->calibrationError,
                "RMS epipolar distance in pixels that the calibration itself may have without being told as drift, "
                "beside what its covariance tells; default: 0 with a covariance, else 0.003");

@@ -56,6 +56,31 @@ ViewDots common(const fs::path& leftPath, const fs::path& rightPath, const std::
     return view;
 }
 
+// Throws Failure, naming the left image, for dots that do not place the plate.
+void refine(const LoadedRig& rig, const Plate& plate, const Picture& left, const Picture& right, ViewDots& view) {
+    const std::size_t count = view.count();
+    const ZelmMeasureImage leftImage = imageOf(left);
+    const ZelmMeasureImage rightImage = imageOf(right);
+    std::vector<std::int32_t> statuses(count);
+    rig.require(zelmMeasureRefinePlate(rig.handle.get(), &plate.pattern, &leftImage, &rightImage,
+                                       static_cast<std::int64_t>(count), view.grid.data(), view.leftPixels.data(),
+                                       view.rightPixels.data(), statuses.data()),
+                view.left.string());
+    const auto keepConfirmed = [&statuses](auto& pairs) {
+        std::size_t kept = 0;
+        for (std::size_t i = 0; i < pairs.size(); ++i) {
+            if (statuses[i / 2] == ZELM_MEASURE_DOT_OK) {
+                pairs[kept++] = pairs[i];
+            }
+        }
+        pairs.resize(kept);
+    };
+    keepConfirmed(view.grid);
+    keepConfirmed(view.leftPixels);
+    keepConfirmed(view.rightPixels);
+    view.refused = count - view.count();
+}
+
 }  // namespace
 
 ViewDotsReading readViewDots(const ViewImages& images, const Plate& plate, const LoadedRig& rig,
@@ -86,8 +111,12 @@ ViewDotsReading readViewDots(const ViewImages& images, const Plate& plate, const
         checkPicture(*left, leftPath, rig, 'L', images.leftRegion);
         checkPicture(*right, rightPath, rig, 'R', images.rightRegion);
         try {
-            reading.views.push_back(common(leftPath, rightPath, dotsOf(*left, leftPath, plate, images.leftRegion),
-                                           dotsOf(*right, rightPath, plate, images.rightRegion)));
+            ViewDots view = common(leftPath, rightPath, dotsOf(*left, leftPath, plate, images.leftRegion),
+                                   dotsOf(*right, rightPath, plate, images.rightRegion));
+            if (images.areRefined) {
+                refine(rig, plate, *left, *right, view);
+            }
+            reading.views.push_back(std::move(view));
         } catch (const Failure& failure) {
             skip(failure);
         }

@@ -19,6 +19,7 @@ struct ViewImages {
     std::vector<std::filesystem::path> right;  // in the same order
     std::optional<ZelmRect> leftRegion;
     std::optional<ZelmRect> rightRegion;
+    bool areRefined = true;  // the dots are measured anew on their pixels
 };
 
 struct ViewDots {
@@ -27,6 +28,7 @@ struct ViewDots {
     std::vector<std::int32_t> grid;   // 2 a dot
     std::vector<double> leftPixels;   // 2 a dot: centres of the ellipses
     std::vector<double> rightPixels;  //
+    std::size_t refused = 0;          // dots that were read, and that their pixels do not confirm
 
     std::size_t count() const { return grid.size() / 2; }
 };
