@@ -45,13 +45,13 @@ TEST(DriftCovariance, DerivativesByTheCalibrationAreDifferences) {
 }
 
 TEST(DriftCovariance, AFreshCalibrationsOwnErrorIsNoDrift) {
-    constexpr int kTrials = 300;
+    constexpr int kTrials = 200;
     const FreshCalibrations trials(0.1, 4);
     int alarms = 0;
     int alarmsWithout = 0;
     double squares = 0.0;
     for (std::uint64_t seed = 1; seed <= kTrials; ++seed) {
-        const DriftScene scene{.points = 500, .noise = 0.02};
+        const DriftScene scene{.points = 200, .noise = 0.02};
         const ZelmMeasureDrift known = trials.drift(seed, {}, scene, true);
         EXPECT_EQ(known.covariance, 1);
         alarms += known.found;
@@ -60,11 +60,11 @@ TEST(DriftCovariance, AFreshCalibrationsOwnErrorIsNoDrift) {
             squares += std::pow(s.value / s.deviation, 2.0) / (5.0 * kTrials);
         }
     }
-    // The level is 0.0001: such a test alarms once in thirty, which the seeds decide once for all.
+    // The level is 0.0001: such a test alarms once in fifty, which the seeds decide once for all.
     EXPECT_EQ(alarms, 0);
     EXPECT_GE(alarmsWithout, 18);
-    // The deviations are true. Were the five one and the same, their mean had a deviation of sqrt(2 / 300) = 0.08.
-    EXPECT_NEAR(squares, 1.0, 0.33);
+    // The deviations are true. Were the five one and the same, their mean had a deviation of sqrt(2 / 200) = 0.1.
+    EXPECT_NEAR(squares, 1.0, 0.4);
 }
 
 TEST(DriftCovariance, AHundredthOfADegreeIsFoundAllTheSame) {
