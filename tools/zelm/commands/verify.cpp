@@ -124,7 +124,7 @@ Verification verifyPairs(const VerifyOptions& o, const LoadedRig& rig, OutputFil
     v.subject = o.rig;
     if (!o.lengths.empty()) {
         outputs.keep(o.lengths);
-        v.lengths = checkNamedLengths(rig, o.pairs, pairs, o.lengths, readLengthFile(o.lengths));
+        v.lengths = checkNamedLengths(rig, o.pairs, pairs, o.lengths, readLengthFile(o.lengths, true));
     }
     PointPixels pixels;
     for (const PixelPair& pair : pairs) {

@@ -1,82 +1,73 @@
 #include "lengthFile.h"
 
 #include <algorithm>
-#include <string_view>
+#include <array>
+#include <optional>
 
 #include "failure.h"
 #include "letterCase.h"
 #include "numberText.h"
-#include "outputFiles.h"
+#include "tableFile.h"
 
 namespace zelm::tool {
 namespace {
 
-constexpr std::string_view kExpected = "expected from,to,length: two ids of pixel pairs and a length";
-constexpr std::string_view kBlanks = " \t\r";
+// Where the columns stand, in the order from, to, length.
+struct LengthColumns {
+    std::array<std::size_t, 3> places{0, 1, 2};
+    std::size_t count = 0;  // of all columns
+};
 
-std::string_view trimmed(std::string_view text) {
-    const std::size_t first = text.find_first_not_of(kBlanks);
-    return first == std::string_view::npos ? std::string_view()
-                                           : text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
-}
-
-char separatorOf(std::string_view line) {
-    for (const char c : {',', ';'}) {
-        if (line.find(c) != std::string_view::npos) {
-            return c;
+// The columns that a header names; none when the row is no header.
+std::optional<LengthColumns> headerColumns(const TableReader& table, std::size_t wanted) {
+    constexpr std::array<const char*, 3> kNames{"from", "to", "length"};
+    LengthColumns columns;
+    columns.count = table.fields().size();
+    for (std::size_t k = 0; k < wanted; ++k) {
+        const auto isNamed = [&](std::string_view field) { return lowerCase(std::string(field)) == kNames[k]; };
+        const auto found = std::find_if(table.fields().begin(), table.fields().end(), isNamed);
+        if (found == table.fields().end()) {
+            return std::nullopt;
         }
+        columns.places[k] = static_cast<std::size_t>(found - table.fields().begin());
     }
-    return '\t';
-}
-
-std::vector<std::string> fieldsOf(std::string_view line) {
-    const char separator = separatorOf(line);
-    std::vector<std::string> fields;
-    for (;;) {
-        const std::size_t end = line.find(separator);
-        std::string_view field = trimmed(line.substr(0, end));
-        if (field.size() > 1 && field.front() == '"' && field.back() == '"') {
-            field = field.substr(1, field.size() - 2);
-        }
-        fields.emplace_back(field);
-        if (end == std::string_view::npos) {
-            return fields;
-        }
-        line.remove_prefix(end + 1);
-    }
+    return columns;
 }
 
 }  // namespace
 
-std::vector<NamedLength> readLengthFile(const std::filesystem::path& path) {
-    const std::string whole = readWholeFile(path, "a list of lengths");
-    std::string_view text = whole;
-    if (text.starts_with("\xef\xbb\xbf")) {
-        text.remove_prefix(3);  // a byte order mark
-    }
+std::vector<NamedLength> readLengthFile(const std::filesystem::path& path, bool areKnown) {
+    const char* const expected = areKnown ? "expected from,to,length: two ids of pixel pairs and a length"
+                                          : "expected from,to: two ids of pixel pairs";
+    const std::size_t wanted = areKnown ? 3 : 2;
+    TableReader table(path, "a list of lengths", Separator::ofEveryRow);
+    LengthColumns columns;
     std::vector<NamedLength> lengths;
-    for (std::size_t number = 1; !text.empty(); ++number) {
-        const std::size_t end = std::min(text.find('\n'), text.size());
-        const std::string_view line = trimmed(text.substr(0, end));
-        text.remove_prefix(std::min(end + 1, text.size()));
-        if (line.empty() || line.front() == '#') {
-            continue;
+    while (table.next()) {
+        if (columns.count == 0) {
+            const auto header = headerColumns(table, wanted);
+            columns = header.value_or(LengthColumns{{0, 1, 2}, wanted});
+            if (header) {
+                continue;
+            }
         }
-        const std::vector<std::string> fields = fieldsOf(line);
-        if (fields.size() != 3) {
-            failData("{}: line {}: {} fields: {}", path.string(), number, fields.size(), kExpected);
+        const auto& fields = table.fields();
+        if (fields.size() != columns.count) {
+            failData("{}: line {}: {} fields: {}", table.file(), table.line(), fields.size(), expected);
         }
-        if (lengths.empty() && lowerCase(fields[0]) == "from" && lowerCase(fields[1]) == "to") {
-            continue;
+        NamedLength length{std::string(fields[columns.places[0]]), std::string(fields[columns.places[1]]), 0.0,
+                           table.line()};
+        if (areKnown) {
+            length.nominal = numberOf(fields[columns.places[2]]).value_or(0.0);
+            if (!(length.nominal > 0.0)) {
+                failData("{}: line {}: the length is not a number greater than 0: {}", table.file(), table.line(),
+                         expected);
+            }
         }
-        const auto nominal = numberOf(fields[2]);
-        if (!nominal || !(*nominal > 0.0)) {
-            failData("{}: line {}: the length is not a number greater than 0: {}", path.string(), number, kExpected);
-        }
-        lengths.push_back({fields[0], fields[1], *nominal, number});
+        lengths.push_back(length);
     }
     if (lengths.empty()) {
-        failData("{}: holds no lengths: {}", path.string(), kExpected);
+        failData("{}: holds no lengths: {}", path.string(), expected);
     }
     return lengths;
 }
