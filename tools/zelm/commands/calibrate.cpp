@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "adjustCall.h"
+#include "calibrationDoubts.h"
 #include "calibrationSummary.h"
 #include "failure.h"
 #include "htmlReport.h"
@@ -53,11 +54,11 @@ std::string estimateText(std::int32_t status) {
                    "plate edge-on";
         case ZELM_ERR_CALIB_ESTIMATE:
             return "the views do not determine the camera's parameters: tilt the plate differently from view to view, "
-                   "by 20 "
-                   "degrees or more";
+                   "by 20 degrees or more, and check that the plate file is this plate's";
         case ZELM_ERR_CALIB_NOT_CONVERGED:
-            return "the estimation does not converge: check that all views show the same plate with the same lens "
-                   "setting";
+            return "the estimation does not converge: check that the plate file is this plate's, and that all views "
+                   "show "
+                   "it with the same lens setting";
         case ZELM_ERR_STEREO_GEOMETRY:
             return "the two cameras do not form a pair: are left and right the same images?";
         case ZELM_ERR_MEMORY:
@@ -150,6 +151,7 @@ void runCalibrate(const CalibrateOptions& options, const Console& console) {
     outputs.keep(options.plate.file);
     outputs.prepareFolder(folder);
     const Calibration c = calibrate(options, settings, console, outputs);
+    requireAgreement(c, options.plate.file);
 
     const std::string summary = jsonText(summaryJson(c));
     outputs.add(folder / "rig.zcal", c.block);
@@ -165,6 +167,9 @@ void runCalibrate(const CalibrateOptions& options, const Console& console) {
     }
     outputs.commit();
     warnOfTilt(c, console);
+    for (const std::string& doubt : calibrationDoubts(c, options.plate.file)) {
+        console.warn(doubt);
+    }
 
     console.say(summaryText(c));
     console.say(fmt::format("wrote rig.zcal, {}rig.json{} to {}", c.covariance.empty() ? "" : "rig.zcov, ",
@@ -182,7 +187,7 @@ void addCalibrate(CommandLine& commandLine, Console& console) {
     addPlateOptions(sub, o->plate);
     sub.option("--left", o->left, "Left images: files, a quoted glob, a folder, or a list (.txt)").required();
     sub.option("--right", o->right, "Right images, in the same order of views").required();
-    sub.option("-o,--output", o->folder, "Folder for rig.zcal, rig.json and report.html").showDefault();
+    sub.option("-o,--output", o->folder, "Folder for rig.zcal, rig.zcov, rig.json and report.html").showDefault();
     const std::string models = ": 0 perspective, 1 tilted, 2 parallel (telecentric lenses)";
     sub.option("--left-model", o->leftModel, "Left camera" + models).inRange(0, 2).showDefault();
     sub.option("--right-model", o->rightModel, "Right camera" + models).inRange(0, 2).showDefault();

@@ -55,12 +55,16 @@ std::string readingText(std::int32_t status, const Plate& plate, const Picture* 
         case ZELM_ERR_PATTERN:
             return fmt::format(
                 "fewer than {} {} dots found: is the plate wholly in view, sharp, evenly lit and not "
-                "tilted far, with dots at least 10 pixels wide? (--min-dots asks for fewer)",
+                "tilted far, with dots at least 10 pixels wide, and the plate file this plate's? (--min-dots asks for "
+                "fewer)",
                 p.minDots, dots);
         case ZELM_ERR_PATTERN_MARKERS: {
             const int seen = picture != nullptr ? traits.markerSized : p.markers;
             if (seen < p.markers) {
-                return fmt::format("only {} of {} markers found: is one hidden or outside the image?", seen, p.markers);
+                return fmt::format(
+                    "only {} of {} markers found: is one hidden or outside the image, or the plate file another "
+                    "plate's?",
+                    seen, p.markers);
             }
             return fmt::format(
                 "the {} markers cannot be told apart from other dots: is something of their size in "
