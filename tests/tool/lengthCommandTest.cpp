@@ -114,6 +114,75 @@ TEST(LengthCommand, IdsMayHoldCommas) {
     EXPECT_EQ(Json::parse(run.output).at("lengths")[0].at("to"), "y,2");
 }
 
+TEST(LengthCommand, AFileNamesLengths) {
+    const KnownRigFile rig;
+    const std::string pairs = rig.writePairs(kPoints);
+    const auto lengths = [&](const std::vector<std::string>& more) {
+        std::vector<std::string> arguments{"length", rig.path, pairs, "--json"};
+        arguments.insert(arguments.end(), more.begin(), more.end());
+        const CommandResult run = zelm(arguments);
+        EXPECT_EQ(run.status, 0) << run.errors;
+        return Json::parse(run.output).at("lengths");
+    };
+    const Json expected = lengths({"--between", "a,b", "--between", "c,a"});
+    for (const char* text : {"from,to\na,b\nc,a\n", "a,b\nc,a", "# wanted\n\nto;note;from\r\n\"b\";x;a\r\na;;c\r\n",
+                             "From,To,Length\na,b,100\nc,a,1\n"}) {
+        writeFile(rig.folder / "lengths.csv", text);
+        EXPECT_EQ(lengths({"--lengths", rig.file("lengths.csv")}), expected) << text;
+    }
+    writeFile(rig.folder / "lengths.csv", "c,a\n");
+    EXPECT_EQ(lengths({"--between", "a,b", "--lengths", rig.file("lengths.csv")}), expected);
+}
+
+TEST(LengthCommand, RowsOfTheFileThatNameNoLengthAreRefused) {
+    const KnownRigFile rig;
+    const std::string pairs = rig.writePairs(kPoints);
+    const std::string list = rig.file("lengths.csv");
+    for (const auto& [text, words] :
+         {std::pair("from,to\na,b\na,q\n", "line 3: "), std::pair("a,q\n", "id \"q\""),
+          std::pair("from,to\n\na,a\n", "line 3: from the point \"a\" to itself"),
+          std::pair("from,to\na\n", "line 2: 1 fields: expected from,to"),
+          std::pair("a,b,100\n", "line 1: 3 fields: expected from,to"), std::pair("from,to\n\"a,b\n", "line 2: "),
+          std::pair("from,to\n", "no lengths"), std::pair("", "no lengths")}) {
+        writeFile(rig.folder / "lengths.csv", text);
+        expectOneLine(zelm({"length", rig.path, pairs, "--lengths", list, "-o", rig.file("o.csv")}), 1, {list, words});
+        EXPECT_FALSE(fs::exists(rig.folder / "o.csv"));
+    }
+    writeFile(rig.folder / "lengths.csv", "a,b\n");
+    expectOneLine(zelm({"length", rig.path, pairs, "--lengths", list, "-o", list}), 2, {list, "is an input"});
+    expectOneLine(zelm({"length", rig.path, pairs, "--lengths", rig.file("none.csv")}), 1, {"none.csv"});
+}
+
+// The uncertainty that is stated follows from noise; rays that pass each other by much more show that it is not all.
+TEST(LengthCommand, RaysThatPassEachOtherAreAWarning) {
+    const KnownRigFile rig;  // whose noise is 0.05 pixels
+    const std::string pairs = rig.writePairs(kPoints);
+    const std::string good = readFile(pairs);
+    const auto measured = [&](double offset, const std::vector<std::string>& more) {
+        const Point2d right = rig.known.pair.project('R', {10.0, 5.0, 0.0});
+        const Point2d left = rig.known.pair.project('L', {10.0, 5.0, 0.0});
+        std::ostringstream row;
+        row.precision(17);
+        row << good << "d," << left.x << ',' << left.y + offset << ',' << right.x << ',' << right.y << '\n';
+        writeFile(pairs, row.str());
+        for (const char* command : {"length", "triangulate"}) {
+            std::vector<std::string> arguments{command, rig.path, pairs, "-o", rig.file("o.csv"), "--quiet"};
+            arguments.insert(arguments.end(), more.begin(), more.end());
+            const CommandResult run = zelm(arguments);
+            EXPECT_EQ(run.status, 0) << run.errors;
+            const bool isWarned =
+                run.errors.find("the rays of 1 of 4 pixel pairs pass each other, by ") != std::string::npos &&
+                run.errors.find("(id d)") != std::string::npos;
+            EXPECT_EQ(isWarned, run.errors != "") << run.errors;
+            EXPECT_EQ(isWarned, offset > 0.3 && more.empty()) << command << ' ' << offset << ": " << run.errors;
+        }
+    };
+    measured(0.0, {});
+    measured(0.25, {});  // the most that six deviations leave is 0.3 pixels
+    measured(1.0, {});
+    measured(1.0, {"--noise", "0.3"});
+}
+
 TEST(LengthCommand, ShortLengthsAndLostEndsAreWarnings) {
     const KnownRigFile rig;
     std::vector<std::pair<std::string, Point3d>> points = kPoints;

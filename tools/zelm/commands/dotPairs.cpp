@@ -1,5 +1,10 @@
 #include "dotPairs.h"
 
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+
 #include "cameraPicture.h"
 #include "targets.h"
 
@@ -22,8 +27,11 @@ void addDotOptions(Subcommand& sub, DotOptions& options) {
         .showDefault();
 }
 
-std::vector<SpacePoint> moveToDots(std::vector<PixelPair>& pairs, const DotOptions& o, const LoadedRig& rig,
-                                   const std::string& file) {
+std::vector<SpacePoint> pointsOf(std::vector<PixelPair>& pairs, const DotOptions& o, const LoadedRig& rig,
+                                 const std::string& file) {
+    if (!o.areGiven()) {
+        return triangulate(rig, file, pairs);
+    }
     const Picture left = readGrayCameraPicture(o.images[0], rig, 'L');
     const Picture right = readGrayCameraPicture(o.images[1], rig, 'R');
     std::vector<SpacePoint> points = measureTargets(rig, file, left, right, pairs, o.polarity == "bright");
@@ -34,6 +42,43 @@ std::vector<SpacePoint> moveToDots(std::vector<PixelPair>& pairs, const DotOptio
         }
     }
     return points;
+}
+
+void warnOfMisses(const std::string& file, const std::vector<PixelPair>& pairs, const std::vector<SpacePoint>& points,
+                  const PixelQuality& quality, const Console& console) {
+    // What moves both pixels onto rays that meet is one error of noise: more than six deviations is none in a million.
+    constexpr double kMaxDeviations = 6.0;
+    constexpr double kMaxOfTargets = 0.5;  // pixels: shadows and dirt move outlines by tenths
+    constexpr double kMaxOfUnknown = 5.0;  // pixels: of pixels that were pointed at by hand
+    double limit = quality.noise ? kMaxDeviations * *quality.noise : kMaxOfUnknown;
+    limit = quality.areTargets ? std::max(limit, kMaxOfTargets) : limit;
+    std::size_t count = 0;
+    std::size_t known = 0;
+    std::size_t worst = 0;
+    double largest = 0.0;
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        if (points[i].status == PointStatus::ok) {
+            const double miss = std::hypot(points[i].errorLeft, points[i].errorRight);
+            known += 1;
+            count += miss > limit ? 1U : 0U;
+            worst = miss > largest ? i : worst;
+            largest = std::max(largest, miss);
+        }
+    }
+    if (count == 0) {
+        return;
+    }
+    const std::string stated = !quality.noise
+                                   ? std::string("more than a pixel read by hand is wrong by")
+                                   : fmt::format(
+                                         "more than noise of {:.2g} px explains, so that they are less well known than "
+                                         "stated",
+                                         *quality.noise);
+    console.warn(fmt::format(
+        "{}: the rays of {} of {} pixel pairs pass each other, by {:.3g} px at most (id {}): {}: correct the pairs "
+        "(are "
+        "columns or rows exchanged?), use the calibration of these cameras, or say with --noise how exact pixels are",
+        file, count, known, largest, pairs[worst].id, stated));
 }
 
 }  // namespace zelm::tool

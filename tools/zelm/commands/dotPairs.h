@@ -2,9 +2,11 @@
 #ifndef ZELM_TOOL_DOT_PAIRS_H
 #define ZELM_TOOL_DOT_PAIRS_H
 
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "console.h"
 #include "pairFile.h"
 #include "rigFile.h"
 #include "spacePoints.h"
@@ -16,13 +18,26 @@ namespace zelm::tool {
 struct DotOptions {
     std::vector<std::string> images;  // left and right, or none
     std::string polarity = "dark";
+
+    bool areGiven() const { return !images.empty(); }
 };
 void addDotOptions(Subcommand& sub, DotOptions& options);
 
-// Measures the round targets in whose dots the pixels of the pairs lie, and moves the pixels onto the images of their
-// centres. Throws Failure, naming `file`, for a rig that cannot triangulate.
-std::vector<SpacePoint> moveToDots(std::vector<PixelPair>& pairs, const DotOptions& options, const LoadedRig& rig,
-                                   const std::string& file);
+// The points of pairs. With images it measures the round targets in whose dots the pixels lie, and moves the pixels
+// onto the images of their centres. Throws Failure, naming `file`, for a rig that cannot triangulate.
+std::vector<SpacePoint> pointsOf(std::vector<PixelPair>& pairs, const DotOptions& options, const LoadedRig& rig,
+                                 const std::string& file);
+
+// How exact pixels are.
+struct PixelQuality {
+    std::optional<double> noise;  // standard deviation of a coordinate, pixels; none: not known
+    bool areTargets = false;      // measured on their outlines
+};
+
+// Warns, in one line, when rays pass each other farther than the noise of their pixels explains: then what is stated of
+// the points' uncertainty is too little. `file` holds the pairs.
+void warnOfMisses(const std::string& file, const std::vector<PixelPair>& pairs, const std::vector<SpacePoint>& points,
+                  const PixelQuality& quality, const Console& console);
 
 }  // namespace zelm::tool
 

@@ -12,6 +12,7 @@
 #include "dotPairs.h"
 #include "failure.h"
 #include "jsonText.h"
+#include "lengthFile.h"
 #include "outputFiles.h"
 #include "spacePoints.h"
 #include "subcommands.h"
@@ -29,6 +30,7 @@ struct LengthOptions {
     std::string pairs;
     std::string csv;
     std::vector<std::string> between;
+    std::string list;  // file that names lengths
     DotOptions dots;
     std::optional<double> noise;  // of the pixels; that of the calibration's dots
 };
@@ -57,10 +59,10 @@ struct MeasuredLength {
 };
 
 void checkNames(const LengthOptions& o) {
-    std::vector<std::string> inputs{o.rig, covarianceFile(o.rig).string(), o.pairs};
+    std::vector<std::string> inputs{o.rig, covarianceFile(o.rig).string(), o.pairs, o.list};
     inputs.insert(inputs.end(), o.dots.images.begin(), o.dots.images.end());
     for (const std::string& input : inputs) {
-        if (!o.csv.empty() && isSameFile(o.csv, input)) {
+        if (!o.csv.empty() && !input.empty() && isSameFile(o.csv, input)) {
             failUsage("{}: is an input: give the output another name", o.csv);
         }
     }
@@ -98,6 +100,24 @@ public:
         return *found;
     }
 
+    // The length that a line of the file names.
+    MeasuredLength named(const NamedLength& name, const std::string& list) const {
+        const auto placeOf = [&](const std::string& id) {
+            const auto place = places.find(id);
+            if (place == places.end()) {
+                failData("{}: line {}: {} has no point of the id \"{}\"", list, name.line, file, id);
+            }
+            return place->second;
+        };
+        MeasuredLength length;
+        length.from = placeOf(name.from);
+        length.to = placeOf(name.to);
+        if (length.from == length.to) {
+            failData("{}: line {}: from the point \"{}\" to itself: give two points", list, name.line, name.from);
+        }
+        return length;
+    }
+
 private:
     [[noreturn]] void refuse(const std::string& text) const {
         const std::size_t comma = text.find(',');
@@ -120,6 +140,11 @@ std::vector<MeasuredLength> lengthsOf(const LengthOptions& o, const std::vector<
     for (const std::string& text : o.between) {
         lengths.push_back(names.between(text));
     }
+    if (!o.list.empty()) {
+        for (const NamedLength& name : readLengthFile(o.list, false)) {
+            lengths.push_back(names.named(name, o.list));
+        }
+    }
     if (!lengths.empty()) {
         return lengths;
     }
@@ -127,8 +152,10 @@ std::vector<MeasuredLength> lengthsOf(const LengthOptions& o, const std::vector<
         failData("{}: holds one point: a length takes two", o.pairs);
     }
     if (pairs.size() > kMaxPointsOfAll) {
-        failUsage("{}: {} points have too many distances to show them all: name those you want with --between FROM,TO",
-                  o.pairs, pairs.size());
+        failUsage(
+            "{}: {} points have too many distances to show them all: name those you want with --between FROM,TO "
+            "or in a file, with --lengths",
+            o.pairs, pairs.size());
     }
     for (std::size_t i = 0; i < pairs.size(); ++i) {
         for (std::size_t k = i + 1; k < pairs.size(); ++k) {
@@ -268,14 +295,13 @@ void runLength(const LengthOptions& o, const Console& console) {
     if (!o.csv.empty()) {
         outputs.prepareFolder(fs::path(o.csv).parent_path());
     }
-    std::vector<bool> found(pairs.size(), true);
-    if (!o.dots.images.empty()) {
-        const std::vector<SpacePoint> targets = moveToDots(pairs, o.dots, rig, o.rig);
-        std::transform(targets.begin(), targets.end(), found.begin(),
-                       [](const SpacePoint& point) { return point.status == PointStatus::ok; });
-    }
+    std::vector<bool> found(pairs.size());
+    const std::vector<SpacePoint> points = pointsOf(pairs, o.dots, rig, o.rig);
+    std::transform(points.begin(), points.end(), found.begin(),
+                   [](const SpacePoint& point) { return point.status == PointStatus::ok; });
     measure(lengths, pairs, found, o, rig);
     checkResult(o, lengths, console);
+    warnOfMisses(o.pairs, pairs, points, {o.noise.value_or(rig.rig.covariance->noise), o.dots.areGiven()}, console);
     if (!o.csv.empty()) {
         outputs.add(o.csv, csvOf(lengths, pairs));
     }
@@ -300,7 +326,8 @@ void addLength(CommandLine& commandLine, Console& console) {
                "CSV of raw pixel pairs: xL,yL,xR,yR or id,xL,yL,xR,yR, or columns that a header names so")
         .required();
     sub.option("--between", o->between,
-               "FROM,TO: the ids of two points; may be given several times; default: all pairs");
+               "FROM,TO: the ids of two points; may be given several times; default, without --lengths: all pairs");
+    sub.option("--lengths", o->list, "CSV of the lengths to measure: from,to, the ids of two points a row");
     sub.option("-o,--output", o->csv, "Also write the lengths as CSV");
     addDotOptions(sub, o->dots);
     sub.option("--noise", o->noise,

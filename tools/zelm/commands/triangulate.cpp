@@ -66,10 +66,6 @@ void checkNames(const TriangulateOptions& o) {
     }
 }
 
-std::vector<SpacePoint> pointsOf(std::vector<PixelPair>& pairs, const TriangulateOptions& o, const LoadedRig& rig) {
-    return o.dots.images.empty() ? triangulate(rig, o.rig, pairs) : moveToDots(pairs, o.dots, rig, o.rig);
-}
-
 Summary summaryOf(const std::vector<SpacePoint>& points) {
     Summary s;
     s.counts = countStatuses(points);
@@ -119,9 +115,14 @@ Uncertainties uncertaintiesOf(const std::vector<PixelPair>& pairs, const std::ve
     return known;
 }
 
+// Of a pixel's coordinate; none where neither the user nor the calibration tells it.
+std::optional<double> noiseOf(const TriangulateOptions& o, const LoadedRig& rig) {
+    return o.noise || !rig.rig.covariance ? o.noise : rig.rig.covariance->noise;
+}
+
 std::string noiseText(const TriangulateOptions& o, const LoadedRig& rig) {
-    return o.dots.images.empty() || o.noise ? fmt::format("{:.4f} px", o.noise.value_or(rig.rig.covariance->noise))
-                                            : "the outlines of the targets";
+    return !o.dots.areGiven() || o.noise ? fmt::format("{:.4f} px", o.noise.value_or(rig.rig.covariance->noise))
+                                         : "the outlines of the targets";
 }
 
 std::string uncertaintyText(const Uncertainties& known, const TriangulateOptions& o, const LoadedRig& rig) {
@@ -181,7 +182,7 @@ void runTriangulate(const TriangulateOptions& o, const Console& console) {
     if (!o.ply.empty()) {
         outputs.prepareFolder(fs::path(o.ply).parent_path());
     }
-    const std::vector<SpacePoint> points = pointsOf(pairs, o, rig);
+    const std::vector<SpacePoint> points = pointsOf(pairs, o.dots, rig, o.rig);
     const Uncertainties known = uncertaintiesOf(pairs, points, o, rig);
     const Summary summary = summaryOf(points);
     if (summary.points() == 0) {
@@ -199,6 +200,7 @@ void runTriangulate(const TriangulateOptions& o, const Console& console) {
         console.warn(fmt::format("{}: {} of {} pixel pairs gave no point: {} (see the column status)", o.pairs,
                                  pairs.size() - summary.points(), pairs.size(), failuresText(summary)));
     }
+    warnOfMisses(o.pairs, pairs, points, {noiseOf(o, rig), o.dots.areGiven()}, console);
     console.say(summaryText(summary, pairs.size(), o));
     console.say(uncertaintyText(known, o, rig));
     Json json = summaryJson(summary, pairs.size(), o);
