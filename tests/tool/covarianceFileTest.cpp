@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstring>
 
 #include "knownRigFile.h"
 #include "matchedPoints.h"
@@ -85,6 +86,41 @@ TEST(CovarianceFile, TriangulatedPointsHaveStandardDeviations) {
         const Json json = Json::parse(run.output);
         EXPECT_EQ(json.at("noise"), sigma > 0.0 ? 0.2 : 0.05);
         EXPECT_EQ(json.at("sigmaMedian").at("total").size(), 3U);
+    }
+}
+
+TEST(CovarianceFile, ACloudHoldsTheStandardDeviations) {
+    const KnownRigFile rig;
+    const std::string pairs = rig.writePairs(kPoints);
+    writeFile(pairs, readFile(pairs) + "lost,1e9,1e9,640,480\n");
+    const CommandResult run =
+        zelm({"triangulate", rig.path, pairs, "-o", rig.file("points.csv"), "--ply", rig.file("points.ply")});
+    ASSERT_EQ(run.status, 0) << run.errors;
+    const auto rows = readCsv(rig.folder / "points.csv");
+    const std::vector<std::string> ply = splitLines(readFile(rig.folder / "points.ply"));
+    std::vector<std::string> properties;
+    std::size_t line = 0;
+    for (; ply.at(line) != "end_header"; ++line) {
+        if (ply[line].starts_with("property ")) {
+            properties.push_back(ply[line].substr(ply[line].rfind(' ') + 1));
+        }
+    }
+    ASSERT_EQ(properties.size(), 16U);
+    EXPECT_EQ(properties[7], "sigma_x");
+    EXPECT_EQ(properties[10], "noise_sigma_x");
+    EXPECT_EQ(properties[15], "calibration_sigma_z");
+    ASSERT_EQ(ply.size(), line + 1 + kPoints.size());
+    for (std::size_t i = 0; i < kPoints.size(); ++i) {
+        std::istringstream vertex(ply[line + 1 + i]);
+        for (std::size_t k = 0; k < 16; ++k) {
+            double number = 0.0;
+            vertex >> number;
+            // As in the CSV, where the id stands in front and has no row.
+            EXPECT_EQ(number, k < 6    ? std::stod(rows[i + 1][1 + k])
+                              : k == 6 ? static_cast<double>(i + 1)
+                                       : std::stod(rows[i + 1][k]));
+        }
+        EXPECT_TRUE((vertex >> std::ws).eof());
     }
 }
 
@@ -218,11 +254,14 @@ TEST(CovarianceFile, MatchesTellWhatTheCalibrationAddsToTheirDepths) {
     writeFile(rig.folder / "L.pgm", pgmBytes({240, 180, {pictures.left.begin(), pictures.left.end()}}));
     writeFile(rig.folder / "R.pgm", pgmBytes({240, 180, {pictures.right.begin(), pictures.right.end()}}));
     const CommandResult run = zelm({"match", rig.path, rig.file("L.pgm"), rig.file("R.pgm"), "--grid", "24", "--depth",
-                                    "420,500", "-o", rig.file("points.csv")});
+                                    "420,500", "-o", rig.file("points.csv"), "--ply", rig.file("points.ply")});
     ASSERT_EQ(run.status, 0) << run.errors;
     EXPECT_NE(run.output.find("the calibration adds a standard deviation"), std::string::npos) << run.output;
     const auto rows = readCsv(rig.folder / "points.csv");
     ASSERT_EQ(rows[0][13], "depth_sigma_calibration");
+    const std::string ply = readFile(rig.folder / "points.ply");
+    const std::size_t body = ply.find("property float depth_sigma_calibration\nend_header\n") + 50;
+    constexpr std::size_t kVertex = 23;  // bytes
     std::size_t found = 0;
     for (std::size_t i = 1; i < rows.size(); ++i) {
         ASSERT_EQ(rows[i].size(), 15U);
@@ -237,9 +276,14 @@ TEST(CovarianceFile, MatchesTellWhatTheCalibrationAddsToTheirDepths) {
         record.depths = depths;
         ASSERT_EQ(zelmMeasurePointCovariance(rig.known.rig.get(), 1, left, right, nullptr, &record), ZELM_OK);
         EXPECT_NEAR(std::stod(rows[i][13]), depths[1], 0.006 * depths[1]);  // written with three digits
+        float ofVertex = 0.0F;
+        ASSERT_GE(ply.size(), body + kVertex * (found + 1));
+        std::memcpy(&ofVertex, ply.data() + body + kVertex * found + 19, 4);
+        EXPECT_NEAR(ofVertex, depths[1], 0.001 * depths[1]);  // the pixels that they are of are written with four
         found += 1;
     }
     EXPECT_GT(found, 10U);
+    EXPECT_EQ(ply.size(), body + kVertex * found);
 }
 
 TEST(CovarianceFile, OutputsNeverTakeItsPlace) {

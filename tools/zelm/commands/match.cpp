@@ -272,7 +272,7 @@ void writeFiles(const MatchOptions& o, const std::vector<MatchedPoint>& points, 
                 bool withCalibration, OutputFiles& outputs) {
     outputs.add(o.csv, matchCsv(points, withCalibration));
     if (!o.ply.empty()) {
-        outputs.add(o.ply, matchPly(points, left));
+        outputs.add(o.ply, matchPly(points, left, withCalibration));
     }
     if (!o.picture.empty()) {
         constexpr int kSpotOfAList = 5;  // pixels
@@ -334,7 +334,9 @@ void addMatch(CommandLine& commandLine, Console& console) {
     sub.option("left", o->left, "Left raw image, as taken").required();
     sub.option("right", o->right, "Right raw image, as taken").required();
     sub.option("-o,--output", o->csv, "CSV of the points, a line each, in the order of the pixels").required();
-    sub.option("--ply", o->ply, "Also write the points found as a PLY cloud with their gray levels");
+    sub.option("--ply", o->ply,
+               "Also write the points found as a PLY cloud with their gray levels and the standard deviations of their "
+               "depths");
     sub.option("--picture", o->picture, "Also write a picture of the depths (.png)");
     Option points = sub.option("--points", o->points, "CSV of pixels of the left image: x,y or id,x,y");
     Option grid = sub.option("--grid", o->step, "Look for the pixels of a grid with this step, pixels")

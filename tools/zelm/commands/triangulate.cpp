@@ -193,7 +193,7 @@ void runTriangulate(const TriangulateOptions& o, const Console& console) {
     }
     outputs.add(o.csv, csvOf(pairs, points, known, o.covariances));
     if (!o.ply.empty()) {
-        outputs.add(o.ply, plyOf(points));
+        outputs.add(o.ply, plyOf(points, known));
     }
     outputs.commit();
     if (summary.points() < pairs.size()) {
@@ -219,7 +219,7 @@ void addTriangulate(CommandLine& commandLine, Console& console) {
                "CSV of raw pixel pairs: xL,yL,xR,yR or id,xL,yL,xR,yR, or columns that a header names so")
         .required();
     sub.option("-o,--output", o->csv, "CSV of the points, a line for each pixel pair").required();
-    sub.option("--ply", o->ply, "Also write the points as a PLY cloud");
+    sub.option("--ply", o->ply, "Also write the points as a PLY cloud, with their standard deviations");
     addDotOptions(sub, o->dots);
     sub.option("--noise", o->noise,
                "Standard deviation of the pixels' coordinates, pixels; default: that of the calibration's dots")

@@ -70,15 +70,16 @@ std::string matchCsv(const std::vector<MatchedPoint>& points, bool withCalibrati
     return csv;
 }
 
-std::string matchPly(const std::vector<MatchedPoint>& points, const Picture& left) {
+std::string matchPly(const std::vector<MatchedPoint>& points, const Picture& left, bool withCalibration) {
     const std::size_t count = countStatuses(points)[static_cast<std::size_t>(MatchStatus::ok)];
     std::string ply = fmt::format(
         "ply\nformat binary_little_endian 1.0\ncomment {} of {} points; depth_sigma: expected standard deviation of "
         "the depth\n"
         "element vertex {}\nproperty float x\nproperty float y\nproperty float z\nproperty uchar red\n"
-        "property uchar green\nproperty uchar blue\nproperty float depth_sigma\nend_header\n",
+        "property uchar green\nproperty uchar blue\nproperty float depth_sigma\n",
         count, points.size(), count);
-    constexpr std::size_t kBytesPerVertex = 19;
+    ply += withCalibration ? "property float depth_sigma_calibration\nend_header\n" : "end_header\n";
+    constexpr std::size_t kBytesPerVertex = 23;
     ply.reserve(ply.size() + kBytesPerVertex * count);
     for (const MatchedPoint& p : points) {
         if (p.status == MatchStatus::ok) {
@@ -87,6 +88,9 @@ std::string matchPly(const std::vector<MatchedPoint>& points, const Picture& lef
             appendFloat(ply, p.position.z);
             ply.append(3, grayAt(left, p.left));
             appendFloat(ply, p.deviation);
+            if (withCalibration) {
+                appendFloat(ply, p.calibrationDeviation.value_or(-1.0));
+            }
         }
     }
     return ply;

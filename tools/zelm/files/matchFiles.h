@@ -48,8 +48,9 @@ std::array<std::size_t, kMatchStatuses> countStatuses(const std::vector<MatchedP
 // All points, a line each, in their order; with what the calibration adds to their depths when it is known.
 std::string matchCsv(const std::vector<MatchedPoint>& points, bool withCalibration);
 
-// The points that are ok with the gray level of the left picture, as a binary PLY.
-std::string matchPly(const std::vector<MatchedPoint>& points, const Picture& left);
+// The points that are ok with the gray level of the left picture, as a binary PLY; with what the calibration adds to
+// their depths, when it is known: -1 where it is not.
+std::string matchPly(const std::vector<MatchedPoint>& points, const Picture& left, bool withCalibration);
 
 }  // namespace zelm::tool
 

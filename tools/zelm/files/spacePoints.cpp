@@ -70,19 +70,25 @@ std::string csvOf(const std::vector<PixelPair>& pairs, const std::vector<SpacePo
     return csv;
 }
 
-std::string plyOf(const std::vector<SpacePoint>& points) {
+std::string plyOf(const std::vector<SpacePoint>& points, const std::vector<PointUncertainty>& known) {
     const std::size_t count = countStatuses(points)[static_cast<std::size_t>(PointStatus::ok)];
     std::string ply = fmt::format(
         "ply\nformat ascii 1.0\ncomment {} of {} pixel pairs; row counts them from 1\n"
-        "comment errors in pixels, angle between the rays in degrees\nelement vertex {}\n"
-        "property double x\nproperty double y\nproperty double z\nproperty float error_left\n"
-        "property float error_right\nproperty float angle\nproperty int row\nend_header\n",
-        count, points.size(), count);
-    ply.reserve(ply.size() + kBytesPerLine * count);
+        "comment errors in pixels, angle between the rays in degrees\n",
+        count, points.size());
+    ply += known.empty() ? "" : "comment sigma: standard deviations by noise and by the calibration, plate units\n";
+    ply += fmt::format(
+        "element vertex {}\nproperty double x\nproperty double y\nproperty double z\nproperty float error_left\n"
+        "property float error_right\nproperty float angle\nproperty int row\n",
+        count);
+    ply += known.empty() ? "" : plySigmaProperties();
+    ply += "end_header\n";
+    ply.reserve(ply.size() + (known.empty() ? 1 : 2) * kBytesPerLine * count);
     for (std::size_t i = 0; i < points.size(); ++i) {
         if (const SpacePoint& p = points[i]; p.status == PointStatus::ok) {
-            fmt::format_to(std::back_inserter(ply), FMT_COMPILE("{:.10g} {:.10g} {:.10g} {:.6f} {:.6f} {:.6f} {}\n"),
+            fmt::format_to(std::back_inserter(ply), FMT_COMPILE("{:.10g} {:.10g} {:.10g} {:.6f} {:.6f} {:.6f} {}"),
                            p.position.x, p.position.y, p.position.z, p.errorLeft, p.errorRight, p.degrees, i + 1);
+            ply += (known.empty() ? "" : plySigmas(known[i])) + "\n";
         }
     }
     return ply;

@@ -48,11 +48,11 @@ struct SpacePoint {
 // Makes points of pairs. Throws Failure, naming `file`, for a rig that cannot triangulate, or when memory runs out.
 std::vector<SpacePoint> triangulate(const LoadedRig& rig, const std::string& file, const std::vector<PixelPair>& pairs);
 
-// The points as CSV, a line for each pair in the same order, with how well they are known unless that is empty; and as
-// an ASCII PLY of the points that are ok.
+// The points as CSV, a line for each pair in the same order, and as an ASCII PLY of the points that are ok: both with
+// how well they are known, unless that is empty.
 std::string csvOf(const std::vector<PixelPair>& pairs, const std::vector<SpacePoint>& points,
                   const std::vector<PointUncertainty>& known, bool withCovariances);
-std::string plyOf(const std::vector<SpacePoint>& points);
+std::string plyOf(const std::vector<SpacePoint>& points, const std::vector<PointUncertainty>& known);
 
 // An id as a field of a CSV file.
 std::string csvField(const std::string& text);

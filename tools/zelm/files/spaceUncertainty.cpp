@@ -10,6 +10,8 @@
 namespace zelm::tool {
 namespace {
 
+constexpr const char* kParts[] = {"sigma", "noise_sigma", "calibration_sigma"};  // of the standard deviations
+
 std::array<double, 3> deviationsOf(const std::array<double, 6>& c) {
     return {std::sqrt(c[0]), std::sqrt(c[3]), std::sqrt(c[5])};
 }
@@ -87,9 +89,29 @@ UncertaintyMedians mediansOf(const std::vector<PointUncertainty>& points) {
     return medians;
 }
 
+std::string plySigmaProperties() {
+    std::string properties;
+    for (const char* part : kParts) {
+        for (const char* axis : {"x", "y", "z"}) {
+            properties += fmt::format("property float {}_{}\n", part, axis);
+        }
+    }
+    return properties;
+}
+
+std::string plySigmas(const PointUncertainty& point) {
+    std::string numbers;
+    for (const auto& part : {point.total(), point.ofNoise(), point.ofCalibration()}) {
+        for (const double deviation : part) {
+            fmt::format_to(std::back_inserter(numbers), FMT_COMPILE(" {:.6g}"), point.isKnown ? deviation : -1.0);
+        }
+    }
+    return numbers;
+}
+
 std::string uncertaintyHeader(bool withCovariances) {
     std::string header;
-    for (const char* part : {"sigma", "noise_sigma", "calibration_sigma"}) {
+    for (const char* part : kParts) {
         header += fmt::format(",{0}_X,{0}_Y,{0}_Z", part);
     }
     for (const char* part : {"noise", "calibration"}) {

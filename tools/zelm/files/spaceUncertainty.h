@@ -40,6 +40,11 @@ UncertaintyMedians mediansOf(const std::vector<PointUncertainty>& points);
 std::string uncertaintyHeader(bool withCovariances);
 std::string uncertaintyFields(const PointUncertainty& point, bool withCovariances);
 
+// Likewise the properties of a PLY's vertices, and the numbers of one with a blank in front of each: -1 where they are
+// not known, as readers of text files stumble over nan.
+std::string plySigmaProperties();
+std::string plySigmas(const PointUncertainty& point);
+
 }  // namespace zelm::tool
 
 #endif
