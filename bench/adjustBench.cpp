@@ -1,6 +1,7 @@
 // The adjustment of 12 to 300 views of 143 dots in two cameras, covariance included, beside a plain adjustment of the
-// same observations by a general solver with automatic derivatives, which takes dots as projected points. The last
-// lines say what the times are, their ratio, and how much longer 300 views take than 12.
+// same observations by a general solver with automatic derivatives, which takes dots as projected points, and by mrcal
+// where that is installed (Debian: libmrcal-dev). The last lines say what the times are, their ratios, and how much
+// longer 300 views take than 12.
 #include <benchmark/benchmark.h>
 #include <ceres/ceres.h>
 #include <ceres/rotation.h>
@@ -13,6 +14,9 @@
 #include "adjustScene.h"
 #include "adjuster.h"
 #include "leastTimes.h"
+#ifdef ZELM_BENCH_MRCAL
+#include "mrcalAdjustment.h"
+#endif
 
 namespace {
 
@@ -144,6 +148,19 @@ void plainSolver(benchmark::State& state) {
     }
 }
 
+#ifdef ZELM_BENCH_MRCAL
+void mrcal(benchmark::State& state) {
+    const Case c = caseOf(static_cast<int>(state.range(0)));
+    for (auto _ : state) {
+        const double rms = zelmbench::adjustByMrcal(c.start, c.views);
+        if (!(rms >= 0.0 && rms <= 1.1 * kNoise)) {
+            state.SkipWithError("mrcal's adjustment is wrong");
+            return;
+        }
+    }
+}
+#endif
+
 constexpr int kRepetitions = 5;
 
 void sizes(benchmark::internal::Benchmark* b) {
@@ -151,6 +168,9 @@ void sizes(benchmark::internal::Benchmark* b) {
 }
 BENCHMARK(adjustment)->Apply(sizes);
 BENCHMARK(plainSolver)->Apply(sizes);
+#ifdef ZELM_BENCH_MRCAL
+BENCHMARK(mrcal)->Apply(sizes);
+#endif
 
 }  // namespace
 
@@ -169,10 +189,19 @@ int main(int argc, char** argv) {
             std::printf("%s views: %.1f ms with covariance, plain solver %.1f ms without, %.2f x its speed\n", views,
                         own, plain, plain / own);
         }
+        const double mrcalTime = reporter.of(std::string("mrcal/") + views);
+        if (own > 0.0 && mrcalTime > 0.0) {
+            std::printf("%s views: mrcal %.1f ms without covariance, %.2f x its speed\n", views, mrcalTime,
+                        mrcalTime / own);
+        }
     }
+#ifndef ZELM_BENCH_MRCAL
+    std::printf("mrcal not found: no comparison of the adjustment with it\n");
+#endif
     const double few = reporter.of("adjustment/12");
-    if (few > 0.0) {
-        std::printf("300 views take %.1f times as long as 12, which are a 25th\n", reporter.of("adjustment/300") / few);
+    const double many = reporter.of("adjustment/300");
+    if (few > 0.0 && many > 0.0) {
+        std::printf("300 views take %.1f times as long as 12, which are a 25th\n", many / few);
     }
     benchmark::Shutdown();
     return 0;

@@ -10,5 +10,5 @@ format_packages=(clang-format)
 i386_packages=(gcc-multilib g++-multilib)
 # OpenCV, which the benchmarks compare with: 160 MB in some 290 packages on a bare system, as calib3d brings the headers
 # of half of that library; about a minute.
-bench_packages=(libbenchmark-dev libopencv-imgproc-dev libopencv-calib3d-dev)
+bench_packages=(libbenchmark-dev libmrcal-dev libopencv-imgproc-dev libopencv-calib3d-dev)
 fresh_packages=(debootstrap git)
