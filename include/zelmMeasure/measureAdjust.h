@@ -33,8 +33,9 @@ typedef struct ZelmMeasureAdjustOptions {
 /// @param options [in] what is estimated; NULL: the defaults
 /// @param adjustment [out] the handle, to be closed by zelmMeasureAdjustClose(); must be NULL before. Also when the rig
 ///     is refused: such a handle holds the error text alone, and every other function refuses it
-/// @return ZELM_OK; ZELM_ERR_PARAM; ZELM_ERR_MEMORY; ZELM_MEASURE_ERR_DATA: the rig has no dots; its two cameras are parallel,
-///     which their one view determines; the plate's dots are wider than their pitch
+/// @return ZELM_OK; ZELM_ERR_PARAM; ZELM_ERR_MEMORY; ZELM_MEASURE_ERR_DATA: the rig has no dots; its two cameras are
+///     parallel, which their one view determines; the plate's dots are wider than their pitch; more than a quarter of a
+///     camera's dots lie off the plate's grid
 ZELM_API int32_t zelmMeasureAdjustOpen(const ZelmMeasureRig* rig, const Zelm2ViewPatternDesc* pattern,
                                        const ZelmMeasureAdjustOptions* options, ZelmMeasureAdjustment** adjustment);
 
@@ -52,8 +53,9 @@ ZELM_API const char* zelmMeasureAdjustError(const ZelmMeasureAdjustment* adjustm
 /// centre without the lens). Dots beyond five standard deviations, and views whose dots lie four times as far off as
 /// the usual view's, take no part (robust start: Huber, 1964). Solved with Ceres.
 /// @param adjustment [in] the adjustment
-/// @return ZELM_OK; ZELM_ERR_PARAM; ZELM_ERR_MEMORY; ZELM_MEASURE_ERR_DATA: the views do not determine the parameters;
-///     the error says which
+/// @return ZELM_OK; ZELM_ERR_PARAM; ZELM_ERR_MEMORY; ZELM_MEASURE_ERR_DATA: the views do not determine the parameters,
+///     the error says which; a camera has too few dots that agree with the others; no rig sees the dots within 2 pixels
+///     (RMS of a coordinate)
 /// Cost O(dots), some 10 to 30 passes.
 ZELM_API int32_t zelmMeasureAdjustSolve(ZelmMeasureAdjustment* adjustment);
 

@@ -49,8 +49,8 @@ std::vector<DotObservation> dotsOf(const RigCamera& camera, const Pattern& plate
     return dots;
 }
 
-// From the plate of a view to a camera, as the camera's own dots tell it: they find their places on the plate even where
-// the other camera saw it elsewhere. A parallel camera has no pose of views that it was not calibrated from.
+// From the plate of a view to a camera, as the camera's own dots tell it: they find their places on the plate even
+// where the other camera saw it elsewhere. A parallel camera has no pose of views that it was not calibrated from.
 MotionParameters ownPose(const RigCamera& camera, const AdjustState& state, Side side, std::size_t view) {
     const ZelmCameraExtrinsics& pose = camera.poses[view];
     const bool isKnown = std::any_of(std::begin(pose.R), std::end(pose.R), [](double r) { return r != 0.0; });

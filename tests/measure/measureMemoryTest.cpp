@@ -224,8 +224,8 @@ TEST(MeasureMemory, RigsOfObjectsAndTheirDots) {
     EXPECT_GE(epipolar.own, 143);
 }
 
-// A plate of nine dots in a plane, hardly tilted: few poses, each of which costs little. They ask for memory at the same
-// places as many poses do.
+// A plate of nine dots in a plane, hardly tilted: few poses, each of which costs little. They ask for memory at the
+// same places as many poses do.
 PlanSetup smallPlan() {
     PlanSetup setup;
     setup.plate.d0 = setup.plate.d1 = 20.0;
