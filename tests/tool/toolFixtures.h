@@ -110,6 +110,18 @@ inline CommandResult calibrate(const std::string& left, const std::string& right
     return zelm(arguments);
 }
 
+// The small rig calibrated, with overlays, once for each test program.
+inline const fs::path& calibratedSmallRig() {
+    static const TemporaryFolder folder;
+    static const fs::path path = [] {
+        const CommandResult result = calibrate(smallRigFile("left_*.pgm"), smallRigFile("right_*.pgm"),
+                                               (folder / "out").string(), {"--overlays"});
+        EXPECT_EQ(result.status, 0) << result.errors;
+        return folder / "out";
+    }();
+    return path;
+}
+
 // One line on stderr that begins with "zelm: " and holds every one of the words.
 inline void expectOneLine(const CommandResult& result, int status, const std::vector<std::string>& words) {
     EXPECT_EQ(result.status, status) << result.errors;

@@ -75,8 +75,6 @@ TEST_F(ToolOutputs, NamesThatAreNoUtf8) {
     EXPECT_EQ(result["dots"].size(), 63U);
     EXPECT_TRUE(fs::exists(at("o/view\xff_dots.csv")));
 
-    const CommandResult made = calibrate(smallRigFile("left_*.pgm"), smallRigFile("right_*.pgm"), at("c"));
-    ASSERT_EQ(made.status, 0) << made.errors;
     const CommandResult images =
         zelm({"calibrate", "--plate", smallRigFile("plate.json"), "--left", image, smallRigFile("left_01.pgm"),
               smallRigFile("left_02.pgm"), "--right", smallRigFile("right_00.pgm"), smallRigFile("right_01.pgm"),
@@ -134,7 +132,7 @@ int statusAfterSignal(const std::vector<std::string>& arguments, const fs::path&
 }
 
 TEST_F(ToolOutputs, AnInterruptedRunLeavesNothing) {
-    const std::string rig = describe("rig.json", 500);  // many times longer than the first image takes
+    const std::string rig = describe("rig.json", 100);  // many times longer than the first image takes
     for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
         const int status =
             statusAfterSignal({ZELM_PROGRAM, "simulate", rig, "-o", at("new/o"), "--quiet"}, folder / "new/o", signal);
