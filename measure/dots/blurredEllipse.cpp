@@ -32,8 +32,8 @@ BlurredEllipse::Value BlurredEllipse::at(double x, double y) const {
         }
         const double upper = across + chord.half;
         const double lower = across - chord.half;
-        const NormalValue high = standardNormal(upper);
-        const NormalValue low = standardNormal(lower);
+        const NormalValue<double> high = standardNormal(upper);
+        const NormalValue<double> low = standardNormal(lower);
         const double covered = high.below - low.below;
         sum += w * covered;
         byAlong -= w * d * covered;

@@ -29,6 +29,18 @@ double squaresOf(const CoreSums& s, const DotVector& at, std::size_t first) {
                     0.0);
 }
 
+// Gives the function coverage and residual of the samples of these sectors.
+template <class Function>
+void forEachThatCounts(const DotSamples& samples, SectorMask sectors, Function function) {
+    for (const DotQuad& s : samples.quads) {
+        for (std::size_t k = 0; k < kLanes; ++k) {
+            if ((sectors >> s.sector[k] & 1U) != 0 && s.counts[k] != 0.0F) {
+                function(static_cast<double>(s.coverage[k]), static_cast<double>(s.residual[k]));
+            }
+        }
+    }
+}
+
 }  // namespace
 
 OutlineEvidence evidenceOf(const DotModel& model, const DotPixels& pixels, double noise) {
@@ -36,19 +48,23 @@ OutlineEvidence evidenceOf(const DotModel& model, const DotPixels& pixels, doubl
     struct Sums {
         double count = 0, squares = 0, es = 0, ss = 0, ec = 0, cc = 0;
     };
-    std::array<Sums, kDotSectors> sums{};
-    for (const DotSample& s : pixels.samples) {
-        Sums& sum = sums[s.sector];
-        if (!s.counts) {
-            continue;
+    std::array<Sums, DotSamples::kNoSector + 1> sums{};
+    for (const DotQuad& s : pixels.samples.quads) {
+        for (std::size_t k = 0; k < kLanes; ++k) {
+            Sums& sum = sums[s.sector[k]];
+            if (s.counts[k] == 0.0F) {
+                continue;
+            }
+            const auto residual = static_cast<double>(s.residual[k]);
+            const auto slope = static_cast<double>(s.slope[k]);
+            const double step = contrast * (static_cast<double>(s.coverage[k]) - 0.5);
+            sum.count += 1.0;
+            sum.squares += residual * residual;
+            sum.es += residual * slope;
+            sum.ss += slope * slope;
+            sum.ec += residual * step;
+            sum.cc += step * step;
         }
-        const double step = contrast * (s.coverage - 0.5);
-        sum.count += 1.0;
-        sum.squares += s.residual * s.residual;
-        sum.es += s.residual * s.slope;
-        sum.ss += s.slope * s.slope;
-        sum.ec += s.residual * step;
-        sum.cc += step * step;
     }
     OutlineEvidence evidence{};
     for (std::size_t k = 0; k < kDotSectors; ++k) {
@@ -120,14 +136,10 @@ SectorMask agreeingSectors(const OutlineEvidence& evidence, SectorMask fitted, c
 DotResidual residualOf(const DotModel& model, const DotPixels& pixels, SectorMask sectors) {
     double squares = 0.0;
     double count = 0.0;
-    for (const DotSample& s : pixels.samples) {
-        if ((sectors >> s.sector & 1U) != 0) {
-            if (s.counts) {
-                squares += s.residual * s.residual;
-                count += 1.0;
-            }
-        }
-    }
+    forEachThatCounts(pixels.samples, sectors, [&](double, double residual) {
+        squares += residual * residual;
+        count += 1.0;
+    });
     for (const std::size_t side : {std::size_t{0}, std::size_t{1}}) {
         const CoreSums core = model.coreOf(sectors, side, model.unknowns);
         squares += squaresOf(core, model.unknowns, side == 0 ? kInside : kOutside);
@@ -150,24 +162,20 @@ DotVariance varianceOf(const DotModel& model, const DotPixels& pixels, SectorMas
     double hh = 0.0;
     double hIn = 0.0;
     double hOut = 0.0;
-    for (const DotSample& s : pixels.samples) {
-        if ((sectors >> s.sector & 1U) == 0 || !s.counts) {
-            continue;
-        }
-        const double m = s.coverage;
-        const double e2 = s.residual * s.residual;
+    forEachThatCounts(pixels.samples, sectors, [&](double m, double residual) {
+        const double e2 = residual * residual;
         if (m > kNearlyAll || m < 1.0 - kNearlyAll) {
             const std::size_t side = m > kNearlyAll ? 0 : 1;
             squares[side] += e2;
             counts[side] += 1.0;
-            continue;
+            return;
         }
         const double h = 4.0 * m * (1.0 - m);
         eh += e2 * h;
         hh += h * h;
         hIn += m * h;
         hOut += (1.0 - m) * h;
-    }
+    });
     constexpr double kMinCount = 20.0;
     constexpr double kLost = 3.0;  // unknowns of the levels of one side
     const double both = (squares[0] + squares[1] + eh) / std::max(counts[0] + counts[1] + hh - 10.0, 1.0);

@@ -12,7 +12,7 @@ namespace zelm::measure {
 namespace {
 
 constexpr double kPixelVariance = 1.0 / 12.0;  // of a pixel's square along an axis
-constexpr double kEdgeSigmas = 4.2;            // of the blur, beyond which a pixel is uniform to 1e-5
+constexpr double kEdgeSigmas = 3.6;            // of the blur, beyond which a pixel is uniform to 2e-4
 constexpr double kEdgeMargin = 0.4;            // pixels by which the outline may still move
 constexpr double kGround = 2.5;                // pixels of ground beyond the edge, at least
 constexpr double kGroundShare = 0.25;          // of the radius
@@ -87,7 +87,7 @@ public:
         noise = localNoise(place);
         model.limits.shift = 1.5 * shiftLimit();
         model.limits.maxBlur = std::max(kMaxBlurShare * outline.shortAxis, kFirstBlur);
-        pixels.samples.reserve(256);
+        pixels.samples.quads.reserve(256);
         if (!(findOnAllOutline() || findOnArcs())) {
             return refused(kDotNoDot);
         }
@@ -123,17 +123,20 @@ private:
         model.unknowns[kBlur] = std::min(kFirstBlur, model.limits.maxBlur);
         model.moveFeet(model.unknowns);
         double inSum = 0.0, inCount = 0.0, outSum = 0.0, outCount = 0.0;
-        for (const DotSample& s : pixels.samples) {
-            if ((sectors >> s.sector & 1U) == 0) {
-                continue;
-            }
-            const double distance = model.distance(s, model.unknowns);
-            if (distance < -0.4 * reach) {
-                inSum += s.gray;
-                inCount += 1.0;
-            } else if (distance > 0.4 * reach) {
-                outSum += s.gray;
-                outCount += 1.0;
+        for (const DotQuad& s : pixels.samples.quads) {
+            const Lanes distances = model.distances(s, model.unknowns);
+            for (std::size_t k = 0; k < kLanes; ++k) {
+                const auto distance = static_cast<double>(distances[k]);
+                if ((sectors >> s.sector[k] & 1U) == 0) {
+                    continue;
+                }
+                if (distance < -0.4 * reach) {
+                    inSum += static_cast<double>(s.gray[k]);
+                    inCount += 1.0;
+                } else if (distance > 0.4 * reach) {
+                    outSum += static_cast<double>(s.gray[k]);
+                    outCount += 1.0;
+                }
             }
         }
         if (inCount < 5.0 || outCount < 5.0) {
@@ -180,8 +183,7 @@ private:
                 return false;
             }
             const DotVector before = model.unknowns;
-            outliers = gatherBand(place, model.unknowns, band, noise * noise, pixels);
-            model.setFeet(model.unknowns);
+            outliers = gatherBand(place, band, noise * noise, model, pixels);
             model.variance = {noise * noise, noise * noise, 0.0};
             model.limits.contrast = std::max(contrast(), 1.0);
             converged = model.fit(sectors, kBandSteps, kBandTolerance);
@@ -215,7 +217,7 @@ private:
 
     bool findOnAllOutline() {
         return findRoughly(visible) && fitBand(visible, kCoarseTolerance) && settleSectors() && isEvenlyLit() &&
-               isExplained();
+               isExplained(residualOf(model, pixels, used));
     }
 
     // Whether the levels are as slanted as light may be, rather than as what hides a part would make them.
@@ -226,8 +228,8 @@ private:
     }
 
     // Whether noise and the profile of a real edge are all that the model leaves.
-    bool isExplained() const {
-        return residualOf(model, pixels, used).rms <= std::hypot(kMaxExcess * noise, kMaxModelError * contrast());
+    bool isExplained(const DotResidual& residual) const {
+        return residual.rms <= std::hypot(kMaxExcess * noise, kMaxModelError * contrast());
     }
 
     // Leaves sectors out and takes them in again until those that are used agree with the dot, and the others do not.
@@ -300,7 +302,7 @@ private:
         const double scale = 1.0 + at[kGrowth] / outline.radius;
         setFlags();
         if (!hasContrast() || !isPlausible(scale) || !(std::hypot(at[kShiftX], at[kShiftY]) <= shiftLimit()) ||
-            !agrees || !isEvenlyLit() || !isExplained()) {
+            !agrees || !isEvenlyLit() || !isExplained(residual)) {
             return refused(kDotNoDot);
         }
         if (!converged) {

@@ -17,7 +17,8 @@ constexpr double kSlant = 0.1;            // of the contrast a radius: how much 
 constexpr double kMinGrowth = -0.5;       // of the radius
 constexpr double kMaxGrowth = 0.7;        //
 constexpr double kShapeTolerance = 10.0;  // times the tolerance of the centre, which size and blur touch little
-constexpr double kMinFootDivisor = 0.2;   // of the squared derivative
+constexpr float kMinFootDivisor = 0.2F;   // of the squared derivative
+constexpr float kMaxFirstTurn = 0.02F;    // radians; the foot is then right to its square
 constexpr double kFirstDamping = 1e-4;
 constexpr double kMaxDamping = 1e8;
 constexpr double kMinDamping = 1e-9;
@@ -25,68 +26,128 @@ constexpr double kMaxFinalDamping = 1e-2;  // steps damped more are short for th
 constexpr double kNoiseOfSteps = 5.0;      // tolerances
 constexpr double kMaxSeriesBend = 0.3;     // blur over radius of curvature: the series is then right to 1e-3
 constexpr double kMaxStale = 0.01;         // of the radius, by which feet may lag: a distance errs by 5e-5 of it
+constexpr double kFrozenStep = 0.15;       // of the blur: after shorter steps the normal matrix stays
+constexpr double kMinShrinkage = 0.3;      // of the step before: else it is formed anew
 
 struct Foot {
-    double qx, qy;  // the point of the outline
-    double tx, ty;  // its derivative by the parameter
+    Lanes qx, qy;  // the point of the outline
+    Lanes tx, ty;  // its derivative by the parameter
 };
 
-Foot footAt(const std::array<double, 4>& U, double scale, double ex, double ey) {
-    return {scale * (U[0] * ex + U[1] * ey), scale * (U[2] * ex + U[3] * ey), scale * (U[1] * ex - U[0] * ey),
-            scale * (U[3] * ex - U[2] * ey)};
+Foot footAt(const std::array<float, 4>& U, Lanes ex, Lanes ey) {
+    return {U[0] * ex + U[1] * ey, U[2] * ex + U[3] * ey, U[1] * ex - U[0] * ey, U[3] * ex - U[2] * ey};
 }
 
-// Rows of derivatives that end with the residual, some at a time: their products are summed when the next rows no
-// longer wait for them.
+std::array<float, 4> floatsOf(const std::array<double, 4>& numbers, double factor = 1.0) {
+    std::array<float, 4> floats{};
+    std::transform(numbers.begin(), numbers.end(), floats.begin(),
+                   [&](double x) { return static_cast<float>(factor * x); });
+    return floats;
+}
+
+// One step of Newton's towards the foot of a place on the outline with these axes.
+// Returns how far it turned, in radians of the parameter.
+Lanes turnFoot(DotQuad& s, const std::array<float, 4>& axes, Lanes x, Lanes y) {
+    const Foot foot = footAt(axes, s.footX, s.footY);
+    const Lanes wx = x - foot.qx;
+    const Lanes wy = y - foot.qy;
+    const Lanes t2 = foot.tx * foot.tx + foot.ty * foot.ty;
+    // Within the outline the step's divisor vanishes at the centre of curvature.
+    const Lanes turn = (wx * foot.tx + wy * foot.ty) / larger(t2 + wx * foot.qx + wy * foot.qy, kMinFootDivisor * t2);
+    const Lanes ex = s.footX - turn * s.footY;
+    const Lanes ey = s.footY + turn * s.footX;
+    const Lanes norm = inverseRoot(1.0F + turn * turn);  // the foot is a unit vector
+    s.footX = ex * norm;
+    s.footY = ey * norm;
+    return sizeOf(turn);
+}
+
+// Notes what the outline is at the foot.
+void describeFoot(DotQuad& s, const std::array<float, 4>& axes, const DotOutline& outline) {
+    const Foot foot = footAt(axes, s.footX, s.footY);
+    const Lanes inverse = inverseRoot(foot.tx * foot.tx + foot.ty * foot.ty);
+    const Lanes turned = static_cast<float>(outline.turn) * inverse;
+    s.nx = turned * foot.ty;
+    s.ny = -turned * foot.tx;
+    s.offset = (s.x - foot.qx) * s.nx + (s.y - foot.qy) * s.ny;
+    s.tangent = (foot.qx * s.nx + foot.qy * s.ny) * static_cast<float>(outline.perRadius);
+    s.curvature = static_cast<float>(outline.radius * outline.radius) * inverse * inverse * inverse;
+    const Lanes nx2 = s.nx * s.nx;
+    const Lanes ny2 = s.ny * s.ny;
+    s.fourth = nx2 * nx2 + ny2 * ny2;
+}
+
+// 1 where the sample counts, 0 where it is clipped and the model lies beyond the clip, so that it says nothing against
+// the model.
+Lanes countsOf(Lanes gray, Lanes modelled) {
+    constexpr auto kWhiteLevel = static_cast<float>(kWhite);
+    const LaneInts isBeyond = ((gray >= kWhiteLevel) & (modelled > kWhiteLevel)) | ((gray <= 0.0F) & (modelled < 0.0F));
+    return isBeyond ? lanesOf(0.0F) : lanesOf(1.0F);
+}
+
+// Rows of derivatives that end with the residual, a column after another, some rows at a time. Their products are
+// summed in single precision over these rows, in double over all.
 class RowSums {
 public:
-    static constexpr std::size_t kColumns = kDotUnknowns + 2;  // residual, and 0 for an even number
+    static constexpr std::size_t kColumns = kDotUnknowns + 1;
 
-    explicit RowSums(DotEquations& equations) : to(equations) {}
+    explicit RowSums(DotEquations& equations, bool withNormal) : to(equations), isWithNormal(withNormal) {}
 
-    // Where the next row goes, and its weight.
-    double* next(double weight) {
-        if (count == kRows) {
-            flush();
-        }
-        weights[count] = weight;
-        return rows[count++];
-    }
+    bool isFull() const { return count == kQuads; }
+    // Of the next four rows.
+    void weigh(Lanes weight) { weights[count++] = weight; }
+    Lanes& next(std::size_t column) { return columns[column][count]; }
     void flush() {
         addFrom<0>();
         count = 0;
     }
 
 private:
-    static constexpr std::size_t kRows = 32;
+    static constexpr std::size_t kQuads = 32;
 
-    // The columns from i on of row i of the normal matrix, kept in registers.
+    // The columns from i on of row i of the normal matrix, kept in registers, or the residual's alone.
     template <std::size_t i>
     void addFrom() {
         if constexpr (i < kDotUnknowns) {
-            constexpr std::size_t first = i / 2 * 2;
-            double sums[kColumns - first] = {};
-            for (std::size_t k = 0; k < count; ++k) {
-                const double a = weights[k] * rows[k][i];
-                for (std::size_t j = first; j < kColumns; ++j) {
-                    sums[j - first] += a * rows[k][j];
+            if (isWithNormal) {
+                constexpr std::size_t n = kColumns - i;
+                Lanes sums[n] = {};
+                for (std::size_t k = 0; k < count; ++k) {
+                    const Lanes a = weights[k] * columns[i][k];
+                    for (std::size_t j = 0; j < n; ++j) {
+                        sums[j] += a * columns[i + j][k];
+                    }
                 }
+                for (std::size_t j = i; j < kDotUnknowns; ++j) {
+                    to.normal[i][j] += sumOf(sums[j - i]);
+                }
+                to.right[i] += sumOf(sums[n - 1]);
+            } else {
+                Lanes sum{};
+                for (std::size_t k = 0; k < count; ++k) {
+                    sum += weights[k] * columns[i][k] * columns[kDotUnknowns][k];
+                }
+                to.right[i] += sumOf(sum);
             }
-            for (std::size_t j = i; j < kDotUnknowns; ++j) {
-                to.normal[i][j] += sums[j - first];
-            }
-            to.right[i] += sums[kDotUnknowns - first];
             addFrom<i + 1>();
+        } else {
+            Lanes sum{};
+            for (std::size_t k = 0; k < count; ++k) {
+                sum += weights[k] * columns[kDotUnknowns][k] * columns[kDotUnknowns][k];
+            }
+            to.cost += sumOf(sum);
         }
     }
 
     DotEquations& to;
+    bool isWithNormal;
     std::size_t count = 0;
-    double weights[kRows];
-    alignas(16) double rows[kRows][kColumns];
+    Lanes weights[kQuads];
+    Lanes columns[kColumns][kQuads];
 };
 
-void addCore(const CoreSums& s, std::size_t first, double weight, const DotVector& at, DotEquations& to) {
+void addCore(const CoreSums& s, std::size_t first, double weight, const DotVector& at, bool withNormal,
+             DotEquations& to) {
     const double b0 = at[first];
     const double b1 = at[first + 1];
     const double b2 = at[first + 2];
@@ -98,7 +159,7 @@ void addCore(const CoreSums& s, std::size_t first, double weight, const DotVecto
         const double modelled = m[i][0] * b0 + m[i][1] * b1 + m[i][2] * b2;
         to.right[first + i] += weight * (g[i] - modelled);
         cost += b[i] * (modelled - 2.0 * g[i]);
-        for (std::size_t j = 0; j < 3; ++j) {
+        for (std::size_t j = 0; withNormal && j < 3; ++j) {
             to.normal[first + i][first + j] += weight * m[i][j];
         }
     }
@@ -106,19 +167,6 @@ void addCore(const CoreSums& s, std::size_t first, double weight, const DotVecto
 }
 
 }  // namespace
-
-void CoreSums::add(double px, double py, double gray) {
-    n += 1.0;
-    x += px;
-    y += py;
-    xx += px * px;
-    xy += px * py;
-    yy += py * py;
-    g += gray;
-    gx += gray * px;
-    gy += gray * py;
-    gg += gray * gray;
-}
 
 void CoreSums::add(const CoreSums& o) {
     n += o.n;
@@ -147,69 +195,88 @@ CoreSums DotModel::coreOf(SectorMask sectors, std::size_t side, const DotVector&
     return sum;
 }
 
-double DotModel::moveFoot(DotSample& s, const DotVector& at) const {
-    const double scale = 1.0 + at[kGrowth] * outline.perRadius;
-    const double vx = s.x - at[kShiftX];
-    const double vy = s.y - at[kShiftY];
-    Foot foot = footAt(outline.axes, scale, s.footX, s.footY);
-    const double wx = vx - foot.qx;
-    const double wy = vy - foot.qy;
-    const double t2 = foot.tx * foot.tx + foot.ty * foot.ty;
-    // Within the outline the step's divisor vanishes at the centre of curvature.
-    const double turn =
-        (wx * foot.tx + wy * foot.ty) / std::max(t2 + wx * foot.qx + wy * foot.qy, kMinFootDivisor * t2);
-    const double ex = s.footX - turn * s.footY;
-    const double ey = s.footY + turn * s.footX;
-    const double norm = 1.0 / std::sqrt(ex * ex + ey * ey);
-    s.footX = ex * norm;
-    s.footY = ey * norm;
-    foot = footAt(outline.axes, 1.0, s.footX, s.footY);
-    const double inverse = 1.0 / std::sqrt(foot.tx * foot.tx + foot.ty * foot.ty);
-    s.nx = outline.turn * inverse * foot.ty;
-    s.ny = -outline.turn * inverse * foot.tx;
-    s.tangent = foot.qx * s.nx + foot.qy * s.ny;
-    s.curvature = outline.radius * outline.radius * inverse * inverse * inverse;
-    const double nx2 = s.nx * s.nx;
-    const double ny2 = s.ny * s.ny;
-    s.fourth = nx2 * nx2 + ny2 * ny2;
-    return std::fabs(turn);
+void DotSamples::clear() {
+    quads.clear();
+    count = 0;
 }
 
-double DotModel::distance(const DotSample& s, const DotVector& at) const {
-    const double scale = 1.0 + at[kGrowth] * outline.perRadius;
-    return (s.x - at[kShiftX]) * s.nx + (s.y - at[kShiftY]) * s.ny - scale * s.tangent;
-}
-
-SampleView DotModel::look(const DotSample& s, const DotVector& at) const {
-    const double vx = s.x - at[kShiftX];
-    const double vy = s.y - at[kShiftY];
-    SampleView view;
-    if (isSmall) {
-        const BlurredEllipse::Value value = ellipse.at(vx, vy);
-        view.coverage = value.coverage;
-        view.byX = -value.byX;
-        view.byY = -value.byY;
-        view.byGrowth = value.byScale * outline.perRadius;
-        view.byBlur = value.byBlur;
-    } else {
-        const double distance = vx * s.nx + vy * s.ny - size * s.tangent;
-        const EdgeCoverage edge = edgeCoverage(distance, s.curvature * blurPerScale, at[kBlur], perBlur, s.fourth);
-        view.coverage = edge.value;
-        view.byX = -edge.byDistance * s.nx;
-        view.byY = -edge.byDistance * s.ny;
-        view.byGrowth = -edge.byDistance * s.tangent * outline.perRadius;
-        view.byBlur = edge.byBlur;
+void DotSamples::add(double x, double y, double gray) {
+    const std::size_t lane = count % kLanes;
+    if (lane == 0) {
+        DotQuad& fresh = quads.emplace_back();
+        fresh.footX = lanesOf(1.0F);
+        fresh.sector.fill(kNoSector);
     }
-    const double u = s.x * outline.perRadius;
-    const double v = s.y * outline.perRadius;
-    view.inside = at[kInside] + at[kInsideX] * u + at[kInsideY] * v;
-    view.outside = at[kOutside] + at[kOutsideX] * u + at[kOutsideY] * v;
-    return view;
+    DotQuad& quad = quads.back();
+    quad.x[lane] = static_cast<float>(x);
+    quad.y[lane] = static_cast<float>(y);
+    quad.gray[lane] = static_cast<float>(gray);
+    ++count;
+}
+
+void DotSamples::setFoot(double footX, double footY, std::size_t sector) {
+    const std::size_t lane = (count - 1) % kLanes;
+    DotQuad& quad = quads.back();
+    quad.footX[lane] = static_cast<float>(footX);
+    quad.footY[lane] = static_cast<float>(footY);
+    quad.sector[lane] = static_cast<std::uint8_t>(sector);
+}
+
+void DotSamples::moveLane(std::size_t from, std::size_t to) {
+    constexpr Lanes DotQuad::*kFields[] = {&DotQuad::x,         &DotQuad::y,      &DotQuad::gray,  &DotQuad::footX,
+                                           &DotQuad::footY,     &DotQuad::nx,     &DotQuad::ny,    &DotQuad::tangent,
+                                           &DotQuad::curvature, &DotQuad::fourth, &DotQuad::offset};
+    for (const auto field : kFields) {
+        (quads[to / kLanes].*field)[to % kLanes] = (quads[from / kLanes].*field)[from % kLanes];
+    }
+    quads[to / kLanes].sector[to % kLanes] = quads[from / kLanes].sector[from % kLanes];
+}
+
+void DotSamples::shrink(std::size_t newCount) {
+    count = newCount;
+    quads.resize((count + kLanes - 1) / kLanes);
+    for (std::size_t k = count; k < kLanes * quads.size(); ++k) {
+        quads.back().sector[k % kLanes] = kNoSector;
+    }
+}
+
+Lanes DotModel::distances(const DotQuad& s, const DotVector& at) const {
+    return s.offset - static_cast<float>(at[kShiftX]) * s.nx - static_cast<float>(at[kShiftY]) * s.ny -
+           static_cast<float>(at[kGrowth]) * s.tangent;
 }
 
 void DotModel::moveFeet(const DotVector& at) {
-    for (DotSample& s : pixels.samples) {
-        moveFoot(s, at);
+    const std::array<float, 4> axes = floatsOf(outline.axes);
+    const std::array<float, 4> scaled = floatsOf(outline.axes, 1.0 + at[kGrowth] * outline.perRadius);
+    const auto shiftX = static_cast<float>(at[kShiftX]);
+    const auto shiftY = static_cast<float>(at[kShiftY]);
+    for (DotQuad& s : pixels.samples.quads) {
+        turnFoot(s, scaled, s.x - shiftX, s.y - shiftY);
+        describeFoot(s, axes, outline);
+    }
+    feetAt = at;
+}
+
+void DotModel::findFeet(const DotVector& at) {
+    const std::array<float, 4> axes = floatsOf(outline.axes);
+    const std::array<float, 4> scaled = floatsOf(outline.axes, 1.0 + at[kGrowth] * outline.perRadius);
+    const std::array<float, 4> inverse = floatsOf(outline.inverse, outline.radius);
+    const auto shiftX = static_cast<float>(at[kShiftX]);
+    const auto shiftY = static_cast<float>(at[kShiftY]);
+    for (DotQuad& s : pixels.samples.quads) {
+        const Lanes vx = s.x - shiftX;
+        const Lanes vy = s.y - shiftY;
+        // The centre's own foot is anywhere.
+        const Lanes ex = inverse[0] * vx + inverse[1] * vy + 1e-12F;
+        const Lanes ey = inverse[2] * vx + inverse[3] * vy;
+        const Lanes norm = inverseRoot(ex * ex + ey * ey);
+        s.footX = ex * norm;
+        s.footY = ey * norm;
+        const Lanes turn = turnFoot(s, scaled, vx, vy);
+        if (std::max(std::max(turn[0], turn[1]), std::max(turn[2], turn[3])) > kMaxFirstTurn) {
+            turnFoot(s, scaled, vx, vy);
+        }
+        describeFoot(s, axes, outline);
     }
     feetAt = at;
 }
@@ -222,56 +289,102 @@ void DotModel::follow(const DotVector& at) {
     if (moved > kMaxStale * outline.radius) {
         moveFeet(at);
     }
-    size = 1.0 + at[kGrowth] * outline.perRadius;
-    perBlur = 1.0 / at[kBlur];
-    blurPerScale = at[kBlur] / size;
-    isSmall = outline.maxCurvature * blurPerScale > kMaxSeriesBend;
+    const double size = 1.0 + at[kGrowth] * outline.perRadius;
+    std::transform(at.begin(), at.end(), now.begin(), [](double x) { return static_cast<float>(x); });
+    perBlur = static_cast<float>(1.0 / at[kBlur]);
+    blurPerScale = static_cast<float>(at[kBlur] / size);
+    isSmall = outline.maxCurvature * at[kBlur] / size > kMaxSeriesBend;
     if (isSmall) {
         ellipse.set(outline.longAxis * size, outline.shortAxis * size, outline.longX, outline.longY, size, at[kBlur]);
     }
 }
 
-void DotModel::linearise(const DotVector& at, SectorMask sectors, DotEquations& to) {
+QuadView DotModel::look(const DotQuad& s) const {
+    QuadView view;
+    const auto perRadius = static_cast<float>(outline.perRadius);
+    if (isSmall) {
+        for (std::size_t k = 0; k < kLanes; ++k) {
+            const BlurredEllipse::Value value =
+                ellipse.at(static_cast<double>(s.x[k] - now[kShiftX]), static_cast<double>(s.y[k] - now[kShiftY]));
+            view.coverage[k] = static_cast<float>(value.coverage);
+            view.byX[k] = static_cast<float>(-value.byX);
+            view.byY[k] = static_cast<float>(-value.byY);
+            view.byGrowth[k] = static_cast<float>(value.byScale) * perRadius;
+            view.byBlur[k] = static_cast<float>(value.byBlur);
+        }
+    } else {
+        const Lanes distance = s.offset - now[kShiftX] * s.nx - now[kShiftY] * s.ny - now[kGrowth] * s.tangent;
+        const EdgeCoverage<Lanes> edge =
+            edgeCoverage(distance, s.curvature * blurPerScale, now[kBlur], perBlur, s.fourth);
+        view.coverage = edge.value;
+        view.byX = -edge.byDistance * s.nx;
+        view.byY = -edge.byDistance * s.ny;
+        view.byGrowth = -edge.byDistance * s.tangent;
+        view.byBlur = edge.byBlur;
+    }
+    const Lanes u = s.x * perRadius;
+    const Lanes v = s.y * perRadius;
+    view.inside = now[kInside] + now[kInsideX] * u + now[kInsideY] * v;
+    view.outside = now[kOutside] + now[kOutsideX] * u + now[kOutsideY] * v;
+    return view;
+}
+
+void DotModel::useSectors(SectorMask sectors) {
+    fitted = sectors;
+    for (DotQuad& s : pixels.samples.quads) {
+        for (std::size_t k = 0; k < kLanes; ++k) {
+            s.fitted[k] = (sectors >> s.sector[k] & 1U) != 0 ? s.weight[k] : 0.0F;
+        }
+    }
+}
+
+void DotModel::linearise(const DotVector& at, Wanted wanted, DotEquations& to) {
     follow(at);
-    to = DotEquations{};
-    RowSums sums(to);
-    for (const DotSample& s : pixels.samples) {
-        if ((sectors >> s.sector & 1U) == 0) {
-            continue;
+    if (wanted == Wanted::all) {
+        to = DotEquations{};
+    } else {
+        to.right = {};
+        to.cost = 0.0;
+    }
+    sumQuads(wanted, to);
+    addCore(coreOf(fitted, 0, at), kInside, 1.0 / variance.inside, at, wanted == Wanted::all, to);
+    addCore(coreOf(fitted, 1, at), kOutside, 1.0 / variance.outside, at, wanted == Wanted::all, to);
+    addPriors(at, wanted, to);
+}
+
+void DotModel::sumQuads(Wanted wanted, DotEquations& to) const {
+    RowSums sums(to, wanted == Wanted::all);
+    const auto perRadius = static_cast<float>(outline.perRadius);
+    for (const DotQuad& s : pixels.samples.quads) {
+        if (sums.isFull()) {
+            sums.flush();
         }
-        const SampleView view = look(s, at);
-        const double residual = s.gray - view.gray();
-        if (isBeyondClip(s.gray, view.gray())) {
-            continue;
-        }
-        const double contrast = view.inside - view.outside;
-        const double u = s.x * outline.perRadius;
-        const double v = s.y * outline.perRadius;
-        const double m = view.coverage;
-        double* row = sums.next(s.weight);
-        row[kShiftX] = contrast * view.byX;
-        row[kShiftY] = contrast * view.byY;
-        row[kGrowth] = contrast * view.byGrowth;
-        row[kBlur] = contrast * view.byBlur;
-        row[kInside] = m;
-        row[kInsideX] = m * u;
-        row[kInsideY] = m * v;
-        row[kOutside] = 1.0 - m;
-        row[kOutsideX] = u - m * u;
-        row[kOutsideY] = v - m * v;
-        row[kDotUnknowns] = residual;
-        row[kDotUnknowns + 1] = 0.0;
-        to.cost += s.weight * residual * residual;
+        const QuadView view = look(s);
+        const Lanes gray = view.gray();
+        const Lanes contrast = view.inside - view.outside;
+        const Lanes u = s.x * perRadius;
+        const Lanes v = s.y * perRadius;
+        const Lanes m = view.coverage;
+        const Lanes rest = 1.0F - m;
+        sums.next(kShiftX) = contrast * view.byX;
+        sums.next(kShiftY) = contrast * view.byY;
+        sums.next(kGrowth) = contrast * view.byGrowth;
+        sums.next(kBlur) = contrast * view.byBlur;
+        sums.next(kInside) = m;
+        sums.next(kInsideX) = m * u;
+        sums.next(kInsideY) = m * v;
+        sums.next(kOutside) = rest;
+        sums.next(kOutsideX) = rest * u;
+        sums.next(kOutsideY) = rest * v;
+        sums.next(kDotUnknowns) = s.gray - gray;
+        sums.weigh(s.fitted * countsOf(s.gray, gray));
     }
     sums.flush();
-    addCore(coreOf(sectors, 0, at), kInside, 1.0 / variance.inside, at, to);
-    addCore(coreOf(sectors, 1, at), kOutside, 1.0 / variance.outside, at, to);
-    addPriors(at, to);
 }
 
 // Light that falls off falls off by the same share on dot and ground: levels that small dots or much blur leave open
 // obey that nearly. Where pixels tell, they outweigh it.
-void DotModel::addPriors(const DotVector& at, DotEquations& to) const {
+void DotModel::addPriors(const DotVector& at, Wanted wanted, DotEquations& to) const {
     const double larger = std::max({std::fabs(at[kInside]), std::fabs(at[kOutside]), 1.0});
     const double tie = 1.0 / (kTie * limits.contrast);
     const double slant = 1.0 / (kSlant * limits.contrast);
@@ -280,6 +393,9 @@ void DotModel::addPriors(const DotVector& at, DotEquations& to) const {
         to.cost += residual * residual;
         to.right[i] += a * residual;
         to.right[j] += b * residual;
+        if (wanted == Wanted::gradient) {
+            return;
+        }
         for (auto* N : {&to.normal, &to.prior}) {
             (*N)[i][i] += a * a;
             (*N)[i][j] += a * b;
@@ -301,8 +417,11 @@ bool DotModel::isAllowed(const DotVector& at) const {
 }
 
 bool DotModel::fit(SectorMask sectors, int maxSteps, double tolerance) {
-    linearise(unknowns, sectors, equations);
+    useSectors(sectors);
+    linearise(unknowns, Wanted::all, equations);
+    bool isFresh = true;
     double damping = kFirstDamping;
+    double lastLength = HUGE_VAL;
     for (int step = 0; step < maxSteps && damping < kMaxDamping; ++step) {
         Matrix<kDotUnknowns> damped = equations.normal;
         for (std::size_t i = 0; i < kDotUnknowns; ++i) {
@@ -322,44 +441,58 @@ bool DotModel::fit(SectorMask sectors, int maxSteps, double tolerance) {
             damping *= 10.0;
             continue;
         }
-        if (std::hypot(change[kShiftX], change[kShiftY]) < tolerance &&
-            std::fabs(change[kGrowth]) + std::fabs(change[kBlur]) < kShapeTolerance * tolerance &&
-            damping < kMaxFinalDamping) {
+        const double shift = std::hypot(change[kShiftX], change[kShiftY]);
+        const double reshape = std::fabs(change[kGrowth]) + std::fabs(change[kBlur]);
+        if (shift < tolerance && reshape < kShapeTolerance * tolerance && damping < kMaxFinalDamping) {
             unknowns = next;
-            follow(unknowns);
             return true;
         }
-        linearise(next, sectors, trial);
+        const double length = shift + reshape;
+        const bool isLong = length > kFrozenStep * unknowns[kBlur] || length > kMinShrinkage * lastLength;
+        linearise(next, isLong ? Wanted::all : Wanted::gradient, trial);
         if (!(trial.cost <= equations.cost)) {
-            if (std::hypot(change[kShiftX], change[kShiftY]) < kNoiseOfSteps * tolerance) {
-                follow(unknowns);
+            if (shift < kNoiseOfSteps * tolerance) {
                 return true;  // as low as rounding lets it be
             }
-            damping *= 10.0;
+            if (isFresh) {
+                damping *= 10.0;
+            } else {
+                linearise(unknowns, Wanted::all, equations);
+                isFresh = true;
+            }
             continue;
         }
         unknowns = next;
-        std::swap(equations, trial);
+        lastLength = length;
+        isFresh = isLong;
+        if (isLong) {
+            std::swap(equations, trial);
+        } else {
+            equations.right = trial.right;
+            equations.cost = trial.cost;
+        }
         damping = std::max(damping * 0.05, kMinDamping);
     }
-    follow(unknowns);
     return false;
 }
 
 void DotModel::review() {
     follow(unknowns);
-    for (DotSample& s : pixels.samples) {
-        const SampleView view = look(s, unknowns);
-        s.coverage = std::clamp(view.coverage, 0.0, 1.0);
-        s.residual = s.gray - view.gray();
-        s.slope = view.slope();
-        s.counts = !isBeyondClip(s.gray, view.gray());
+    for (DotQuad& s : pixels.samples.quads) {
+        const QuadView view = look(s);
+        const Lanes gray = view.gray();
+        s.coverage = smaller(larger(view.coverage, lanesOf(0.0F)), lanesOf(1.0F));
+        s.residual = s.gray - gray;
+        s.slope = (view.inside - view.outside) * (view.byX * s.nx + view.byY * s.ny);
+        s.counts = countsOf(s.gray, gray);
     }
 }
 
 void DotModel::weigh() {
-    for (DotSample& s : pixels.samples) {
-        s.weight = 1.0 / variance.at(s.coverage);
+    for (DotQuad& s : pixels.samples.quads) {
+        const Lanes m = s.coverage;
+        s.weight = 1.0F / (m * static_cast<float>(variance.inside) + (1.0F - m) * static_cast<float>(variance.outside) +
+                           4.0F * m * (1.0F - m) * static_cast<float>(variance.edge));
     }
 }
 

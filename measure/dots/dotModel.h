@@ -12,6 +12,7 @@
 
 #include "blurredEllipse.h"
 #include "cholesky.h"
+#include "dotLanes.h"
 
 namespace zelm::measure {
 
@@ -49,32 +50,62 @@ struct DotOutline {
     double maxCurvature = 0.0;        // 1 / pixels
 };
 
-// A pixel near the outline, and the outline at the pixel's foot, its nearest point there.
-struct DotSample {
-    double x, y;  // from the predicted centre, pixels
-    double gray;
-    double weight;        // 1 / variance
-    double footX, footY;  // parameter of the foot, as a unit vector
-    double nx, ny;        // normal at the foot, outwards
-    double tangent;       // distance of the foot's tangent from the centre, pixels of the predicted outline
-    double curvature;     // of the predicted outline at the foot
-    double fourth;        // nx^4 + ny^4
-    double coverage;      // by the dot; this and what follows as of review()
-    double residual;      // gray levels
-    double slope;         // gray levels a pixel by which it changes when the outline moves outwards
-    bool counts;          // false for a clipped pixel whose model lies beyond the clip
-    std::uint32_t sector;
+// Pixels near the outline, and the outline at each pixel's foot, its nearest point there.
+struct DotQuad {
+    Lanes x{}, y{};  // from the predicted centre, pixels
+    Lanes gray{};
+    Lanes weight{};          // 1 / variance
+    Lanes footX{}, footY{};  // parameter of the foot, as a unit vector
+    Lanes nx{}, ny{};        // normal at the foot, outwards
+    Lanes tangent{};         // distance of the foot's tangent from the centre of the predicted outline, over its radius
+    Lanes curvature{};       // of the predicted outline at the foot
+    Lanes fourth{};          // nx^4 + ny^4
+    Lanes offset{};          // distance from the predicted outline
+    Lanes fitted{};          // the weight where the sector is fitted, or 0
+    Lanes coverage{};        // by the dot; this and what follows as of review()
+    Lanes residual{};        // gray levels
+    Lanes slope{};           // gray levels a pixel by which it changes when the outline moves outwards
+    Lanes counts{};          // 0 for a clipped pixel whose model lies beyond the clip, or 1
+    std::array<std::uint8_t, kLanes> sector{};
+};
+
+// The pixels, in fours; the last four are filled up with pixels of no sector.
+struct DotSamples {
+    static constexpr std::uint8_t kNoSector = 31;  // a bit that no mask has
+
+    std::vector<DotQuad> quads;
+    std::size_t count = 0;
+
+    void clear();
+    void add(double x, double y, double gray);
+    // Of the last one added.
+    void setFoot(double footX, double footY, std::size_t sector);
+    // Puts a sample where another one was that is not wanted.
+    void moveLane(std::size_t from, std::size_t to);
+    // Leaves the first ones.
+    void shrink(std::size_t newCount);
 };
 
 // Pixels that the outline's blur does not reach, summed: x and y are over the mean radius.
 struct CoreSums {
     double n = 0, x = 0, y = 0, xx = 0, xy = 0, yy = 0, g = 0, gx = 0, gy = 0, gg = 0;
-    void add(double px, double py, double gray);
+    void add(double px, double py, double gray) {
+        n += 1.0;
+        x += px;
+        y += py;
+        xx += px * px;
+        xy += px * py;
+        yy += py * py;
+        g += gray;
+        gx += gray * px;
+        gy += gray * py;
+        gg += gray * gray;
+    }
     void add(const CoreSums& other);
 };
 
 struct DotPixels {
-    std::vector<DotSample> samples;
+    DotSamples samples;
     // By class, inside and outside, and sector; clipped: at 255 or 0, where the true level may lie beyond.
     std::array<std::array<CoreSums, kDotSectors>, 2> cores;
     std::array<std::array<CoreSums, kDotSectors>, 2> clipped;
@@ -85,9 +116,6 @@ struct DotVariance {
     double inside = 1.0;
     double outside = 1.0;
     double edge = 0.0;
-    double at(double coverage) const {
-        return coverage * inside + (1.0 - coverage) * outside + 4.0 * coverage * (1.0 - coverage) * edge;
-    }
 };
 
 struct DotLimits {
@@ -104,24 +132,17 @@ struct DotEquations {
     double cost = 0.0;
 };
 
-// What the model says of one sample.
-struct SampleView {
-    double coverage;  // by the dot
-    double byX, byY;  // its derivatives by the shift, the growth and the blur
-    double byGrowth;
-    double byBlur;
-    double inside;  // gray levels here
-    double outside;
+// What the model says of four samples.
+struct QuadView {
+    Lanes coverage;  // by the dot
+    Lanes byX, byY;  // its derivatives by the shift, the growth and the blur
+    Lanes byGrowth;
+    Lanes byBlur;
+    Lanes inside;  // gray levels here
+    Lanes outside;
 
-    double gray() const { return outside + (inside - outside) * coverage; }
-    // Gray levels a pixel by which the sample changes when the outline moves outwards.
-    double slope() const { return (inside - outside) * std::sqrt(byX * byX + byY * byY); }
+    Lanes gray() const { return outside + (inside - outside) * coverage; }
 };
-
-// Whether the sample is clipped and the model lies beyond the clip, so that it says nothing against the model.
-inline bool isBeyondClip(double gray, double modelled) {
-    return (gray >= 255.0 && modelled > 255.0) || (gray <= 0.0 && modelled < 0.0);
-}
 
 class DotModel {
 public:
@@ -132,40 +153,42 @@ public:
     DotLimits limits;
     DotEquations equations;  // at the unknowns, after fit()
 
-    // Prepares look() for these unknowns: the feet of all samples follow the outline.
-    void follow(const DotVector& at);
     // Notes in every sample what the model says of it at the unknowns.
     void review();
     // Gives every reviewed sample its weight by the variance.
     void weigh();
     // Whether it converged: its last step was shorter than the tolerance, pixels, and the next one would be shorter by
-    // an order. The equations are those that this step came from.
+    // an order. The normal equations are those of a place less than a step of kFrozenStep away.
     bool fit(SectorMask sectors, int maxSteps, double tolerance);
-    SampleView look(const DotSample& sample, const DotVector& at) const;
-    // Distance from the outline, positive outside.
-    double distance(const DotSample& sample, const DotVector& at) const;
-    // The unknowns that the feet of newly gathered samples follow.
-    void setFeet(const DotVector& at) { feetAt = at; }
+    // Distances from the outline, positive outside.
+    Lanes distances(const DotQuad& quad, const DotVector& at) const;
+    // The feet of all samples go where they are with these unknowns, starting from what they are.
     void moveFeet(const DotVector& at);
-    // One step of Newton's towards the foot on the outline as it is with these unknowns.
-    // Returns how far it turned, in radians of the parameter.
-    double moveFoot(DotSample& sample, const DotVector& at) const;
+    // Likewise, from nothing.
+    void findFeet(const DotVector& at);
     // Sums over the sectors of one class, 0 inside and 1 outside, as they count at these levels.
     CoreSums coreOf(SectorMask sectors, std::size_t side, const DotVector& at) const;
 
 private:
-    void linearise(const DotVector& at, SectorMask sectors, DotEquations& to);
-    void addPriors(const DotVector& at, DotEquations& to) const;
+    enum class Wanted { all, gradient };
+    void linearise(const DotVector& at, Wanted wanted, DotEquations& to);
+    void sumQuads(Wanted wanted, DotEquations& to) const;
+    void addPriors(const DotVector& at, Wanted wanted, DotEquations& to) const;
+    void useSectors(SectorMask sectors);
+    // Prepares look() for these unknowns; the feet of all samples follow the outline.
+    void follow(const DotVector& at);
+    QuadView look(const DotQuad& quad) const;
     bool isAllowed(const DotVector& at) const;
 
     const DotOutline& outline;
     DotPixels& pixels;
     DotVector feetAt{};  // the unknowns that the feet follow
+    SectorMask fitted = 0;
     DotEquations trial;
     // What look() needs of the unknowns, by follow().
-    double size = 1.0;
-    double perBlur = 1.0;
-    double blurPerScale = 1.0;
+    std::array<float, kDotUnknowns> now{};
+    float perBlur = 1.0F;
+    float blurPerScale = 1.0F;
     bool isSmall = false;
     BlurredEllipse ellipse;  // of a dot little larger than the blur
 };

@@ -13,7 +13,6 @@ constexpr double kMaxAxisRatio = 8.0;
 constexpr int kStepsPerSide = 4;          // of the sparse lines, along which a pixel is the shortest step
 constexpr double kMaxInsideShare = 0.85;  // of the short axis that the sparse lines reach inwards
 constexpr int kMinDifferences = 16;
-constexpr double kMaxFirstTurn = 0.02;  // radians; the foot is then right to its square
 
 struct Direction {
     double x, y;
@@ -40,6 +39,15 @@ std::uint32_t sectorOf(double x, double y) {
     const double a = x >= 0.0 ? (y >= 0.0 ? t : 4.0 + t) : 2.0 - t;
     return std::min(static_cast<std::uint32_t>(a * (static_cast<double>(kDotSectors) / 4.0)),
                     static_cast<std::uint32_t>(kDotSectors - 1));
+}
+
+// Likewise, of four.
+LaneInts sectorsOf(Lanes x, Lanes y) {
+    const Lanes t = y / (sizeOf(x) + sizeOf(y) + 1e-30F);
+    const Lanes a = x >= 0.0F ? (y >= 0.0F ? t : 4.0F + t) : 2.0F - t;
+    const LaneInts k = __builtin_convertvector(a * (static_cast<float>(kDotSectors) / 4.0F), LaneInts);
+    constexpr std::int32_t kLast = static_cast<std::int32_t>(kDotSectors) - 1;
+    return k > kLast ? LaneInts{kLast, kLast, kLast, kLast} : k;
 }
 
 bool isIn(const DenseImage& image, int x, int y) {
@@ -146,6 +154,16 @@ double localNoise(const DotPlace& place) {
     return std::sqrt(kRounding);
 }
 
+namespace {
+
+void setWeight(double variance, DotSamples& samples) {
+    for (DotQuad& quad : samples.quads) {
+        quad.weight = lanesOf(static_cast<float>(1.0 / variance));
+    }
+}
+
+}  // namespace
+
 void gatherSparse(const DotPlace& place, double reach, double variance, DotPixels& to) {
     to.samples.clear();
     to.cores = {};
@@ -167,95 +185,145 @@ void gatherSparse(const DotPlace& place, double reach, double variance, DotPixel
             const int x = static_cast<int>(std::lround(place.centre.x + qx + j * step * nx));
             const int y = static_cast<int>(std::lround(place.centre.y + qy + j * step * ny));
             if (isIn(place.image, x, y)) {
-                DotSample sample{};
-                sample.x = x - place.centre.x;
-                sample.y = y - place.centre.y;
-                sample.gray = place.image.row(y)[x];
-                sample.weight = 1.0 / variance;
-                sample.footX = e.x;
-                sample.footY = e.y;
-                sample.sector = static_cast<std::uint32_t>(k);
-                to.samples.push_back(sample);
+                to.samples.add(x - place.centre.x, y - place.centre.y, place.image.row(y)[x]);
+                to.samples.setFoot(e.x, e.y, k);
             }
         }
     }
+    setWeight(variance, to.samples);
 }
 
 namespace {
 
+// Columns from first to before end.
+struct Columns {
+    int first, end;
+};
+
+// Where a row of pixels meets ellipses about a centre: x^2 xx + 2 x xy + yy = rho2.
+class RowOfEllipses {
+public:
+    RowOfEllipses(double formXx, double formXy, double formYy, double centreX, const Box& limits)
+        : xx(formXx), xy(formXy), yy(formYy), centre(centreX), box(limits) {}
+
+    // The columns within the ellipse; none, about its middle, where the row passes by.
+    Columns within(double rho2) const {
+        const double root = xy * xy - xx * (yy - rho2);
+        const double half = root > 0.0 ? std::sqrt(root) : 0.0;
+        const auto clamp = [&](double x) {
+            return static_cast<int>(std::clamp(x, static_cast<double>(box.left), static_cast<double>(box.right + 1)));
+        };
+        const int first = clamp(std::ceil(centre + (-xy - half) / xx));
+        return {first, root > 0.0 ? std::max(clamp(std::floor(centre + (-xy + half) / xx) + 1.0), first) : first};
+    }
+
+private:
+    double xx, xy, yy, centre;
+    const Box& box;
+};
+
 // Puts the pixels of a band where they belong.
 class BandGatherer {
 public:
-    BandGatherer(const DotPlace& dotPlace, const DotVector& unknowns, const DotBand& dotBand, double variance,
-                 DotPixels& pixels)
+    BandGatherer(const DotPlace& dotPlace, const DotBand& dotBand, DotModel& dotModel, DotPixels& pixels)
         : place(dotPlace),
-          at(unknowns),
+          at(dotModel.unknowns),
           band(dotBand),
-          scale(1.0 + unknowns[kGrowth] / dotPlace.outline.radius),
-          weight(1.0 / variance),
+          scale(1.0 + dotModel.unknowns[kGrowth] / dotPlace.outline.radius),
           to(pixels),
-          model(dotPlace.outline, pixels) {}
+          model(dotModel) {}
 
-    DotOutliers gather() {
+    DotOutliers gather(double variance) {
         to.samples.clear();
         to.cores = {};
         to.clipped = {};
-        const Box box = boxAround(place, at[kShiftX], at[kShiftY], scale, band.outside);
-        const auto& I = place.outline.inverse;
-        const double centreX = place.centre.x + at[kShiftX];
-        const double centreY = place.centre.y + at[kShiftY];
-        const double farthest = 1.0 + band.outside / (scale * place.outline.shortAxis);
-        const double deepest = std::max(1.0 - band.inside / (scale * place.outline.shortAxis), 0.0);
-        for (int y = box.top; y <= box.bottom; ++y) {
-            const std::uint8_t* row = place.image.row(y);
-            const double vy = y - centreY;
-            for (int x = box.left; x <= box.right; ++x) {
-                const double vx = x - centreX;
-                const double ex = (I[0] * vx + I[1] * vy) / scale;
-                const double ey = (I[2] * vx + I[3] * vy) / scale;
-                const double rho2 = ex * ex + ey * ey;
-                if (rho2 <= farthest * farthest && rho2 >= deepest * deepest) {
-                    put(x, y, row[x], ex, ey, rho2);
-                }
-            }
-        }
+        putRows();
+        model.findFeet(at);
+        sortByDistance();
+        setWeight(variance, to.samples);
         return outliers;
     }
 
 private:
-    void put(int x, int y, double gray, double ex, double ey, double rho2) {
-        const double rho = std::sqrt(rho2);
-        // At least so far from the outline.
-        const double least = (rho - 1.0) * place.outline.shortAxis * scale;
-        const double px = x - place.centre.x;
-        const double py = y - place.centre.y;
-        const std::uint32_t sector = sectorOf(ex, ey);
-        if (std::fabs(least) <= band.edge) {
-            const double norm = rho > 1e-6 ? 1.0 / rho : 0.0;
-            DotSample sample{};
-            sample.x = px;
-            sample.y = py;
-            sample.gray = gray;
-            sample.weight = weight;
-            sample.footX = norm > 0.0 ? ex * norm : 1.0;
-            sample.footY = ey * norm;
-            if (model.moveFoot(sample, at) > kMaxFirstTurn) {
-                model.moveFoot(sample, at);
-            }
-            const double distance = model.distance(sample, at);
-            if (std::fabs(distance) <= band.edge) {
-                sample.sector = sectorOf(sample.footX, sample.footY);
-                to.samples.push_back(sample);
-                return;
-            }
-            if (distance > band.outside) {
-                return;
-            }
+    static double square(double x) { return x * x; }
+
+    // Row by row, from the outermost ellipse inwards and out again. Pixels at rho times the outline's size are at least
+    // (rho - 1) short axes from it; what the blur may reach becomes a sample for now.
+    void putRows() {
+        const Box box = boxAround(place, at[kShiftX], at[kShiftY], scale, band.outside);
+        const double shortAxis = scale * place.outline.shortAxis;
+        const double farthest = square(1.0 + band.outside / shortAxis);
+        const double outer = square(1.0 + std::min(band.edge, band.outside) / shortAxis);
+        const double inner = square(std::max(1.0 - band.edge / shortAxis, 0.0));
+        const double deepest = square(std::max(1.0 - band.inside / shortAxis, 0.0));
+        const auto& I = place.outline.inverse;
+        const double perScale2 = 1.0 / (scale * scale);
+        const double xx = (I[0] * I[0] + I[2] * I[2]) * perScale2;
+        const double xy = (I[0] * I[1] + I[2] * I[3]) * perScale2;
+        const double yy = (I[1] * I[1] + I[3] * I[3]) * perScale2;
+        for (int y = box.top; y <= box.bottom; ++y) {
+            const double vy = y - place.centre.y - at[kShiftY];
+            const RowOfEllipses ellipses(xx, xy * vy, yy * vy * vy, place.centre.x + at[kShiftX], box);
+            const Columns ground = ellipses.within(farthest);
+            const Columns edge = ellipses.within(outer);
+            const Columns inside = ellipses.within(inner);
+            const Columns hole = ellipses.within(deepest);
+            putCores(y, ground.first, edge.first, 1);
+            putSamples(y, edge.first, inside.first);
+            putCores(y, inside.first, hole.first, 0);
+            putCores(y, hole.end, inside.end, 0);
+            putSamples(y, inside.end, edge.end);
+            putCores(y, edge.end, ground.end, 1);
         }
-        putCore(px * place.outline.perRadius, py * place.outline.perRadius, gray, sector, least > 0.0 ? 1 : 0);
     }
 
-    void putCore(double u, double v, double gray, std::uint32_t sector, std::size_t side) {
+    void putSamples(int y, int first, int end) {
+        const std::uint8_t* row = place.image.row(y);
+        for (int x = first; x < end; ++x) {
+            to.samples.add(x - place.centre.x, y - place.centre.y, row[x]);
+        }
+    }
+
+    void putCores(int y, int first, int end, std::size_t side) {
+        const std::uint8_t* row = place.image.row(y);
+        const double py = y - place.centre.y;
+        for (int x = first; x < end; ++x) {
+            putCore(x - place.centre.x, py, row[x], side);
+        }
+    }
+
+    // Samples that are too far from the outline after all are left out, or summed.
+    void sortByDistance() {
+        std::size_t kept = 0;
+        const std::size_t count = to.samples.count;
+        for (std::size_t i = 0; i < count; i += kLanes) {
+            DotQuad& quad = to.samples.quads[i / kLanes];
+            const Lanes distances = model.distances(quad, at);
+            const LaneInts sectors = sectorsOf(quad.footX, quad.footY);
+            for (std::size_t k = 0; k < kLanes && i + k < count; ++k) {
+                const auto distance = static_cast<double>(distances[k]);
+                if (std::fabs(distance) <= band.edge) {
+                    quad.sector[k] = static_cast<std::uint8_t>(sectors[k]);
+                    if (kept != i + k) {
+                        to.samples.moveLane(i + k, kept);
+                    }
+                    ++kept;
+                } else if (distance <= band.outside) {
+                    putCore(static_cast<double>(quad.x[k]), static_cast<double>(quad.y[k]),
+                            static_cast<double>(quad.gray[k]), distance > 0.0 ? 1 : 0);
+                }
+            }
+        }
+        to.samples.shrink(kept);
+    }
+
+    void putCore(double px, double py, double gray, std::size_t side) {
+        const auto& I = place.outline.inverse;
+        const double vx = px - at[kShiftX];
+        const double vy = py - at[kShiftY];
+        const std::uint32_t sector = sectorOf(I[0] * vx + I[1] * vy, I[2] * vx + I[3] * vy);
+        const double u = px * place.outline.perRadius;
+        const double v = py * place.outline.perRadius;
         const std::size_t first = side == 0 ? kInside : kOutside;
         const double level = at[first] + at[first + 1] * u + at[first + 2] * v;
         if (gray - level > band.tolerance) {
@@ -273,17 +341,15 @@ private:
     const DotVector& at;
     const DotBand& band;
     double scale;
-    double weight;
     DotPixels& to;
-    DotModel model;
+    DotModel& model;
     DotOutliers outliers;
 };
 
 }  // namespace
 
-DotOutliers gatherBand(const DotPlace& place, const DotVector& at, const DotBand& band, double variance,
-                       DotPixels& to) {
-    return BandGatherer(place, at, band, variance, to).gather();
+DotOutliers gatherBand(const DotPlace& place, const DotBand& band, double variance, DotModel& model, DotPixels& to) {
+    return BandGatherer(place, band, model, to).gather(variance);
 }
 
 }  // namespace zelm::measure

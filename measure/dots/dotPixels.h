@@ -43,8 +43,8 @@ struct DotOutliers {
     std::array<int, kDotSectors> darker{};
 };
 
-// All pixels of the band about the outline as it is at these unknowns.
-DotOutliers gatherBand(const DotPlace& place, const DotVector& at, const DotBand& band, double variance, DotPixels& to);
+// All pixels of the band about the outline as it is at the model's unknowns; the model is that of these pixels.
+DotOutliers gatherBand(const DotPlace& place, const DotBand& band, double variance, DotModel& model, DotPixels& to);
 
 }  // namespace zelm::measure
 

@@ -14,6 +14,8 @@ namespace {
 using zelm::measure::BlurredEllipse;
 using zelm::measure::EdgeCoverage;
 using zelm::measure::edgeCoverage;
+using zelm::measure::Lanes;
+using zelm::measure::lanesOf;
 using zelm::measure::standardNormal;
 
 // An ellipse with half axes a along x and b along y, blurred by a normal point spread, by many chords: in the parameter
@@ -40,6 +42,40 @@ TEST(MeasureDotProfile, NormalDistributionAndDensity) {
     EXPECT_NEAR(standardNormal(1e300).below, 1.0, 1e-9);
     EXPECT_NEAR(standardNormal(-1e300).below, 0.0, 1e-9);
     EXPECT_TRUE(std::isfinite(standardNormal(std::nan("")).below));
+}
+
+// Single precision has 6e-8; the polynomial errs by 7.5e-8, and some roundings meet.
+TEST(MeasureDotProfile, FourAtATimeAsOne) {
+    constexpr double kTolerance = 3e-7;
+    for (double x = -7.0; x <= 7.0; x += 0.0137) {
+        const auto four = Lanes{0.0F, static_cast<float>(x), 9.0F, -9.0F};
+        const auto rounded = static_cast<double>(four[1]);
+        const auto normal = zelm::measure::standardNormal(four);
+        EXPECT_NEAR(static_cast<double>(normal.below[1]), 0.5 * std::erfc(-rounded / std::numbers::sqrt2), kTolerance);
+        EXPECT_NEAR(static_cast<double>(normal.density[1]),
+                    std::exp(-0.5 * rounded * rounded) / std::sqrt(2.0 * std::numbers::pi), kTolerance);
+        EXPECT_NEAR(static_cast<double>(normal.below[0]), 0.5, kTolerance);
+        EXPECT_EQ(normal.below[2], 1.0F);
+        EXPECT_NEAR(static_cast<double>(normal.below[3]), 0.0, 1e-9);
+        const auto four2 = edgeCoverage(four, lanesOf(0.2F), 0.75F, 1.0F / 0.75F, lanesOf(0.5F));
+        const auto one = edgeCoverage(rounded, static_cast<double>(0.2F), 0.75, 1.0 / 0.75, 0.5);
+        // Products of up to ten factors.
+        EXPECT_NEAR(static_cast<double>(four2.value[1]), one.value, 4.0 * kTolerance);
+        EXPECT_NEAR(static_cast<double>(four2.byDistance[1]), one.byDistance, 4.0 * kTolerance);
+        EXPECT_NEAR(static_cast<double>(four2.byBlur[1]), one.byBlur, 4.0 * kTolerance);
+    }
+}
+
+TEST(MeasureDotProfile, RootsAndPowersOfFour) {
+    for (const float x : {1e-20F, 0.3F, 1.0F, 2.0F, 3.7e5F, 1e20F}) {
+        const double root = static_cast<double>(zelm::measure::inverseRoot(lanesOf(x))[2]);
+        EXPECT_NEAR(root * std::sqrt(static_cast<double>(x)), 1.0, 3e-7) << x;
+    }
+    EXPECT_TRUE(std::isfinite(zelm::measure::inverseRoot(lanesOf(0.0F))[0]));
+    for (float x = -100.0F; x < 100.0F; x += 0.37F) {
+        const double power = static_cast<double>(zelm::measure::powerOfTwo(lanesOf(x))[3]);
+        EXPECT_NEAR(power * std::exp2(-static_cast<double>(x)), 1.0, 4e-7) << x;
+    }
 }
 
 TEST(MeasureDotProfile, EdgesOfDiscs) {
