@@ -200,18 +200,10 @@ void DotSamples::clear() {
     count = 0;
 }
 
-void DotSamples::add(double x, double y, double gray) {
-    const std::size_t lane = count % kLanes;
-    if (lane == 0) {
-        DotQuad& fresh = quads.emplace_back();
-        fresh.footX = lanesOf(1.0F);
-        fresh.sector.fill(kNoSector);
-    }
-    DotQuad& quad = quads.back();
-    quad.x[lane] = static_cast<float>(x);
-    quad.y[lane] = static_cast<float>(y);
-    quad.gray[lane] = static_cast<float>(gray);
-    ++count;
+void DotSamples::addQuad() {
+    DotQuad& fresh = quads.emplace_back();
+    fresh.footX = lanesOf(1.0F);
+    fresh.sector.fill(kNoSector);
 }
 
 void DotSamples::setFoot(double footX, double footY, std::size_t sector) {

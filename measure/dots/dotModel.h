@@ -50,18 +50,19 @@ struct DotOutline {
     double maxCurvature = 0.0;        // 1 / pixels
 };
 
-// Pixels near the outline, and the outline at each pixel's foot, its nearest point there.
+// Pixels near the outline, and the outline at each pixel's foot, its nearest point there. What each step of a fit needs
+// comes first.
 struct DotQuad {
     Lanes x{}, y{};  // from the predicted centre, pixels
     Lanes gray{};
-    Lanes weight{};          // 1 / variance
-    Lanes footX{}, footY{};  // parameter of the foot, as a unit vector
+    Lanes fitted{};          // the weight where the sector is fitted, or 0
     Lanes nx{}, ny{};        // normal at the foot, outwards
     Lanes tangent{};         // distance of the foot's tangent from the centre of the predicted outline, over its radius
     Lanes curvature{};       // of the predicted outline at the foot
     Lanes fourth{};          // nx^4 + ny^4
     Lanes offset{};          // distance from the predicted outline
-    Lanes fitted{};          // the weight where the sector is fitted, or 0
+    Lanes weight{};          // 1 / variance
+    Lanes footX{}, footY{};  // parameter of the foot, as a unit vector
     Lanes coverage{};        // by the dot; this and what follows as of review()
     Lanes residual{};        // gray levels
     Lanes slope{};           // gray levels a pixel by which it changes when the outline moves outwards
@@ -77,13 +78,25 @@ struct DotSamples {
     std::size_t count = 0;
 
     void clear();
-    void add(double x, double y, double gray);
+    void add(double x, double y, double gray) {
+        const std::size_t lane = count++ % kLanes;
+        if (lane == 0) {
+            addQuad();
+        }
+        DotQuad& quad = quads.back();
+        quad.x[lane] = static_cast<float>(x);
+        quad.y[lane] = static_cast<float>(y);
+        quad.gray[lane] = static_cast<float>(gray);
+    }
     // Of the last one added.
     void setFoot(double footX, double footY, std::size_t sector);
     // Puts a sample where another one was that is not wanted.
     void moveLane(std::size_t from, std::size_t to);
     // Leaves the first ones.
     void shrink(std::size_t newCount);
+
+private:
+    void addQuad();
 };
 
 // Pixels that the outline's blur does not reach, summed: x and y are over the mean radius.
