@@ -97,7 +97,7 @@ void printReading() {
 
 int usage() {
     std::fprintf(stderr,
-                 "usage: zelm_accuracy [reading|dots|matching] [--views N]\n"
+                 "usage: zelm_accuracy [reading|dots|dotTimes|matching] [--views N]\n"
                  "  --views N   views of each reading setting and hundreds of trials of each matching setting, "
                  "default 4\n");
     return 2;
@@ -111,7 +111,8 @@ int main(int argc, char** argv) {
         const std::string word = argv[i];
         if (word == "--views" && i + 1 < argc && std::atoi(argv[i + 1]) > 0) {
             views = std::atoi(argv[++i]);
-        } else if (subject.empty() && (word == "reading" || word == "dots" || word == "matching")) {
+        } else if (subject.empty() &&
+                   (word == "reading" || word == "dots" || word == "dotTimes" || word == "matching")) {
             subject = word;
         } else {
             return usage();
@@ -124,6 +125,9 @@ int main(int argc, char** argv) {
 #ifdef ZELM_ACCURACY_DOTS
         if (subject.empty() || subject == "dots") {
             zelm::accuracy::printDotTables(views);
+        }
+        if (subject.empty() || subject == "dotTimes") {
+            zelm::accuracy::printDotTimes();
         }
 #endif
         if (subject.empty() || subject == "matching") {
