@@ -29,6 +29,9 @@ constexpr double kRayleighMedian = 1.17741;  // median length of a plane normal 
 constexpr std::size_t kMinViews = 3;
 constexpr std::size_t kMinDots = 6;  // of a view: its pose takes three
 
+constexpr const char* kDivergence =
+    "the adjustment does not converge: check that all views show the same plate with the same lens setting";
+
 class Adjuster {
 public:
     Adjuster(AdjustState& s, std::vector<AdjustView>& v, const AdjustOptions& o) : state(s), views(v), options(o) {}
@@ -68,6 +71,7 @@ private:
     std::vector<AdjustView>& views;
     const AdjustOptions& options;
     std::array<double, kSides> noise{kFirstNoise, kFirstNoise};
+    bool hasConverged = false;  // the last solve()
     AdjustSummary summary;
 };
 
@@ -190,6 +194,9 @@ void Adjuster::checkCamera(Side side) const {
 
 // Views whose two images do not belong together can agree on a rig that is none.
 void Adjuster::checkFit() const {
+    if (!hasConverged) {
+        refuse(kDivergence);
+    }
     const double worst = std::max(summary.rms[kLeft], summary.rms[kRight]);
     if (!(worst <= kMaxResidual)) {
         refuse("the dots are " + textOf(worst) + " px from where any one rig sees them: see that each view's two " +
@@ -266,8 +273,9 @@ void Adjuster::solve(bool robust, double tolerance) {
     ceres::Solver::Summary result;
     ceres::Solve(solver, &problem, &result);
     summary.iterations += result.num_successful_steps + result.num_unsuccessful_steps;
+    hasConverged = result.termination_type == ceres::CONVERGENCE;
     if (!result.IsSolutionUsable()) {
-        refuse("the adjustment does not converge: check that all views show the same plate with the same lens setting");
+        refuse(kDivergence);
     }
     // A circle is the same with its radius turned round.
     for (double& factor : state.factors) {
