@@ -62,9 +62,21 @@ TEST_F(CalibrationDoubts, ListsShiftedByOneAreRefused) {
 }
 
 TEST_F(CalibrationDoubts, ExchangedImagesAreNamed) {
+    const std::string first = image("left", 2) + " and " + image("right", 4) + ": view 2 takes no part";
     expectWarnings(calibrateLists({0, 1, 2, 3, 4, 5}, {0, 1, 4, 3, 2, 5}), 2,
-                   {image("left", 2) + " and " + image("right", 4) + ": view 2 takes no part",
-                    image("left", 4) + " and " + image("right", 2) + ": view 4 takes no part"});
+                   {first, image("left", 4) + " and " + image("right", 2) + ": view 4 takes no part"});
+    // The files that stay say it too, and no figure of what takes no part.
+    const Json json = Json::parse(readFile(at("out/rig.json")));
+    ASSERT_EQ(json.at("warnings").size(), 2U);
+    EXPECT_EQ(json.at("warnings")[0].get<std::string>().rfind(first, 0), 0U);
+    const std::string report = readFile(at("out/report.html"));
+    EXPECT_NE(report.find("<p class='warning'>" + first), std::string::npos);
+    std::size_t rowsWithout = 0;
+    const std::string lastCell = "<td>–</td></tr>";
+    for (std::size_t at = report.find(lastCell); at != std::string::npos; at = report.find(lastCell, at + 1)) {
+        rowsWithout += 1;
+    }
+    EXPECT_EQ(rowsWithout, 2U);
 }
 
 TEST_F(CalibrationDoubts, ExchangedCamerasAreNamed) {

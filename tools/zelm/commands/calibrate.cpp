@@ -57,8 +57,7 @@ std::string estimateText(std::int32_t status) {
                    "by 20 degrees or more, and check that the plate file is this plate's";
         case ZELM_ERR_CALIB_NOT_CONVERGED:
             return "the estimation does not converge: check that the plate file is this plate's, and that all views "
-                   "show "
-                   "it with the same lens setting";
+                   "show it with the same lens setting";
         case ZELM_ERR_STEREO_GEOMETRY:
             return "the two cameras do not form a pair: are left and right the same images?";
         case ZELM_ERR_MEMORY:
@@ -102,10 +101,18 @@ Calibration calibrate(const CalibrateOptions& options, const PairSettings& setti
             rig = std::move(adjusted.rig);
         }
     }
-    Calibration c{
-        settings.plate,       reading.used,         reading.skipped,  rig.rig,          rigFigures(rig, settings.plate),
-        blockOf(rig.calib()), covarianceBytes(rig), reading.pictures, tiltOf(rig, 'L'), tiltOf(rig, 'R'),
-        std::move(adjustment)};
+    Calibration c{settings.plate,
+                  reading.used,
+                  reading.skipped,
+                  rig.rig,
+                  rigFigures(rig, settings.plate),
+                  blockOf(rig.calib()),
+                  covarianceBytes(rig),
+                  reading.pictures,
+                  tiltOf(rig, 'L'),
+                  tiltOf(rig, 'R'),
+                  std::move(adjustment),
+                  {}};
     // A parallel pair is calibrated from one view; the object has places for more.
     c.figures.left.views.resize(c.views.size());
     c.figures.right.views.resize(c.views.size());
@@ -150,8 +157,9 @@ void runCalibrate(const CalibrateOptions& options, const Console& console) {
     OutputFiles outputs;
     outputs.keep(options.plate.file);
     outputs.prepareFolder(folder);
-    const Calibration c = calibrate(options, settings, console, outputs);
+    Calibration c = calibrate(options, settings, console, outputs);
     requireAgreement(c, options.plate.file);
+    c.doubts = calibrationDoubts(c, options.plate.file);
 
     const std::string summary = jsonText(summaryJson(c));
     outputs.add(folder / "rig.zcal", c.block);
@@ -167,7 +175,7 @@ void runCalibrate(const CalibrateOptions& options, const Console& console) {
     }
     outputs.commit();
     warnOfTilt(c, console);
-    for (const std::string& doubt : calibrationDoubts(c, options.plate.file)) {
+    for (const std::string& doubt : c.doubts) {
         console.warn(doubt);
     }
 

@@ -128,6 +128,7 @@ Json summaryJson(const Calibration& c) {
         {"plate", plateJson(c.plate)},
         {"views", viewsJson(c)},
         {"skipped", skippedJson(c)},
+        {"warnings", c.doubts},
         {"reprojection",
          {{"left", distancesJson(c.figures.left.distances)}, {"right", distancesJson(c.figures.right.distances)}}},
         {"epipolar",

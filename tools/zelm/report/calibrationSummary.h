@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "adjustReport.h"
 #include "pairReading.h"
@@ -27,6 +28,7 @@ struct Calibration {
     double leftTilt = 0.0;                   // of a parallel camera, of the plate of view 0 against it, radians
     double rightTilt = 0.0;                  //
     std::optional<AdjustReport> adjustment;  // none was asked for
+    std::vector<std::string> doubts{};       // what speaks against it, a line each
 };
 
 // Of a view and a camera, the name of its image file; empty where there is none.

@@ -101,10 +101,13 @@ std::string tiles(const Calibration& c) {
     return html + "</div>";
 }
 
-std::string skippedViews(const Calibration& c) {
+std::string warnings(const Calibration& c) {
     std::string html;
     for (const SkippedView& view : c.skipped) {
         html += fmt::format("<p class='warning'>Skipped: {}</p>", escaped(view.reason));
+    }
+    for (const std::string& doubt : c.doubts) {
+        html += fmt::format("<p class='warning'>{}</p>", escaped(doubt));
     }
     return html;
 }
@@ -171,9 +174,11 @@ std::string viewTable(const Calibration& c) {
     }
     html += "<th>epipolar RMS</th></tr>";
     for (std::size_t i = 0; i < c.views.size(); ++i) {
-        html += fmt::format("<tr><td>{}</td>{}{}<td>{:.4f}</td></tr>", i,
-                            imageCells(c.views[i].left, c.figures.left.views[i]),
-                            imageCells(c.views[i].right, c.figures.right.views[i]), c.figures.epipolarViews[i].rms);
+        const DistanceFigures& epipolar = c.figures.epipolarViews[i];
+        html +=
+            fmt::format("<tr><td>{}</td>{}{}<td>{}</td></tr>", i, imageCells(c.views[i].left, c.figures.left.views[i]),
+                        imageCells(c.views[i].right, c.figures.right.views[i]),
+                        epipolar.count > 0 ? fmt::format("{:.4f}", epipolar.rms) : "–");
     }
     return html + "</table></div>";
 }
@@ -204,7 +209,7 @@ std::string htmlReport(const Calibration& c) {
     html += "</style></head><body><h1>Calibration report</h1>";
     html += fmt::format("<p class='note'>zelm {}, lengths in {}, image positions in pixels</p>", ZELM_VERSION,
                         escaped(c.plate.units));
-    html += tiles(c) + skippedViews(c);
+    html += tiles(c) + warnings(c);
     html += "<h2>Cameras</h2>" + cameraTable(c) + adjustment(c);
     html +=
         "<h2>Reprojection error of every view</h2><p class='note'>RMS distance in pixels between the dots and their "
