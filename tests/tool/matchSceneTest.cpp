@@ -100,6 +100,12 @@ TEST(MatchScene, ComparisonTellsWhatItIsGiven) {
     EXPECT_NEAR(both.at("median").get<double>(), 0.1, 1e-5);
     EXPECT_NEAR(both.at("rms").get<double>(), std::sqrt((0.01 + 0.01 + 25.0) / 3.0), 1e-5);
     EXPECT_EQ(json.at("withoutTruth"), 1);
+    // Of no points there are no figures.
+    const Json none = json.at("seenByLeftAlone");
+    EXPECT_EQ(none.at("found"), 0);
+    for (const char* figure : {"partWithin", "median", "quantile95", "rms"}) {
+        EXPECT_TRUE(none.at(figure).is_null()) << figure;
+    }
 }
 
 }  // namespace

@@ -138,14 +138,23 @@ struct DepthErrors {
 };
 
 Json errorsJson(const DepthErrors& e, double within) {
-    return {{"points", e.asked},          {"textured", e.textured},
-            {"found", e.errors.size()},   {"partFound", e.partFound()},
-            {"within", within},           {"partWithin", e.partWithin(within)},
-            {"median", e.figures.median}, {"quantile95", e.figures.quantile95},
-            {"rms", e.figures.rms}};
+    const auto known = [&](double figure) { return e.errors.empty() ? Json() : Json(figure); };
+    return {{"points", e.asked},
+            {"textured", e.textured},
+            {"found", e.errors.size()},
+            {"partFound", e.partFound()},
+            {"within", within},
+            {"partWithin", known(e.partWithin(within))},
+            {"median", known(e.figures.median)},
+            {"quantile95", known(e.figures.quantile95)},
+            {"rms", known(e.figures.rms)}};
 }
 
 std::string errorsText(const char* name, const DepthErrors& e, double within) {
+    if (e.errors.empty()) {
+        return fmt::format("\n{:<28}{:>9}{:>9}{:>9}{:>10}{:>11}{:>10}{:>10}", name, e.asked, e.textured, 0, "-", "-",
+                           "-", "-");
+    }
     return fmt::format("\n{:<28}{:>9}{:>9}{:>9}{:>8.1f} %{:>9.1f} %{:>10.4f}{:>10.4f}", name, e.asked, e.textured,
                        e.errors.size(), 100.0 * e.partFound(), 100.0 * e.partWithin(within), e.figures.median,
                        e.figures.quantile95);
