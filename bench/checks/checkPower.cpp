@@ -1,5 +1,5 @@
-// A score test's statistic is chi-square of as many degrees of freedom as it has parameters, and non-central where there
-// is a flaw: by the flaw's size squared over the variance that its parameters have when they are estimated besides all
+// A score test's statistic is chi-square of as many degrees of freedom as it has parameters, non-central where there is
+// a flaw: by the flaw's size squared over the variance that its parameters have when they are estimated besides all
 // others. No test of the same level sees small flaws of that kind more often.
 #include "checkPower.h"
 

@@ -20,8 +20,8 @@ ZELM_BEGIN_DECLS
 /// @param left [in,out] 2 a dot: centre of the ellipse in the left image, raw. Those of missing dots are not written
 /// @param right [in,out] the same in the right image
 /// @param statuses [out] ZelmMeasureDotStatus, one a dot: missing where the pixels of either image do not confirm it
-/// @return ZELM_OK; ZELM_ERR_PARAM; ZELM_ERR_MEMORY; ZELM_MEASURE_ERR_DATA: the dots do not place the plate, or two
-///     parallel cameras
+/// @return ZELM_OK; ZELM_ERR_PARAM; ZELM_ERR_MEMORY; ZELM_MEASURE_ERR_DATA: the dots do not place the plate, also when
+///     zelmCalibCalcHomography() does not settle, or two parallel cameras
 /// Cost: of the pixels about the outlines of all dots of the plate, as zelmMeasureRefineDots().
 ZELM_API int32_t zelmMeasureRefinePlate(ZelmMeasureRig* rig, const Zelm2ViewPatternDesc* pattern,
                                         const ZelmMeasureImage* leftImage, const ZelmMeasureImage* rightImage,
@@ -192,9 +192,9 @@ typedef struct ZelmMeasureDrift {
 /// to first order in the noise of all four coordinates (Sampson, 1982), are explained by nothing, by each part alone
 /// and by all five; F tests, or chi-square tests where the noise is given, judge the six explanations, corrected for
 /// their number (Bonferroni). Wrong matches are left out: least absolute distances, then Tukey's weights (Holland and
-/// Welsch, 1977). Where the rig has a covariance, the errors that it tells are among what chance may do: all pairs share
-/// them, and the distances are weighed by the inverse of both covariances together. The length of the baseline is never
-/// seen.
+/// Welsch, 1977). Where the rig has a covariance, the errors that it tells are among what chance may do: all pairs
+/// share them, and the distances are weighed by the inverse of both covariances together. The length of the baseline is
+/// never seen.
 /// @param rig [in] of two perspective cameras
 /// @param count [in] of pairs; at least 30, all over the images
 /// @param left [in] raw pixels, 2 a pair

@@ -13,8 +13,8 @@ public:
     FreshCalibrations(double dotNoise, int views)
         : covariance(simulatedCovariance(truth.pair(), dotNoise, views)), draws(covariance) {}
 
-    // What pixel pairs of the rig, after its right camera has moved, tell beside one of the calibrations; `isKnown`: the
-    // calibration comes with its covariance.
+    // What pixel pairs of the rig tell beside one of the calibrations, after its right camera has moved; `isKnown`:
+    // the calibration comes with its covariance.
     ZelmMeasureDrift drift(std::uint64_t seed, const RightMove& move, const DriftScene& scene, bool isKnown) const {
         Random random(seed);
         const OpenedRig rig(blockOf(moved(truth.pair(), draws.draw(random))));
