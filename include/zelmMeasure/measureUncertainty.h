@@ -37,13 +37,16 @@ typedef struct ZelmMeasureCovariance {
 
 /// How well the pixels of points are known.
 typedef struct ZelmMeasurePixelNoise {
-    int32_t size;         ///< of this record, bytes
-    int32_t reserved;     ///< 0
-    double sigma;         ///< standard deviation of each coordinate, pixels; 0: that of the calibration's dots
-    double freedom;       ///< degrees of freedom that it was estimated from, at least 1; 0: it is known. Of `sigma` 0
-                          ///< not used
-    const double* left;   ///< 3 a pair: covariance of the left pixel xx, xy, yy, pixels^2; or NULL: `sigma` holds
-    const double* right;  ///< of the right pixel likewise
+    int32_t size;          ///< of this record, bytes
+    int32_t reserved;      ///< 0
+    double sigma;          ///< standard deviation of each coordinate, pixels; 0: that of the calibration's dots
+    double freedom;        ///< degrees of freedom that it was estimated from, at least 1; 0: it is known. Of `sigma` 0
+                           ///< not used
+    const double* left;    ///< 3 a pair: covariance of the left pixel xx, xy, yy, pixels^2; or NULL: `sigma` holds
+    const double* right;   ///< of the right pixel likewise
+    const double* points;  ///< 6 a pair: covariance of the point by its images, where they tell it, as those of round
+                           ///< targets do: xx, xy, xz, yy, yz, zz in the frame of the plate of view 0, plate units^2.
+                           ///< Where the first number is NaN, and where this is NULL, the pixels tell it
 } ZelmMeasurePixelNoise;
 
 /// Covariances of points, in arrays of the caller's with room for all pairs. Six numbers of a covariance are xx, xy,
@@ -105,8 +108,8 @@ ZELM_API int32_t zelmMeasureRigSetCovariance(ZelmMeasureRig* rig, const ZelmMeas
 /// @param right [in] raw pixels, 2 a pair
 /// @param noise [in] of the pixels; NULL: that of the calibration's dots
 /// @param covariances [in] the arrays that are written
-/// @return ZELM_OK; ZELM_ERR_PARAM: also noise that is negative or not finite, and covariances of pixels that are not
-///     positive semi-definite; ZELM_ERR_MEMORY; ZELM_MEASURE_ERR_DATA: the rig has no covariance, or two parallel
+/// @return ZELM_OK; ZELM_ERR_PARAM: also noise that is negative or not finite, and covariances that are not positive
+///     semi-definite; ZELM_ERR_MEMORY; ZELM_MEASURE_ERR_DATA: the rig has no covariance, or two parallel
 ///     cameras
 ZELM_API int32_t zelmMeasurePointCovariance(ZelmMeasureRig* rig, int64_t count, const double* left, const double* right,
                                             const ZelmMeasurePixelNoise* noise,

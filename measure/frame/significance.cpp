@@ -13,6 +13,12 @@ constexpr int kMaxTerms = 10'000;
 constexpr double kTiny = 1e-300;
 constexpr double kPrecision = 1e-15;
 
+// Of positive numbers; std::lgamma() keeps their sign in a variable of the process.
+double logGamma(double x) {
+    int sign = 0;
+    return lgamma_r(x, &sign);
+}
+
 double awayFromZero(double x) {
     return std::fabs(x) < kTiny ? kTiny : x;
 }
@@ -38,7 +44,7 @@ private:
 
 // The regularised upper incomplete gamma function.
 double upperGamma(double a, double x) {
-    const double front = std::exp(a * std::log(x) - x - std::lgamma(a));
+    const double front = std::exp(a * std::log(x) - x - logGamma(a));
     if (x < a + 1.0) {
         double term = 1.0 / a;
         double sum = term;
@@ -79,8 +85,7 @@ double incompleteBeta(double x, double y, double a, double b) {
     if (y <= 0.0) {
         return 1.0;
     }
-    const double front =
-        std::exp(std::lgamma(a + b) - std::lgamma(a) - std::lgamma(b) + a * std::log(x) + b * std::log(y));
+    const double front = std::exp(logGamma(a + b) - logGamma(a) - logGamma(b) + a * std::log(x) + b * std::log(y));
     if (x < (a + 1.0) / (a + b + 2.0)) {
         return front * betaFraction(x, a, b) / a;
     }

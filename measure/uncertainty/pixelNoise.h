@@ -15,9 +15,8 @@ public:
     // Throws unless the record can be meant, and for a rig that would have to tell the noise and has no covariance.
     PixelNoise(const Rig& rig, const ZelmMeasurePixelNoise* given, std::size_t count);
 
-    // Of a pair's pixels.
-    Symmetric2 left(std::size_t i) const { return of(record.left, i); }
-    Symmetric2 right(std::size_t i) const { return of(record.right, i); }
+    // The covariance that it makes of a pair's point, left camera's frame.
+    Symmetric3 ofPoint(const SensitivityModel& model, const PointSensitivity& s, std::size_t i) const;
     // Degrees of freedom that it was estimated from; 0: it is known.
     double freedom() const { return record.freedom; }
     // Whether it is the noise that the calibration's covariance was made with: one estimate, not two.

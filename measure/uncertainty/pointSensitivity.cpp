@@ -108,6 +108,20 @@ Vector3 moved(const Motion& motion, const Vector3& X) {
     return {turned[0] + motion.t[0], turned[1] + motion.t[1], turned[2] + motion.t[2]};
 }
 
+// R C R'.
+Symmetric3 turned(const Matrix3& R, const Symmetric3& c) {
+    std::array<Vector3, 3> half{};  // R C
+    for (std::size_t i = 0; i < 3; ++i) {
+        const Vector3 row{R[3 * i], R[3 * i + 1], R[3 * i + 2]};
+        half[i] = {row[0] * c[0] + row[1] * c[1] + row[2] * c[2], row[0] * c[1] + row[1] * c[3] + row[2] * c[4],
+                   row[0] * c[2] + row[1] * c[4] + row[2] * c[5]};
+    }
+    const auto at = [&](std::size_t i, std::size_t j) {
+        return half[i][0] * R[3 * j] + half[i][1] * R[3 * j + 1] + half[i][2] * R[3 * j + 2];
+    };
+    return {at(0, 0), at(0, 1), at(0, 2), at(1, 1), at(1, 2), at(2, 2)};
+}
+
 }  // namespace
 
 SensitivityModel::SensitivityModel(const Rig& rig)
@@ -155,18 +169,13 @@ SensitivityModel::ByParameters SensitivityModel::inPlate(const PointSensitivity&
     return B;
 }
 
-Symmetric3 SensitivityModel::inPlate(const Symmetric3& c) const {
+Symmetric3 SensitivityModel::inPlate(const Symmetric3& covariance) const {
     const auto& R = frame.R;
-    std::array<Vector3, 3> half{};  // R' C
-    for (std::size_t i = 0; i < 3; ++i) {
-        const Vector3 axis{R[i], R[3 + i], R[6 + i]};
-        half[i] = {axis[0] * c[0] + axis[1] * c[1] + axis[2] * c[2], axis[0] * c[1] + axis[1] * c[3] + axis[2] * c[4],
-                   axis[0] * c[2] + axis[1] * c[4] + axis[2] * c[5]};
-    }
-    const auto at = [&](std::size_t i, std::size_t j) {
-        return half[i][0] * R[j] + half[i][1] * R[3 + j] + half[i][2] * R[6 + j];
-    };
-    return {at(0, 0), at(0, 1), at(0, 2), at(1, 1), at(1, 2), at(2, 2)};
+    return turned({R[0], R[3], R[6], R[1], R[4], R[7], R[2], R[5], R[8]}, covariance);
+}
+
+Symmetric3 SensitivityModel::inLeft(const Symmetric3& covariance) const {
+    return turned(frame.R, covariance);
 }
 
 Symmetric3 imageCovariance(const PointSensitivity& s, const Symmetric2& left, const Symmetric2& right) {

@@ -38,6 +38,8 @@ public:
     ByParameters inPlate(const PointSensitivity& s) const;
     // A covariance of the left camera's frame in the plate's.
     Symmetric3 inPlate(const Symmetric3& covariance) const;
+    // And back.
+    Symmetric3 inLeft(const Symmetric3& covariance) const;
 
 private:
     ProjectionCamera left;

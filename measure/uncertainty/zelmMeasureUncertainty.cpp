@@ -75,7 +75,7 @@ public:
             result.status = PointStatus::parallel;
             return result;
         }
-        const Symmetric3 image = imageCovariance(*s, noise.left(i), noise.right(i));
+        const Symmetric3 image = noise.ofPoint(model, *s, i);
         result.image = model.inPlate(image);
         result.depths[0] = std::sqrt(std::max(image[5], 0.0));
         if (wantsCovariance) {
@@ -145,7 +145,7 @@ private:
     std::optional<LengthEnd> end(std::size_t i) const {
         const std::optional<PointSensitivity> s =
             points[i].status == PointStatus::ok ? model.at(points[i].position) : std::nullopt;
-        return s ? std::optional(LengthEnd{*s, imageCovariance(*s, noise.left(i), noise.right(i))}) : std::nullopt;
+        return s ? std::optional(LengthEnd{*s, noise.ofPoint(model, *s, i)}) : std::nullopt;
     }
 
     SensitivityModel model;

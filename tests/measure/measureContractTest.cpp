@@ -484,7 +484,15 @@ TEST_F(MeasureContract, NoiseThatCannotBeMeant) {
     ASSERT_EQ(zelmMeasureRigSetCovariance(rig, &covariance), ZELM_OK);
     const double none = std::numeric_limits<double>::quiet_NaN();
     const double wrong[][3] = {{-1.0, 0.0, 1.0}, {1.0, 1.1, 1.0}, {1.0, none, 1.0}, {none, 0.0, 1.0}, {1.0, 0.0, none}};
-    std::vector<ZelmMeasurePixelNoise> noises(4 + 2 * std::size(wrong), emptyRecord<ZelmMeasurePixelNoise>());
+    const double wrongPoints[][6] = {{-1.0, 0.0, 0.0, 1.0, 0.0, 1.0}, {1.0, 1.1, 0.0, 1.0, 0.0, 1.0},
+                                     {1.0, 0.0, 1.1, 1.0, 0.0, 1.0},  {1.0, 0.0, 0.0, 1.0, 1.1, 1.0},
+                                     {1.0, 0.9, 0.9, 1.0, -0.9, 1.0}, {1.0, none, 0.0, 1.0, 0.0, 1.0},
+                                     {1.0, 0.0, 0.0, 1.0, 0.0, none}};
+    std::vector<ZelmMeasurePixelNoise> noises(4 + 2 * std::size(wrong) + std::size(wrongPoints),
+                                              emptyRecord<ZelmMeasurePixelNoise>());
+    for (std::size_t i = 0; i < std::size(wrongPoints); ++i) {
+        noises[4 + 2 * std::size(wrong) + i].points = wrongPoints[i];
+    }
     noises[0].sigma = -0.1;
     noises[1].sigma = none;
     noises[2].freedom = 0.5;

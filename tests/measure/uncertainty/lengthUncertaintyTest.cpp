@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <vector>
 
 #include "knownRig.h"
@@ -209,6 +210,48 @@ TEST(LengthUncertainty, ShortLengthsHaveNoDirection) {
     EXPECT_EQ(still.lengths[0], 0.0);
     EXPECT_EQ(still.statuses[1], ZELM_MEASURE_LENGTH_OK);
     EXPECT_EQ(still.image[1], 0.0);
+}
+
+// Those that the pixels make are stated as those of the points: the lengths are known as well as before.
+TEST(LengthUncertainty, CovariancesOfPointsTakeThePlaceOfThePixels) {
+    const KnownRig known(makePair(0, 0), kNoise);
+    const PairPixels pixels = pixelsOf(known.pair, corners());
+    const auto count = static_cast<std::size_t>(pixels.count());
+    std::vector<double> covariances(6 * count);
+    auto points = emptyRecord<ZelmMeasurePointCovariances>();
+    points.image = covariances.data();
+    auto twice = emptyRecord<ZelmMeasurePixelNoise>();
+    twice.sigma = 2.0 * kNoise;
+    ASSERT_EQ(zelmMeasurePointCovariance(known.rig.get(), pixels.count(), pixels.left.data(), pixels.right.data(),
+                                         &twice, &points),
+              ZELM_OK);
+    const Ends ends{0, 1, 0, 2, 1, 3};
+    const Outputs byPixels = measured(known, pixels, ends, &twice);
+    const Outputs byCalibration = measured(known, pixels, ends);
+
+    auto noise = emptyRecord<ZelmMeasurePixelNoise>();
+    noise.points = covariances.data();
+    const Outputs byPoints = measured(known, pixels, ends, &noise);
+    for (std::size_t i = 0; i < 3; ++i) {
+        EXPECT_NEAR(byPoints.image[i], byPixels.image[i], 1e-9 * byPixels.image[i]);
+        EXPECT_GT(byPoints.image[i], 1.9 * byCalibration.image[i]);
+        EXPECT_EQ(byPoints.calibration[i], byPixels.calibration[i]);
+    }
+    // They come back from the call for points, too.
+    std::vector<double> back(6 * count);
+    points.image = back.data();
+    ASSERT_EQ(zelmMeasurePointCovariance(known.rig.get(), pixels.count(), pixels.left.data(), pixels.right.data(),
+                                         &noise, &points),
+              ZELM_OK);
+    for (std::size_t k = 0; k < back.size(); ++k) {
+        const double size = covariances[k / 6 * 6] + covariances[k / 6 * 6 + 3] + covariances[k / 6 * 6 + 5];
+        EXPECT_NEAR(back[k], covariances[k], 1e-12 * size);
+    }
+    // A point of which nothing is stated has its pixels' noise.
+    for (std::size_t i = 0; i < count; ++i) {
+        covariances[6 * i] = std::numeric_limits<double>::quiet_NaN();
+    }
+    EXPECT_EQ(measured(known, pixels, ends, &noise).image, byCalibration.image);
 }
 
 TEST(LengthUncertainty, EndsWithoutAPoint) {

@@ -44,6 +44,11 @@ std::vector<SpacePoint> pointsOf(std::vector<PixelPair>& pairs, const DotOptions
     return points;
 }
 
+std::string noiseText(const DotOptions& o, const std::optional<double>& noise, const LoadedRig& rig) {
+    return !o.areGiven() || noise ? fmt::format("{:.4f} px", noise.value_or(rig.rig.covariance->noise))
+                                  : "the outlines of the targets";
+}
+
 void warnOfMisses(const std::string& file, const std::vector<PixelPair>& pairs, const std::vector<SpacePoint>& points,
                   const PixelQuality& quality, const Console& console) {
     // What moves both pixels onto rays that meet is one error of noise: more than six deviations is none in a million.

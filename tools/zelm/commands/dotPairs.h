@@ -28,6 +28,9 @@ void addDotOptions(Subcommand& sub, DotOptions& options);
 std::vector<SpacePoint> pointsOf(std::vector<PixelPair>& pairs, const DotOptions& options, const LoadedRig& rig,
                                  const std::string& file);
 
+// Where the noise of points comes from, in words, for a rig with a covariance; `noise` is what the user states.
+std::string noiseText(const DotOptions& options, const std::optional<double>& noise, const LoadedRig& rig);
+
 // How exact pixels are.
 struct PixelQuality {
     std::optional<double> noise;  // standard deviation of a coordinate, pixels; none: not known

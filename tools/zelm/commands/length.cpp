@@ -168,14 +168,9 @@ std::vector<MeasuredLength> lengthsOf(const LengthOptions& o, const std::vector<
 }
 
 // Fills in the numbers of the lengths.
-void measure(std::vector<MeasuredLength>& lengths, const std::vector<PixelPair>& pairs, const std::vector<bool>& found,
-             const LengthOptions& o, const LoadedRig& rig) {
-    std::vector<double> left;
-    std::vector<double> right;
-    for (const PixelPair& pair : pairs) {
-        left.insert(left.end(), {pair.left.x, pair.left.y});
-        right.insert(right.end(), {pair.right.x, pair.right.y});
-    }
+void measure(std::vector<MeasuredLength>& lengths, const std::vector<PixelPair>& pairs,
+             const std::vector<SpacePoint>& points, const LengthOptions& o, const LoadedRig& rig) {
+    const PairArrays pixels(pairs);
     std::vector<std::int64_t> ends;
     for (const MeasuredLength& length : lengths) {
         ends.insert(ends.end(), {static_cast<std::int64_t>(length.from), static_cast<std::int64_t>(length.to)});
@@ -184,15 +179,17 @@ void measure(std::vector<MeasuredLength>& lengths, const std::vector<PixelPair>&
     std::vector<double> numbers(5 * lengths.size());
     double* const n = numbers.data();
     const std::size_t count = lengths.size();
-    const ZelmMeasurePixelNoise noise{sizeof(noise), 0, o.noise.value_or(0.0), 0.0, nullptr, nullptr};
+    const ImageNoise noise = imageNoiseOf(points, o.noise);
+    const ZelmMeasurePixelNoise record = noise.record();
     const ZelmMeasureLengths out{sizeof(out),  0, statuses.data(), n, n + count, n + 2 * count, n + 3 * count,
                                  n + 4 * count};
-    rig.require(zelmMeasureLengths(rig.handle.get(), static_cast<std::int64_t>(pairs.size()), left.data(), right.data(),
-                                   &noise, static_cast<std::int64_t>(count), ends.data(), &out),
+    rig.require(zelmMeasureLengths(rig.handle.get(), pixels.count, pixels.left.data(), pixels.right.data(), &record,
+                                   static_cast<std::int64_t>(count), ends.data(), &out),
                 o.rig);
+    const auto isFound = [&](std::size_t i) { return points[i].status == PointStatus::ok; };
     for (std::size_t i = 0; i < count; ++i) {
         MeasuredLength& l = lengths[i];
-        if (!found[l.from] || !found[l.to]) {
+        if (!isFound(l.from) || !isFound(l.to)) {
             continue;
         }
         l.status = static_cast<LengthStatus>(statuses[i]);
@@ -238,8 +235,8 @@ std::string csvOf(const std::vector<MeasuredLength>& lengths, const std::vector<
     return csv;
 }
 
-Json jsonOf(const std::vector<MeasuredLength>& lengths, const std::vector<PixelPair>& pairs, double noise,
-            const LengthOptions& o) {
+Json jsonOf(const std::vector<MeasuredLength>& lengths, const std::vector<PixelPair>& pairs, const LengthOptions& o,
+            const LoadedRig& rig) {
     Json list = Json::array();
     for (const MeasuredLength& l : lengths) {
         Json json{{"from", pairs[l.from].id}, {"to", pairs[l.to].id}, {"status", statusWord(l.status)}};
@@ -254,7 +251,10 @@ Json jsonOf(const std::vector<MeasuredLength>& lengths, const std::vector<PixelP
         }
         list.push_back(json);
     }
-    Json json{{"lengths", list}, {"noise", noise}};
+    Json json{{"lengths", list}};
+    if (!o.dots.areGiven() || o.noise) {
+        json["noise"] = o.noise.value_or(rig.rig.covariance->noise);
+    }
     if (!o.csv.empty()) {
         json["csv"] = o.csv;
     }
@@ -295,24 +295,18 @@ void runLength(const LengthOptions& o, const Console& console) {
     if (!o.csv.empty()) {
         outputs.prepareFolder(fs::path(o.csv).parent_path());
     }
-    std::vector<bool> found(pairs.size());
     const std::vector<SpacePoint> points = pointsOf(pairs, o.dots, rig, o.rig);
-    std::transform(points.begin(), points.end(), found.begin(),
-                   [](const SpacePoint& point) { return point.status == PointStatus::ok; });
-    measure(lengths, pairs, found, o, rig);
+    measure(lengths, pairs, points, o, rig);
     checkResult(o, lengths, console);
     warnOfMisses(o.pairs, pairs, points, {o.noise.value_or(rig.rig.covariance->noise), o.dots.areGiven()}, console);
     if (!o.csv.empty()) {
         outputs.add(o.csv, csvOf(lengths, pairs));
     }
     outputs.commit();
-    const double noise = o.noise.value_or(rig.rig.covariance->noise);
     console.say(table(lengths, pairs));
-    console.say(
-        fmt::format("plate units; U95: half the interval that holds the true length at 95 %; noise of a pixel "
-                    "{:.4f} px{}{}",
-                    noise, o.csv.empty() ? "" : "; wrote ", o.csv));
-    console.result(jsonText(jsonOf(lengths, pairs, noise, o)));
+    console.say(fmt::format("plate units; U95: half the interval that holds the true length at 95 %; noise: {}{}{}",
+                            noiseText(o.dots, o.noise, rig), o.csv.empty() ? "" : "; wrote ", o.csv));
+    console.result(jsonText(jsonOf(lengths, pairs, o, rig)));
 }
 
 }  // namespace

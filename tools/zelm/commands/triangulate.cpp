@@ -96,7 +96,7 @@ std::string failuresText(const Summary& s) {
     return text;
 }
 
-// Of points whose status leaves them without numbers nothing is known. A target's outlines tell its own noise.
+// Of points whose status leaves them without numbers nothing is known.
 Uncertainties uncertaintiesOf(const std::vector<PixelPair>& pairs, const std::vector<SpacePoint>& points,
                               const TriangulateOptions& o, const LoadedRig& rig) {
     if (!rig.rig.covariance) {
@@ -105,12 +105,9 @@ Uncertainties uncertaintiesOf(const std::vector<PixelPair>& pairs, const std::ve
         }
         return {};
     }
-    Uncertainties known = uncertaintyOf(rig, pairs, o.noise.value_or(0.0));
+    Uncertainties known = uncertaintyOf(rig, pairs, imageNoiseOf(points, o.noise));
     for (std::size_t i = 0; i < points.size(); ++i) {
         known[i].isKnown = known[i].isKnown && points[i].status != PointStatus::noDot;
-        if (points[i].disc && !o.noise) {
-            known[i].noise = points[i].disc->covariance;
-        }
     }
     return known;
 }
@@ -118,11 +115,6 @@ Uncertainties uncertaintiesOf(const std::vector<PixelPair>& pairs, const std::ve
 // Of a pixel's coordinate; none where neither the user nor the calibration tells it.
 std::optional<double> noiseOf(const TriangulateOptions& o, const LoadedRig& rig) {
     return o.noise || !rig.rig.covariance ? o.noise : rig.rig.covariance->noise;
-}
-
-std::string noiseText(const TriangulateOptions& o, const LoadedRig& rig) {
-    return !o.dots.areGiven() || o.noise ? fmt::format("{:.4f} px", o.noise.value_or(rig.rig.covariance->noise))
-                                         : "the outlines of the targets";
 }
 
 std::string uncertaintyText(const Uncertainties& known, const TriangulateOptions& o, const LoadedRig& rig) {
@@ -136,13 +128,15 @@ std::string uncertaintyText(const Uncertainties& known, const TriangulateOptions
     return fmt::format(
         "standard deviations   {} plate units (medians)\n  by noise            {}, of {}\n"
         "  by calibration      {}",
-        part(m.total), part(m.noise), noiseText(o, rig), part(m.calibration));
+        part(m.total), part(m.noise), noiseText(o.dots, o.noise, rig), part(m.calibration));
 }
 
 void addUncertainty(Json& json, const Uncertainties& known, const TriangulateOptions& o, const LoadedRig& rig) {
     if (!known.empty()) {
         const UncertaintyMedians m = mediansOf(known);
-        json["noise"] = o.noise.value_or(rig.rig.covariance->noise);
+        if (!o.dots.areGiven() || o.noise) {
+            json["noise"] = o.noise.value_or(rig.rig.covariance->noise);
+        }
         json["sigmaMedian"] = {{"total", m.total}, {"noise", m.noise}, {"calibration", m.calibration}};
     }
 }

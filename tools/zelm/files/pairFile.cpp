@@ -18,4 +18,11 @@ std::vector<PixelPair> readPairFile(const std::filesystem::path& path) {
     return pairs;
 }
 
+PairArrays::PairArrays(const std::vector<PixelPair>& pairs) : count(static_cast<std::int64_t>(pairs.size())) {
+    for (const PixelPair& pair : pairs) {
+        left.insert(left.end(), {pair.left.x, pair.left.y});
+        right.insert(right.end(), {pair.right.x, pair.right.y});
+    }
+}
+
 }  // namespace zelm::tool

@@ -4,6 +4,7 @@
 
 #include <zelmLib.h>
 
+#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -20,6 +21,14 @@ struct PixelPair {
 // in any order, and others beside them, which are left out; empty lines and lines that begin with # are passed over.
 // Throws Failure, naming file and line, for anything else.
 std::vector<PixelPair> readPairFile(const std::filesystem::path& path);
+
+// The pixels of pairs as the library takes them: x and y in turn.
+struct PairArrays {
+    explicit PairArrays(const std::vector<PixelPair>& pairs);
+    std::int64_t count;
+    std::vector<double> left;
+    std::vector<double> right;
+};
 
 }  // namespace zelm::tool
 

@@ -3,7 +3,9 @@
 #include <fmt/compile.h>
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <iterator>
+#include <limits>
 
 #include "numberText.h"
 
@@ -21,21 +23,15 @@ std::string_view statusWord(PointStatus status) {
 
 std::vector<SpacePoint> triangulate(const LoadedRig& rig, const std::string& file,
                                     const std::vector<PixelPair>& pairs) {
-    std::vector<double> left;
-    std::vector<double> right;
-    for (const PixelPair& pair : pairs) {
-        left.insert(left.end(), {pair.left.x, pair.left.y});
-        right.insert(right.end(), {pair.right.x, pair.right.y});
-    }
+    const PairArrays pixels(pairs);
     const std::size_t count = pairs.size();
     std::vector<std::int32_t> statuses(count);
     std::vector<double> positions(3 * count);
     std::vector<double> errors(2 * count);
     std::vector<double> angles(count);
     const ZelmMeasurePoints out{sizeof(out), 0, statuses.data(), positions.data(), errors.data(), angles.data()};
-    rig.require(
-        zelmMeasureTriangulate(rig.handle.get(), static_cast<std::int64_t>(count), left.data(), right.data(), &out),
-        file);
+    rig.require(zelmMeasureTriangulate(rig.handle.get(), pixels.count, pixels.left.data(), pixels.right.data(), &out),
+                file);
     std::vector<SpacePoint> points(count);
     for (std::size_t i = 0; i < count; ++i) {
         const double* const X = &positions[3 * i];
@@ -47,6 +43,21 @@ std::vector<SpacePoint> triangulate(const LoadedRig& rig, const std::string& fil
                      {}};
     }
     return points;
+}
+
+ImageNoise imageNoiseOf(const std::vector<SpacePoint>& points, const std::optional<double>& sigma) {
+    ImageNoise noise{sigma.value_or(0.0)};
+    const auto isDisc = [](const SpacePoint& point) { return point.disc.has_value(); };
+    if (sigma || std::none_of(points.begin(), points.end(), isDisc)) {
+        return noise;
+    }
+    noise.points.assign(6 * points.size(), std::numeric_limits<double>::quiet_NaN());
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        if (points[i].disc) {
+            std::copy_n(points[i].disc->covariance.begin(), 6, &noise.points[6 * i]);
+        }
+    }
+    return noise;
 }
 
 std::string csvOf(const std::vector<PixelPair>& pairs, const std::vector<SpacePoint>& points,

@@ -48,6 +48,10 @@ struct SpacePoint {
 // Makes points of pairs. Throws Failure, naming `file`, for a rig that cannot triangulate, or when memory runs out.
 std::vector<SpacePoint> triangulate(const LoadedRig& rig, const std::string& file, const std::vector<PixelPair>& pairs);
 
+// What makes points uncertain beside the calibration: the noise that is stated of a pixel's coordinate; else that of a
+// target's outlines, and the calibration's for other points.
+ImageNoise imageNoiseOf(const std::vector<SpacePoint>& points, const std::optional<double>& sigma);
+
 // The points as CSV, a line for each pair in the same order, and as an ASCII PLY of the points that are ok: both with
 // how well they are known, unless that is empty.
 std::string csvOf(const std::vector<PixelPair>& pairs, const std::vector<SpacePoint>& points,

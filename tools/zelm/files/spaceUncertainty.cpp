@@ -41,24 +41,24 @@ std::array<double, 3> PointUncertainty::total() const {
     return {std::hypot(a[0], b[0]), std::hypot(a[1], b[1]), std::hypot(a[2], b[2])};
 }
 
-std::vector<PointUncertainty> uncertaintyOf(const LoadedRig& rig, const std::vector<PixelPair>& pairs, double noise) {
+ZelmMeasurePixelNoise ImageNoise::record() const {
+    return {sizeof(ZelmMeasurePixelNoise), 0, sigma, 0.0, nullptr, nullptr, points.empty() ? nullptr : points.data()};
+}
+
+std::vector<PointUncertainty> uncertaintyOf(const LoadedRig& rig, const std::vector<PixelPair>& pairs,
+                                            const ImageNoise& noise) {
     rig.requireCovariance();
-    std::vector<double> left;
-    std::vector<double> right;
-    for (const PixelPair& pair : pairs) {
-        left.insert(left.end(), {pair.left.x, pair.left.y});
-        right.insert(right.end(), {pair.right.x, pair.right.y});
-    }
+    const PairArrays pixels(pairs);
     const std::size_t count = pairs.size();
     std::vector<std::int32_t> statuses(count);
     std::vector<double> image(6 * count);
     std::vector<double> calibration(6 * count);
     std::vector<double> depths(2 * count);
-    const ZelmMeasurePixelNoise pixels{sizeof(pixels), 0, noise, 0.0, nullptr, nullptr};
+    const ZelmMeasurePixelNoise record = noise.record();
     const ZelmMeasurePointCovariances out{sizeof(out),  0, statuses.data(), nullptr, image.data(), calibration.data(),
                                           depths.data()};
-    rig.require(zelmMeasurePointCovariance(rig.handle.get(), static_cast<std::int64_t>(count), left.data(),
-                                           right.data(), &pixels, &out),
+    rig.require(zelmMeasurePointCovariance(rig.handle.get(), pixels.count, pixels.left.data(), pixels.right.data(),
+                                           &record, &out),
                 rig.file.string());
     std::vector<PointUncertainty> points(count);
     for (std::size_t i = 0; i < count; ++i) {

@@ -24,9 +24,18 @@ struct PointUncertainty {
     std::array<double, 3> total() const;
 };
 
-// Of the points of pairs whose pixels have this standard deviation, pixels; 0: that of the calibration's dots. Throws
-// Failure, naming the rig's file, when its covariance is not known.
-std::vector<PointUncertainty> uncertaintyOf(const LoadedRig& rig, const std::vector<PixelPair>& pairs, double noise);
+// What makes points uncertain beside the calibration.
+struct ImageNoise {
+    double sigma = 0.0;  // standard deviation of a pixel's coordinate; 0: that of the calibration's dots
+    std::vector<double>
+        points{};  // 6 a pair: covariances of points by their images, NaN where these tell none; or none
+
+    ZelmMeasurePixelNoise record() const;  // valid as long as this
+};
+
+// Throws Failure, naming the rig's file, when its covariance is not known.
+std::vector<PointUncertainty> uncertaintyOf(const LoadedRig& rig, const std::vector<PixelPair>& pairs,
+                                            const ImageNoise& noise);
 
 // Medians over the points that are known.
 struct UncertaintyMedians {

@@ -26,12 +26,7 @@ PointStatus statusOf(std::int32_t status) {
 
 std::vector<SpacePoint> measureTargets(const LoadedRig& rig, const std::string& file, const Picture& left,
                                        const Picture& right, const std::vector<PixelPair>& pairs, bool areBright) {
-    std::vector<double> leftSeeds;
-    std::vector<double> rightSeeds;
-    for (const PixelPair& pair : pairs) {
-        leftSeeds.insert(leftSeeds.end(), {pair.left.x, pair.left.y});
-        rightSeeds.insert(rightSeeds.end(), {pair.right.x, pair.right.y});
-    }
+    const PairArrays seeds(pairs);
     const std::size_t count = pairs.size();
     std::vector<std::int32_t> statuses(count);
     std::vector<double> centres(3 * count);
@@ -47,8 +42,8 @@ std::vector<SpacePoint> measureTargets(const LoadedRig& rig, const std::string& 
                                  angles.data()};
     const ZelmMeasureImage leftImage = imageOf(left);
     const ZelmMeasureImage rightImage = imageOf(right);
-    rig.require(zelmMeasureCircles(rig.handle.get(), &leftImage, &rightImage, static_cast<std::int64_t>(count),
-                                   leftSeeds.data(), rightSeeds.data(), areBright ? 1 : 0, &out),
+    rig.require(zelmMeasureCircles(rig.handle.get(), &leftImage, &rightImage, seeds.count, seeds.left.data(),
+                                   seeds.right.data(), areBright ? 1 : 0, &out),
                 file);
     std::vector<SpacePoint> points(count);
     for (std::size_t i = 0; i < count; ++i) {
