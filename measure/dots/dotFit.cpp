@@ -32,6 +32,8 @@ constexpr double kMaxArcScale = 1.18;    //
 constexpr double kMaxSlant = 0.15;       // of the contrast a radius, of the ground's level
 constexpr double kMaxExcess = 1.25;      // residuals over the noise
 constexpr double kMaxModelError = 0.03;  // of the contrast, in the residuals of all pixels
+constexpr double kMaxLikeness = 0.5;     // of the shifts of neighbouring sectors: their correlation; 0 in noise
+constexpr double kMinBend = 0.03;        // pixels, root mean square of the shifts; less are those of printed outlines
 constexpr double kMaxError = 0.25;       // pixels, standard deviation of the centre
 constexpr int kMinSectors = 14;          // of 24 that are seen whole: 60 % of the outline with parts of two more
 constexpr int kMinScattered = 17;        // where more than one arc is hidden: a wrong shape too agrees with some arcs
@@ -88,7 +90,7 @@ public:
         model.limits.shift = 1.5 * shiftLimit();
         model.limits.maxBlur = std::max(kMaxBlurShare * outline.shortAxis, kFirstBlur);
         pixels.samples.quads.reserve(256);
-        if (!(findOnAllOutline() || findOnArcs())) {
+        if (findOnAllOutline() ? isBent() : !findOnArcs()) {
             return refused(kDotNoDot);
         }
         return judged();
@@ -212,7 +214,8 @@ private:
 
     SectorMask agreeing() {
         model.review();
-        return agreeingSectors(evidenceOf(model, pixels, noise), used, {contrast(), noise, outline.radius}) & visible;
+        evidence = evidenceOf(model, pixels, noise);
+        return agreeingSectors(evidence, used, {contrast(), noise, outline.radius}) & visible;
     }
 
     bool findOnAllOutline() {
@@ -225,6 +228,24 @@ private:
         const DotVector& at = model.unknowns;
         return std::hypot(at[kOutsideX], at[kOutsideY]) <= kMaxSlant * contrast() &&
                std::hypot(at[kInsideX], at[kInsideY]) <= 2.0 * kMaxSlant * contrast();
+    }
+
+    // Whether neighbouring sectors leave the outline alike, as noise does not make them: something as bright as the dot
+    // or its ground hides a part, or the shape is another one. Which arc is right cannot be told then.
+    bool isBent() const {
+        double products = 0.0;
+        double squares = 0.0;
+        double shifts = 0.0;
+        for (std::size_t k = 0; k < kDotSectors; ++k) {
+            const std::size_t l = (k + 1) % kDotSectors;
+            if ((used >> k & 1U) != 0 && (used >> l & 1U) != 0) {
+                const double here = evidence[k].shift / evidence[k].shiftError;
+                products += here * evidence[l].shift / evidence[l].shiftError;
+                squares += here * here;
+                shifts += evidence[k].shift * evidence[k].shift;
+            }
+        }
+        return products > kMaxLikeness * squares && shifts > kMinBend * kMinBend * std::popcount(used);
     }
 
     // Whether noise and the profile of a real edge are all that the model leaves.
@@ -385,6 +406,7 @@ private:
     DotModel model;
     DotFitResult result;
     DotOutliers outliers;
+    OutlineEvidence evidence{};  // as of agreeing()
     SectorMask visible = 0;
     SectorMask used = 0;
     double noise = 0.0;  // gray levels

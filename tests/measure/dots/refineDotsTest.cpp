@@ -40,6 +40,15 @@ TEST(MeasureRefineDots, PartsOfTheOutlineMayBeHidden) {
     EXPECT_EQ(tryDisturbed(Disturbance::halfPlane, 200, 5, 0.5, 0.6).astray, 0);
 }
 
+// What hides little of a dot and is as bright as its ground makes it pass for a smaller one aside, but for what is left
+// along the outline. Such dots are refused; one in a hundred may pass.
+TEST(MeasureRefineDots, LittleHiddenIsSeenToo) {
+    const DisturbanceFigures f = tryDisturbed(Disturbance::halfPlane, 500, 21, 0.05, 0.2);
+    EXPECT_GE(f.accepted, 9 * f.trials / 10);
+    EXPECT_GE(f.flagged, 98 * f.accepted / 100);
+    EXPECT_LE(f.astray, f.accepted / 100);
+}
+
 TEST(MeasureRefineDots, HighlightsSaturationAndNeighbours) {
     for (const auto kind : {Disturbance::highlight, Disturbance::saturation, Disturbance::nearDisc}) {
         const DisturbanceFigures f = tryDisturbed(kind, 200, 6);
