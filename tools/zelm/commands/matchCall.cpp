@@ -91,7 +91,7 @@ void addCalibration(const LoadedRig& rig, std::vector<MatchedPoint>& points) {
             pairs.push_back({point.left, point.right, {}});
         }
     }
-    const std::vector<PointUncertainty> known = uncertaintyOf(rig, pairs, 0.0);
+    const std::vector<PointUncertainty> known = uncertaintyOf(rig, pairs, {});
     std::size_t next = 0;
     for (MatchedPoint& point : points) {
         if (point.status == MatchStatus::ok) {
