@@ -95,6 +95,28 @@ void printReading() {
     printMisses();
 }
 
+// Of dots placed by all their pixels, which need the measuring library; the sample's need the tool's reader of pictures.
+void printDots() {
+#ifdef ZELM_ACCURACY_DOTS
+    zelm::accuracy::printDotTables(views);
+#else
+    std::printf("\nno tables of dots: built without the measuring library (ZELM_BUILD_MEASURE)\n");
+#endif
+#ifdef ZELM_ACCURACY_SAMPLE
+    zelm::accuracy::printDeskRigDots();
+#else
+    std::printf("\nno dots of samples/desk-rig: built without the tool (ZELM_BUILD_TOOL)\n");
+#endif
+}
+
+void printTimes() {
+#ifdef ZELM_ACCURACY_DOTS
+    zelm::accuracy::printDotTimes();
+#else
+    std::printf("\nno times of dots: built without the measuring library (ZELM_BUILD_MEASURE)\n");
+#endif
+}
+
 int usage() {
     std::fprintf(stderr,
                  "usage: zelm_accuracy [reading|dots|dotTimes|matching] [--views N]\n"
@@ -122,14 +144,12 @@ int main(int argc, char** argv) {
         if (subject.empty() || subject == "reading") {
             printReading();
         }
-#ifdef ZELM_ACCURACY_DOTS
         if (subject.empty() || subject == "dots") {
-            zelm::accuracy::printDotTables(views);
+            printDots();
         }
         if (subject.empty() || subject == "dotTimes") {
-            zelm::accuracy::printDotTimes();
+            printTimes();
         }
-#endif
         if (subject.empty() || subject == "matching") {
             zelm::accuracy::printMatchingTables(100 * views);
         }

@@ -85,7 +85,6 @@ void printDotTables(int views) {
                 views);
     printWrongPlaces(2500 * views);
     printDisturbed(250 * views);
-    printDeskRigDots();
 }
 
 }  // namespace zelm::accuracy

@@ -194,13 +194,13 @@ void Adjuster::checkCamera(Side side) const {
 
 // Views whose two images do not belong together can agree on a rig that is none.
 void Adjuster::checkFit() const {
-    if (!hasConverged) {
-        refuse(kDivergence);
-    }
     const double worst = std::max(summary.rms[kLeft], summary.rms[kRight]);
     if (!(worst <= kMaxResidual)) {
         refuse("the dots are " + textOf(worst) + " px from where any one rig sees them: see that each view's two " +
                "images belong together, that neither camera was moved or refocused, and that all show this plate");
+    }
+    if (!hasConverged) {
+        refuse(kDivergence);
     }
 }
 

@@ -12,7 +12,7 @@ namespace zelm::measure {
 namespace {
 
 constexpr double kPixelVariance = 1.0 / 12.0;  // of a pixel's square along an axis
-constexpr double kEdgeSigmas = 3.6;            // of the blur, beyond which a pixel is uniform to 2e-4
+constexpr double kEdgeSigmas = 4.2;            // of the blur, beyond which a pixel is uniform to 1e-5
 constexpr double kEdgeMargin = 0.4;            // pixels by which the outline may still move
 constexpr double kGround = 2.5;                // pixels of ground beyond the edge, at least
 constexpr double kGroundShare = 0.25;          // of the radius
@@ -33,7 +33,7 @@ constexpr double kMaxSlant = 0.15;       // of the contrast a radius, of the gro
 constexpr double kMaxExcess = 1.25;      // residuals over the noise
 constexpr double kMaxModelError = 0.03;  // of the contrast, in the residuals of all pixels
 constexpr double kMaxLikeness = 0.5;     // of the shifts of neighbouring sectors: their correlation; 0 in noise
-constexpr double kMinBend = 0.03;        // pixels, root mean square of the shifts; less are those of printed outlines
+constexpr double kMinBend = 0.05;        // pixels, root mean square of the shifts; less are those of printed outlines
 constexpr double kMaxError = 0.25;       // pixels, standard deviation of the centre
 constexpr int kMinSectors = 14;          // of 24 that are seen whole: 60 % of the outline with parts of two more
 constexpr int kMinScattered = 17;        // where more than one arc is hidden: a wrong shape too agrees with some arcs

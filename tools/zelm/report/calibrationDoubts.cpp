@@ -163,6 +163,9 @@ std::vector<std::string> exchangedCameras(const Calibration& c) {
 
 void requireAgreement(const Calibration& c, const std::string& plateFile) {
     if (!isAdjusted(c)) {
+        if (const std::vector<std::string> far = farLines(c); c.adjustment && !far.empty()) {
+            failData("{}; nothing was adjusted: {}", far.front(), c.adjustment->refusal);
+        }
         return;
     }
     std::size_t pairs = 0;

@@ -9,8 +9,9 @@
 
 namespace zelm::tool {
 
-// Throws Failure when an adjustment could use both images of fewer than half of the views: the two sets of images are
-// not of the same plate in the same places. `plateFile` is what the plate was read from.
+// Throws Failure when an adjustment could use both images of fewer than half of the views, or none and the dots are far
+// from their epipolar lines: the two sets of images are not of the same plate in the same places. `plateFile` is what
+// the plate was read from.
 void requireAgreement(const Calibration& calibration, const std::string& plateFile);
 
 // One line each: why nothing was adjusted, views that take no part, what the self-checks found wrong, dots far from
