@@ -95,7 +95,7 @@ void printReading() {
     printMisses();
 }
 
-// Of dots placed by all their pixels, which need the measuring library; the sample's need the tool's reader of pictures.
+// Of dots placed by all their pixels, which need the measuring library; the sample's need the tool's picture reader.
 void printDots() {
 #ifdef ZELM_ACCURACY_DOTS
     zelm::accuracy::printDotTables(views);
