@@ -10,10 +10,11 @@
 namespace zelmtest {
 namespace {
 
-// What the rig promises. A centre error of 0.015 px in each image is 0.01 mm along the rays' bisector at this distance
-// and baseline; the rest is the calibration and what an outline's centre misses of the projected one.
-constexpr double kTruePixelRms = 0.03;  // mm
-constexpr double kMeasuredRms = 0.05;   // mm
+// What the rig promises. True pixels leave the calibration's errors, to which each dot of its views adds some 0.009 px.
+// A centre error of 0.01 px in each image is 0.007 mm along the rays' bisector at this distance and baseline.
+constexpr double kTruePixelRms = 0.0015;  // mm
+constexpr double kMeasuredRms = 0.008;    // mm
+constexpr double kLengthsOneIn = 120'000.0;
 
 std::string pairsCsv(bool targetsOnly, double offset) {
     std::ostringstream csv;
@@ -83,6 +84,7 @@ TEST(MeasureScene, CompareTellsWhatContributes) {
     const Json json = Json::parse(run.output);
     EXPECT_EQ(json.at("pointsFromTruePixels").at("count"), 79);
     EXPECT_LE(json.at("pointsFromTruePixels").at("rms").get<double>(), kTruePixelRms);
+    EXPECT_LE(json.at("relativeLengthErrors").at("rms").get<double>(), 1.0 / kLengthsOneIn);
     EXPECT_EQ(json.at("targetsMeasured").at("count"), 19);
     EXPECT_EQ(json.at("targetsNotFound"), 0);
     EXPECT_LE(json.at("targetsMeasured").at("rms").get<double>(), kMeasuredRms);
@@ -92,6 +94,41 @@ TEST(MeasureScene, CompareTellsWhatContributes) {
     const double parts = rms("targetsCalibration") + rms("targetsCentreBias") + rms("targetsNoise");
     EXPECT_GE(parts, rms("targetsMeasured"));  // RMS distances of a sum are at most the sum of the RMS distances
     EXPECT_GT(rms("targetsCentreBias"), 0.0);
+}
+
+// The 171 distances are those of 57 coordinates, which tell a standard deviation to 10 %: three times that is let pass,
+// and at 1.3 times the stated deviation an interval of 95 % holds 87 %.
+TEST(MeasureScene, LengthsBetweenTargetsAreAsExactAsTheySay) {
+    const TemporaryFolder folder;
+    writeFile(folder / "pairs.csv", pairsCsv(true, 0.0));
+    const CommandResult run = zelm({"length", deskRigFile(), (folder / "pairs.csv").string(), "--json", "--dots",
+                                    sampleFile("scene_left.png"), sampleFile("scene_right.png")});
+    ASSERT_EQ(run.status, 0) << run.errors;
+    EXPECT_EQ(run.errors, "");
+    std::vector<Point3d> truth;
+    for (const ScenePair& pair : scenePairs()) {
+        if (pair.isTarget) {
+            truth.push_back(pair.position);
+        }
+    }
+    const Json json = Json::parse(run.output);
+    EXPECT_FALSE(json.contains("noise"));  // each target has its own
+    ASSERT_EQ(json.at("lengths").size(), 171U);
+    int held = 0;
+    double squares = 0.0;
+    for (const Json& length : json.at("lengths")) {
+        const auto end = [&](const char* key) { return truth.at(std::stoul(length.at(key).get<std::string>()) - 1); };
+        const Point3d a = end("from");
+        const Point3d b = end("to");
+        const double error = length.at("length").get<double>() - std::hypot(a.x - b.x, a.y - b.y, a.z - b.z);
+        held += std::fabs(error) <= length.at("U95").get<double>() ? 1 : 0;
+        squares += error * error / std::pow(length.at("sigma").get<double>(), 2);
+    }
+    const double deviations = std::sqrt(squares / 171.0);
+    EXPECT_GE(held, 149);
+    EXPECT_GE(deviations, 0.7);  // stated neither too small nor too large
+    EXPECT_LE(deviations, 1.3);
+    std::printf("%d of 171 lengths within U95, errors of %.2f standard deviations\n", held, deviations);
 }
 
 TEST(MeasureScene, SpeckleIsNotTakenForDots) {
