@@ -28,7 +28,12 @@ void printErrors(const char* title, double contrast, double falloff, int views) 
                 setting.falloff = falloff;
                 setting.views = views;
                 const DotFigures f = refinePlates(setting, kAside, true);
-                std::printf(" %.4f / %.4f / %.4f", f.reader, f.rms, f.bound);
+                if (f.reader > 0.0) {
+                    std::printf(" %.4f", f.reader);
+                } else {
+                    std::printf(" —");  // found none
+                }
+                std::printf(" / %.4f / %.4f", f.rms, f.bound);
                 if (f.placed < f.dots) {
                     std::printf(" (%d of %d placed)", f.placed, f.dots);
                 }
