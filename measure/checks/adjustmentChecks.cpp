@@ -203,6 +203,7 @@ Check Checker::diameter(const Flaw& flaw, DotKind kind) const {
     if (scales.size() >= kFewestScales) {
         const double middle = median(scales);
         std::vector<double> distances;
+        distances.reserve(scales.size());
         for (const double scale : scales) {
             distances.push_back(std::fabs(scale - middle));
         }

@@ -40,6 +40,7 @@ std::vector<OutlineEdge> edgesOf(const std::vector<SectorStep>& steps, const Ell
 
 bool fitRobustly(const std::vector<OutlineEdge>& edges, Ellipse2d& ellipse) {
     std::vector<Point2d> points;
+    points.reserve(edges.size());
     for (const OutlineEdge& edge : edges) {
         points.push_back(edge.pixel);
     }
@@ -53,6 +54,7 @@ bool fitRobustly(const std::vector<OutlineEdge>& edges, Ellipse2d& ellipse) {
 // Leaves out the edges that are off the ellipse by more than the others.
 void dropStrays(std::vector<OutlineEdge>& edges, const Ellipse2d& ellipse) {
     std::vector<double> distances;
+    distances.reserve(edges.size());
     for (const OutlineEdge& edge : edges) {
         distances.push_back(std::fabs(footOn(ellipse, edge.pixel).distance));
     }

@@ -215,6 +215,7 @@ bool startLevels(std::vector<Sector>& sectors, bool own) {
         return count > 0;
     };
     std::vector<const Sector*> all;
+    all.reserve(sectors.size());
     for (const Sector& sector : sectors) {
         all.push_back(&sector);
     }

@@ -44,7 +44,7 @@ SharedErrors sharedErrors(const EpipolarModel& model, const std::vector<RayPair>
         rows[i] = model.byCalibration(pairs[i]);
         Eigen::Map<Column> row(rows[i].data());
         row = (root.transpose() * row).eval();
-        products.selfadjointView<Eigen::Lower>().rankUpdate(row);
+        products.noalias() += row * row.transpose();
     }
     const Eigen::SelfAdjointEigenSolver<Square> parts(products);
     const Column weights = (parts.eigenvalues().cwiseMax(0.0).array() + noise * noise).rsqrt();

@@ -48,9 +48,11 @@ void checkPicture(const ZelmMeasureImage* image, const RigCamera& camera) {
 
 std::vector<GridIndex> gridOf(std::int64_t count, const std::int32_t* grid) {
     require(count >= 0 && (grid != nullptr || count == 0), "the grid is NULL, or the number of dots negative");
-    std::vector<GridIndex> list(static_cast<std::size_t>(count));
-    for (std::size_t i = 0; i < list.size(); ++i) {
-        list[i] = {grid[2 * i], grid[2 * i + 1]};
+    const auto dots = static_cast<std::size_t>(count);
+    std::vector<GridIndex> list;
+    list.reserve(dots);
+    for (std::size_t i = 0; i < dots; ++i) {
+        list.push_back({grid[2 * i], grid[2 * i + 1]});
     }
     return list;
 }
