@@ -23,6 +23,7 @@
 #include "zelmMeasure/measureAdjust.h"
 #include "zelmMeasure/measureBase.h"
 #include "zelmMeasure/measureChecks.h"
+#include "zelmMeasure/measureDiagnosis.h"
 #include "zelmMeasure/measureDots.h"
 #include "zelmMeasure/measureMatch.h"
 #include "zelmMeasure/measurePlan.h"

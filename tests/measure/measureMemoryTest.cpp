@@ -595,6 +595,23 @@ TEST(MeasureMemory, DotsAndTraitsOfPlates) {
     EXPECT_GE(traits.core, 3);
 }
 
+TEST(MeasureMemory, Sharpness) {
+    const render::RenderedView view = smallView();
+    const ZelmMeasureImage image{view.image.pixels.data(), 639, 480, 640};
+    std::vector<double> seeds;
+    for (const render::DotTruth& dot : view.dots) {
+        seeds.push_back(dot.ellipse.centre.x);
+        seeds.push_back(dot.ellipse.centre.y);
+    }
+    const Failures failures = expectEveryFailureIsTold([&](Outputs& out) {
+        auto sharpness = emptyRecord<ZelmMeasureSharpness>();
+        const std::int32_t status = zelmMeasureSharpness(&image, 2, seeds.data(), 0, &sharpness);
+        out.integers[0] = status >= 0 ? sharpness.dots : out.integers[0];
+        return status;
+    });
+    EXPECT_GE(failures.own, 6);
+}
+
 TEST(MeasureMemory, NoiseAndOverlap) {
     const GrayPixels gray(640 * 480, 100);
     const ZelmMeasureImage image{gray.data(), 640, 480, 640};
