@@ -7,6 +7,7 @@
 #include <stdexcept>
 #include <string>
 #include <utility>
+#include <vector>
 
 namespace zelm::tool {
 
@@ -16,11 +17,19 @@ enum class ExitCode : int {
     usage = 2,  // wrong usage
 };
 
+// What programs ask for besides the line: one word for the cause, such as "out-of-focus", and the images it holds for.
+struct FailureCause {
+    std::string word;                 // lower case with hyphens; empty: none is known
+    std::vector<std::string> images;  // as the user named them
+};
+
 class Failure : public std::runtime_error {
 public:
-    Failure(ExitCode exitCode, const std::string& line) : std::runtime_error(line), code(exitCode) {}
+    Failure(ExitCode exitCode, const std::string& line, FailureCause causeOfIt = {})
+        : std::runtime_error(line), code(exitCode), cause(std::move(causeOfIt)) {}
 
     ExitCode code;
+    FailureCause cause;
 };
 
 // The data did not allow it: say which file, why, and what to try.
