@@ -36,6 +36,117 @@ typedef struct ZelmMeasureSharpness {
 ZELM_API int32_t zelmMeasureSharpness(const ZelmMeasureImage* image, int64_t count, const double* seeds,
                                       int32_t polarity, ZelmMeasureSharpness* sharpness);
 
+/// Why the plate in an image cannot be read, or is not read wholly.
+enum ZelmMeasureImageCause {
+    ZELM_MEASURE_IMAGE_FINE = 0,              ///< nothing that is known to be wrong
+    ZELM_MEASURE_IMAGE_NO_PLATE = 1,          ///< no spots that stand in rows and columns
+    ZELM_MEASURE_IMAGE_MARKERS = 2,           ///< too few or too many dots of a marker's size
+    ZELM_MEASURE_IMAGE_CUT_OFF = 3,           ///< the image's edge cuts the plate off, on `sides`
+    ZELM_MEASURE_IMAGE_OUT_OF_FOCUS = 4,      ///< edges are wide, alike in all directions
+    ZELM_MEASURE_IMAGE_MOTION = 5,            ///< edges are wide along `direction`
+    ZELM_MEASURE_IMAGE_SATURATED = 6,         ///< most pixels are at the largest level
+    ZELM_MEASURE_IMAGE_DARK = 7,              ///< the levels end so low that dots hardly stand out
+    ZELM_MEASURE_IMAGE_LOW_CONTRAST = 8,      ///< dots hardly stand out of their ground
+    ZELM_MEASURE_IMAGE_REFLECTION = 9,        ///< a highlight hides dots
+    ZELM_MEASURE_IMAGE_COVERED = 10,          ///< something hides dots
+    ZELM_MEASURE_IMAGE_POLARITY = 11,         ///< the dots are bright where dark ones are described, or dark
+    ZELM_MEASURE_IMAGE_OTHER_PLATE = 12,      ///< sizes or counts contradict the description
+    ZELM_MEASURE_IMAGE_MARKER_DISTANCE = 13,  ///< the markers are other numbers of pitches apart than described
+    ZELM_MEASURE_IMAGE_SMALL_DOTS = 14,       ///< the dots take too few pixels
+    ZELM_MEASURE_IMAGE_TILTED = 15,           ///< the plate is seen almost edge-on
+    ZELM_MEASURE_IMAGE_NOT_SEPARATE = 16,     ///< the plate is not told from what surrounds it: `region` helps
+    ZELM_MEASURE_IMAGE_UNEVEN_LIGHT = 17,     ///< no one level parts the dots from their ground everywhere
+    ZELM_MEASURE_IMAGE_UNKNOWN = 18,          ///< dots on a lattice that fits, which cannot be read all the same
+};
+
+/// Sides of an image, to be added up.
+enum ZelmMeasureImageSide {
+    ZELM_MEASURE_SIDE_LEFT = 1,
+    ZELM_MEASURE_SIDE_RIGHT = 2,
+    ZELM_MEASURE_SIDE_TOP = 4,
+    ZELM_MEASURE_SIDE_BOTTOM = 8,
+};
+
+/// What became of a spot of the image.
+enum ZelmMeasureSpotVerdict {
+    ZELM_MEASURE_SPOT_DOT = 0,          ///< a dot in its place
+    ZELM_MEASURE_SPOT_MARKER = 1,       ///< likewise, of a marker's size
+    ZELM_MEASURE_SPOT_SMALL = 2,        ///< fewer pixels than minDotArea
+    ZELM_MEASURE_SPOT_CUT = 3,          ///< at the edge of image or region
+    ZELM_MEASURE_SPOT_NO_ELLIPSE = 4,   ///< its pixels fill no ellipse
+    ZELM_MEASURE_SPOT_WEAK_EDGE = 5,    ///< its outline is weaker than minEdgeStrength somewhere, or has no edge there
+    ZELM_MEASURE_SPOT_OTHER_SIZE = 6,   ///< much smaller or larger than dots and markers
+    ZELM_MEASURE_SPOT_OFF_LATTICE = 7,  ///< in no row or column of dots
+};
+
+/// The spots that were looked at. Arrays of the caller's with room for `capacity` spots; each may be NULL.
+typedef struct ZelmMeasureSpots {
+    int32_t size;      ///< of this record, bytes
+    int32_t reserved;  ///< 0
+    int64_t capacity;  ///< spots that every array has room for
+    double* centres;   ///< 2 a spot, pixels
+    double* axes;  ///< 3 a spot: half axes of its ellipse, the long one first, pixels, and the direction of the long
+                   ///< one, radians from x towards y
+    double* strengths;  ///< weakest edge on 20 rays, gray levels a pixel; 0: on some ray there is none
+    int32_t* verdicts;  ///< ZelmMeasureSpotVerdict
+} ZelmMeasureSpots;
+
+/// What an image of a plate shows, and what that means.
+typedef struct ZelmMeasureImageDiagnosis {
+    int32_t size;           ///< of this record, bytes
+    int32_t cause;          ///< ZelmMeasureImageCause
+    int32_t status;         ///< what zelmMeasurePlateDots() returns for the image
+    int32_t read;           ///< dots that it reads, with a place on the grid
+    int32_t spots;          ///< spots that were looked at
+    int32_t dots;           ///< of these, how many stand in rows and columns
+    int32_t columns;        ///< across which the dots spread,
+    int32_t rows;           ///< and rows; which are the plate's columns is known from the markers alone
+    int32_t expected;       ///< dots of the described field
+    int32_t strong;         ///< dots whose edges are strong enough all round
+    int32_t markers;        ///< dots of a marker's size
+    int32_t markerColumns;  ///< pitches from corner to x marker; 0: not seen
+    int32_t markerRows;     ///< and to the y marker
+    int32_t sides;          ///< ZelmMeasureImageSide, where places of the field lie outside the image
+    int32_t outside;        ///< such places
+    int32_t hidden;         ///< places inside the image without a dot
+    int32_t highlights;     ///< of these, how many are brighter than dots and ground
+    int32_t darkLevel;      ///< gray level: 2 pixels in a thousand are darker,
+    int32_t brightLevel;    ///< 2 pixels in a thousand brighter
+    int32_t oppositeDots;   ///< dots in rows and columns when dark and bright are exchanged
+    ZelmRect region;        ///< about the dots; of no size where there are none
+    double saturated;       ///< share of the pixels at the largest levels
+    double inside;          ///< median gray level of the dots
+    double ground;          ///< and of the ground around them
+    double noise;           ///< standard deviation of gray levels
+    double radius;          ///< median of the dots', pixels
+    double axisRatio;       ///< their short axis over their long one: the cosine of the tilt
+    double largest;         ///< blur as in ZelmMeasureSharpness; where no dots are seen, of the steepest edges
+    double smallest;
+    double direction;
+    double smear;
+    double edgeStrength;  ///< of such edges between these levels, as the reader sees them, gray levels a pixel
+    double dotRatio;      ///< diameter of a dot over the pitch, mean of both axes; of the description: (d2/d4+d2/d5)/2
+    double markerRatio;   ///< diameter of a marker over that of a dot; of the description: d3/d2
+} ZelmMeasureImageDiagnosis;
+
+/// Tells why the plate in an image cannot be read, or why fewer dots are read than are described. The spots of the image
+/// are put on a lattice without the description, which is then compared with it.
+/// @param image [in] any size
+/// @param pattern [in] the plate
+/// @param region [in] the part of the image that holds the plate; NULL: all of it
+/// @param diagnosis [out] cause and figures; those that cannot be told are 0
+/// @param spots [in] the arrays that are written, dots first; NULL: none
+/// @return ZELM_OK, whatever the image shows; ZELM_ERR_PARAM, also for what the reader cannot mean; ZELM_ERR_MEMORY
+/// Cost: some 20 passes over the pixels and 20 edge searches a spot. What the causes rest on: docs/diagnosis.md.
+ZELM_API int32_t zelmMeasureDiagnoseImage(const ZelmMeasureImage* image, const Zelm2ViewPatternDesc* pattern,
+                                          const ZelmRect* region, ZelmMeasureImageDiagnosis* diagnosis,
+                                          const ZelmMeasureSpots* spots);
+
+/// A cause as one word for programs, "out-of-focus".
+/// @param cause [in] ZelmMeasureImageCause
+/// @return the word, static; "unknown" for any other number
+ZELM_API const char* zelmMeasureImageCauseName(int32_t cause);
+
 ZELM_END_DECLS
 
 #endif

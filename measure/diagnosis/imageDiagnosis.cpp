@@ -1,0 +1,174 @@
+#include "imageDiagnosis.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace zelm::measure {
+namespace {
+
+// The figures behind the thresholds are in docs/diagnosis.md: good data on the one side, faulty data on the other.
+constexpr int kMinLattice = 9;            // dots that are no chance
+constexpr double kMinRadius = 4.0;        // pixels, of dots
+constexpr double kMaxBlur = 0.30;         // of a dot's radius
+constexpr double kMinMotion = 1.35;       // the largest blur over the smallest
+constexpr double kMinContrast = 16.0;     // gray levels between dots and ground
+constexpr double kMinSignal = 4.0;        // contrast over noise
+constexpr int kDarkLevel = 32;            // a plate so dark has hardly the contrast that dots need
+constexpr double kMinAxisRatio = 0.36;    // cosine of 69 degrees
+constexpr double kMaxSaturated = 0.5;     // share of the pixels
+constexpr double kMaxRatioError = 0.2;    // of the diameter over the pitch
+constexpr double kMaxMarkerError = 0.15;  // of a marker's diameter over a dot's
+constexpr double kHighlights = 0.4;       // of the places without a dot
+constexpr double kCoveredShare = 0.08;    // of the places within the bounds
+constexpr double kMinFlatRange = 20.0;    // gray levels between dark and bright
+constexpr double kMinBlurredEdge = 5.0;   // pixels: width of the steepest edges of an image out of focus,
+constexpr double kMaxBlurredEdge = 90.0;  // and of light that just falls off
+constexpr double kMinEdgeMotion = 1.8;    // of the steepest edges' widths
+
+using enum ZelmMeasureImageCause;
+
+double contrastOf(const ImageEvidence& e) {
+    return std::fabs(e.sharpness.outside - e.sharpness.inside);
+}
+
+// No dots in rows and columns: the levels, or the steepest edges, say what there is.
+ZelmMeasureImageCause causeWithoutDots(const ImageEvidence& e) {
+    const ImageLevels& l = e.levels;
+    if (l.saturated > kMaxSaturated) {
+        return ZELM_MEASURE_IMAGE_SATURATED;
+    }
+    if (l.bright < kDarkLevel) {
+        return ZELM_MEASURE_IMAGE_DARK;
+    }
+    if (l.bright - l.dark < kMinFlatRange) {
+        return ZELM_MEASURE_IMAGE_LOW_CONTRAST;
+    }
+    if (l.widest > kMinEdgeMotion * l.narrowest && l.widest > 2.0 * kMinBlurredEdge) {
+        return ZELM_MEASURE_IMAGE_MOTION;
+    }
+    if (l.narrowest > kMinBlurredEdge && l.narrowest < kMaxBlurredEdge) {
+        return ZELM_MEASURE_IMAGE_OUT_OF_FOCUS;
+    }
+    return ZELM_MEASURE_IMAGE_NO_PLATE;
+}
+
+// Whether the dots are told well enough for their lattice to be judged.
+ZelmMeasureImageCause causeOfDots(const ImageEvidence& e, const Pattern& plate) {
+    const double radius = e.sharpness.dots > 0 ? e.sharpness.radius : e.traits.radius;
+    const double contrast = contrastOf(e);
+    const bool isFaint = e.sharpness.dots > 0 && (contrast < kMinContrast || contrast < kMinSignal * e.sharpness.noise);
+    if (isFaint) {
+        return e.levels.bright < 2 * kDarkLevel ? ZELM_MEASURE_IMAGE_DARK : ZELM_MEASURE_IMAGE_LOW_CONTRAST;
+    }
+    const bool isSmall = radius < kMinRadius || radius * radius * 3.14 < plate.minDotArea;
+    const double blur = e.sharpness.spread.largest;
+    if (blur > kMaxBlur * radius && blur > 1.0) {
+        return blur > kMinMotion * e.sharpness.spread.smallest ? ZELM_MEASURE_IMAGE_MOTION
+                                                               : ZELM_MEASURE_IMAGE_OUT_OF_FOCUS;
+    }
+    if (isSmall) {
+        return ZELM_MEASURE_IMAGE_SMALL_DOTS;
+    }
+    if (e.traits.axisRatio < kMinAxisRatio) {
+        return ZELM_MEASURE_IMAGE_TILTED;
+    }
+    return ZELM_MEASURE_IMAGE_FINE;
+}
+
+// What is missing from the lattice, or FINE.
+ZelmMeasureImageCause causeOfPlaces(const PlaceTraits& places, int least) {
+    if (places.outside >= std::max(places.hidden, least)) {
+        return ZELM_MEASURE_IMAGE_CUT_OFF;
+    }
+    if (places.hidden < least) {
+        return ZELM_MEASURE_IMAGE_FINE;
+    }
+    return places.highlights > kHighlights * places.hidden ? ZELM_MEASURE_IMAGE_REFLECTION : ZELM_MEASURE_IMAGE_COVERED;
+}
+
+bool isOtherDiameter(const ImageEvidence& e, const Pattern& plate) {
+    const double seen = std::sqrt(e.traits.dotRatioX * e.traits.dotRatioY);
+    const double described = plate.d2 / std::sqrt(plate.d4 * plate.d5);
+    return std::fabs(seen / described - 1.0) > kMaxRatioError;
+}
+
+bool isOtherFrame(const MarkerTraits& m, const Pattern& plate) {
+    return m.isFrame && (m.columns != std::lround(plate.d6 / plate.d4) || m.rows != std::lround(plate.d7 / plate.d5));
+}
+
+ZelmMeasureImageCause causeOfMarkers(const ImageEvidence& e, const Pattern& plate) {
+    const MarkerTraits& m = e.traits.markers;
+    const PlaceTraits& places = e.traits.places;
+    if (isOtherFrame(m, plate)) {
+        return ZELM_MEASURE_IMAGE_MARKER_DISTANCE;
+    }
+    if (m.isFrame && std::fabs(m.ratio / (plate.d3 / plate.d2) - 1.0) > kMaxMarkerError) {
+        return ZELM_MEASURE_IMAGE_OTHER_PLATE;
+    }
+    if (m.seen >= plate.markers) {
+        return m.isFrame ? ZELM_MEASURE_IMAGE_FINE : ZELM_MEASURE_IMAGE_MARKERS;
+    }
+    const int least = std::max(2, static_cast<int>(kCoveredShare * places.expected));
+    if (const auto cause = causeOfPlaces(places, least); cause != ZELM_MEASURE_IMAGE_FINE) {
+        return cause;
+    }
+    if (isOtherDiameter(e, plate) || (m.seen == 0 && places.hidden == 0 && places.outside == 0)) {
+        return ZELM_MEASURE_IMAGE_OTHER_PLATE;
+    }
+    return places.hidden > 0 && places.highlights == places.hidden ? ZELM_MEASURE_IMAGE_REFLECTION
+                                                                   : ZELM_MEASURE_IMAGE_MARKERS;
+}
+
+ZelmMeasureImageCause causeOfFailure(const ImageEvidence& e, const Pattern& plate) {
+    const int dots = static_cast<int>(e.lattice.dots.size());
+    if (e.oppositeDots >= kMinLattice && e.oppositeDots > 2 * dots) {
+        return ZELM_MEASURE_IMAGE_POLARITY;
+    }
+    if (dots < kMinLattice) {
+        return causeWithoutDots(e);
+    }
+    if (const auto cause = causeOfDots(e, plate); cause != ZELM_MEASURE_IMAGE_FINE) {
+        return cause;
+    }
+    if (const auto cause = causeOfMarkers(e, plate); cause != ZELM_MEASURE_IMAGE_FINE) {
+        return cause;
+    }
+    // All markers are in their places.
+    if (dots < plate.minDots) {
+        const PlaceTraits& places = e.traits.places;
+        if (places.outside == 0 && places.inner == 0 && places.highlights <= kHighlights * places.hidden) {
+            return ZELM_MEASURE_IMAGE_OTHER_PLATE;
+        }
+        return causeOfPlaces(places, 1);
+    }
+    if (e.isReadInRegion) {
+        return ZELM_MEASURE_IMAGE_NOT_SEPARATE;
+    }
+    if (2 * e.strong < dots && edgeStrength(e.sharpness) < 2.0 * plate.minEdgeStrength) {
+        return ZELM_MEASURE_IMAGE_LOW_CONTRAST;
+    }
+    if (isOtherDiameter(e, plate)) {
+        return ZELM_MEASURE_IMAGE_OTHER_PLATE;
+    }
+    return 5 * e.strong > 4 * dots ? ZELM_MEASURE_IMAGE_UNEVEN_LIGHT : ZELM_MEASURE_IMAGE_UNKNOWN;
+}
+
+// Of an image that is read, why some dots are missing: only what is seen for certain.
+ZelmMeasureImageCause causeOfGaps(const ImageEvidence& e, const Pattern& plate) {
+    const PlaceTraits& places = e.traits.places;
+    if (static_cast<int>(e.lattice.dots.size()) < kMinLattice || e.read >= describedDots(plate) ||
+        !e.traits.markers.isFrame) {
+        return ZELM_MEASURE_IMAGE_FINE;
+    }
+    PlaceTraits certain = places;
+    certain.hidden = std::max(places.inner, places.highlights);
+    return causeOfPlaces(certain, 1);
+}
+
+}  // namespace
+
+ZelmMeasureImageCause causeOf(const ImageEvidence& evidence, const Pattern& plate) {
+    return evidence.status < 0 ? causeOfFailure(evidence, plate) : causeOfGaps(evidence, plate);
+}
+
+}  // namespace zelm::measure

@@ -1,0 +1,24 @@
+// The gray levels of an image, and how wide its sharpest edges are, without knowing what it shows.
+#ifndef ZELM_MEASURE_IMAGE_LEVELS_H
+#define ZELM_MEASURE_IMAGE_LEVELS_H
+
+#include <zelmLib.h>
+
+#include "image.h"
+
+namespace zelm::measure {
+
+struct ImageLevels {
+    int dark = 0;            // all but two thousandths of the pixels are at least as bright
+    int bright = 0;          // all but two thousandths are at most as bright
+    double saturated = 0.0;  // share of the pixels at the largest levels
+    double widest = 0.0;     // width of the steepest edges across the direction in which they are widest, pixels
+    double narrowest = 0.0;  // and across that direction
+    double direction = 0.0;  // of the widest, radians
+};
+
+ImageLevels levelsOf(const DenseImage& image, const ZelmRect& region);
+
+}  // namespace zelm::measure
+
+#endif

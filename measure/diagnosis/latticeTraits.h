@@ -1,0 +1,58 @@
+// What a lattice of dots shows of the plate that it is on, beside what the plate's description says.
+#ifndef ZELM_MEASURE_LATTICE_TRAITS_H
+#define ZELM_MEASURE_LATTICE_TRAITS_H
+
+#include <vector>
+
+#include "dotLattice.h"
+#include "plateBlobs.h"
+
+namespace zelm::measure {
+
+enum ImageSide : unsigned { kLeftSide = 1, kRightSide = 2, kTopSide = 4, kBottomSide = 8 };
+
+struct MarkerTraits {
+    int seen = 0;          // dots much larger than the others
+    double ratio = 0.0;    // median of their size over that of a dot
+    bool isFrame = false;  // three of them at a right angle, along a row and a column
+    int columns = 0;       // pitches from the corner marker to the x marker, of a frame
+    int rows = 0;          // and to the y marker
+    // Lattice places of the corner, and steps along x and y of the plate; of a frame.
+    int cornerColumn = 0, cornerRow = 0;
+    bool isTurned = false;  // x runs along the lattice's rows' direction, its second axis
+    int xSign = 1, ySign = 1;
+};
+
+struct PlaceTraits {
+    int expected = 0;    // dots of the field, or within the bounds where the markers do not tell it
+    int hidden = 0;      // places inside the image without a dot
+    int highlights = 0;  // of these, how many are brighter than dots and ground
+    int inner = 0;       // of these, how many lie within the bounds of the dots that are seen
+    int outside = 0;     // places beyond the image's edge
+    unsigned sides = 0;  // ImageSide, of these
+};
+
+struct LatticeTraits {
+    double radius = 0.0;     // median of the dots', pixels
+    double axisRatio = 0.0;  // median of the dots' short axis over their long one
+    double dotRatioX = 0.0;  // diameter over the pitch along the lattice's first axis
+    double dotRatioY = 0.0;
+    MarkerTraits markers;
+    PlaceTraits places;
+};
+
+// Gray levels of dots and of the ground around them.
+struct DotLevels {
+    double inside = 0.0;
+    double outside = 0.0;
+};
+
+LatticeTraits traitsOf(const DenseImage& image, const std::vector<Spot>& spots, const DotLattice& lattice,
+                       const Pattern& plate, const DotLevels& levels);
+
+// Size from which a dot is a marker, over that of the dots around it.
+double markerSize(const Pattern& plate);
+
+}  // namespace zelm::measure
+
+#endif
