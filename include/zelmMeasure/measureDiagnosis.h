@@ -54,9 +54,11 @@ enum ZelmMeasureImageCause {
     ZELM_MEASURE_IMAGE_MARKER_DISTANCE = 13,  ///< the markers are other numbers of pitches apart than described
     ZELM_MEASURE_IMAGE_SMALL_DOTS = 14,       ///< the dots take too few pixels
     ZELM_MEASURE_IMAGE_TILTED = 15,           ///< the plate is seen almost edge-on
-    ZELM_MEASURE_IMAGE_NOT_SEPARATE = 16,     ///< the plate is not told from what surrounds it: `region` helps
-    ZELM_MEASURE_IMAGE_UNEVEN_LIGHT = 17,     ///< no one level parts the dots from their ground everywhere
-    ZELM_MEASURE_IMAGE_UNKNOWN = 18,          ///< dots on a lattice that fits, which cannot be read all the same
+    ZELM_MEASURE_IMAGE_NOT_SEPARATE = 16,     ///< the plate is not told from what is around it: `region` helps
+    ZELM_MEASURE_IMAGE_UNEVEN_LIGHT = 17,     ///< no one level parts all dots from all of their ground
+    ZELM_MEASURE_IMAGE_MARKER_AXES = 18,      ///< x and y marker stand 100 pixels less or more from the corner
+    ZELM_MEASURE_IMAGE_PERSPECTIVE = 19,      ///< dots near the camera look as large as markers
+    ZELM_MEASURE_IMAGE_UNKNOWN = 20,          ///< dots on a lattice that fits, which are not read all the same
 };
 
 /// Sides of an image, to be added up.

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <deque>
 #include <map>
+#include <numeric>
 #include <set>
 #include <utility>
 
@@ -22,6 +23,7 @@ constexpr double kMinSine = 0.25;           // of the angle between rows and col
 constexpr double kPlaceTolerance = 0.2;     // of a pitch, of spots that are added by the homography
 constexpr double kEnough = 0.6;             // of the oval spots: no larger lattice is looked for
 constexpr int kFillRounds = 4;              // of adding spots by the homography
+constexpr double kMinDepth = 0.3;           // of the gray levels that the dots around stand alone at
 constexpr double kRobust = 3.0;             // Tukey's constant of the homography
 constexpr std::size_t kSizeNeighbours = 8;  // dots that a dot's size is compared with
 
@@ -159,7 +161,7 @@ private:
     void take(std::size_t spot, int column, int row, const Basis& basis) {
         isTaken[spot] = true;
         places.insert({column, row});
-        dots.push_back({spot, column, row, 0.0});
+        dots.push_back({spot, column, row, 0.0, 0.0});
         queue.push_back({spot, column, row, basis});
     }
 
@@ -189,6 +191,13 @@ private:
     std::deque<Cell> queue;
     std::vector<LatticeDot> dots;
 };
+
+// What a lattice counts: noise makes many small and faint spots, some of which stand in rows by chance.
+double weightOf(const std::vector<Spot>& spots, const std::vector<LatticeDot>& dots) {
+    return std::accumulate(dots.begin(), dots.end(), 0.0, [&](double sum, const LatticeDot& dot) {
+        return sum + spots[dot.spot].depth * spots[dot.spot].radius();
+    });
+}
 
 bool fitToImage(const std::vector<Spot>& spots, DotLattice& lattice) {
     std::vector<Point2d> places;
@@ -228,7 +237,7 @@ void fill(const std::vector<Spot>& spots, const SpotMap& map, DotLattice& lattic
             const bool isNear = column >= bounds.left - 2 && column <= bounds.right + 2 && row >= bounds.top - 2 &&
                                 row <= bounds.bottom + 2;
             if (isNear && std::hypot(place.x - column, place.y - row) < kPlaceTolerance) {
-                placed.try_emplace({column, row}, LatticeDot{i, column, row, 0.0});
+                placed.try_emplace({column, row}, LatticeDot{i, column, row, 0.0, 0.0});
             }
         }
         const std::size_t before = lattice.dots.size();
@@ -252,24 +261,54 @@ void fill(const std::vector<Spot>& spots, const SpotMap& map, DotLattice& lattic
     }
 }
 
+// A dot beside another one.
+struct Neighbour {
+    int distance;  // pitches, squared
+    double radius;
+    double depth;
+};
+
 // Spots that have the lattice's size, for their place: what is much smaller or larger than all dots is none.
 void measureSizes(const std::vector<Spot>& spots, DotLattice& lattice) {
     for (LatticeDot& dot : lattice.dots) {
-        std::vector<std::pair<int, double>> others;
+        std::vector<Neighbour> others;
         for (const LatticeDot& other : lattice.dots) {
             const int columns = other.column - dot.column;
             const int rows = other.row - dot.row;
             if (columns != 0 || rows != 0) {
-                others.emplace_back(columns * columns + rows * rows, spots[other.spot].radius());
+                const Spot& spot = spots[other.spot];
+                others.push_back({columns * columns + rows * rows, spot.radius(), spot.depth});
             }
         }
         const std::size_t count = std::min(kSizeNeighbours, others.size());
-        std::partial_sort(others.begin(), others.begin() + static_cast<std::ptrdiff_t>(count), others.end());
+        std::partial_sort(others.begin(), others.begin() + static_cast<std::ptrdiff_t>(count), others.end(),
+                          [](const Neighbour& a, const Neighbour& b) { return a.distance < b.distance; });
         std::vector<double> around(count);
         std::transform(others.begin(), others.begin() + static_cast<std::ptrdiff_t>(count), around.begin(),
-                       [](const auto& other) { return other.second; });
-        dot.size = spots[dot.spot].radius() / median(std::move(around));
+                       [](const auto& other) { return other.radius; });
+        dot.size = spots[dot.spot].radius() / median(around);
+        std::transform(others.begin(), others.begin() + static_cast<std::ptrdiff_t>(count), around.begin(),
+                       [](const auto& other) { return other.depth; });
+        dot.depth = spots[dot.spot].depth / std::max(median(std::move(around)), 1.0);
     }
+    // A stain or a sticker in the place of a dot is none.
+    std::erase_if(lattice.dots, [](const LatticeDot& dot) { return dot.depth < kMinDepth; });
+}
+
+// The shortest steps (Lagrange's reduction): a spot at the end of a row may have grown the lattice along diagonals.
+DotLattice reduced(DotLattice lattice) {
+    for (int round = 0; round < 6; ++round) {
+        const auto [u, v] = lattice.middleSteps();
+        const double product = u.x * v.x + u.y * v.y;
+        const bool isRowLonger = lengthOf(v) >= lengthOf(u);
+        const double shorter = isRowLonger ? lengthOf(u) : lengthOf(v);
+        const int times = static_cast<int>(std::lround(std::clamp(product / (shorter * shorter), -20.0, 20.0)));
+        if (times == 0) {
+            break;
+        }
+        lattice = isRowLonger ? sheared(lattice, times, 0) : sheared(lattice, 0, times);
+    }
+    return lattice;
 }
 
 }  // namespace
@@ -289,12 +328,36 @@ const LatticeDot* DotLattice::at(int column, int row) const {
     return dot == dots.end() ? nullptr : &*dot;
 }
 
+std::array<Point2d, 2> DotLattice::middleSteps() const {
+    double column = 0.0;
+    double row = 0.0;
+    for (const LatticeDot& dot : dots) {
+        column += dot.column;
+        row += dot.row;
+    }
+    const auto n = static_cast<double>(dots.size());
+    return steps(column / n, row / n);
+}
+
 std::array<Point2d, 2> DotLattice::steps(double column, double row) const {
     const Point2d a = place(column - 0.5, row);
     const Point2d b = place(column + 0.5, row);
     const Point2d c = place(column, row - 0.5);
     const Point2d d = place(column, row + 0.5);
     return {b - a, d - c};
+}
+
+DotLattice sheared(const DotLattice& lattice, int columnsByRow, int rowsByColumn) {
+    DotLattice result = lattice;
+    for (LatticeDot& dot : result.dots) {
+        dot.column += columnsByRow * dot.row;
+        dot.row += rowsByColumn * dot.column;
+    }
+    // From the new counts back to the old ones, and on to the image.
+    const double c = columnsByRow;
+    const double r = rowsByColumn;
+    result.toImage = product(lattice.toImage, {1.0 + c * r, -c, 0.0, -r, 1.0, 0.0, 0.0, 0.0, 1.0});
+    return result;
 }
 
 DotLattice findLattice(const std::vector<Spot>& spots) {
@@ -306,6 +369,7 @@ DotLattice findLattice(const std::vector<Spot>& spots) {
     }
     const SpotMap map(spots, oval);
     DotLattice best;
+    double most = 0.0;
     const std::size_t seeds = std::min(kMaxSeeds, oval.size());
     for (std::size_t k = 0; k < seeds; ++k) {
         const std::size_t seed = oval[k * oval.size() / seeds];
@@ -314,7 +378,8 @@ DotLattice findLattice(const std::vector<Spot>& spots) {
             continue;
         }
         std::vector<LatticeDot> dots = Growth(spots, map).from(seed, *basis);
-        if (dots.size() > best.dots.size()) {
+        if (const double weight = weightOf(spots, dots); weight > most) {
+            most = weight;
             best.dots = std::move(dots);
         }
         if (static_cast<double>(best.dots.size()) > kEnough * static_cast<double>(oval.size())) {
@@ -324,6 +389,7 @@ DotLattice findLattice(const std::vector<Spot>& spots) {
     if (best.dots.size() < kMinLatticeDots || !fitToImage(spots, best)) {
         return {};
     }
+    best = reduced(std::move(best));
     fill(spots, map, best);
     measureSizes(spots, best);
     return best;

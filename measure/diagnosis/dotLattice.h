@@ -19,7 +19,8 @@ struct LatticeDot {
     std::size_t spot = 0;  // index in the list of spots
     int column = 0;
     int row = 0;
-    double size = 0.0;  // its radius over the usual one of the dots around it
+    double depth = 0.0;  // its contrast over the usual one of the dots around it
+    double size = 0.0;   // its radius over the usual one of the dots around it
 };
 
 struct LatticeBounds {
@@ -40,9 +41,14 @@ struct DotLattice {
     Point2d place(double column, double row) const { return apply(toImage, {column, row}); }
     // The dot at a place; NULL where there is none.
     const LatticeDot* at(int column, int row) const;
+    // The steps in the middle of the dots.
+    std::array<Point2d, 2> middleSteps() const;
     // The vectors from a place to the next column and to the next row, pixels.
     std::array<Point2d, 2> steps(double column, double row) const;
 };
+
+// The lattice counted along other steps: first columns grow with the rows, then rows with the columns.
+DotLattice sheared(const DotLattice& lattice, int columnsByRow, int rowsByColumn);
 
 // The largest lattice, its columns turning clockwise into its rows as the image is seen. Empty (no dots) where fewer
 // than kMinLatticeDots spots stand on one.

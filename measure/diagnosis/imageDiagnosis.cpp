@@ -7,23 +7,28 @@ namespace zelm::measure {
 namespace {
 
 // The figures behind the thresholds are in docs/diagnosis.md: good data on the one side, faulty data on the other.
-constexpr int kMinLattice = 9;            // dots that are no chance
-constexpr double kMinRadius = 4.0;        // pixels, of dots
-constexpr double kMaxBlur = 0.30;         // of a dot's radius
-constexpr double kMinMotion = 1.35;       // the largest blur over the smallest
-constexpr double kMinContrast = 16.0;     // gray levels between dots and ground
-constexpr double kMinSignal = 4.0;        // contrast over noise
-constexpr int kDarkLevel = 32;            // a plate so dark has hardly the contrast that dots need
-constexpr double kMinAxisRatio = 0.36;    // cosine of 69 degrees
-constexpr double kMaxSaturated = 0.5;     // share of the pixels
-constexpr double kMaxRatioError = 0.2;    // of the diameter over the pitch
-constexpr double kMaxMarkerError = 0.15;  // of a marker's diameter over a dot's
-constexpr double kHighlights = 0.4;       // of the places without a dot
-constexpr double kCoveredShare = 0.08;    // of the places within the bounds
-constexpr double kMinFlatRange = 20.0;    // gray levels between dark and bright
-constexpr double kMinBlurredEdge = 5.0;   // pixels: width of the steepest edges of an image out of focus,
-constexpr double kMaxBlurredEdge = 90.0;  // and of light that just falls off
-constexpr double kMinEdgeMotion = 1.8;    // of the steepest edges' widths
+constexpr int kMinLattice = 9;               // dots that are no chance
+constexpr int kSureLattice = 30;             // dots that are none however they stand
+constexpr double kMinFilled = 0.45;          // of the places within the bounds of fewer dots
+constexpr double kMinRadius = 4.0;           // pixels, of dots
+constexpr double kReadRadius = 5.5;          // of dots that are read whatever else there is
+constexpr double kMaxAxisDifference = 95.0;  // pixels: the reader refuses 100
+constexpr double kMaxBlur = 0.30;            // of a dot's radius
+constexpr double kMinBlur = 1.6;             // pixels: less is taken for blur by small dots alone
+constexpr double kMinMotion = 1.35;          // the largest blur over the smallest
+constexpr double kMinContrast = 16.0;        // gray levels between dots and ground
+constexpr double kMinSignal = 4.0;           // contrast over noise
+constexpr int kDarkLevel = 32;               // a plate so dark has hardly the contrast that dots need
+constexpr double kMinAxisRatio = 0.42;       // cosine of 65 degrees
+constexpr double kMaxSaturated = 0.5;        // share of the pixels
+constexpr double kMaxRatioError = 0.2;       // of the diameter over the pitch
+constexpr double kMaxMarkerError = 0.15;     // of a marker's diameter over a dot's
+constexpr double kHighlights = 0.1;          // of the places without a dot
+constexpr double kCoveredShare = 0.08;       // of the places within the bounds
+constexpr double kMinFlatRange = 20.0;       // gray levels between dark and bright
+constexpr double kMinBlurredEdge = 12.0;     // pixels: width of the steepest edges of an image out of focus,
+constexpr double kMaxBlurredEdge = 90.0;     // and of light that just falls off
+constexpr double kMinEdgeMotion = 2.5;       // of the steepest edges' widths
 
 using enum ZelmMeasureImageCause;
 
@@ -43,7 +48,7 @@ ZelmMeasureImageCause causeWithoutDots(const ImageEvidence& e) {
     if (l.bright - l.dark < kMinFlatRange) {
         return ZELM_MEASURE_IMAGE_LOW_CONTRAST;
     }
-    if (l.widest > kMinEdgeMotion * l.narrowest && l.widest > 2.0 * kMinBlurredEdge) {
+    if (l.widest > kMinEdgeMotion * l.narrowest && l.widest > 1.5 * kMinBlurredEdge) {
         return ZELM_MEASURE_IMAGE_MOTION;
     }
     if (l.narrowest > kMinBlurredEdge && l.narrowest < kMaxBlurredEdge) {
@@ -62,15 +67,19 @@ ZelmMeasureImageCause causeOfDots(const ImageEvidence& e, const Pattern& plate) 
     }
     const bool isSmall = radius < kMinRadius || radius * radius * 3.14 < plate.minDotArea;
     const double blur = e.sharpness.spread.largest;
-    if (blur > kMaxBlur * radius && blur > 1.0) {
-        return blur > kMinMotion * e.sharpness.spread.smallest ? ZELM_MEASURE_IMAGE_MOTION
-                                                               : ZELM_MEASURE_IMAGE_OUT_OF_FOCUS;
+    const auto blurred =
+        blur > kMinMotion * e.sharpness.spread.smallest ? ZELM_MEASURE_IMAGE_MOTION : ZELM_MEASURE_IMAGE_OUT_OF_FOCUS;
+    if (blur > kMaxBlur * radius && blur > kMinBlur) {
+        return blurred;
+    }
+    if (e.traits.axisRatio < kMinAxisRatio) {
+        return ZELM_MEASURE_IMAGE_TILTED;
     }
     if (isSmall) {
         return ZELM_MEASURE_IMAGE_SMALL_DOTS;
     }
-    if (e.traits.axisRatio < kMinAxisRatio) {
-        return ZELM_MEASURE_IMAGE_TILTED;
+    if (blur > kMaxBlur * radius) {
+        return blurred;
     }
     return ZELM_MEASURE_IMAGE_FINE;
 }
@@ -119,12 +128,22 @@ ZelmMeasureImageCause causeOfMarkers(const ImageEvidence& e, const Pattern& plat
                                                                    : ZELM_MEASURE_IMAGE_MARKERS;
 }
 
+// Some spots of any image stand in rows: a few that leave most places of their lattice empty are no plate.
+bool isLattice(const DotLattice& lattice) {
+    const auto dots = static_cast<double>(lattice.dots.size());
+    if (dots < kMinLattice) {
+        return false;
+    }
+    const LatticeBounds b = lattice.bounds();
+    return dots >= kSureLattice || dots > kMinFilled * b.columns() * b.rows();
+}
+
 ZelmMeasureImageCause causeOfFailure(const ImageEvidence& e, const Pattern& plate) {
     const int dots = static_cast<int>(e.lattice.dots.size());
     if (e.oppositeDots >= kMinLattice && e.oppositeDots > 2 * dots) {
         return ZELM_MEASURE_IMAGE_POLARITY;
     }
-    if (dots < kMinLattice) {
+    if (!isLattice(e.lattice)) {
         return causeWithoutDots(e);
     }
     if (const auto cause = causeOfDots(e, plate); cause != ZELM_MEASURE_IMAGE_FINE) {
@@ -136,7 +155,7 @@ ZelmMeasureImageCause causeOfFailure(const ImageEvidence& e, const Pattern& plat
     // All markers are in their places.
     if (dots < plate.minDots) {
         const PlaceTraits& places = e.traits.places;
-        if (places.outside == 0 && places.inner == 0 && places.highlights <= kHighlights * places.hidden) {
+        if (e.traits.isCentred && places.inner == 0 && places.highlights <= kHighlights * places.hidden) {
             return ZELM_MEASURE_IMAGE_OTHER_PLATE;
         }
         return causeOfPlaces(places, 1);
@@ -150,7 +169,16 @@ ZelmMeasureImageCause causeOfFailure(const ImageEvidence& e, const Pattern& plat
     if (isOtherDiameter(e, plate)) {
         return ZELM_MEASURE_IMAGE_OTHER_PLATE;
     }
-    return 5 * e.strong > 4 * dots ? ZELM_MEASURE_IMAGE_UNEVEN_LIGHT : ZELM_MEASURE_IMAGE_UNKNOWN;
+    if (e.traits.isLevelShared) {
+        return ZELM_MEASURE_IMAGE_UNEVEN_LIGHT;
+    }
+    if (e.traits.markerLike > 0) {
+        return ZELM_MEASURE_IMAGE_PERSPECTIVE;
+    }
+    if (e.traits.radius < kReadRadius) {
+        return ZELM_MEASURE_IMAGE_SMALL_DOTS;
+    }
+    return e.axisDifference > kMaxAxisDifference ? ZELM_MEASURE_IMAGE_MARKER_AXES : ZELM_MEASURE_IMAGE_UNKNOWN;
 }
 
 // Of an image that is read, why some dots are missing: only what is seen for certain.

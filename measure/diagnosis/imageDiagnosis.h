@@ -26,7 +26,8 @@ struct ImageEvidence {
     int strong = 0;                 // dots of the lattice whose edges are strong enough all round
     int oppositeDots = 0;           // of a lattice of the other polarity
     ZelmRect dotsRegion{};          // about the dots of the lattice
-    bool isReadInRegion = false;    // the reader finds the plate when it is told that region
+    double axisDifference = 0.0;  // pixels between the distances of the x and the y marker from the corner, of a frame
+    bool isReadInRegion = false;  // the reader finds the plate when it is told that region
 };
 
 ImageEvidence evidenceOf(const DenseImage& image, const Pattern& plate, const ZelmRect* region);

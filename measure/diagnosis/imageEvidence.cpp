@@ -79,10 +79,26 @@ ZelmRect regionOf(const DenseImage& image, const ImageEvidence& e) {
             std::clamp(static_cast<int>(std::ceil(bottom)), y, image.height() - 1) - y + 1};
 }
 
+double axisDifference(const ImageEvidence& e) {
+    const MarkerTraits& m = e.traits.markers;
+    if (!m.isFrame) {
+        return 0.0;
+    }
+    const Point2d corner = e.lattice.place(m.cornerColumn, m.cornerRow);
+    const auto distance = [&](int columns, int rows) {
+        const Point2d p = e.lattice.place(m.cornerColumn + columns, m.cornerRow + rows);
+        return std::hypot(p.x - corner.x, p.y - corner.y);
+    };
+    const double x = m.isTurned ? distance(0, m.xSign * m.columns) : distance(m.xSign * m.columns, 0);
+    const double y = m.isTurned ? distance(m.ySign * m.rows, 0) : distance(0, m.ySign * m.rows);
+    return std::fabs(x - y);
+}
+
 void addLattice(const DenseImage& image, const Pattern& plate, const ZelmRect* region, ImageEvidence& e) {
     e.sharpness = sharpnessOf(image, sharpnessSpots(e, plate), plate.polarity);
     e.traits = traitsOf(image, e.spots, e.lattice, plate, {e.sharpness.inside, e.sharpness.outside});
     e.dotsRegion = regionOf(image, e);
+    e.axisDifference = axisDifference(e);
     for (const LatticeDot& dot : e.lattice.dots) {
         e.strong += e.strengths[dot.spot] >= plate.minEdgeStrength ? 1 : 0;
     }

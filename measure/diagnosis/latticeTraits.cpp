@@ -9,9 +9,14 @@ namespace {
 constexpr double kMinMarkerSize = 1.22;    // over the dots around: sizes of dots of one kind spread by some per cent
 constexpr double kMarkerShare = 0.35;      // of the way from a dot's size to a marker's
 constexpr double kHighlightShare = 0.2;    // of the contrast by which a highlight is brighter than dot and ground,
-constexpr double kHighlightLevel = 248.0;  // or so bright,
+constexpr double kHighlightLevel = 245.0;  // or so bright,
 constexpr double kMinHighlight = 8.0;      // and by so many gray levels
+constexpr double kMaxShearedRatio = 0.62;  // of circles: seen from 52 degrees and more
+constexpr double kMarkerBand = 1.15;       // dot areas by which a marker may fall short: the reader takes 1.1
 constexpr int kMaxExpected = 20'000;       // places that are looked at
+
+double circleRatio(const DotLattice& lattice, const Pattern& plate);
+double meanLevel(const DenseImage& image, Point2d at, double radius);
 
 // Marker-sized dots; a plate of which no dot is larger has none.
 std::vector<LatticeDot> markersOf(const DotLattice& lattice, const Pattern& plate) {
@@ -89,12 +94,12 @@ Field fieldOf(const DotLattice& lattice, const Pattern& plate, const MarkerTrait
         return {markers.cornerColumn - columns, markers.cornerColumn + columns, markers.cornerRow - rows,
                 markers.cornerRow + rows};
     }
-    const int mostColumns = 2 * std::max(x, y) + 1;
-    const int leastColumns = 2 * std::min(x, y) + 1;
-    // Which axis is which is not known: only a lattice that is too small either way has lost something.
-    const bool isTurned = b.rows() > b.columns();
-    const int columnGap = (isTurned ? leastColumns : mostColumns) > b.columns() ? 1 : 0;
-    const int rowGap = (isTurned ? mostColumns : leastColumns) > b.rows() ? 1 : 0;
+    // Which axis is which is not known: either may have lost something, unless both counts are described ones.
+    const auto described = std::minmax(2 * x + 1, 2 * y + 1);
+    const auto seen = std::minmax(b.columns(), b.rows());
+    const bool isWhole = seen.first >= described.first && seen.second >= described.second;
+    const int columnGap = !isWhole && b.columns() < described.second ? 1 : 0;
+    const int rowGap = !isWhole && b.rows() < described.second ? 1 : 0;
     return {b.left - columnGap, b.right + columnGap, b.top - rowGap, b.bottom + rowGap};
 }
 
@@ -134,6 +139,7 @@ PlaceTraits placeTraits(const DenseImage& image, const DotLattice& lattice, cons
                         const MarkerTraits& markers, double radius, const DotLevels& levels) {
     const Field field = fieldOf(lattice, plate, markers);
     const LatticeBounds bounds = lattice.bounds();
+    const double reach = plate.d3 / plate.d2 * radius;  // a marker that the edge cuts is no spot either
     PlaceTraits traits;
     if (static_cast<double>(field.right - field.left + 1) * (field.bottom - field.top + 1) > kMaxExpected) {
         return traits;
@@ -147,7 +153,7 @@ PlaceTraits placeTraits(const DenseImage& image, const DotLattice& lattice, cons
                 continue;
             }
             const Point2d p = lattice.place(column, row);
-            if (const unsigned sides = sidesBeyond(image, p, radius); sides != 0) {
+            if (const unsigned sides = sidesBeyond(image, p, reach); sides != 0) {
                 traits.outside += 1;
                 traits.sides |= sides;
                 continue;
@@ -163,16 +169,74 @@ PlaceTraits placeTraits(const DenseImage& image, const DotLattice& lattice, cons
     return traits;
 }
 
+bool isAsDescribed(const MarkerTraits& m, const Pattern& plate) {
+    return m.isFrame && m.columns == std::lround(plate.d6 / plate.d4) && m.rows == std::lround(plate.d7 / plate.d5);
+}
+
+MarkerTraits straightened(DotLattice& lattice, const Pattern& plate, const MarkerTraits& markers) {
+    if (markers.seen != 3 || isAsDescribed(markers, plate)) {
+        return markers;
+    }
+    for (const auto& [columnsByRow, rowsByColumn] :
+         {std::pair{1, 0}, {-1, 0}, {0, 1}, {0, -1}, {1, -1}, {-1, 1}, {2, 0}, {-2, 0}, {0, 2}, {0, -2}}) {
+        DotLattice other = sheared(lattice, columnsByRow, rowsByColumn);
+        const MarkerTraits traits = markerTraits(other, plate);
+        // Only along steps of other lengths: a plate seen from the front has no second reading.
+        if (isAsDescribed(traits, plate) && circleRatio(other, plate) < kMaxShearedRatio) {
+            lattice = std::move(other);
+            return traits;
+        }
+    }
+    return markers;
+}
+
+// The short axis over the long one of the ellipse that a circle on the plate becomes.
+double circleRatio(const DotLattice& lattice, const Pattern& plate) {
+    const auto [u, v] = lattice.middleSteps();
+    const auto ratio = [](Point2d a, Point2d c) {
+        const TensorAxes axes = axesOf({a.x * a.x + c.x * c.x, a.x * a.y + c.x * c.y, a.y * a.y + c.y * c.y});
+        return std::sqrt(std::max(axes.smallest, 0.0) / std::max(axes.largest, 1e-12));
+    };
+    // Which steps are the plate's columns need not be known.
+    const double q = plate.d5 / plate.d4;
+    return std::max(ratio({q * u.x, q * u.y}, v), ratio(u, {q * v.x, q * v.y}));
+}
+
+// Whether no one level parts dots from ground: the dots' middles against the ground between them.
+bool sharesLevels(const DenseImage& image, const std::vector<Spot>& spots, const DotLattice& lattice, int polarity) {
+    std::vector<double> dots;
+    std::vector<double> grounds;
+    for (const LatticeDot& dot : lattice.dots) {
+        const Point2d p = spots[dot.spot].ellipse.centre;
+        const auto [u, v] = lattice.steps(dot.column, dot.row);
+        dots.push_back(meanLevel(image, p, 1.0));
+        grounds.push_back(meanLevel(image, {p.x + 0.5 * (u.x + v.x), p.y + 0.5 * (u.y + v.y)}, 1.0));
+    }
+    const auto at = [](std::vector<double>& values, double share) {
+        const auto rank = static_cast<std::ptrdiff_t>(share * static_cast<double>(values.size() - 1));
+        std::nth_element(values.begin(), values.begin() + rank, values.end());
+        return values[static_cast<std::size_t>(rank)];
+    };
+    return polarity == 0 ? at(dots, 0.95) > at(grounds, 0.05) : at(dots, 0.05) < at(grounds, 0.95);
+}
+
 }  // namespace
 
 double markerSize(const Pattern& plate) {
     return std::max(kMinMarkerSize, 1.0 + kMarkerShare * (plate.d3 / plate.d2 - 1.0));
 }
 
-LatticeTraits traitsOf(const DenseImage& image, const std::vector<Spot>& spots, const DotLattice& lattice,
+LatticeTraits traitsOf(const DenseImage& image, const std::vector<Spot>& spots, DotLattice& lattice,
                        const Pattern& plate, const DotLevels& levels) {
     std::vector<double> radii;
-    std::vector<double> axisRatios;
+    LatticeTraits traits;
+    if (lattice.dots.empty()) {
+        return traits;
+    }
+    traits.markers = markerTraits(lattice, plate);
+    traits.markers = straightened(lattice, plate, traits.markers);
+    traits.axisRatio = circleRatio(lattice, plate);
+    traits.isLevelShared = sharesLevels(image, spots, lattice, plate.polarity);
     std::vector<double> ratiosX;
     std::vector<double> ratiosY;
     for (const LatticeDot& dot : lattice.dots) {
@@ -180,9 +244,7 @@ LatticeTraits traitsOf(const DenseImage& image, const std::vector<Spot>& spots, 
             continue;
         }
         const Spot& spot = spots[dot.spot];
-        const TensorAxes axes = axesOf(spot.ellipse.shape);
         radii.push_back(spot.radius());
-        axisRatios.push_back(std::sqrt(std::max(axes.smallest, 0.0) / axes.largest));
         // The ellipse in lattice coordinates: J^-1 E J^-T, whose diagonal holds the squares of the half extents.
         const auto [u, v] = lattice.steps(dot.column, dot.row);
         const double det = u.x * v.y - u.y * v.x;
@@ -190,15 +252,21 @@ LatticeTraits traitsOf(const DenseImage& image, const std::vector<Spot>& spots, 
         ratiosX.push_back(2.0 * std::sqrt(std::max(e.along(v.y, -v.x), 0.0)) / std::fabs(det));
         ratiosY.push_back(2.0 * std::sqrt(std::max(e.along(-u.y, u.x), 0.0)) / std::fabs(det));
     }
-    LatticeTraits traits;
     if (radii.empty()) {
         return traits;
     }
-    traits.radius = median(std::move(radii));
-    traits.axisRatio = median(std::move(axisRatios));
+    traits.radius = median(radii);
+    // A dot near the camera may look as large as a marker: areas over the usual one, as the reader tells them.
+    const double q = plate.d3 / plate.d2;
+    const double least = std::sqrt(std::max(q * q - kMarkerBand, 1.0)) * traits.radius;
+    traits.markerLike =
+        static_cast<int>(std::count_if(radii.begin(), radii.end(), [=](double r) { return r > least; }));
     traits.dotRatioX = median(std::move(ratiosX));
     traits.dotRatioY = median(std::move(ratiosY));
-    traits.markers = markerTraits(lattice, plate);
+    const LatticeBounds b = lattice.bounds();
+    const MarkerTraits& m = traits.markers;
+    traits.isCentred = m.isFrame && m.cornerColumn - b.left == b.right - m.cornerColumn &&
+                       m.cornerRow - b.top == b.bottom - m.cornerRow;
     traits.places = placeTraits(image, lattice, plate, traits.markers, traits.radius, levels);
     return traits;
 }

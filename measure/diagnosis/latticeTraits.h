@@ -33,9 +33,12 @@ struct PlaceTraits {
 };
 
 struct LatticeTraits {
-    double radius = 0.0;     // median of the dots', pixels
-    double axisRatio = 0.0;  // median of the dots' short axis over their long one
-    double dotRatioX = 0.0;  // diameter over the pitch along the lattice's first axis
+    double radius = 0.0;         // median of the dots', pixels
+    double axisRatio = 0.0;      // of a circle on the plate, as it is seen: the cosine of the tilt
+    int markerLike = 0;          // ordinary dots so near the camera that they look as large as markers
+    bool isLevelShared = false;  // some dot is as bright as the ground of some other, or brighter
+    bool isCentred = false;      // as many columns and rows on either side of the corner marker, of a frame
+    double dotRatioX = 0.0;      // diameter over the pitch along the lattice's first axis
     double dotRatioY = 0.0;
     MarkerTraits markers;
     PlaceTraits places;
@@ -47,7 +50,9 @@ struct DotLevels {
     double outside = 0.0;
 };
 
-LatticeTraits traitsOf(const DenseImage& image, const std::vector<Spot>& spots, const DotLattice& lattice,
+// Of a plate seen from the side the lattice's two shortest steps need not be its rows and columns: where the markers
+// stand as described along other steps, the lattice takes those.
+LatticeTraits traitsOf(const DenseImage& image, const std::vector<Spot>& spots, DotLattice& lattice,
                        const Pattern& plate, const DotLevels& levels);
 
 // Size from which a dot is a marker, over that of the dots around it.

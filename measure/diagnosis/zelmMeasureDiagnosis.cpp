@@ -13,10 +13,10 @@ using namespace zelm::measure;
 
 namespace {
 
-constexpr std::array kCauseNames{"fine",        "no-plate",     "markers",      "cut-off",         "out-of-focus",
-                                 "motion-blur", "saturated",    "too-dark",     "low-contrast",    "reflection",
-                                 "covered",     "polarity",     "other-plate",  "marker-distance", "small-dots",
-                                 "tilted",      "not-separate", "uneven-light", "unknown"};
+constexpr std::array kCauseNames{
+    "fine",       "no-plate",     "markers",      "cut-off",      "out-of-focus", "motion-blur", "saturated",
+    "too-dark",   "low-contrast", "reflection",   "covered",      "polarity",     "other-plate", "marker-distance",
+    "small-dots", "tilted",       "not-separate", "uneven-light", "marker-axes",  "perspective", "unknown"};
 
 void checkPlate(const Zelm2ViewPatternDesc* pattern) {
     require(pattern != nullptr, "the plate is NULL");

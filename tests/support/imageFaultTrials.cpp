@@ -41,8 +41,10 @@ render::Plate randomPlate(RandomSource& random) {
     const double pitch = std::min(plate.pitchX, plate.pitchY);
     plate.dotDiameter = pitch * random.uniform(0.35, 0.5);
     plate.markerDiameter = plate.dotDiameter * random.uniform(1.6, 1.85);
-    plate.markerX = between(random, 1, std::min(plate.maxX - 1, 4));
-    plate.markerY = between(random, 1, std::min(plate.maxY - 1, 4));
+    // The reader takes markers whose distances from the corner differ by less than 100 pixels, and that are no next
+    // neighbours.
+    plate.markerX = between(random, 2, std::min({plate.maxX, plate.maxY, 5}) - 1);
+    plate.markerY = plate.markerX;
     plate.marginX = plate.marginY = plate.pitchX * random.uniform(1.0, 1.6);
     plate.polarity = chance(random, 0.7) ? render::Polarity::darkDots : render::Polarity::lightDots;
     return plate;
@@ -57,17 +59,17 @@ double reachOf(const render::Plate& plate) {
 Station randomStation(RandomSource& random) {
     Station s;
     s.plate = randomPlate(random);
-    const int sizes[][2] = {{640, 480}, {800, 600}, {1024, 768}, {1280, 960}};
+    const int sizes[][2] = {{640, 480}, {640, 480}, {800, 600}, {1024, 768}};
     const auto& size = sizes[between(random, 0, 3)];
     s.camera.width = size[0];
     s.camera.height = size[1];
-    s.camera.fx = size[0] * random.uniform(1.1, 2.5);
+    s.camera.fx = size[0] * random.uniform(1.5, 3.0);
     s.camera.fy = s.camera.fx * random.uniform(0.99, 1.01);
     s.camera.cx = 0.5 * (size[0] - 1) + random.uniform(-10.0, 10.0);
     s.camera.cy = 0.5 * (size[1] - 1) + random.uniform(-10.0, 10.0);
     s.camera.k1 = random.uniform(-0.12, 0.05);
     s.aim.rollDegrees = random.uniform(-180.0, 180.0);
-    s.aim.tiltDegrees = random.uniform(0.0, 38.0);
+    s.aim.tiltDegrees = random.uniform(0.0, 35.0);
     s.aim.tiltAxisDegrees = random.uniform(0.0, 360.0);
     // The plate's diagonal takes most of the image's height.
     s.aim.scale = random.uniform(0.68, 0.98) * 0.5 * size[1] / reachOf(s.plate);
@@ -159,7 +161,7 @@ render::Pixel randomMarker(const Station& s, RandomSource& random) {
 void clutter(render::LevelImage& image, RandomSource& random) {
     const double base = random.uniform(30.0, 180.0);
     forEach(image, [&](int, int, double& level) { level = base; });
-    const int shapes = between(random, 0, 25);
+    const int shapes = between(random, 6, 25);
     for (int k = 0; k < shapes; ++k) {
         const double x = random.uniform(0.0, image.width);
         const double y = random.uniform(0.0, image.height);
@@ -361,7 +363,7 @@ TrialImage unevenLight(RandomSource& random) {
     return shoot(s, random, [&](render::LevelImage& image) {
         forEach(image, [&](int x, int y, double& level) {
             const double along = ((x - s.camera.cx) * std::cos(angle) + (y - s.camera.cy) * std::sin(angle)) / reach;
-            level *= std::exp(-1.1 * (std::clamp(along, -1.0, 1.0) + 1.0));
+            level *= std::exp(-1.4 * (std::clamp(along, -1.0, 1.0) + 1.0));
         });
     });
 }

@@ -9,6 +9,7 @@
 #include "adjustCall.h"
 #include "calibrationDoubts.h"
 #include "calibrationSummary.h"
+#include "failedPictures.h"
 #include "failure.h"
 #include "htmlReport.h"
 #include "imageSet.h"
@@ -151,6 +152,25 @@ void addOverlays(const Calibration& c, const fs::path& folder, const Console& co
     }
 }
 
+std::vector<ImageTrouble> troublesOf(const std::vector<SkippedView>& views) {
+    std::vector<ImageTrouble> troubles;
+    for (const SkippedView& view : views) {
+        troubles.insert(troubles.end(), view.troubles.begin(), view.troubles.end());
+    }
+    return troubles;
+}
+
+void addPicturesOfSkipped(const Calibration& c, const fs::path& folder, OutputFiles& outputs) {
+    const std::vector<ImageTrouble> troubles = troublesOf(c.skipped);
+    addFailedPictures(troubles, folder, outputs);
+    std::vector<fs::path> read;
+    for (const ViewFiles& view : c.views) {
+        read.push_back(view.left);
+        read.push_back(view.right);
+    }
+    supersedeFailedPictures(read, troubles, folder, outputs);
+}
+
 void runCalibrate(const CalibrateOptions& options, const Console& console) {
     const PairSettings settings = settingsOf(options);
     const fs::path folder = options.folder;
@@ -170,6 +190,7 @@ void runCalibrate(const CalibrateOptions& options, const Console& console) {
     }
     outputs.add(folder / "rig.json", summary + "\n");
     outputs.add(folder / "report.html", htmlReport(c));
+    addPicturesOfSkipped(c, folder, outputs);
     if (options.overlays) {
         addOverlays(c, folder / "overlays", console, outputs);
     }
@@ -204,7 +225,7 @@ void addCalibrate(CommandLine& commandLine, Console& console) {
     addAdjustOptions(sub, o->adjust);
     sub.flag("--overlays", o->overlays, "Also draw the dots found into a copy of every image");
     sub.flag("--strict", o->strict, "Give up when one view cannot be read, instead of skipping it");
-    sub.does([o, &console] { runCalibrate(*o, console); });
+    sub.does([o, &console] { showingFailures(o->folder, [&] { runCalibrate(*o, console); }); });
 }
 
 }  // namespace zelm::tool

@@ -7,7 +7,9 @@
 #include <nlohmann/json.hpp>
 
 #include "dots.h"
+#include "failedPictures.h"
 #include "failure.h"
+#include "imageTrouble.h"
 #include "jsonText.h"
 #include "outputFiles.h"
 #include "overlay.h"
@@ -33,7 +35,7 @@ std::vector<Dot> detect(const Picture& picture, const Plate& plate, const Detect
     }
     const DotReading reading = readDots(picture, plate, region);
     if (reading.status < 0) {
-        failData("{}: {}", options.image, readingText(reading.status, plate, &picture));
+        failImage(troubleOf(picture, options.image, plate, region));
     }
     std::vector<Dot> dots = reading.dots;
     if (const std::int64_t lost = reading.found - static_cast<std::int64_t>(dots.size()); lost > 0) {
@@ -55,6 +57,16 @@ std::string csvOf(const std::vector<Dot>& dots) {
     return csv;
 }
 
+// Why dots of the described field are missing, where the image tells.
+std::string gapsText(const Picture& picture, const Plate& plate, const DetectOptions& options, std::size_t found) {
+    if (found >= describedDots(plate)) {
+        return {};
+    }
+    const auto gaps = gapsOf(picture, options.image, plate, regionOf(options.region));
+    return gaps ? fmt::format("{}: {} of {} dots read: {}", options.image, found, describedDots(plate), gaps->text)
+                : std::string();
+}
+
 void runDetect(const DetectOptions& options, const Console& console) {
     const Plate plate = plateOf(options.plate);
     const Picture picture = readPicture(options.image);
@@ -63,13 +75,18 @@ void runDetect(const DetectOptions& options, const Console& console) {
     outputs.keep(options.image);
     outputs.prepareFolder(options.folder);
     const std::vector<Dot> dots = detect(picture, plate, options);
+    const std::string gaps = gapsText(picture, plate, options, dots.size());
 
     const std::string stem = fs::path(options.image).stem().string();
     const fs::path csv = fs::path(options.folder) / (stem + "_dots.csv");
     const fs::path png = fs::path(options.folder) / (stem + "_dots.png");
     outputs.add(csv, csvOf(dots));
     outputs.add(png, drawOverlay(picture, plate, dots));
+    supersedeFailedPictures({options.image}, {}, options.folder, outputs);
     outputs.commit();
+    if (!gaps.empty()) {
+        console.warn(gaps);
+    }
 
     console.say(
         fmt::format("{}: {} dots found; wrote {} and {}", options.image, dots.size(), csv.string(), png.string()));
@@ -98,7 +115,7 @@ void addDetect(CommandLine& commandLine, Console& console) {
     addPlateOptions(sub, options->plate);
     sub.rectangle("--region", options->region, "Part of the image that holds the plate; default: find it");
     sub.option("-o,--output", options->folder, "Folder for IMAGE_dots.csv and IMAGE_dots.png").showDefault();
-    sub.does([options, &console] { runDetect(*options, console); });
+    sub.does([options, &console] { showingFailures(options->folder, [&] { runDetect(*options, console); }); });
 }
 
 }  // namespace zelm::tool

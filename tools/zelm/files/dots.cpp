@@ -11,75 +11,7 @@ namespace {
 
 constexpr std::int64_t kMaxUsualDots = 10'000;  // of a picture; of more, the first reading only tells how many
 
-const char* polarityWord(std::int32_t polarity) {
-    return polarity == 0 ? "dark" : "bright";
-}
-
-// Why no dots are found in a picture whose levels are to blame; empty when they are not.
-std::string contrastText(const ZelmMeasurePlateTraits& traits, const Plate& plate) {
-    constexpr int kDarkLevel = 32;  // a plate so dark has hardly the contrast that dots need
-    if (const int level = traits.brightLevel; level < kDarkLevel) {
-        return fmt::format(
-            "the image is nearly black, with levels up to {} of 255: are these 10 or 12 bits in 16? Scale its levels "
-            "up, or expose it longer",
-            level);
-    }
-    if (traits.oppositeDots > 0) {
-        const char* const opposite = polarityWord(1 - plate.pattern.polarity);
-        return fmt::format("{} {} dots found, but no {} ones: set \"polarity\" of the plate to \"{}\"",
-                           traits.oppositeDots, opposite, polarityWord(plate.pattern.polarity), opposite);
-    }
-    return {};
-}
-
 }  // namespace
-
-std::string readingText(std::int32_t status, const Plate& plate, const Picture* picture) {
-    const Zelm2ViewPatternDesc& p = plate.pattern;
-    const char* const dots = polarityWord(p.polarity);
-    ZelmMeasurePlateTraits traits{};
-    traits.size = sizeof(traits);
-    if (picture != nullptr) {
-        const ZelmMeasureImage image = imageOf(*picture);
-        zelmMeasurePlateTraits(&image, &plate.pattern, &traits);
-    }
-    if (picture != nullptr && (status == ZELM_ERR_PATTERN_PLATE || status == ZELM_ERR_PATTERN)) {
-        if (const std::string text = contrastText(traits, plate); !text.empty()) {
-            return text;
-        }
-    }
-    switch (status) {
-        case ZELM_ERR_PATTERN_PLATE:
-            return fmt::format("no plate found: does it fill a twentieth of the image, with {} dots on a {} ground?",
-                               dots, p.polarity == 0 ? "bright" : "dark");
-        case ZELM_ERR_PATTERN:
-            return fmt::format(
-                "fewer than {} {} dots found: is the plate wholly in view, sharp, evenly lit and not "
-                "tilted far, with dots at least 10 pixels wide, and the plate file this plate's? (--min-dots asks for "
-                "fewer)",
-                p.minDots, dots);
-        case ZELM_ERR_PATTERN_MARKERS: {
-            const int seen = picture != nullptr ? traits.markerSized : p.markers;
-            if (seen < p.markers) {
-                return fmt::format(
-                    "only {} of {} markers found: is one hidden or outside the image, or the plate file another "
-                    "plate's?",
-                    seen, p.markers);
-            }
-            return fmt::format(
-                "the {} markers cannot be told apart from other dots: is something of their size in "
-                "the image, or is the plate tilted too far?",
-                p.markers);
-        }
-        case ZELM_ERR_PATTERN_GRID:
-            return "the dots form no grid with the markers: do pitch and marker distances in the plate file fit the "
-                   "plate?";
-        case ZELM_ERR_MEMORY:
-            return "out of memory: use smaller images";
-        default:
-            return fmt::format("the plate cannot be read (status {})", status);
-    }
-}
 
 void checkRegion(const ZelmRect& region, const Picture& picture, const std::string& file) {
     const bool inside = region.x >= 0 && region.y >= 0 && region.width > 0 && region.height > 0 &&
@@ -119,6 +51,15 @@ DotReading readDots(const Picture& picture, const Plate& plate, const std::optio
             return reading;
         }
     }
+}
+
+std::size_t describedDots(const Plate& plate) {
+    const Zelm2ViewPatternDesc& p = plate.pattern;
+    constexpr double kRounding = 0.001;  // of a pitch
+    const auto count = [](double extent, double pitch) {
+        return 2 * static_cast<std::size_t>(std::min(extent / 2.0 / pitch + kRounding, 1e4)) + 1;
+    };
+    return count(p.d0, p.d4) * count(p.d1, p.d5);
 }
 
 ZelmMeasureImage imageOf(const Picture& picture) {

@@ -59,8 +59,8 @@ ZelmMeasureImage imageOf(const Picture& picture);
 // Grid index of a marker along each axis.
 GridIndex markerIndex(const Plate& plate);
 
-// A status of pattern reading in words: what happened and what to try. `picture` may be NULL.
-std::string readingText(std::int32_t status, const Plate& plate, const Picture* picture);
+// The dots of the described field.
+std::size_t describedDots(const Plate& plate);
 
 // Throws Failure, naming the file, unless the region lies inside the picture.
 void checkRegion(const ZelmRect& region, const Picture& picture, const std::string& file);

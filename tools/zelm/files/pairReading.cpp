@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <utility>
 
 #include "dots.h"
 #include "failure.h"
@@ -45,6 +46,7 @@ public:
 
     PairReading read() {
         readAll(views, true);
+        warnOfSkipped();
         requireEnoughViews();
         // The object's number of views is fixed when it is opened: with some left out it is opened anew.
         if (neededSlots(reading.used.size()) != openedSlots) {
@@ -67,17 +69,15 @@ private:
     void readAll(const std::vector<ViewFiles>& list, bool maySkip) {
         Progress progress(console, "reading views", list.size());
         for (const ViewFiles& files : list) {
-            const std::string reason = readView(files, list.size());
+            SkippedView view = readView(files, list.size());
             progress.advance();
-            if (reason.empty()) {
+            if (view.reason.empty()) {
                 reading.used.push_back(files);
             } else if (!maySkip || settings.strict) {
                 progress.erase();
-                failData("{}", reason);
+                throw ImageFailure(view.reason, causeOf({view}), std::move(view.troubles));
             } else {
-                progress.erase();
-                console.warn(fmt::format("skipping a view: {}", reason));
-                reading.skipped.push_back({files, reason});
+                reading.skipped.push_back(std::move(view));
             }
             if (isParallelPair() && !reading.used.empty()) {
                 break;  // one view is all that parallel cameras take
@@ -85,15 +85,46 @@ private:
         }
     }
 
+    // Views whose images have the same fault are one line.
+    void warnOfSkipped() const {
+        for (const SkippedView& view : reading.skipped) {
+            if (view.troubles.size() != 1) {
+                console.warn(fmt::format("skipping a view: {}", view.reason));
+            }
+        }
+        for (const TroubleGroup& group : groupsOf(troublesOf(reading.skipped, true))) {
+            console.warn(group.images.size() == 1
+                             ? fmt::format("skipping a view: {}", group.line)
+                             : fmt::format("skipping {} views: {}", group.images.size(), group.line));
+        }
+    }
+
+    // Of all views, or of those alone of which one image is at fault.
+    static std::vector<ImageTrouble> troublesOf(const std::vector<SkippedView>& views, bool singleOnly) {
+        std::vector<ImageTrouble> troubles;
+        for (const SkippedView& view : views) {
+            if (!singleOnly || view.troubles.size() == 1) {
+                troubles.insert(troubles.end(), view.troubles.begin(), view.troubles.end());
+            }
+        }
+        return troubles;
+    }
+
+    // The cause that most of the images have.
+    static FailureCause causeOf(const std::vector<SkippedView>& views) {
+        const std::vector<TroubleGroup> groups = groupsOf(troublesOf(views, false));
+        return groups.empty() ? FailureCause{} : FailureCause{groups.front().cause, groups.front().images};
+    }
+
     // Reads a view into the next free place of the object. Gives the reason when it cannot be read.
-    std::string readView(const ViewFiles& files, std::size_t viewCount) {
+    SkippedView readView(const ViewFiles& files, std::size_t viewCount) {
         ViewImage left{files.left, {}};
         ViewImage right{files.right, {}};
         try {
             load(left);
             load(right);
         } catch (const Failure& failure) {
-            return failure.what();
+            return {files, failure.what(), {}};
         }
         checkImage(left, leftSize, settings.leftRegion);
         checkImage(right, rightSize, settings.rightRegion);
@@ -103,7 +134,7 @@ private:
             zelm2ViewReadPtnImg(reading.calib.get(), static_cast<std::int32_t>(reading.used.size()), images,
                                 settings.leftRegion ? &*settings.leftRegion : nullptr,
                                 settings.rightRegion ? &*settings.rightRegion : nullptr);
-        return status < 0 ? reasonOf(status, left, right) : std::string();
+        return status < 0 ? skippedView(files, status, left, right) : SkippedView{};
     }
 
     void load(ViewImage& image) const {
@@ -138,33 +169,40 @@ private:
     }
 
     // The pair's status does not say which image it is about: each is read on its own.
-    std::string reasonOf(std::int32_t status, const ViewImage& left, const ViewImage& right) const {
-        std::string reason = reasonOf(left, settings.leftRegion);
-        if (const std::string other = reasonOf(right, settings.rightRegion); !other.empty()) {
-            reason += reason.empty() ? other : "; " + other;
+    SkippedView skippedView(const ViewFiles& files, std::int32_t status, const ViewImage& left,
+                            const ViewImage& right) const {
+        SkippedView view{files, {}, {}};
+        for (const auto& [image, region] :
+             {std::pair{&left, &settings.leftRegion}, std::pair{&right, &settings.rightRegion}}) {
+            if (image->path.empty() || readDots(*image->picture, settings.plate, *region).status >= 0) {
+                continue;
+            }
+            view.troubles.push_back(troubleOf(*image->picture, image->path, settings.plate, *region));
+            const ImageTrouble& trouble = view.troubles.back();
+            view.reason +=
+                fmt::format("{}{}: {}", view.reason.empty() ? "" : "; ", trouble.image.string(), trouble.text);
         }
-        if (reason.empty()) {
-            reason = fmt::format("{}: {}", left.path.string(), readingText(status, settings.plate, nullptr));
+        if (view.reason.empty()) {
+            view.reason =
+                fmt::format("{}: {}", left.path.string(),
+                            status == ZELM_ERR_MEMORY ? std::string("out of memory: use smaller images")
+                                                      : fmt::format("the plate cannot be read (status {})", status));
         }
-        return reason;
-    }
-
-    std::string reasonOf(const ViewImage& image, const std::optional<ZelmRect>& region) const {
-        if (image.path.empty()) {
-            return {};
-        }
-        const std::int32_t status = readDots(*image.picture, settings.plate, region).status;
-        return status < 0 ? fmt::format("{}: {}", image.path.string(),
-                                        readingText(status, settings.plate, image.picture.get()))
-                          : std::string();
+        return view;
     }
 
     void requireEnoughViews() const {
-        if (reading.used.size() < fewest()) {
-            failData(
-                "only {} of {} views can be read and {} are needed: take more images of the plate, or correct this: {}",
-                reading.used.size(), views.size(), fewest(), reading.skipped.front().reason);
+        if (reading.used.size() >= fewest()) {
+            return;
         }
+        std::vector<ImageTrouble> troubles = troublesOf(reading.skipped, false);
+        const std::vector<TroubleGroup> groups = groupsOf(troubles);
+        throw ImageFailure(
+            fmt::format("only {} of {} views can be read and {} are needed: take more images of the plate, or correct "
+                        "this: {}",
+                        reading.used.size(), views.size(), fewest(),
+                        groups.empty() ? reading.skipped.front().reason : groups.front().line),
+            causeOf(reading.skipped), std::move(troubles));
     }
 
     const std::vector<ViewFiles>& views;

@@ -11,6 +11,7 @@
 
 #include "console.h"
 #include "imageFile.h"
+#include "imageTrouble.h"
 #include "pictureStore.h"
 #include "plateFile.h"
 #include "rigFile.h"
@@ -33,7 +34,8 @@ struct PairSettings {
 
 struct SkippedView {
     ViewFiles files;
-    std::string reason;  // names the image at fault
+    std::string reason;                  // names the image at fault
+    std::vector<ImageTrouble> troubles;  // of its images; none for a file that is no image
 };
 
 struct PairReading {

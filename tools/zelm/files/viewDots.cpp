@@ -7,6 +7,7 @@
 #include "dots.h"
 #include "failure.h"
 #include "imageFile.h"
+#include "imageTrouble.h"
 
 namespace zelm::tool {
 namespace {
@@ -18,7 +19,7 @@ std::map<GridIndex, Point2d> dotsOf(const Picture& picture, const fs::path& path
                                     const std::optional<ZelmRect>& region) {
     const DotReading reading = readDots(picture, plate, region);
     if (reading.status < 0) {
-        failData("{}: {}", path.string(), readingText(reading.status, plate, &picture));
+        failImage(troubleOf(picture, path, plate, region));
     }
     std::map<GridIndex, Point2d> dots;
     for (const Dot& dot : reading.dots) {
