@@ -10,9 +10,11 @@ ZELM_BEGIN_DECLS
 /// What became of a pair of pixels.
 enum ZelmMeasurePointStatus {
     ZELM_MEASURE_POINT_OK = 0,
-    ZELM_MEASURE_POINT_BEHIND = 1,      ///< the rays meet behind a camera: a wrong pair. The only failure with numbers.
+    ZELM_MEASURE_POINT_BEHIND = 1,      ///< the rays meet behind a camera: a wrong pair; has numbers
     ZELM_MEASURE_POINT_DISTORTION = 2,  ///< a pixel is too far outside for the lens distortion to be removed
     ZELM_MEASURE_POINT_PARALLEL = 3,    ///< the rays do not meet
+    ZELM_MEASURE_POINT_MISMATCH = 4,    ///< the rays miss each other by more than `maxError`: a wrong pair; has numbers
+    ZELM_MEASURE_POINT_OUTSIDE = 5,     ///< a pixel outside its image, where `outside` is 1
 };
 
 /// Points of space, in arrays of the caller's with room for all pairs.
@@ -23,10 +25,16 @@ typedef struct ZelmMeasurePoints {
     double* positions;  ///< 3 a pair: in the frame of the plate of view 0, plate units; or NULL
     double* errors;     ///< 2 a pair: pixels from the left and the right pixel to the point's projection; or NULL
     double* angles;     ///< 1 a pair: between the two rays at the point, radians; or NULL
+    double maxError;  ///< pixels: more than this in the root sum of squares of both errors is a mismatch; 0: nothing is
+    int32_t outside;  ///< 1: pixels outside the images (-0.5 to W - 0.5, -0.5 to H - 0.5) are told; 0: taken as any
+    int32_t reserved2;  ///< 0
 } ZelmMeasurePoints;
 
 /// Triangulates pairs of raw pixels, with the optimal correction of zelm2ViewChange2Dto3D(). What a pair without
-/// numbers would have written is not.
+/// numbers would have written is not. The optimal correction is the least that makes the two rays meet, so that the
+/// root sum of squares of the errors of a true pair is one error of noise: a standard normal one times the standard
+/// deviation of a pixel's coordinate. Six deviations are none in a million. A wrong pair whose pixels happen to lie on
+/// each other's epipolar lines is not told.
 /// @param rig [in] the rig
 /// @param count [in] of pairs
 /// @param left [in] raw pixels, 2 a pair

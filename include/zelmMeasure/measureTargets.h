@@ -18,6 +18,10 @@ enum ZelmMeasureCircleStatus {
     ZELM_MEASURE_CIRCLE_BEHIND = 5,         ///< the rays to the two dots meet behind a camera: a wrong pair
     ZELM_MEASURE_CIRCLE_DISTORTION = 6,     ///< a dot is too far outside for the lens distortion to be removed
     ZELM_MEASURE_CIRCLE_PARALLEL = 7,       ///< the rays to the two dots do not meet: a wrong pair
+    ZELM_MEASURE_CIRCLE_MISMATCH = 8,       ///< the dots, or their centres' rays, miss each other by more than
+                                            ///< `maxError`: those of two targets; has the numbers of a point alone
+    ZELM_MEASURE_CIRCLE_HIDDEN = 9,         ///< a point alone, with less of an outline seen than `minShare`: its
+                                            ///< numbers may be wrong by tenths of a pixel
 };
 
 /// Targets, in arrays of the caller's with room for all of them.
@@ -33,6 +37,12 @@ typedef struct ZelmMeasureTargets {
     double* errors;       ///< 2 a target: RMS distance in pixels between outline and image of the circle, left and
                           ///< right; of others from the ellipses' centres to the point's projections; or NULL
     double* angles;       ///< 1 a target: between the two rays at the centre, radians; or NULL
+    double* ellipses;     ///< 4 a target: centres of the outlines' ellipses, x and y of the left and of the right
+                          ///< image, pixels; or NULL. Also of targets without a point, where the dot was found
+    double* shares;       ///< 2 a target: the share of the outline that is seen, undisturbed to 3.5 pixels on either
+                          ///< side, left and right, 0 to 1; or NULL. Written as `ellipses` are
+    double maxError;      ///< pixels: more than this in the root sum of squares of both errors is a mismatch; 0: none
+    double minShare;      ///< 0 to 1: a point alone of which either image shows less of the outline is hidden; 0: none
 } ZelmMeasureTargets;
 
 /// Measures round targets as the circles that they are. The centre of a dot's outline is not the image of the dot's

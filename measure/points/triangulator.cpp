@@ -5,9 +5,17 @@
 #include "meetingPoint.h"
 
 namespace zelm::measure {
+namespace {
 
-Triangulator::Triangulator(const Rig& calibrated)
-    : rig(calibrated), calib(rig.calib.get()), left(viewOf(rig.left)), right(viewOf(rig.right)) {
+// Pixels cover half a pixel to every side of their centres.
+bool isInside(const RigCamera& camera, const Point2d& pixel) {
+    return pixel.x >= -0.5 && pixel.y >= -0.5 && pixel.x <= camera.width - 0.5 && pixel.y <= camera.height - 0.5;
+}
+
+}  // namespace
+
+Triangulator::Triangulator(const Rig& calibrated, const PairLimits& pairLimits)
+    : rig(calibrated), calib(rig.calib.get()), limits(pairLimits), left(viewOf(rig.left)), right(viewOf(rig.right)) {
     rig.requireTriangulation();
 }
 
@@ -28,6 +36,10 @@ Vector3 Triangulator::rayTo(const View& view, const Point3d& X) {
 
 SpacePoint Triangulator::operator()(const Point2d& leftPixel, const Point2d& rightPixel) const {
     SpacePoint point;
+    if (limits.isInside && !(isInside(rig.left, leftPixel) && isInside(rig.right, rightPixel))) {
+        point.status = PointStatus::outside;
+        return point;
+    }
     Point3d& X = point.position;
     const std::int32_t status = zelm2ViewChange2Dto3D(calib, &leftPixel, &rightPixel, &X);
     requireMemory(status);
@@ -45,6 +57,10 @@ SpacePoint Triangulator::operator()(const Point2d& leftPixel, const Point2d& rig
     point.angle = angleBetween(leftRay, rightRay);
     if (!isMeetingPoint(rig, leftPixel, rightPixel, point.errorLeft, point.errorRight)) {
         point.status = PointStatus::parallel;
+    }
+    if (point.status == PointStatus::ok && limits.maxError > 0.0 &&
+        std::hypot(point.errorLeft, point.errorRight) > limits.maxError) {
+        point.status = PointStatus::mismatch;
     }
     return point;
 }

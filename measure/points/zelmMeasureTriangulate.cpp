@@ -1,4 +1,5 @@
 // The exported function that makes points of pixel pairs.
+#include <cmath>
 #include <vector>
 
 #include "records.h"
@@ -12,7 +13,7 @@ void give(const SpacePoint& p, std::size_t i, const ZelmMeasurePoints& out) {
     if (out.statuses != nullptr) {
         out.statuses[i] = static_cast<std::int32_t>(p.status);
     }
-    if (p.status != PointStatus::ok && p.status != PointStatus::behind) {
+    if (!p.hasNumbers()) {
         return;
     }
     if (out.positions != nullptr) {
@@ -37,7 +38,9 @@ std::int32_t zelmMeasureTriangulate(ZelmMeasureRig* handle, std::int64_t count, 
         require(count >= 0 && ((left != nullptr && right != nullptr) || count == 0),
                 "the pixels are NULL, or their number is negative");
         const ZelmMeasurePoints out = recordOf(points);
-        const Triangulator triangulate(rig);
+        require(std::isfinite(out.maxError) && out.maxError >= 0.0, "the largest error is negative or not finite");
+        require(out.outside == 0 || out.outside == 1, "the field outside is 0 or 1");
+        const Triangulator triangulate(rig, {out.maxError, out.outside == 1});
         // Written at the end alone: a failure leaves the caller's arrays untouched.
         std::vector<SpacePoint> results(static_cast<std::size_t>(count));
         for (std::size_t i = 0; i < results.size(); ++i) {

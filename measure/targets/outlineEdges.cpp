@@ -19,6 +19,13 @@ constexpr std::size_t kMinEdges = 8;    // an ellipse has five unknowns
 constexpr double kMinShare = 0.4;       // of the outline that must be seen
 constexpr double kWholeShare = 0.65;    // from which it tells its ellipse better than it was found
 
+// Edges are seen where a step is, near the ellipse; 0.5 pixel is more than any lens bends an outline.
+double shareOf(const std::vector<SectorStep>& steps) {
+    constexpr double kMaxOffset = 0.5;
+    const auto isSeen = [](const SectorStep& step) { return step.sound && std::fabs(step.offset) <= kMaxOffset; };
+    return static_cast<double>(std::count_if(steps.begin(), steps.end(), isSeen)) / static_cast<double>(steps.size());
+}
+
 // What disturbs a sector reaches into its neighbours.
 bool isUndisturbed(const std::vector<SectorStep>& steps, std::size_t i) {
     const std::size_t count = steps.size();
@@ -78,23 +85,28 @@ std::optional<SeenOutline> seenOutline(const DenseImage& image, Point2d near, Do
     if (!rough) {
         return std::nullopt;
     }
-    SeenOutline outline{*rough, {}};
+    SeenOutline outline{*rough, {}, 0.0};
+    const auto withoutEdges = [&] {
+        outline.edges.clear();
+        return outline;
+    };
     for (int round = 0; round < kRounds; ++round) {
         const std::vector<SectorStep> steps = sectorSteps(image, outline.ellipse, polarity);
         const auto isEnough = [&](double share) {
             return static_cast<double>(outline.edges.size()) >= share * static_cast<double>(steps.size());
         };
         outline.edges = edgesOf(steps, outline.ellipse);
+        outline.share = shareOf(steps);
         if (outline.edges.size() < kMinEdges || !isEnough(kMinShare)) {
-            return std::nullopt;
+            return withoutEdges();
         }
         // An arc says little of the rest of its ellipse.
         if (isEnough(kWholeShare) && !fitRobustly(outline.edges, outline.ellipse)) {
-            return std::nullopt;
+            return withoutEdges();
         }
         dropStrays(outline.edges, outline.ellipse);
     }
-    return outline.edges.size() < kMinEdges ? std::nullopt : std::optional(outline);
+    return outline.edges.size() < kMinEdges ? withoutEdges() : outline;
 }
 
 }  // namespace zelm::measure

@@ -1,5 +1,8 @@
 #include "targetMeasurer.h"
 
+#include <algorithm>
+#include <cmath>
+
 #include "circleStart.h"
 #include "outlineEdges.h"
 
@@ -18,6 +21,8 @@ TargetStatus statusOf(PointStatus status) {
         case PointStatus::distortion:
             return TargetStatus::distortion;
         case PointStatus::parallel:
+        case PointStatus::mismatch:
+        case PointStatus::outside:
             break;
     }
     return TargetStatus::parallel;
@@ -32,18 +37,20 @@ void turnTowards(const TargetCamera& camera, SpaceCircle& circle) {
 
 }  // namespace
 
-TargetMeasurer::TargetMeasurer(const Rig& rig, const DenseImage& left, const DenseImage& right, DotPolarity dotPolarity)
+TargetMeasurer::TargetMeasurer(const Rig& rig, const DenseImage& left, const DenseImage& right, DotPolarity dotPolarity,
+                               const TargetLimits& targetLimits)
     : triangulate(rig),
       cameras{TargetCamera(rig.left), TargetCamera(rig.right)},
       leftImage(left),
       rightImage(right),
-      polarity(dotPolarity) {}
+      polarity(dotPolarity),
+      limits(targetLimits) {}
 
-std::optional<CircleFit> TargetMeasurer::bestCircle(const std::array<Ellipse2d, 2>& ellipses, Point2d left,
-                                                    Point2d right, const Vector3& centre) const {
-    const auto leftOutline = seenOutline(leftImage, left, polarity);
-    const auto rightOutline = seenOutline(rightImage, right, polarity);
-    if (!leftOutline || !rightOutline) {
+std::optional<CircleFit> TargetMeasurer::bestCircle(const std::array<std::optional<SeenOutline>, 2>& outlines,
+                                                    const std::array<Ellipse2d, 2>& ellipses,
+                                                    const Vector3& centre) const {
+    const auto& [leftOutline, rightOutline] = outlines;
+    if (!leftOutline || !rightOutline || leftOutline->edges.empty() || rightOutline->edges.empty()) {
         return std::nullopt;
     }
     std::optional<CircleFit> best;
@@ -59,8 +66,25 @@ std::optional<CircleFit> TargetMeasurer::bestCircle(const std::array<Ellipse2d, 
     return best;
 }
 
+// Of a target with a centre.
+TargetStatus TargetMeasurer::statusOf(const Target& target) const {
+    const auto isHidden = [&](const std::optional<SeenOutline>& outline) {
+        return !outline || outline->share < limits.minShare;
+    };
+    // A circle is fitted to what is seen of both outlines; an ellipse through part of an outline may be any.
+    if (limits.minShare > 0.0 && !target.isCircle &&
+        std::any_of(target.outlines.begin(), target.outlines.end(), isHidden)) {
+        return TargetStatus::hidden;
+    }
+    if (limits.maxError > 0.0 && std::hypot(target.rms[0], target.rms[1]) > limits.maxError) {
+        return TargetStatus::mismatch;
+    }
+    return target.isCircle ? TargetStatus::ok : TargetStatus::pointAlone;
+}
+
 Target TargetMeasurer::operator()(Point2d left, Point2d right) const {
     Target target;
+    target.outlines = {seenOutline(leftImage, left, polarity), seenOutline(rightImage, right, polarity)};
     const auto leftEllipse = dotEllipse(leftImage, left, polarity);
     const auto rightEllipse = dotEllipse(rightImage, right, polarity);
     if (!leftEllipse || !rightEllipse) {
@@ -74,16 +98,17 @@ Target TargetMeasurer::operator()(Point2d left, Point2d right) const {
     target.circle.centre = centre;
     target.rms = {point.errorLeft, point.errorRight};
     target.angle = point.angle;
-    target.status = statusOf(point.status);
+    target.status = measure::statusOf(point.status);
     if (target.status != TargetStatus::pointAlone) {
         return target;
     }
-    if (const auto fit = bestCircle({*leftEllipse, *rightEllipse}, left, right, centre)) {
-        target.status = TargetStatus::ok;
+    if (const auto fit = bestCircle(target.outlines, {*leftEllipse, *rightEllipse}, centre)) {
+        target.isCircle = true;
         target.circle = fit->circle;
         target.covariance = fit->covariance;
         target.rms = fit->rms;
     }
+    target.status = statusOf(target);
     return target;
 }
 

@@ -1,6 +1,7 @@
 // The exported function that measures round targets.
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <vector>
 
 #include "records.h"
@@ -14,21 +15,27 @@ void give(const Target& target, std::size_t i, const ZelmMeasureTargets& out) {
     if (out.statuses != nullptr) {
         out.statuses[i] = static_cast<std::int32_t>(target.status);
     }
+    const auto put = [](double* array, std::size_t place, const auto& values) {
+        if (array != nullptr) {
+            std::copy(values.begin(), values.end(), array + place * values.size());
+        }
+    };
+    for (std::size_t side = 0; side < 2; ++side) {
+        if (const auto& outline = target.outlines[side]) {
+            put(out.ellipses, 2 * i + side, std::array{outline->ellipse.x, outline->ellipse.y});
+            put(out.shares, 2 * i + side, std::array{outline->share});
+        }
+    }
     if (!target.hasCentre()) {
         return;
     }
-    const auto put = [i](double* array, const auto& values) {
-        if (array != nullptr) {
-            std::copy(values.begin(), values.end(), array + i * values.size());
-        }
-    };
-    put(out.centres, target.circle.centre);
-    put(out.errors, target.rms);
-    put(out.angles, std::array{target.angle});
+    put(out.centres, i, target.circle.centre);
+    put(out.errors, i, target.rms);
+    put(out.angles, i, std::array{target.angle});
     if (target.status == TargetStatus::ok) {
-        put(out.normals, target.circle.normal);
-        put(out.radii, std::array{target.circle.radius});
-        put(out.covariances, target.covariance);
+        put(out.normals, i, target.circle.normal);
+        put(out.radii, i, std::array{target.circle.radius});
+        put(out.covariances, i, target.covariance);
     }
 }
 
@@ -50,10 +57,13 @@ std::int32_t zelmMeasureCircles(ZelmMeasureRig* handle, const ZelmMeasureImage* 
                 "the seeds are NULL, or their number is negative");
         require(polarity == 0 || polarity == 1, "the polarity is 0, dark, or 1, bright");
         const ZelmMeasureTargets out = recordOf(targets);
+        require(std::isfinite(out.maxError) && out.maxError >= 0.0, "the largest error is negative or not finite");
+        require(out.minShare >= 0.0 && out.minShare <= 1.0, "the least share is not from 0 to 1");
         const DenseImage leftImage(*left);
         const DenseImage rightImage(*right);
         const TargetMeasurer measure(rig, leftImage, rightImage,
-                                     polarity == 1 ? DotPolarity::bright : DotPolarity::dark);
+                                     polarity == 1 ? DotPolarity::bright : DotPolarity::dark,
+                                     {out.maxError, out.minShare});
         // Written at the end alone: a failure leaves the caller's arrays untouched.
         std::vector<Target> results(static_cast<std::size_t>(count));
         for (std::size_t i = 0; i < results.size(); ++i) {

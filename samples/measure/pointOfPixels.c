@@ -42,7 +42,7 @@ int main(int argc, char** argv) {
     int32_t status = ZELM_MEASURE_POINT_PARALLEL; /* until the library says otherwise */
     double position[3] = {0};
     double errors[2] = {0};
-    ZelmMeasurePoints points = {sizeof(points), 0, &status, position, errors, NULL};
+    ZelmMeasurePoints points = {sizeof(points), 0, &status, position, errors, NULL, 0.0, 0, 0};
     if (zelmMeasureTriangulate(rig, 1, left, right, &points) < 0) {
         fprintf(stderr, "%s\n", zelmMeasureRigError(rig));
     } else if (status != ZELM_MEASURE_POINT_OK) {

@@ -255,6 +255,14 @@ TEST_F(MeasureContract, RoundTargets) {
     expectParam("left seeds", zelmMeasureCircles(rig, image, image, 1, nullptr, p, 0, &targets));
     expectParam("right seeds", zelmMeasureCircles(rig, image, image, 1, p, nullptr, 0, &targets));
     expectParam("polarity", zelmMeasureCircles(rig, image, image, 1, p, p, 2, &targets));
+    for (const double wrong : {-1.0, std::numeric_limits<double>::quiet_NaN()}) {
+        auto limited = targets;
+        limited.maxError = wrong;
+        expectParam("maxError", zelmMeasureCircles(rig, image, image, 1, p, p, 0, &limited));
+        limited.maxError = 0.0;
+        limited.minShare = wrong;
+        expectParam("minShare", zelmMeasureCircles(rig, image, image, 1, p, p, 0, &limited));
+    }
     expectRecordRefused<ZelmMeasureTargets>(
         "targets", [&](auto* r) { return zelmMeasureCircles(rig, image, image, 1, p, p, 0, r); });
 }
@@ -270,6 +278,13 @@ TEST_F(MeasureContract, PointsOfSpace) {
     expectParam("left", zelmMeasureTriangulate(rig, 1, nullptr, p, &points));
     expectParam("right", zelmMeasureTriangulate(rig, 1, p, nullptr, &points));
     expectRecordRefused<ZelmMeasurePoints>("points", [&](auto* r) { return zelmMeasureTriangulate(rig, 1, p, p, r); });
+    for (const double wrong : {-1.0, std::numeric_limits<double>::quiet_NaN()}) {
+        points.maxError = wrong;
+        expectParam("maxError", zelmMeasureTriangulate(rig, 1, p, p, &points));
+    }
+    points.maxError = 0.0;
+    points.outside = 2;
+    expectParam("outside", zelmMeasureTriangulate(rig, 1, p, p, &points));
     const std::uint16_t* const map = sound.map.data();
     double* const d = out.numbers;
     std::int32_t* const i = out.integers;
