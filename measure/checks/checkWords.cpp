@@ -156,7 +156,9 @@ std::string pitch(const Check& check) {
         case CheckVerdict::fine:
             return "the plate's pitches have the stated ratio, times " + ratio + blind;
         default:
-            return "the plate's pitch along x over that along y is " + ratio + " times the stated one" +
+            return "the ratio of the pitches disagrees with the images by " +
+                   twoDigits(100.0 * std::fabs(check.value)) + " %: the plate's pitch along x over that along y is " +
+                   ratio + " times the stated one" +
                    effect(check, "measure both pitches and correct the plate's description") + blind;
     }
 }
