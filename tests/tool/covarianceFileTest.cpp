@@ -152,7 +152,7 @@ TEST(CovarianceFile, PairsWithoutAPointHaveEmptyFields) {
     ASSERT_EQ(rows.size(), 3U);
     EXPECT_EQ(rows[1].size(), rows[0].size());
     EXPECT_EQ(rows[2].size(), rows[0].size());
-    EXPECT_EQ(splitLines(readFile(rig.folder / "points.csv"))[2], "2,,,,,,,,,,,,,,,,distortion");
+    EXPECT_EQ(splitLines(readFile(rig.folder / "points.csv"))[2], "2,,,,,,,,,,,,,,,,outside");
 }
 
 TEST(CovarianceFile, AMissingOneIsSaid) {

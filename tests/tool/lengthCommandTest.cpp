@@ -192,13 +192,14 @@ TEST(LengthCommand, ShortLengthsAndLostEndsAreWarnings) {
     const CommandResult run = zelm({"length", rig.path, rig.file("pairs.csv"), "--between", "a,near", "--between",
                                     "a,lost", "--between", "a,b", "-o", rig.file("lengths.csv"), "--json"});
     ASSERT_EQ(run.status, 0) << run.errors;
-    EXPECT_NE(run.errors.find("1 of 3 lengths lack a point at an end"), std::string::npos) << run.errors;
+    EXPECT_NE(run.errors.find("1 of 3 lengths lack a good point at an end (1 outside)"), std::string::npos)
+        << run.errors;
     EXPECT_NE(run.errors.find("1 of 3 lengths are no longer than the noise of their ends"), std::string::npos);
     const auto rows = readCsv(rig.folder / "lengths.csv");
     EXPECT_EQ(rows[1][7], "short");
     EXPECT_EQ(rows[1][3], "");
     expectClose(std::stod(rows[1][2]), 0.01, 1e-5);
-    EXPECT_EQ(splitLines(readFile(rig.folder / "lengths.csv"))[2], "a,lost,,,,,,no_point");
+    EXPECT_EQ(splitLines(readFile(rig.folder / "lengths.csv"))[2], "a,lost,,,,,,outside");
     EXPECT_FALSE(Json::parse(run.output).at("lengths")[1].contains("length"));
 }
 

@@ -126,7 +126,7 @@ TEST_F(MeasureBadInput, PairFiles) {
     csvRefused("\"a\"b,1,2,3,4\n", {"bad.csv: line 1", "a quote must end"});
     csvRefused(readFile(sampleFile("truth.json")), {"bad.csv: line 1"});
     csvRefused(readFile(sampleFile("left_00.png")).substr(0, 5000), {"bad.csv: line 1"});
-    csvRefused("1e9,1e9,3,4\n1e9,1e9,3,4\n", {"bad.csv", "none of 2 pixel pairs", "2 distortion"});
+    csvRefused("1e9,1e9,3,4\n1e9,1e9,3,4\n", {"bad.csv", "none of 2 pixel pairs", "2 outside"});
     refused({"triangulate", rig, file("none.csv"), "-o", file("o.csv")}, 1, {"none.csv", "cannot open"});
 }
 

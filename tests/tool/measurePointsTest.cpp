@@ -156,12 +156,12 @@ TEST(Triangulate, PairsWithoutAPointAreReportedInTheirPlace) {
     const CommandResult run = rig.triangulate(csv, {"--ply", rig.file("points.ply"), "--json"});
     ASSERT_EQ(run.status, 0) << run.errors;
     EXPECT_EQ(std::count(run.errors.begin(), run.errors.end(), '\n'), 1);
-    EXPECT_NE(run.errors.find("2 of 4 pixel pairs gave no point: 1 behind, 1 distortion"), std::string::npos)
+    EXPECT_NE(run.errors.find("2 of 4 pixel pairs gave no point: 1 behind, 1 outside"), std::string::npos)
         << run.errors;
     const std::vector<PointRow> rows = rig.points();
     ASSERT_EQ(rows.size(), 4U);
     EXPECT_EQ(rows[0].status, "ok");
-    EXPECT_EQ(rows[1].status, "distortion");
+    EXPECT_EQ(rows[1].status, "outside");
     EXPECT_TRUE(rows[1].numbers.empty());
     EXPECT_EQ(rows[2].status, "ok");
     EXPECT_EQ(rows[3].status, "behind");  // rays that part from each other meet behind the cameras
@@ -170,7 +170,7 @@ TEST(Triangulate, PairsWithoutAPointAreReportedInTheirPlace) {
     const Json json = Json::parse(run.output);
     EXPECT_EQ(json.at("pairs"), 4);
     EXPECT_EQ(json.at("points"), 2);
-    EXPECT_EQ(json.at("statuses").at("distortion"), 1);
+    EXPECT_EQ(json.at("statuses").at("outside"), 1);
 }
 
 TEST(Triangulate, FilesOfEveryFormGiveTheSamePoints) {

@@ -39,11 +39,28 @@ enum class LengthStatus : std::int32_t {
     ok = ZELM_MEASURE_LENGTH_OK,
     noPoint = ZELM_MEASURE_LENGTH_NO_POINT,
     tooShort = ZELM_MEASURE_LENGTH_SHORT,
+    mismatch,  // an end is a point that is not to be trusted
+    outside,
+    hidden,
 };
+
+// Of a length with an end that is no good point.
+LengthStatus statusOf(PointStatus end) {
+    switch (end) {
+        case PointStatus::mismatch:
+            return LengthStatus::mismatch;
+        case PointStatus::outside:
+            return LengthStatus::outside;
+        case PointStatus::hidden:
+            return LengthStatus::hidden;
+        default:
+            return LengthStatus::noPoint;
+    }
+}
 
 // The word that files have for it.
 const char* statusWord(LengthStatus status) {
-    constexpr const char* kWords[] = {"ok", "no_point", "short"};
+    constexpr const char* kWords[] = {"ok", "no_point", "short", "mismatch", "outside", "hidden"};
     return kWords[static_cast<std::size_t>(status)];
 }
 
@@ -56,6 +73,8 @@ struct MeasuredLength {
     double deviation = 0.0;
     double byNoise = 0.0;
     double byCalibration = 0.0;
+
+    bool hasLength() const { return status == LengthStatus::ok || status == LengthStatus::tooShort; }
 };
 
 void checkNames(const LengthOptions& o) {
@@ -190,6 +209,7 @@ void measure(std::vector<MeasuredLength>& lengths, const std::vector<PixelPair>&
     for (std::size_t i = 0; i < count; ++i) {
         MeasuredLength& l = lengths[i];
         if (!isFound(l.from) || !isFound(l.to)) {
+            l.status = statusOf(points[isFound(l.from) ? l.to : l.from].status);
             continue;
         }
         l.status = static_cast<LengthStatus>(statuses[i]);
@@ -216,7 +236,7 @@ std::string table(const std::vector<MeasuredLength>& lengths, const std::vector<
         } else if (l.status == LengthStatus::tooShort) {
             text += fmt::format("  {:>12.6f}  short", l.length);
         } else {
-            text += "  no point";
+            text += fmt::format("  {}", l.status == LengthStatus::noPoint ? "no point" : statusWord(l.status));
         }
     }
     return text;
@@ -226,7 +246,7 @@ std::string csvOf(const std::vector<MeasuredLength>& lengths, const std::vector<
     std::string csv = "from,to,length,U95,sigma,noise_sigma,calibration_sigma,status\n";
     for (const MeasuredLength& l : lengths) {
         csv += csvField(pairs[l.from].id) + "," + csvField(pairs[l.to].id) + ",";
-        csv += l.status == LengthStatus::noPoint ? "" : fmt::format("{:.10g}", l.length);
+        csv += l.hasLength() ? fmt::format("{:.10g}", l.length) : "";
         csv += l.status != LengthStatus::ok
                    ? ",,,,"
                    : fmt::format(",{:.6g},{:.6g},{:.6g},{:.6g}", l.expanded, l.deviation, l.byNoise, l.byCalibration);
@@ -240,7 +260,7 @@ Json jsonOf(const std::vector<MeasuredLength>& lengths, const std::vector<PixelP
     Json list = Json::array();
     for (const MeasuredLength& l : lengths) {
         Json json{{"from", pairs[l.from].id}, {"to", pairs[l.to].id}, {"status", statusWord(l.status)}};
-        if (l.status != LengthStatus::noPoint) {
+        if (l.hasLength()) {
             json["length"] = l.length;
         }
         if (l.status == LengthStatus::ok) {
@@ -261,21 +281,33 @@ Json jsonOf(const std::vector<MeasuredLength>& lengths, const std::vector<PixelP
     return json;
 }
 
+// "2 no_point, 1 hidden" of the lengths without a number.
+std::string lostText(const std::vector<MeasuredLength>& lengths) {
+    std::string text;
+    for (const LengthStatus status :
+         {LengthStatus::noPoint, LengthStatus::mismatch, LengthStatus::outside, LengthStatus::hidden}) {
+        const auto count =
+            std::count_if(lengths.begin(), lengths.end(), [=](const MeasuredLength& l) { return l.status == status; });
+        text += count > 0 ? fmt::format("{}{} {}", text.empty() ? "" : ", ", count, statusWord(status)) : "";
+    }
+    return text;
+}
+
 void checkResult(const LengthOptions& o, const std::vector<MeasuredLength>& lengths, const Console& console) {
     const auto count = [&](LengthStatus status) {
         return std::count_if(lengths.begin(), lengths.end(),
                              [=](const MeasuredLength& l) { return l.status == status; });
     };
-    const auto lost = count(LengthStatus::noPoint);
+    const auto lost = std::count_if(lengths.begin(), lengths.end(), [](const auto& l) { return !l.hasLength(); });
     if (lost == static_cast<std::ptrdiff_t>(lengths.size())) {
         failData(
-            "{}: none of {} lengths has a point at both ends: are left and right exchanged, or is this the "
+            "{}: none of {} lengths has a good point at both ends ({}): are left and right exchanged, or is this the "
             "calibration of other cameras? zelm triangulate tells more",
-            o.pairs, lengths.size());
+            o.pairs, lengths.size(), lostText(lengths));
     }
     if (lost > 0) {
-        console.warn(fmt::format("{}: {} of {} lengths lack a point at an end; zelm triangulate tells why", o.pairs,
-                                 lost, lengths.size()));
+        console.warn(fmt::format("{}: {} of {} lengths lack a good point at an end ({}); zelm triangulate tells why",
+                                 o.pairs, lost, lengths.size(), lostText(lengths)));
     }
     if (count(LengthStatus::tooShort) > 0) {
         console.warn(
@@ -295,10 +327,14 @@ void runLength(const LengthOptions& o, const Console& console) {
     if (!o.csv.empty()) {
         outputs.prepareFolder(fs::path(o.csv).parent_path());
     }
-    const std::vector<SpacePoint> points = pointsOf(pairs, o.dots, rig, o.rig);
+    const double noise = o.noise.value_or(rig.rig.covariance->noise);
+    const std::vector<SpacePoint> points = pointsOf(pairs, o.dots, noise, rig, o.rig);
     measure(lengths, pairs, points, o, rig);
     checkResult(o, lengths, console);
-    warnOfMisses(o.pairs, pairs, points, {o.noise.value_or(rig.rig.covariance->noise), o.dots.areGiven()}, console);
+    if (const std::string mismatch = mismatchText(points, maxErrorOf(o.dots, noise), o.rig); !mismatch.empty()) {
+        console.warn(fmt::format("{}: {}", o.pairs, mismatch));
+    }
+    warnOfMisses(o.pairs, pairs, points, {noise, o.dots.areGiven()}, console);
     if (!o.csv.empty()) {
         outputs.add(o.csv, csvOf(lengths, pairs));
     }

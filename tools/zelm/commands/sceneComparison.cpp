@@ -152,7 +152,7 @@ std::vector<Target> targetsOf(const std::vector<ScenePoint>& points, const Loade
         }
     }
     const std::vector<Point3d> fromOutlines = positionsOf(rig, file, outlines);
-    const std::vector<SpacePoint> circles = measureTargets(rig, file, left, right, seeds, false);
+    const std::vector<SpacePoint> circles = measureTargets(rig, file, left, right, seeds, false, {});
     const auto leftCentres = dotCentres(left, leftSeeds);
     const auto rightCentres = dotCentres(right, rightSeeds);
     for (std::size_t i = 0; i < targets.size(); ++i) {

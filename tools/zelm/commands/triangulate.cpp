@@ -107,7 +107,8 @@ Uncertainties uncertaintiesOf(const std::vector<PixelPair>& pairs, const std::ve
     }
     Uncertainties known = uncertaintyOf(rig, pairs, imageNoiseOf(points, o.noise));
     for (std::size_t i = 0; i < points.size(); ++i) {
-        known[i].isKnown = known[i].isKnown && points[i].status != PointStatus::noDot;
+        const bool isRight = points[i].status == PointStatus::ok || points[i].status == PointStatus::behind;
+        known[i].isKnown = known[i].isKnown && isRight;
     }
     return known;
 }
@@ -150,12 +151,12 @@ std::string summaryText(const Summary& s, std::size_t pairs, const TriangulateOp
         s.minDegrees, s.maxDegrees);
 }
 
-Json summaryJson(const Summary& s, std::size_t pairs, const TriangulateOptions& o) {
+Json summaryJson(const Summary& s, std::size_t pairs, double maxError, const TriangulateOptions& o) {
     Json counts;
     for (std::size_t i = 0; i < kPointStatuses; ++i) {
         counts[std::string(statusWord(static_cast<PointStatus>(i)))] = s.counts[i];
     }
-    Json json{{"pairs", pairs}, {"points", s.points()}, {"statuses", counts}};
+    Json json{{"pairs", pairs}, {"points", s.points()}, {"statuses", counts}, {"maxError", maxError}};
     for (const auto& [name, figures] : {std::pair("left", &s.left), std::pair("right", &s.right)}) {
         json[name] = {{"reprojectionRms", figures->rms}, {"reprojectionWorst", figures->max}};
     }
@@ -176,14 +177,15 @@ void runTriangulate(const TriangulateOptions& o, const Console& console) {
     if (!o.ply.empty()) {
         outputs.prepareFolder(fs::path(o.ply).parent_path());
     }
-    const std::vector<SpacePoint> points = pointsOf(pairs, o.dots, rig, o.rig);
+    const std::vector<SpacePoint> points = pointsOf(pairs, o.dots, noiseOf(o, rig), rig, o.rig);
+    const double maxError = maxErrorOf(o.dots, noiseOf(o, rig));
+    const std::string mismatch = mismatchText(points, maxError, o.rig);
     const Uncertainties known = uncertaintiesOf(pairs, points, o, rig);
     const Summary summary = summaryOf(points);
     if (summary.points() == 0) {
         failData(
-            "{}: none of {} pixel pairs gave a point ({}): are left and right exchanged, or is this the calibration of "
-            "other cameras?",
-            o.pairs, pairs.size(), failuresText(summary));
+            "{}: none of {} pixel pairs gave a point ({}): {}", o.pairs, pairs.size(), failuresText(summary),
+            mismatch.empty() ? "are left and right exchanged, or is this the calibration of other cameras?" : mismatch);
     }
     outputs.add(o.csv, csvOf(pairs, points, known, o.covariances));
     if (!o.ply.empty()) {
@@ -194,10 +196,13 @@ void runTriangulate(const TriangulateOptions& o, const Console& console) {
         console.warn(fmt::format("{}: {} of {} pixel pairs gave no point: {} (see the column status)", o.pairs,
                                  pairs.size() - summary.points(), pairs.size(), failuresText(summary)));
     }
+    if (!mismatch.empty()) {
+        console.warn(fmt::format("{}: {}", o.pairs, mismatch));
+    }
     warnOfMisses(o.pairs, pairs, points, {noiseOf(o, rig), o.dots.areGiven()}, console);
     console.say(summaryText(summary, pairs.size(), o));
     console.say(uncertaintyText(known, o, rig));
-    Json json = summaryJson(summary, pairs.size(), o);
+    Json json = summaryJson(summary, pairs.size(), maxError, o);
     addUncertainty(json, known, o, rig);
     console.result(jsonText(json));
 }

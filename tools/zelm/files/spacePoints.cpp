@@ -14,22 +14,43 @@ namespace {
 
 constexpr std::size_t kBytesPerLine = 96;  // about; of a CSV or PLY line
 
+// Columns of a target: both centres, and how much is seen of both outlines.
+std::string dotFields(const SpacePoint& point) {
+    std::string fields;
+    for (const std::optional<SeenDot>& dot : point.dots) {
+        fields += dot ? fmt::format(",{:.4f},{:.4f}", dot->centre.x, dot->centre.y) : ",,";
+    }
+    for (const std::optional<SeenDot>& dot : point.dots) {
+        fields += dot ? fmt::format(",{:.2f}", dot->share) : ",";
+    }
+    return fields;
+}
+
 }  // namespace
 
 std::string_view statusWord(PointStatus status) {
-    constexpr std::array<std::string_view, kPointStatuses> kWords{"ok", "behind", "distortion", "parallel", "no_dot"};
+    constexpr std::array<std::string_view, kPointStatuses> kWords{"ok",       "behind",  "distortion", "parallel",
+                                                                  "mismatch", "outside", "no_dot",     "hidden"};
     return kWords[static_cast<std::size_t>(status)];
 }
 
-std::vector<SpacePoint> triangulate(const LoadedRig& rig, const std::string& file,
-                                    const std::vector<PixelPair>& pairs) {
+std::vector<SpacePoint> triangulate(const LoadedRig& rig, const std::string& file, const std::vector<PixelPair>& pairs,
+                                    const PointLimits& limits) {
     const PairArrays pixels(pairs);
     const std::size_t count = pairs.size();
     std::vector<std::int32_t> statuses(count);
     std::vector<double> positions(3 * count);
     std::vector<double> errors(2 * count);
     std::vector<double> angles(count);
-    const ZelmMeasurePoints out{sizeof(out), 0, statuses.data(), positions.data(), errors.data(), angles.data()};
+    const ZelmMeasurePoints out{sizeof(out),
+                                0,
+                                statuses.data(),
+                                positions.data(),
+                                errors.data(),
+                                angles.data(),
+                                limits.maxError,
+                                limits.isInside ? 1 : 0,
+                                0};
     rig.require(zelmMeasureTriangulate(rig.handle.get(), pixels.count, pixels.left.data(), pixels.right.data(), &out),
                 file);
     std::vector<SpacePoint> points(count);
@@ -40,6 +61,7 @@ std::vector<SpacePoint> triangulate(const LoadedRig& rig, const std::string& fil
                      errors[2 * i],
                      errors[2 * i + 1],
                      angles[i] * kDegreesPerRadian,
+                     {},
                      {}};
     }
     return points;
@@ -64,18 +86,23 @@ std::string csvOf(const std::vector<PixelPair>& pairs, const std::vector<SpacePo
                   const std::vector<PointUncertainty>& known, bool withCovariances) {
     const bool isKnown = !known.empty();
     std::string csv = "id,X,Y,Z,error_left_px,error_right_px,angle_deg";
-    csv += (isKnown ? uncertaintyHeader(withCovariances) : "") + ",status\n";
+    const bool areTargets = std::any_of(points.begin(), points.end(),
+                                        [](const SpacePoint& point) { return point.dots[0] || point.dots[1]; });
+    csv += isKnown ? uncertaintyHeader(withCovariances) : "";
+    csv += areTargets ? ",left_x,left_y,right_x,right_y,seen_left,seen_right" : "";
+    csv += ",status\n";
     csv.reserve(csv.size() + kBytesPerLine * points.size());
     for (std::size_t i = 0; i < points.size(); ++i) {
         const SpacePoint& p = points[i];
         csv += csvField(pairs[i].id);
-        if (p.status == PointStatus::ok || p.status == PointStatus::behind) {
+        if (p.hasNumbers()) {
             fmt::format_to(std::back_inserter(csv), FMT_COMPILE(",{:.10g},{:.10g},{:.10g},{:.6f},{:.6f},{:.6f}"),
                            p.position.x, p.position.y, p.position.z, p.errorLeft, p.errorRight, p.degrees);
         } else {
             csv += ",,,,,,";
         }
         csv += isKnown ? uncertaintyFields(known[i], withCovariances) : "";
+        csv += areTargets ? dotFields(p) : "";
         fmt::format_to(std::back_inserter(csv), FMT_COMPILE(",{}\n"), statusWord(p.status));
     }
     return csv;

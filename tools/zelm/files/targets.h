@@ -16,7 +16,8 @@ namespace zelm::tool {
 // Measures the targets whose dots cover the pixels. Throws Failure, naming `file`, for a rig that cannot triangulate,
 // or when memory runs out.
 std::vector<SpacePoint> measureTargets(const LoadedRig& rig, const std::string& file, const Picture& left,
-                                       const Picture& right, const std::vector<PixelPair>& pairs, bool areBright);
+                                       const Picture& right, const std::vector<PixelPair>& pairs, bool areBright,
+                                       const PointLimits& limits);
 
 }  // namespace zelm::tool
 
