@@ -17,7 +17,9 @@
 #include "numberText.h"
 #include "outputFiles.h"
 #include "overlay.h"
+#include "pitchCause.h"
 #include "plateOptions.h"
+#include "referenceView.h"
 #include "subcommands.h"
 
 namespace zelm::tool {
@@ -36,6 +38,7 @@ struct CalibrateOptions {
     std::vector<int> rightRegion;
     bool overlays = false;
     bool strict = false;
+    std::optional<int> reference;  // the view whose plate is the world frame, as given
     AdjustSettings adjust;
 };
 
@@ -68,9 +71,12 @@ std::string estimateText(std::int32_t status) {
     }
 }
 
-void estimate(const PairReading& reading) {
+void estimate(const PairReading& reading, const CalibrateOptions& options, const Plate& plate) {
     Zelm2ViewCalibResult result{};
     if (const std::int32_t status = zelm2ViewCalibCameraParam(reading.calib.get(), &result); status < 0) {
+        if (const std::string cause = pitchCause(reading.calib.get(), plate); !cause.empty()) {
+            failData("{}: {}", options.plate.file, cause);
+        }
         failData("{} to {} ({} views): {}", reading.used.front().left.string(), reading.used.back().right.string(),
                  reading.used.size(), estimateText(status));
     }
@@ -91,16 +97,27 @@ Calibration calibrate(const CalibrateOptions& options, const PairSettings& setti
         outputs.keep(view.left);
         outputs.keep(view.right);
     }
-    PairReading reading = readPairs(views, settings, console);
-    estimate(reading);
-    LoadedRig rig = rigOf(reading.calib.get());
+    ReferenceReader reference(views, options.reference, settings, console);
+    PairReading reading = reference.read();
+    LoadedRig rig;
     std::optional<AdjustReport> adjustment;
-    if (!options.adjust.off) {
+    const auto solve = [&] {
+        estimate(reading, options, settings.plate);
+        rig = rigOf(reading.calib.get());
+        if (options.adjust.off) {
+            return;
+        }
         Adjusted adjusted = adjustRig(rig, reading, settings.plate, options.adjust, console);
         adjustment = std::move(adjusted.report);
         if (adjustment->refusal.empty()) {
             rig = std::move(adjusted.rig);
+        } else if (const std::string cause = pitchCause(reading.calib.get(), settings.plate); !cause.empty()) {
+            adjustment->refusal += "; " + cause;
         }
+    };
+    solve();
+    if (adjustment && reference.replace(reading, adjustment->leftOut)) {
+        solve();
     }
     Calibration c{settings.plate,
                   reading.used,
@@ -113,7 +130,11 @@ Calibration calibrate(const CalibrateOptions& options, const PairSettings& setti
                   tiltOf(rig, 'L'),
                   tiltOf(rig, 'R'),
                   std::move(adjustment),
+                  {},
+                  reference.described(reading),
+                  reference.sharpness(),
                   {}};
+    c.lengths = plateLengthsOf(rig, settings.plate, c.figures);
     // A parallel pair is calibrated from one view; the object has places for more.
     c.figures.left.views.resize(c.views.size());
     c.figures.right.views.resize(c.views.size());
@@ -180,6 +201,9 @@ void runCalibrate(const CalibrateOptions& options, const Console& console) {
     Calibration c = calibrate(options, settings, console, outputs);
     requireAgreement(c, options.plate.file);
     c.doubts = calibrationDoubts(c, options.plate.file);
+    for (const std::string& doubt : qualityDoubts(c.views, c.sharpness, c.lengths, c.plate.units)) {
+        c.doubts.push_back(doubt);
+    }
 
     const std::string summary = jsonText(summaryJson(c));
     outputs.add(folder / "rig.zcal", c.block);
@@ -222,6 +246,10 @@ void addCalibrate(CommandLine& commandLine, Console& console) {
     sub.option("--right-model", o->rightModel, "Right camera" + models).inRange(0, 2).showDefault();
     sub.rectangle("--left-region", o->leftRegion, "Part of the left images that holds the plate");
     sub.rectangle("--right-region", o->rightRegion, "Part of the right images that holds the plate");
+    sub.option("--reference", o->reference,
+               "View whose plate is the world frame, counted from 0 as given; default: view 0, or the sharpest other "
+               "one if that is skipped, blurred or left out")
+        .inRange(0, 1000000);
     addAdjustOptions(sub, o->adjust);
     sub.flag("--overlays", o->overlays, "Also draw the dots found into a copy of every image");
     sub.flag("--strict", o->strict, "Give up when one view cannot be read, instead of skipping it");

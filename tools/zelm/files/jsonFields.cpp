@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "failure.h"
+#include "letterCase.h"
 
 namespace zelm::tool {
 namespace {
@@ -33,6 +34,34 @@ bool isListOf(const Json& value, std::size_t count) {
 template <typename T>
 const char* nameOf() {
     return std::is_floating_point_v<T> ? "number" : std::is_unsigned_v<T> ? "whole number from 0 on" : "whole number";
+}
+
+// Single letters added, left out, changed or exchanged with their neighbour that make one name of the other (Damerau,
+// 1964), upper and lower case alike.
+std::size_t editsBetween(const std::string& a, const std::string& b) {
+    const std::string from = lowerCase(a);
+    const std::string to = lowerCase(b);
+    std::vector<std::vector<std::size_t>> edits(from.size() + 1, std::vector<std::size_t>(to.size() + 1));
+    for (std::size_t i = 0; i <= from.size(); ++i) {
+        for (std::size_t j = 0; j <= to.size(); ++j) {
+            if (i == 0 || j == 0) {
+                edits[i][j] = i + j;
+                continue;
+            }
+            const std::size_t changed = edits[i - 1][j - 1] + (from[i - 1] == to[j - 1] ? 0U : 1U);
+            edits[i][j] = std::min({edits[i - 1][j] + 1, edits[i][j - 1] + 1, changed});
+            if (i > 1 && j > 1 && from[i - 1] == to[j - 2] && from[i - 2] == to[j - 1]) {
+                edits[i][j] = std::min(edits[i][j], edits[i - 2][j - 2] + 1);
+            }
+        }
+    }
+    return edits[from.size()][to.size()];
+}
+
+// Whether a name is likely to be meant as another one. Names of up to three letters are too much alike.
+bool isMisspelt(const std::string& name, const std::string& meant) {
+    constexpr std::size_t kLettersAnEdit = 4;
+    return editsBetween(name, meant) <= meant.size() / kLettersAnEdit;
 }
 
 }  // namespace
@@ -70,6 +99,13 @@ std::string JsonFields::pathOf(const std::string& key) const {
 }
 
 void JsonFields::fail(const std::string& key, const std::string& expected) const {
+    if (!object.contains(key)) {
+        for (const auto& [name, value] : object.items()) {
+            if (!asked.contains(name) && isMisspelt(name, key)) {
+                failUsage("{}: {}: unknown field; did you mean {}?", file, pathOf(name), key);
+            }
+        }
+    }
     failUsage("{}: {}: expected {}", file, pathOf(key), expected);
 }
 
@@ -135,6 +171,12 @@ void JsonFields::read(const std::string& key, std::vector<std::array<int, 2>>& t
 void JsonFields::done() const {
     for (const auto& [key, value] : object.items()) {
         if (!asked.contains(key)) {
+            const auto meant = std::min_element(asked.begin(), asked.end(), [&](const auto& a, const auto& b) {
+                return editsBetween(key, a) < editsBetween(key, b);
+            });
+            if (meant != asked.end() && isMisspelt(key, *meant)) {
+                failUsage("{}: {}: unknown field; did you mean {}?", file, pathOf(key), *meant);
+            }
             std::string names;
             for (const std::string& name : asked) {
                 names += (names.empty() ? "" : ", ") + name;

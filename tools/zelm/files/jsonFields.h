@@ -35,9 +35,10 @@ public:
     const nlohmann::json* find(const std::string& key);
     // The field's path in the file: "where.key".
     std::string pathOf(const std::string& key) const;
-    // Throws Failure about this field.
+    // Throws Failure about this field; where it is missing, about a field with nearly its name that nobody asked for.
     [[noreturn]] void fail(const std::string& key, const std::string& expected) const;
 
+    // Throws Failure about a field that nobody asked for, with the name that it may be meant to have.
     void done() const;
 
 private:

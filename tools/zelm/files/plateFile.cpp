@@ -7,6 +7,7 @@
 #include "failure.h"
 #include "jsonFields.h"
 #include "outputFiles.h"
+#include "plateChecks.h"
 
 namespace zelm::tool {
 namespace {
@@ -18,7 +19,6 @@ constexpr int kDefaultMarkers = 3;
 constexpr int kDefaultMinDotArea = 20;           // pixels: a dot of radius 2.5, below which centres are poor
 constexpr double kDefaultMinEdgeStrength = 3.0;  // gray levels a pixel: well below a weak dot, above noise
 constexpr double kDefaultShareOfDots = 0.5;      // of the field's dots, that a view must yield
-constexpr double kMaxGridDots = 1e6;             // a field with more dots is a mistake in the units
 
 struct LengthField {
     const char* name;
@@ -67,22 +67,6 @@ int polarityAt(JsonFields& fields) {
     fields.fail("polarity", "\"dark\" or \"bright\" (the dots against the plate)");
 }
 
-void checkSizes(const fs::path& path, const Zelm2ViewPatternDesc& p) {
-    const std::string file = path.string();
-    if (p.d3 <= p.d2) {
-        failUsage("{}: markerDiameter {} must be larger than dotDiameter {}", file, p.d3, p.d2);
-    }
-    if (p.d2 >= std::min(p.d4, p.d5)) {
-        failUsage("{}: dotDiameter {} must be smaller than the dot pitch {}", file, p.d2, std::min(p.d4, p.d5));
-    }
-    if (p.d6 < 0.5 * p.d4 || p.d7 < 0.5 * p.d5) {
-        failUsage("{}: markerDistanceX and markerDistanceY must be at least one dot pitch", file);
-    }
-    if ((p.d0 / p.d4 + 1.0) * (p.d1 / p.d5 + 1.0) > kMaxGridDots) {
-        failUsage("{}: fieldWidth and fieldHeight hold over a million dots: are all lengths in the same units?", file);
-    }
-}
-
 // Dots of the field: the grid indices within half its extent on either side of the corner marker.
 double dotsOfField(const Zelm2ViewPatternDesc& p) {
     const auto along = [](double extent, double pitch) { return 2.0 * std::floor(0.5 * extent / pitch + 1e-9) + 1.0; };
@@ -97,9 +81,12 @@ Plate readPlate(const fs::path& path) {
     JsonFields fields(isTruth ? json["pattern"] : json, path.string(), isTruth ? "pattern" : "");
     Plate plate;
     for (const LengthField& length : kLengths) {
+        static_cast<void>(fields.find(isTruth ? length.shortName : length.name));  // known, so not misspelt
+    }
+    for (const LengthField& length : kLengths) {
         plate.pattern.*length.member = lengthAt(fields, isTruth ? length.shortName : length.name);
     }
-    checkSizes(path, plate.pattern);
+    checkPlateSizes(path.string(), plate.pattern, isTruth);
     const double share = std::max(4.0, std::floor(kDefaultShareOfDots * dotsOfField(plate.pattern)));
     plate.pattern.markers = positiveAt(fields, "markers", kDefaultMarkers);
     plate.pattern.polarity = polarityAt(fields);

@@ -29,20 +29,24 @@ std::string viewTable(const Calibration& c) {
         rightWidth = std::max(rightWidth, imageName(view.right).size());
     }
     std::string text = "reprojection error in pixels\n";
-    text += fmt::format("view  {:<{}}  dots    mean     rms   worst  {:<{}}  dots    mean     rms   worst  epipolar\n",
-                        "left", leftWidth, "right", rightWidth);
+    text += fmt::format(
+        "view  {:<{}}  dots    mean     rms   worst  {:<{}}  dots    mean     rms   worst  epipolar  blur left  blur "
+        "right  lengths\n",
+        "left", leftWidth, "right", rightWidth);
     for (std::size_t i = 0; i < c.views.size(); ++i) {
         const DistanceFigures& epipolar = c.figures.epipolarViews[i];
-        text +=
-            fmt::format("{:>4}  {}  {}  {:>8}\n", i, imageCells(c.views[i].left, c.figures.left.views[i], leftWidth),
-                        imageCells(c.views[i].right, c.figures.right.views[i], rightWidth),
-                        epipolar.count > 0 ? fmt::format("{:.4f}", epipolar.rms) : "-");
+        text += fmt::format("{:>4}  {}  {}  {:>8}  {:>9}  {:>10}  {:>7}\n", i,
+                            imageCells(c.views[i].left, c.figures.left.views[i], leftWidth),
+                            imageCells(c.views[i].right, c.figures.right.views[i], rightWidth),
+                            epipolar.count > 0 ? fmt::format("{:.4f}", epipolar.rms) : "-", blurText(c, i, 0),
+                            blurText(c, i, 1), lengthText(c, i));
     }
     const auto total = [](const DistanceFigures& d, std::size_t width) {
         return fmt::format("{:<{}}  {:>4}  {:>6.4f}  {:>6.4f}  {:>6.4f}", "", width, d.count, d.mean, d.rms, d.max);
     };
-    text += fmt::format("all   {}  {}  {:>8.4f}\n", total(c.figures.left.distances, leftWidth),
-                        total(c.figures.right.distances, rightWidth), c.figures.epipolar.rms);
+    text += fmt::format("all   {}  {}  {:>8.4f}  {:>9}  {:>10}  {:>7}\n", total(c.figures.left.distances, leftWidth),
+                        total(c.figures.right.distances, rightWidth), c.figures.epipolar.rms, "", "",
+                        c.lengths.all.count > 0 ? fmt::format("{:.2g}", c.lengths.all.rms) : "-");
     return text;
 }
 
@@ -59,6 +63,36 @@ Json imageJson(const std::filesystem::path& path, const ImageFigures& image) {
     return json;
 }
 
+Json lengthsJson(const ZelmMeasureLengthFigures& f) {
+    return {{"count", f.count}, {"rms", f.rms}, {"mean", f.mean}, {"worst", f.worst}};
+}
+
+Json blurJson(const ZelmMeasureSharpness& s) {
+    return {{"largest", s.largest}, {"smallest", s.smallest}, {"direction", s.direction}, {"smear", s.smear}};
+}
+
+// Adds how sharp a view's images are, and its lengths on the plate.
+void addQuality(const Calibration& c, std::size_t i, Json& view) {
+    constexpr const char* kSides[] = {"left", "right"};
+    for (std::size_t side = 0; side < 2; ++side) {
+        if (i < c.sharpness.size() && c.sharpness[i][side] && !view[kSides[side]].is_null()) {
+            view[kSides[side]]["blur"] = blurJson(*c.sharpness[i][side]);
+        }
+    }
+    if (i < c.lengths.views.size() && c.lengths.views[i]) {
+        view["lengths"] = lengthsJson(*c.lengths.views[i]);
+    }
+}
+
+Json referenceJson(const Calibration& c) {
+    const ViewFiles& view = c.views.front();
+    Json json{{"view", 0}, {"given", c.reference.given}, {"left", view.left.string()}, {"right", view.right.string()}};
+    if (!c.reference.reason.empty()) {
+        json["reason"] = c.reference.reason;
+    }
+    return json;
+}
+
 Json viewsJson(const Calibration& c) {
     Json views = Json::array();
     for (std::size_t i = 0; i < c.views.size(); ++i) {
@@ -68,6 +102,7 @@ Json viewsJson(const Calibration& c) {
         if (c.figures.epipolarViews[i].count > 0) {
             view["epipolarRms"] = c.figures.epipolarViews[i].rms;
         }
+        addQuality(c, i, view);
         views.push_back(view);
     }
     return views;
@@ -106,6 +141,36 @@ std::string imageName(const std::filesystem::path& path) {
     return path.filename().string();
 }
 
+std::string blurText(const Calibration& c, std::size_t view, std::size_t side) {
+    constexpr double kMinElongation = 1.25;  // less is how the plate is tilted
+    if (view >= c.sharpness.size() || !c.sharpness[view][side]) {
+        return "-";
+    }
+    const ZelmMeasureSharpness& s = *c.sharpness[view][side];
+    return s.largest > kMinElongation * s.smallest ? fmt::format("{:.2f}/{:.2f}", s.largest, s.smallest)
+                                                   : fmt::format("{:.2f}", s.largest);
+}
+
+std::string lengthText(const Calibration& c, std::size_t view) {
+    return view < c.lengths.views.size() && c.lengths.views[view] ? fmt::format("{:.2g}", c.lengths.views[view]->rms)
+                                                                  : "-";
+}
+
+std::vector<std::string> qualityLines(const Calibration& c) {
+    std::vector<std::string> lines;
+    if (const ZelmMeasureLengthFigures& f = c.lengths.all; f.count > 0) {
+        lines.push_back(fmt::format("lengths on the plate: RMS {:.2g} {}, worst {:+.2g} {} over {} views", f.rms,
+                                    c.plate.units, f.worst, c.plate.units, c.lengths.measured));
+    }
+    if (!c.reference.reason.empty()) {
+        const ViewFiles& view = c.views.front();
+        lines.push_back(fmt::format("the world frame is the plate of view {}, {}, {}; here it is view 0",
+                                    c.reference.given, imageName(view.left.empty() ? view.right : view.left),
+                                    c.reference.reason));
+    }
+    return lines;
+}
+
 std::string summaryText(const Calibration& c) {
     std::string text = viewTable(c);
     if (!c.skipped.empty()) {
@@ -117,6 +182,9 @@ std::string summaryText(const Calibration& c) {
     }
     text += fmt::format("epipolar RMS distance {:.4f} px over {} dot pairs of {} views (worst {:.4f} px)",
                         c.figures.epipolar.rms, c.figures.dotPairs, c.views.size(), c.figures.epipolar.max);
+    for (const std::string& line : qualityLines(c)) {
+        text += "\n" + line;
+    }
     return text;
 }
 
@@ -128,6 +196,7 @@ Json summaryJson(const Calibration& c) {
         {"plate", plateJson(c.plate)},
         {"views", viewsJson(c)},
         {"skipped", skippedJson(c)},
+        {"reference", referenceJson(c)},
         {"warnings", c.doubts},
         {"reprojection",
          {{"left", distancesJson(c.figures.left.distances)}, {"right", distancesJson(c.figures.right.distances)}}},
@@ -140,6 +209,9 @@ Json summaryJson(const Calibration& c) {
         {"right", rig["right"]}};
     if (rig.contains("pair")) {
         json["pair"] = rig["pair"];
+    }
+    if (c.lengths.all.count > 0) {
+        json["plateLengths"] = lengthsJson(c.lengths.all);
     }
     json["fundamental"] = rig["fundamental"];
     if (c.adjustment) {

@@ -12,6 +12,7 @@
 #include "pairReading.h"
 #include "rigFigures.h"
 #include "rigFile.h"
+#include "viewQuality.h"
 
 namespace zelm::tool {
 
@@ -29,10 +30,24 @@ struct Calibration {
     double rightTilt = 0.0;                  //
     std::optional<AdjustReport> adjustment;  // none was asked for
     std::vector<std::string> doubts{};       // what speaks against it, a line each
+    ReferenceView reference{};
+    std::vector<ViewSharpness> sharpness{};  // of the views; those that were completed later have none
+    PlateLengths lengths{};                  // between the dots, measured with the rig
 };
 
 // Of a view and a camera, the name of its image file; empty where there is none.
 std::string imageName(const std::filesystem::path& path);
+
+// Of an image that is blurred alike in all directions "0.62", else its largest and smallest blur, "4.11/0.62"; "-" for
+// none.
+std::string blurText(const Calibration& calibration, std::size_t view, std::size_t side);
+
+// RMS error of a view's lengths on the plate; "-" for none.
+std::string lengthText(const Calibration& calibration, std::size_t view);
+
+// What lengths between the dots of the plate are worth, and which view's plate is the world frame; empty lines are
+// left out.
+std::vector<std::string> qualityLines(const Calibration& calibration);
 
 std::string summaryText(const Calibration& calibration);
 nlohmann::ordered_json summaryJson(const Calibration& calibration);

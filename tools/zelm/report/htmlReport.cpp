@@ -172,15 +172,23 @@ std::string viewTable(const Calibration& c) {
     for (const char* side : {"left", "right"}) {
         html += fmt::format("<th class='name'>{} image</th><th>dots</th><th>mean</th><th>RMS</th><th>worst</th>", side);
     }
-    html += "<th>epipolar RMS</th></tr>";
+    html += fmt::format("<th>epipolar RMS</th><th>blur left</th><th>blur right</th><th>lengths, {}</th></tr>",
+                        escaped(c.plate.units));
     for (std::size_t i = 0; i < c.views.size(); ++i) {
         const DistanceFigures& epipolar = c.figures.epipolarViews[i];
-        html +=
-            fmt::format("<tr><td>{}</td>{}{}<td>{}</td></tr>", i, imageCells(c.views[i].left, c.figures.left.views[i]),
-                        imageCells(c.views[i].right, c.figures.right.views[i]),
-                        epipolar.count > 0 ? fmt::format("{:.4f}", epipolar.rms) : "–");
+        html += fmt::format("<tr><td>{}</td>{}{}<td>{}</td><td>{}</td><td>{}</td><td>{}</td></tr>", i,
+                            imageCells(c.views[i].left, c.figures.left.views[i]),
+                            imageCells(c.views[i].right, c.figures.right.views[i]),
+                            epipolar.count > 0 ? fmt::format("{:.4f}", epipolar.rms) : "–", blurText(c, i, 0),
+                            blurText(c, i, 1), lengthText(c, i));
     }
-    return html + "</table></div>";
+    html +=
+        "</table></div><p class='note'>Blur: standard deviation in pixels of the edges' spread, the largest over the "
+        "smallest where they differ by direction. Lengths: RMS error of distances between the dots.</p>";
+    for (const std::string& line : qualityLines(c)) {
+        html += fmt::format("<p class='note'>{}</p>", escaped(line));
+    }
+    return html;
 }
 
 std::string overlayFigure(const Calibration& c, const std::filesystem::path& path, const ImageFigures& image) {
