@@ -1,5 +1,6 @@
 // The exported function of a plate's pitches.
-#include <algorithm>
+#include <cstddef>
+#include <vector>
 
 #include "calibObject.h"
 #include "pitchRatio.h"
@@ -14,6 +15,7 @@ std::vector<ViewPlaces> placesOf(const Zelm2ViewCalib& calib, bool isLeft) {
     require(work != nullptr, "the object was loaded: it holds no dots");
     const Zelm2ViewPtnEntry* const entries = zelm::entriesOf(work, isLeft ? zelm::Camera::left : zelm::Camera::right);
     std::vector<ViewPlaces> views;
+    views.reserve(static_cast<std::size_t>(work->views));
     for (std::int32_t i = 0; i < work->views; ++i) {
         const Zelm2ViewPtnEntry& entry = entries[i];
         if (entry.count >= 4) {
