@@ -26,6 +26,7 @@
 #include "zelmMeasure/measureDiagnosis.h"
 #include "zelmMeasure/measureDots.h"
 #include "zelmMeasure/measureMatch.h"
+#include "zelmMeasure/measurePairing.h"
 #include "zelmMeasure/measurePitch.h"
 #include "zelmMeasure/measurePlan.h"
 #include "zelmMeasure/measurePoints.h"
