@@ -17,7 +17,7 @@ struct Arc {
 
 class CauseFinder {
 public:
-    explicit CauseFinder(const SetJudgement& given) : judgement(given) {}
+    explicit CauseFinder(const SetJudgement& given) : judgement(given), isShifted(given.views.size(), false) {}
 
     std::vector<SetCause> run() {
         if (!judgement.isDetermined) {
@@ -39,7 +39,9 @@ public:
         tellCopies();
         add({SetCauseKind::exchangedImages, {true, true}, 0, false, 0, viewsOf(ViewFate::exchanged)});
         add({SetCauseKind::otherSession, {}, 0, false, 0, viewsOf(ViewFate::otherSession)});
-        add({SetCauseKind::nothingFits, {}, 0, false, 0, viewsOf(ViewFate::nothingFits)});
+        SetCause nothing{SetCauseKind::nothingFits, {}, 0, false, 0, viewsOf(ViewFate::nothingFits)};
+        std::erase_if(nothing.views, [&](std::size_t view) { return isShifted[view]; });
+        add(std::move(nothing));
         std::stable_sort(causes.begin(), causes.end(),
                          [](const SetCause& a, const SetCause& b) { return a.views.size() > b.views.size(); });
         SetCause same{SetCauseKind::sameViews, {true, true}, 0, false, 0, {}};
@@ -140,8 +142,11 @@ private:
         std::erase_if(list, [&](const Arc& arc) { return turnOf(arc) == turn; });
         std::sort(views.begin(), views.end());
         views.erase(std::unique(views.begin(), views.end()), views.end());
-        shift.views = onlyOtherImages(views);
+        shift.views = partOfShift(views);
         add(shift);
+        for (const std::size_t view : shift.views) {
+            isShifted[view] = true;
+        }
         return shift.views;
     }
 
@@ -156,11 +161,17 @@ private:
         }
     }
 
-    std::vector<std::size_t> onlyOtherImages(const std::vector<std::size_t>& views) const {
-        std::vector<std::size_t> kept;
-        std::copy_if(views.begin(), views.end(), std::back_inserter(kept),
-                     [&](std::size_t i) { return judgement.views[i].fate == ViewFate::otherImage; });
-        return kept;
+    // With those between them whose partners the shift has pushed out of the set.
+    std::vector<std::size_t> partOfShift(const std::vector<std::size_t>& views) const {
+        std::vector<std::size_t> part;
+        for (std::size_t i = views.front(); i <= views.back(); ++i) {
+            const ViewFate fate = judgement.views[i].fate;
+            const bool isListed = std::find(views.begin(), views.end(), i) != views.end();
+            if (fate == ViewFate::nothingFits || (isListed && fate == ViewFate::otherImage)) {
+                part.push_back(i);
+            }
+        }
+        return part;
     }
 
     void tellStored() {
@@ -194,6 +205,7 @@ private:
     }
 
     const SetJudgement& judgement;
+    std::vector<bool> isShifted;  // of each view, that a shift explains it
     std::vector<SetCause> causes;
 };
 

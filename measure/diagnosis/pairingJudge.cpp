@@ -23,7 +23,8 @@ constexpr double kLooseLimit = 3.0;      // times the limit: for one that takes 
 constexpr double kSameNoise = 4.0;       // times the noise, and at least
 constexpr double kSamePixels = 0.1;      // this, by which two images differ that show the plate in the same place
 constexpr double kNominalFocal = 1.2;    // of the image's longer side, for tilts where the camera is not determined
-constexpr std::size_t kMinShared = 6;    // dots by which images are compared
+constexpr double kSameWithoutNoise = 0.4;  // pixels; the same where the noise is not known
+constexpr std::size_t kMinShared = 6;      // dots by which images are compared
 
 ImagePair asGiven(std::size_t left, std::size_t right) {
     return {MeantImage{kLeft, left, {}}, MeantImage{kRight, right, {}}};
@@ -80,8 +81,11 @@ public:
         markUnread();
         std::array<std::optional<SingleCamera>, kSides> alone{calibratedAlone(set, kLeft),
                                                               calibratedAlone(set, kRight)};
-        judgement.isDetermined = alone[kLeft] && alone[kRight];
         tellTilts(alone);
+        if (hasMirroredTwin(set.plate) && hasUnequalPitches()) {
+            determineMirrored(alone);
+        }
+        judgement.isDetermined = alone[kLeft] && alone[kRight];
         if (judgement.isDetermined) {
             cameras = {*alone[kLeft], *alone[kRight]};
             findConsensus();
@@ -91,6 +95,9 @@ public:
             explainOthers(fitter);
             tell();
             findSession();
+        }
+        if (!judgement.isDetermined) {
+            tellCopiesOfUndetermined();
         }
         tellSameViews();
         return std::move(judgement);
@@ -129,21 +136,64 @@ private:
         }
     }
 
-    void findConsensus() {
-        Consensus given = tryPairing(givenPairs(), false);
-        std::size_t readable = 0;
-        for (std::size_t i = 0; i < views(); ++i) {
-            readable += isReadable(i) ? 1U : 0U;
+    // In a mirror, columns of another pitch than the rows' are taken for rows: no camera sees a plate so.
+    bool hasUnequalPitches() const {
+        constexpr double kMaxDifference = 1e-3;
+        return std::fabs(set.plate.d4 / set.plate.d5 - 1.0) > kMaxDifference;
+    }
+
+    void mirror(Side side) {
+        for (ImageDots& dots : set.images[side]) {
+            dots = restored(set, side, dots, {0, true});
         }
-        consensus = std::move(given);
-        if (static_cast<double>(consensus.count()) >= kMinShare * static_cast<double>(readable) &&
+    }
+
+    // A side of which the images determine a camera only when they are mirrored back.
+    void determineMirrored(std::array<std::optional<SingleCamera>, kSides>& alone) {
+        for (const Side side : {kLeft, kRight}) {
+            if (alone[side] || !alone[side == kLeft ? kRight : kLeft]) {
+                continue;
+            }
+            const std::vector<ImageDots> plain = set.images[side];
+            mirror(side);
+            alone[side] = calibratedAlone(set, side);
+            judgement.isSideMirrored = alone[side].has_value();
+            judgement.mayBeMirrored = {side == kLeft, side == kRight};
+            if (!alone[side]) {
+                set.images[side] = plain;
+            }
+        }
+    }
+
+    void findConsensus() {
+        const std::vector<ImagePair> given = givenPairs();
+        consensus = tryPairing(given);
+        if (static_cast<double>(consensus.count()) >= kMinShare * static_cast<double>(given.size()) &&
             consensus.count() >= kMinAgreeing) {
             return;
         }
         vote(false);
-        if (hasMirroredTwin(set.plate)) {
-            voteMirrored();
+        if (hasMirroredTwin(set.plate) && !judgement.isSideMirrored && 2 * consensus.count() < given.size()) {
+            // With equal pitches, a mirrored left camera comes to the same as a mirrored right one.
+            voteMirrored(kRight);
+            if (hasUnequalPitches() && !judgement.isSideMirrored) {
+                voteMirrored(kLeft);
+            }
         }
+        if (consensus.count() < kMinAgreeing) {
+            // Cameras that three views hardly determine may be further off than is usual.
+            consensus =
+                adjusted(given, sharedBy(set, cameras[kLeft], cameras[kRight], indicesOf(given)).relative, false);
+        }
+    }
+
+    static std::vector<std::pair<std::size_t, std::size_t>> indicesOf(const std::vector<ImagePair>& pairs) {
+        std::vector<std::pair<std::size_t, std::size_t>> indices;
+        indices.reserve(pairs.size());
+        for (const ImagePair& pair : pairs) {
+            indices.emplace_back(pair[kLeft].image, pair[kRight].image);
+        }
+        return indices;
     }
 
     std::vector<ImagePair> givenPairs() const {
@@ -156,12 +206,19 @@ private:
         return pairs;
     }
 
-    Consensus tryPairing(const std::vector<ImagePair>& pairs, bool isSideMirrored) const {
-        std::vector<std::pair<std::size_t, std::size_t>> indices;
-        for (const ImagePair& pair : pairs) {
-            indices.emplace_back(pair[kLeft].image, pair[kRight].image);
+    // Of pairs as given, those that roughly agree.
+    Consensus tryPairing(const std::vector<ImagePair>& pairs) const {
+        const CandidatePairing shared = sharedBy(set, cameras[kLeft], cameras[kRight], indicesOf(pairs));
+        return adjusted(asGivenPairs(shared), shared.relative, false);
+    }
+
+    static std::vector<ImagePair> asGivenPairs(const CandidatePairing& candidate) {
+        std::vector<ImagePair> pairs;
+        pairs.reserve(candidate.pairs.size());
+        for (const auto& [left, right] : candidate.pairs) {
+            pairs.push_back(asGiven(left, right));
         }
-        return adjusted(pairs, sharedRelative(set, cameras[kLeft], cameras[kRight], indices), isSideMirrored);
+        return pairs;
     }
 
     Consensus adjusted(const std::vector<ImagePair>& pairs, const PlatePose& relative, bool isSideMirrored) const {
@@ -178,27 +235,24 @@ private:
 
     void vote(bool isSideMirrored) {
         for (const CandidatePairing& candidate : proposePairings(set, cameras[kLeft], cameras[kRight], kProposals)) {
-            std::vector<ImagePair> pairs;
-            for (const auto& [left, right] : candidate.pairs) {
-                pairs.push_back(asGiven(left, right));
+            if (candidate.pairs.size() <= consensus.count()) {
+                continue;  // no better, whatever an adjustment says
             }
-            Consensus other = adjusted(pairs, candidate.relative, isSideMirrored);
+            Consensus other = adjusted(asGivenPairs(candidate), candidate.relative, isSideMirrored);
             if (other.count() >= kMinAgreeing && other.count() > consensus.count()) {
                 consensus = std::move(other);
             }
         }
     }
 
-    // As if all right images were mirrored. A mirrored left camera comes to the same.
-    void voteMirrored() {
+    // As if all images of a side were mirrored.
+    void voteMirrored(Side side) {
         const Consensus before = consensus;
         const SetOfImages plainSet = set;
         const auto plainCameras = cameras;
-        for (ImageDots& dots : set.images[kRight]) {
-            dots = restored(set, kRight, dots, {0, true});
-        }
-        if (auto camera = calibratedAlone(set, kRight)) {
-            cameras[kRight] = std::move(*camera);
+        mirror(side);
+        if (auto camera = calibratedAlone(set, side)) {
+            cameras[side] = std::move(*camera);
             vote(true);
         }
         // Two pairs that agree by chance are no reason to believe in a mirror.
@@ -209,7 +263,8 @@ private:
             cameras = plainCameras;
         } else {
             judgement.isSideMirrored = true;
-            judgement.mayBeMirrored = sidesThatMayBeMirrored(plainSet);
+            judgement.mayBeMirrored = hasUnequalPitches() ? std::array<bool, kSides>{side == kLeft, side == kRight}
+                                                          : sidesThatMayBeMirrored(plainSet);
         }
     }
 
@@ -389,7 +444,8 @@ private:
     }
 
     bool isSame(Side side, std::size_t a, std::size_t b) const {
-        const double limit = std::max(kSamePixels, kSameNoise * consensus.fit.typical);
+        const double limit =
+            judgement.isDetermined ? std::max(kSamePixels, kSameNoise * consensus.fit.typical) : kSameWithoutNoise;
         return differenceOf(set.images[side][a], set.images[side][b]) <= limit;
     }
 
@@ -470,25 +526,39 @@ private:
 
     // Views that agree with one another on another relative pose: the cameras were moved between two sessions.
     void findSession() {
-        std::vector<ImagePair> pairs;
-        std::vector<std::pair<std::size_t, std::size_t>> indices;
+        std::vector<ImagePair> left;
         for (std::size_t i = 0; i < views(); ++i) {
             if (judgement.views[i].fate == ViewFate::nothingFits) {
-                pairs.push_back(asGiven(i, i));
-                indices.emplace_back(i, i);
+                left.push_back(asGiven(i, i));
             }
         }
+        const CandidatePairing shared = sharedBy(set, cameras[kLeft], cameras[kRight], indicesOf(left));
+        const std::vector<ImagePair> pairs = asGivenPairs(shared);
         if (pairs.size() < kMinAgreeing) {
             return;
         }
-        const PlatePose relative = sharedRelative(set, cameras[kLeft], cameras[kRight], indices);
-        const auto fit = PairingFitter(set, cameras[kLeft], cameras[kRight]).fitMost(pairs, relative);
+        const auto fit = PairingFitter(set, cameras[kLeft], cameras[kRight]).fitMost(pairs, shared.relative);
         if (!fit || fit->count() < kMinAgreeing) {
             return;
         }
         for (std::size_t k = 0; k < pairs.size(); ++k) {
             if (fit->fits[k]) {
                 judgement.views[pairs[k][kLeft].image].fate = ViewFate::otherSession;
+            }
+        }
+    }
+
+    // Of two images of a side that show the same, while the others of their views do not, either may be the copy.
+    void tellCopiesOfUndetermined() {
+        for (std::size_t i = 0; i < views(); ++i) {
+            for (std::size_t k = 0; k < i && isReadable(i); ++k) {
+                if (!isReadable(k) || isSame(kLeft, k, i) == isSame(kRight, k, i)) {
+                    continue;
+                }
+                ViewJudgement& view = judgement.views[i];
+                view.fate = ViewFate::copy;
+                view.side = isSame(kLeft, k, i) ? kLeft : kRight;
+                view.copyOf = k;
             }
         }
     }

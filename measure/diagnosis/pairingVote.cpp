@@ -13,6 +13,9 @@ namespace {
 
 constexpr double kFar = 0.04;              // of the focal length, within which images can belong together
 constexpr double kNear = 5e-4;             // of the focal length: nearer is no better
+constexpr double kAlwaysNear = 4e-3;       // of the focal length: what single cameras are wrong by
+constexpr double kMaxUsual = 1.5e-2;       // of the focal length, that most of what belongs together is within
+constexpr double kMaxOverUsual = 6.0;      // times the median distance
 constexpr std::size_t kMaxProposers = 12;  // left images whose combinations are tried; one that has a partner is enough
 constexpr std::size_t kMaxVoters = 30;     // left images that are asked about a proposal
 constexpr std::size_t kSpots = 5;          // of the plate, whose distances count
@@ -80,22 +83,24 @@ public:
         return tried;
     }
 
-    PlatePose shared(const Pairs& pairs) const {
-        PlatePose best{{1, 0, 0, 0, 1, 0, 0, 0, 1}, {}};
-        double least = kInfinite;
+    CandidatePairing shared(const Pairs& pairs) const {
+        CandidatePairing best;
         for (const auto& [i, j] : pairs) {
             if (!left[i] || !right[j]) {
                 continue;
             }
             const PlatePose relative = between(i, j);
             const PlatePose back = inverseOf(relative);
-            double sum = 0.0;
+            std::vector<Match> near;
             for (const auto& [k, l] : pairs) {
-                sum += left[k] && right[l] ? std::log(std::clamp(distance(relative, back, k, l), kNear, kFar)) : 0.0;
+                const double d = left[k] && right[l] ? distance(relative, back, k, l) : kInfinite;
+                if (d < kFar) {
+                    near.push_back({k, l, std::max(d, kNear)});
+                }
             }
-            if (sum < least) {
-                least = sum;
-                best = relative;
+            if (const double score = scoreOf(near, i); best.pairs.empty() || score > best.score) {
+                best = {relative, {}, score};
+                take(near, best);
             }
         }
         return best;
@@ -198,10 +203,27 @@ private:
             }
         }
         candidate.score = best;
-        std::sort(chosen.begin(), chosen.end(), [](const Match& a, const Match& b) { return a.left < b.left; });
+        take(std::move(chosen), candidate);
+    }
+
+    // Those that are about as near as most, if that is near enough for poses of single cameras to be right.
+    static void take(std::vector<Match> matched, CandidatePairing& candidate) {
         candidate.pairs.clear();
-        for (const Match& match : chosen) {
-            candidate.pairs.emplace_back(match.left, match.right);
+        if (matched.empty()) {
+            return;
+        }
+        std::vector<double> distances;
+        for (const Match& match : matched) {
+            distances.push_back(match.distance);
+        }
+        const auto middle = distances.begin() + static_cast<std::ptrdiff_t>((distances.size() - 1) / 2);
+        std::nth_element(distances.begin(), middle, distances.end());
+        const double most = *middle > kMaxUsual ? kMaxUsual : std::max(kMaxOverUsual * *middle, kAlwaysNear);
+        std::sort(matched.begin(), matched.end(), [](const Match& a, const Match& b) { return a.left < b.left; });
+        for (const Match& match : matched) {
+            if (match.distance <= most) {
+                candidate.pairs.emplace_back(match.left, match.right);
+            }
         }
     }
 
@@ -235,8 +257,8 @@ std::vector<CandidatePairing> proposePairings(const SetOfImages& set, const Sing
     return Voting(set, left, right).propose(count);
 }
 
-PlatePose sharedRelative(const SetOfImages& set, const SingleCamera& left, const SingleCamera& right,
-                         const std::vector<std::pair<std::size_t, std::size_t>>& pairs) {
+CandidatePairing sharedBy(const SetOfImages& set, const SingleCamera& left, const SingleCamera& right,
+                          const std::vector<std::pair<std::size_t, std::size_t>>& pairs) {
     return Voting(set, left, right).shared(pairs);
 }
 

@@ -21,9 +21,10 @@ struct CandidatePairing {
 std::vector<CandidatePairing> proposePairings(const SetOfImages& set, const SingleCamera& left,
                                               const SingleCamera& right, std::size_t count);
 
-// The relative pose that most of the given pairs of images share.
-PlatePose sharedRelative(const SetOfImages& set, const SingleCamera& left, const SingleCamera& right,
-                         const std::vector<std::pair<std::size_t, std::size_t>>& pairs);
+// Of given pairs of images, the relative pose that most of them share, and those that share it roughly. None may: then
+// an adjustment would start from nonsense.
+CandidatePairing sharedBy(const SetOfImages& set, const SingleCamera& left, const SingleCamera& right,
+                          const std::vector<std::pair<std::size_t, std::size_t>>& pairs);
 
 }  // namespace zelm::measure
 

@@ -391,7 +391,7 @@ SetTrial makeSetTrial(SetFault fault, std::uint64_t seed, int viewCount) {
                         trial.partners.push_back(order[kRight][i]);
                     }
                 }
-                if (fault == SetFault::cyclic && 2 * by >= count) {
+                if (fault == SetFault::cyclic && 2 * by > count) {
                     trial.offset = by - count;
                 }
             }
@@ -470,10 +470,20 @@ SetVerdict judgeTrial(const SetTrial& trial) {
         verdict.isRight = verdict.causes.empty() || !verdict.judgement.isDetermined;
         return verdict;
     }
-    if (verdict.causes.size() != 1 || verdict.causes.front().kind != trial.kind) {
+    // Three views of which two are alike determine no camera, which is told as well.
+    std::vector<SetCause> told = verdict.causes;
+    std::erase_if(told, [](const SetCause& cause) { return cause.kind == SetCauseKind::undetermined; });
+    if (told.size() != 1 || told.front().kind != trial.kind) {
         return verdict;
     }
-    const SetCause& cause = verdict.causes.front();
+    const SetCause& cause = told.front();
+    if (trial.kind == SetCauseKind::copies && !verdict.judgement.isDetermined) {  // either may be the copy
+        const std::size_t a = std::min(trial.views[0], trial.partners[0]);
+        const std::size_t b = std::max(trial.views[0], trial.partners[0]);
+        verdict.isRight = cause.sides[trial.side] && cause.views == std::vector<std::size_t>{b} &&
+                          verdict.judgement.views[b].copyOf == a;
+        return verdict;
+    }
     const auto& views = verdict.judgement.views;
     bool isRight = true;
     if (trial.kind == SetCauseKind::shifted) {

@@ -114,7 +114,7 @@ private:
     }
 
     bool complete(const SkippedView& view, std::array<std::int32_t, 2>& counts) {
-        if (view.files.left.empty() || view.files.right.empty()) {
+        if (view.isSetAside || view.files.left.empty() || view.files.right.empty()) {
             return false;
         }
         try {

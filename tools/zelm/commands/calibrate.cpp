@@ -12,11 +12,13 @@
 #include "failedPictures.h"
 #include "failure.h"
 #include "htmlReport.h"
+#include "imageNames.h"
 #include "imageSet.h"
 #include "jsonText.h"
 #include "numberText.h"
 #include "outputFiles.h"
 #include "overlay.h"
+#include "pairingCall.h"
 #include "pitchCause.h"
 #include "plateOptions.h"
 #include "referenceView.h"
@@ -39,6 +41,7 @@ struct CalibrateOptions {
     bool overlays = false;
     bool strict = false;
     std::optional<int> reference;  // the view whose plate is the world frame, as given
+    bool force = false;
     AdjustSettings adjust;
 };
 
@@ -71,14 +74,24 @@ std::string estimateText(std::int32_t status) {
     }
 }
 
-void estimate(const PairReading& reading, const CalibrateOptions& options, const Plate& plate) {
+// Whether views that are all alike may be why.
+bool isAboutTilts(std::int32_t status) {
+    return status == ZELM_ERR_CALIB_ESTIMATE || status == ZELM_ERR_CALIB_NOT_CONVERGED;
+}
+
+void estimate(const PairReading& reading, const CalibrateOptions& options, const Plate& plate,
+              const std::optional<ImageSetFindings>& findings) {
     Zelm2ViewCalibResult result{};
     if (const std::int32_t status = zelm2ViewCalibCameraParam(reading.calib.get(), &result); status < 0) {
         if (const std::string cause = pitchCause(reading.calib.get(), plate); !cause.empty()) {
             failData("{}: {}", options.plate.file, cause);
         }
-        failData("{} to {} ({} views): {}", reading.used.front().left.string(), reading.used.back().right.string(),
-                 reading.used.size(), estimateText(status));
+        constexpr double kEnoughTilt = 15.0;  // degrees
+        const bool isFlat = findings && isAboutTilts(status) && maxTilt(*findings) < kEnoughTilt;
+        const std::string tilts =
+            findings && isAboutTilts(status) ? fmt::format(" (the plate's tilts: {})", tiltList(*findings)) : "";
+        failData("{} to {} ({} views): {}{}", reading.used.front().left.string(), reading.used.back().right.string(),
+                 reading.used.size(), estimateText(isFlat ? ZELM_ERR_CALIB_ESTIMATE : status), tilts);
     }
 }
 
@@ -89,6 +102,18 @@ double tiltOf(const LoadedRig& rig, char side) {
     return tilt;
 }
 
+// Ends here unless the result is wanted all the same.
+void refuseFatal(const Verdict& verdict, bool isForced) {
+    if (const Doubt* doubt = verdict.fatal(); doubt != nullptr && !isForced) {
+        FailureCause cause{doubt->cause, {}};
+        for (const fs::path& image : doubt->images) {
+            cause.images.push_back(image.string());
+        }
+        throw Failure(ExitCode::data,
+                      fmt::format("{}; nothing was written (--force writes it all the same)", doubt->text), cause);
+    }
+}
+
 Calibration calibrate(const CalibrateOptions& options, const PairSettings& settings, const Console& console,
                       OutputFiles& outputs) {
     const std::vector<ViewFiles> views =
@@ -97,12 +122,25 @@ Calibration calibrate(const CalibrateOptions& options, const PairSettings& setti
         outputs.keep(view.left);
         outputs.keep(view.right);
     }
+    if (!options.force) {
+        requireTwoSides(views);
+    }
     ReferenceReader reference(views, options.reference, settings, console);
     PairReading reading = reference.read();
+    const std::optional<ImageSetFindings> findings = examineImages(reading, settings.plate);
+    Verdict verdict;
+    if (findings) {
+        ImageSetFaults faults = faultsOf(*findings, reading.used);
+        verdict.add(std::move(faults.doubts));
+        refuseFatal(verdict, options.force);
+        if (verdict.fatal() == nullptr) {
+            reference.setAside(reading, faults.setAside);
+        }
+    }
     LoadedRig rig;
     std::optional<AdjustReport> adjustment;
     const auto solve = [&] {
-        estimate(reading, options, settings.plate);
+        estimate(reading, options, settings.plate, findings);
         rig = rigOf(reading.calib.get());
         if (options.adjust.off) {
             return;
@@ -130,7 +168,7 @@ Calibration calibrate(const CalibrateOptions& options, const PairSettings& setti
                   tiltOf(rig, 'L'),
                   tiltOf(rig, 'R'),
                   std::move(adjustment),
-                  {},
+                  std::move(verdict),
                   reference.described(reading),
                   reference.sharpness(),
                   {}};
@@ -199,11 +237,9 @@ void runCalibrate(const CalibrateOptions& options, const Console& console) {
     outputs.keep(options.plate.file);
     outputs.prepareFolder(folder);
     Calibration c = calibrate(options, settings, console, outputs);
-    requireAgreement(c, options.plate.file);
-    c.doubts = calibrationDoubts(c, options.plate.file);
-    for (const std::string& doubt : qualityDoubts(c.views, c.sharpness, c.lengths, c.plate.units)) {
-        c.doubts.push_back(doubt);
-    }
+    c.verdict.add(calibrationDoubts(c, options.plate.file));
+    c.verdict.add(qualityDoubts(c.views, c.sharpness, c.lengths, c.plate.units));
+    refuseFatal(c.verdict, options.force);
 
     const std::string summary = jsonText(summaryJson(c));
     outputs.add(folder / "rig.zcal", c.block);
@@ -220,11 +256,12 @@ void runCalibrate(const CalibrateOptions& options, const Console& console) {
     }
     outputs.commit();
     warnOfTilt(c, console);
-    for (const std::string& doubt : c.doubts) {
-        console.warn(doubt);
+    for (const Doubt& doubt : c.verdict.doubts) {
+        console.warn(doubt.text);
     }
 
     console.say(summaryText(c));
+    console.say(fmt::format("verdict: {}", statusWord(c.verdict.status)));
     console.say(fmt::format("wrote rig.zcal, {}rig.json{} to {}", c.covariance.empty() ? "" : "rig.zcov, ",
                             options.overlays ? ", report.html and overlays/" : " and report.html", folder.string()));
     console.result(summary);
@@ -252,6 +289,7 @@ void addCalibrate(CommandLine& commandLine, Console& console) {
         .inRange(0, 1000000);
     addAdjustOptions(sub, o->adjust);
     sub.flag("--overlays", o->overlays, "Also draw the dots found into a copy of every image");
+    sub.flag("--force", o->force, "Write the result also when it is not to be trusted; its verdict stays refused");
     sub.flag("--strict", o->strict, "Give up when one view cannot be read, instead of skipping it");
     sub.does([o, &console] { showingFailures(o->folder, [&] { runCalibrate(*o, console); }); });
 }

@@ -18,6 +18,7 @@
 #include "rigFile.h"
 #include "sceneComparison.h"
 #include "subcommands.h"
+#include "verdict.h"
 
 namespace zelm::tool {
 namespace {
@@ -109,6 +110,20 @@ std::string comparisonText(const std::vector<Comparison>& list) {
     return text;
 }
 
+// What no calibration of these cameras would be off by, whatever its noise.
+void warnOfHopeless(const std::vector<Comparison>& list, const fs::path& rig, const Console& console) {
+    constexpr double kMaxRelative = 0.1;
+    for (const Comparison& c : list) {
+        if (c.relative && !(std::fabs(c.difference()) <= kMaxRelative * std::fabs(c.truth))) {
+            console.warn(
+                fmt::format("{}: the {} is off by {:.0f} %: this is no calibration of the cameras of this "
+                            "truth, or its images did not belong together",
+                            rig.string(), c.quantity, 100.0 * c.difference() / c.truth));
+            return;
+        }
+    }
+}
+
 struct CompareOptions {
     std::string rig;
     std::string truth;
@@ -120,6 +135,9 @@ void runCompare(const CompareOptions& o, const Console& console) {
     const fs::path rigPath = o.rig;
     const fs::path truthPath = o.truth;
     const LoadedRig rig = loadRig(rigPath);
+    if (const auto doubt = savedDoubt(rigPath)) {
+        console.warn(*doubt);
+    }
     const nlohmann::json truth =
         parseCommentedJson(truthPath.string(), readWholeFile(truthPath, "the truth of rendered views"));
     if (!o.points.empty()) {
@@ -131,6 +149,7 @@ void runCompare(const CompareOptions& o, const Console& console) {
         return;
     }
     const std::vector<Comparison> list = compare(rig.rig, truth, truthPath);
+    warnOfHopeless(list, rigPath, console);
     console.say(comparisonText(list));
     Json json = Json::array();
     for (const Comparison& c : list) {

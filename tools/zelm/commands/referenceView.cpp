@@ -95,6 +95,39 @@ bool ReferenceReader::replace(PairReading& reading, const std::vector<std::strin
     return true;
 }
 
+void ReferenceReader::setAside(PairReading& reading, const std::vector<std::string>& reasons) {
+    if (std::all_of(reasons.begin(), reasons.end(), [](const std::string& r) { return r.empty(); })) {
+        return;
+    }
+    if (wanted && !reasons.front().empty()) {
+        failData("{}: --reference {}: the plate of this view cannot be the world frame: choose another view",
+                 reasons.front(), *wanted);
+    }
+    std::vector<ViewFiles> good;
+    std::vector<ViewSharpness> goodSharp;
+    std::vector<SkippedView> skipped = std::move(reading.skipped);
+    for (std::size_t i = 0; i < reading.used.size(); ++i) {
+        if (reasons[i].empty()) {
+            good.push_back(reading.used[i]);
+            goodSharp.push_back(sharp[i]);
+        } else {
+            skipped.push_back({reading.used[i], reasons[i], {}, true});
+        }
+    }
+    sharp = std::move(goodSharp);
+    if (!reasons.front().empty()) {
+        const std::size_t first = numberOf(reading.used.front());
+        reason = fmt::format("as view {} ({}) takes no part", first, nameOf(given[first]));
+        if (const auto best = sharpest(std::vector<bool>(good.size(), true))) {
+            const auto at = static_cast<std::ptrdiff_t>(*best);
+            std::rotate(good.begin(), good.begin() + at, good.begin() + at + 1);
+            std::rotate(sharp.begin(), sharp.begin() + at, sharp.begin() + at + 1);
+        }
+    }
+    reading = readPairs(good, settings, console);
+    reading.skipped.insert(reading.skipped.begin(), skipped.begin(), skipped.end());
+}
+
 std::optional<std::size_t> ReferenceReader::sharpest(const std::vector<bool>& isFit) const {
     std::optional<std::size_t> best;
     double least = std::numeric_limits<double>::infinity();

@@ -27,6 +27,9 @@ public:
     // done again with `reading`.
     bool replace(PairReading& reading, const std::vector<std::string>& leftOut);
 
+    // Takes the views that have a reason out of the reading. Throws Failure when that of the user's reference has one.
+    void setAside(PairReading& reading, const std::vector<std::string>& reasons);
+
     // How sharp the views of the reading are.
     const std::vector<ViewSharpness>& sharpness() const { return sharp; }
 

@@ -66,8 +66,12 @@ struct SideWords {
     const char* left;
     const char* right;
 };
-constexpr std::array<SideWords, 6> kSideWords{
-    {{"left", "right"}, {"l", "r"}, {"cam0", "cam1"}, {"camera0", "camera1"}, {"cam1", "cam2"}, {"camera1", "camera2"}}};
+constexpr std::array<SideWords, 6> kSideWords{{{"left", "right"},
+                                               {"l", "r"},
+                                               {"cam0", "cam1"},
+                                               {"camera0", "camera1"},
+                                               {"cam1", "cam2"},
+                                               {"camera1", "camera2"}}};
 
 }  // namespace
 
@@ -100,11 +104,12 @@ void requireTwoSides(const std::vector<ViewFiles>& views) {
     const ViewFiles& first = *same.front();
     const bool isFile = areSameFile(first.left, first.right);
     if (same.size() == views.size()) {
-        failData("{}: given as left and as right image{}: give --left the images of one camera and --right those of "
-                 "the other one",
-                 first.left.string(),
-                 isFile ? ", and so are all others" : fmt::format(" ({} is a copy of it), and so are all others",
-                                                                  first.right.string()));
+        failData(
+            "{}: given as left and as right image{}: give --left the images of one camera and --right those of "
+            "the other one",
+            first.left.string(),
+            isFile ? ", and so are all others"
+                   : fmt::format(" ({} is a copy of it), and so are all others", first.right.string()));
     }
     failData("{}: {}, which is given as the right image of the same view{}: give the other camera's image",
              first.left.string(), isFile ? "the same file" : fmt::format("the same image as {}", first.right.string()),

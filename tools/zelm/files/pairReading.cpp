@@ -124,7 +124,7 @@ private:
             load(left);
             load(right);
         } catch (const Failure& failure) {
-            return {files, failure.what(), {}};
+            return {files, failure.what(), {}, false};
         }
         checkImage(left, leftSize, settings.leftRegion);
         checkImage(right, rightSize, settings.rightRegion);

@@ -36,6 +36,7 @@ struct SkippedView {
     ViewFiles files;
     std::string reason;                  // names the image at fault
     std::vector<ImageTrouble> troubles;  // of its images; none for a file that is no image
+    bool isSetAside = false;             // it was read, but must not take part
 };
 
 struct PairReading {

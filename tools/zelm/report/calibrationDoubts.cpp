@@ -5,8 +5,9 @@
 #include <algorithm>
 #include <cmath>
 #include <tuple>
+#include <utility>
 
-#include "failure.h"
+#include "imageNames.h"
 
 namespace zelm::tool {
 namespace {
@@ -17,6 +18,10 @@ bool isAdjusted(const Calibration& c) {
 
 std::string filesOf(const ViewFiles& view) {
     return fmt::format("{} and {}", view.left.string(), view.right.string());
+}
+
+Doubt ofView(const char* cause, const ViewFiles& view, std::string text) {
+    return {cause, std::move(text), {view.left, view.right}, false};
 }
 
 // The file or files that a self-check is about.
@@ -33,12 +38,13 @@ std::string filesOf(const ZelmMeasureCheck& check, const Calibration& c, const s
     }
 }
 
-std::vector<std::string> wrongChecks(const Calibration& c, const std::string& plateFile) {
-    std::vector<std::string> lines;
+std::vector<Doubt> wrongChecks(const Calibration& c, const std::string& plateFile) {
+    std::vector<Doubt> lines;
     if (isAdjusted(c)) {
         for (const ZelmMeasureCheck& check : c.adjustment->checks) {
             if (check.verdict == ZELM_MEASURE_CHECK_WRONG) {
-                lines.push_back(fmt::format("{}: {}", filesOf(check, c, plateFile), check.text));
+                lines.push_back(
+                    {"self-check", fmt::format("{}: {}", filesOf(check, c, plateFile), check.text), {}, false});
             }
         }
     }
@@ -47,7 +53,7 @@ std::vector<std::string> wrongChecks(const Calibration& c, const std::string& pl
 
 // No check sees a common factor of all distances. But print that bleeds widens all dots by about as much, not by the
 // same factor: when dots and markers are off by one factor, the distances are.
-std::vector<std::string> wrongScale(const Calibration& c, const std::string& plateFile) {
+std::vector<Doubt> wrongScale(const Calibration& c, const std::string& plateFile) {
     if (!isAdjusted(c)) {
         return {};
     }
@@ -63,18 +69,23 @@ std::vector<std::string> wrongScale(const Calibration& c, const std::string& pla
         std::fabs(dots->value - markers->value) > kMaxDeviations * std::hypot(dots->deviation, markers->deviation)) {
         return {};
     }
-    return {fmt::format(
-        "{}: dots and markers are off by the same factor: if their diameters are right, it is the field, the pitches "
-        "and the marker distances that are {:.4g} times the plate's, and with them all lengths that are measured",
-        plateFile, 1.0 + dots->value)};
+    return {{"plate-scale",
+             fmt::format("{}: dots and markers are off by the same factor: if their diameters are right, it is the "
+                         "field, the pitches and the marker distances that are {:.4g} times the plate's, and with them "
+                         "all lengths that are measured",
+                         plateFile, 1.0 + dots->value),
+             {},
+             false}};
 }
 
-std::vector<std::string> leftOutViews(const Calibration& c) {
-    std::vector<std::string> lines;
+std::vector<Doubt> leftOutViews(const Calibration& c) {
+    std::vector<Doubt> lines;
     if (isAdjusted(c)) {
         for (std::size_t view = 0; view < c.adjustment->leftOut.size(); ++view) {
             if (const std::string& reason = c.adjustment->leftOut[view]; !reason.empty()) {
-                lines.push_back(fmt::format("{}: view {} takes no part: {}", filesOf(c.views[view]), view, reason));
+                lines.push_back(
+                    ofView("view-left-out", c.views[view],
+                           fmt::format("{}: view {} takes no part: {}", filesOf(c.views[view]), view, reason)));
             }
         }
     }
@@ -82,28 +93,34 @@ std::vector<std::string> leftOutViews(const Calibration& c) {
 }
 
 // Dots are read to some hundredths of a pixel. What leaves this much is no noise.
-std::vector<std::string> farDots(const Calibration& c, const std::string& plateFile) {
+std::vector<Doubt> farDots(const Calibration& c, const std::string& plateFile) {
     constexpr double kMaxRms = 0.5;  // pixels
     const double rms = std::max(c.figures.left.distances.rms, c.figures.right.distances.rms);
     if (rms <= kMaxRms) {
         return {};
     }
-    return {fmt::format(
-        "{}: the dots lie {:.2f} px RMS from where the calibration puts them, some hundredths are usual: is this the "
-        "file of the plate in the images, and does the camera model fit the lens?",
-        plateFile, rms)};
+    return {{"far-dots",
+             fmt::format("{}: the dots lie {:.2f} px RMS from where the calibration puts them, some hundredths are "
+                         "usual: is this the file of the plate in the images, and does the camera model fit the lens?",
+                         plateFile, rms),
+             {},
+             false}};
 }
 
-// Only a pair taken from view 0 alone can be so far off: each camera fits its dots, both together do not.
-std::vector<std::string> farLines(const Calibration& c) {
+// Only a pair taken from view 0 alone can be so far off: each camera fits its dots, both together do not. Where an
+// adjustment was tried and failed, that is why.
+std::vector<Doubt> farLines(const Calibration& c) {
     constexpr double kMaxRms = 2.0;  // pixels: view 0 places a pair to some tenths over the other views
     if (c.figures.epipolar.rms <= kMaxRms) {
         return {};
     }
-    return {fmt::format(
-        "{} to {}: the dots of both images lie {:.1f} px RMS from each other's epipolar lines: are --left and --right "
-        "in the same order of views, both images of a view taken at once, and none of them mirrored?",
-        c.views.front().left.string(), c.views.back().right.string(), c.figures.epipolar.rms)};
+    return {{"far-lines",
+             fmt::format("{} to {}: the dots of both images lie {:.1f} px RMS from each other's epipolar lines: are "
+                         "--left and --right in the same order of views, both images of a view taken at once, and none "
+                         "of them mirrored?",
+                         c.views.front().left.string(), c.views.back().right.string(), c.figures.epipolar.rms),
+             {},
+             c.adjustment.has_value() && !isAdjusted(c)}};
 }
 
 // The farthest column or row that any image shows, on either side of the corner marker.
@@ -122,28 +139,32 @@ int shownHalf(const Calibration& c, int GridIndex::*along) {
 }
 
 // A plate mistaken for another one, or seen in a mirror, lacks dots at both ends of its field in every image.
-std::vector<std::string> missingEnds(const Calibration& c, const std::string& plateFile) {
+std::vector<Doubt> missingEnds(const Calibration& c, const std::string& plateFile) {
     const Zelm2ViewPatternDesc& p = c.plate.pattern;
     const auto half = [](double extent, double pitch) {
         return static_cast<int>(std::floor(0.5 * extent / pitch + 1e-9));
     };
-    std::vector<std::string> lines;
+    std::vector<Doubt> lines;
     for (const auto& [field, described, shown] :
          {std::tuple("fieldWidth", half(p.d0, p.d4), shownHalf(c, &GridIndex::x)),
           std::tuple("fieldHeight", half(p.d1, p.d5), shownHalf(c, &GridIndex::y))}) {
         if (shown < described) {
-            lines.push_back(fmt::format(
-                "{}: no image shows the outermost dots, on either side, that {} promises: are fieldWidth and "
-                "fieldHeight those of this plate, not exchanged, and the images not mirrored?",
-                plateFile, field));
+            lines.push_back({"missing-dots",
+                             fmt::format("{}: no image shows the outermost dots, on either side, that {} promises: are "
+                                         "fieldWidth and fieldHeight those of this plate, not exchanged, and the "
+                                         "images not mirrored?",
+                                         plateFile, field),
+                             {},
+                             false});
         }
     }
     return lines;
 }
 
-// Where the right camera stands, along the x axis of the left one.
-std::vector<std::string> exchangedCameras(const Calibration& c) {
-    if (!c.rig.pair) {
+// Where the right camera stands, along the x axis of the left one. A pair mounted upside down stands so as well: it is
+// the names of the images that tell.
+std::vector<Doubt> exchangedCameras(const Calibration& c) {
+    if (!c.rig.pair || !areNamedExchanged(c.views)) {
         return {};
     }
     const PairGeometry& pair = *c.rig.pair;
@@ -153,20 +174,19 @@ std::vector<std::string> exchangedCameras(const Calibration& c) {
     if (!(along(0) < -std::fabs(along(1)))) {
         return {};
     }
-    return {fmt::format(
-        "{}: the right camera stands {:.4g} {} to the left of the left one: if left and right are exchanged, exchange "
-        "--left and --right; if they are named so on purpose, keep to it wherever you measure",
-        filesOf(c.views.front()), -along(0), c.plate.units)};
+    return {
+        ofView("left-right-exchanged", c.views.front(),
+               fmt::format("{}: the right camera stands {:.4g} {} to the left of the left one, and the names of the "
+                           "images say so too: exchange --left and --right; if they are named so on purpose, keep "
+                           "to it wherever you measure",
+                           filesOf(c.views.front()), -along(0), c.plate.units))};
 }
 
-}  // namespace
-
-void requireAgreement(const Calibration& c, const std::string& plateFile) {
+// An adjustment that could use both images of fewer than half of the views: the sets of images are not of the same
+// plate in the same places.
+std::vector<Doubt> disagreement(const Calibration& c, const std::string& plateFile) {
     if (!isAdjusted(c)) {
-        if (const std::vector<std::string> far = farLines(c); c.adjustment && !far.empty()) {
-            failData("{}; nothing was adjusted: {}", far.front(), c.adjustment->refusal);
-        }
-        return;
+        return {};
     }
     std::size_t pairs = 0;
     std::size_t agreed = 0;
@@ -181,28 +201,39 @@ void requireAgreement(const Calibration& c, const std::string& plateFile) {
         first = first == nullptr && !isAgreed ? &c.views[i] : first;
     }
     if (2 * agreed >= pairs) {
-        return;
+        return {};
     }
-    const std::vector<std::string> wrong = wrongChecks(c, plateFile);
-    failData(
-        "{}: only {} of {} views fit one pair of cameras, this one does not: are --left and --right in the same order "
-        "of views, both images of a view taken at once, none of them mirrored, and is {} the plate's file?{}",
-        filesOf(*first), agreed, pairs, plateFile, wrong.empty() ? "" : " The self-checks say of " + wrong.front());
+    const std::vector<Doubt> wrong = wrongChecks(c, plateFile);
+    Doubt doubt = ofView(
+        "disagreement", *first,
+        fmt::format("{}: only {} of {} views fit one pair of cameras, this one does not: are --left and --right in the "
+                    "same order of views, both images of a view taken at once, none of them mirrored, and is {} the "
+                    "plate's file?{}",
+                    filesOf(*first), agreed, pairs, plateFile,
+                    wrong.empty() ? "" : " The self-checks say of " + wrong.front().text));
+    doubt.isFatal = true;
+    return {doubt};
 }
 
-std::vector<std::string> calibrationDoubts(const Calibration& c, const std::string& plateFile) {
-    std::vector<std::string> lines;
+}  // namespace
+
+std::vector<Doubt> calibrationDoubts(const Calibration& c, const std::string& plateFile) {
+    std::vector<Doubt> doubts;
     const bool isParallelPair = c.rig.left.isParallel() && c.rig.right.isParallel();  // which is never adjusted
     if (c.adjustment && !isAdjusted(c) && !isParallelPair) {
-        lines.push_back(fmt::format(
-            "{}: not adjusted: {}; the result is that of the cameras one by one, and its uncertainty is not known",
-            plateFile, c.adjustment->refusal));
+        doubts.push_back({"not-adjusted",
+                          fmt::format("{}: not adjusted: {}; the result is that of the cameras one by one, and its "
+                                      "uncertainty is not known",
+                                      plateFile, c.adjustment->refusal),
+                          {},
+                          false});
     }
-    for (const auto& more : {leftOutViews(c), wrongChecks(c, plateFile), wrongScale(c, plateFile),
-                             farDots(c, plateFile), farLines(c), missingEnds(c, plateFile), exchangedCameras(c)}) {
-        lines.insert(lines.end(), more.begin(), more.end());
+    for (const auto& more :
+         {disagreement(c, plateFile), leftOutViews(c), wrongChecks(c, plateFile), wrongScale(c, plateFile),
+          farDots(c, plateFile), farLines(c), missingEnds(c, plateFile), exchangedCameras(c)}) {
+        doubts.insert(doubts.end(), more.begin(), more.end());
     }
-    return lines;
+    return doubts;
 }
 
 }  // namespace zelm::tool

@@ -9,14 +9,10 @@
 
 namespace zelm::tool {
 
-// Throws Failure when an adjustment could use both images of fewer than half of the views, or none and the dots are far
-// from their epipolar lines: the two sets of images are not of the same plate in the same places. `plateFile` is what
-// the plate was read from.
-void requireAgreement(const Calibration& calibration, const std::string& plateFile);
-
-// One line each: why nothing was adjusted, views that take no part, what the self-checks found wrong, dots far from
-// their projections, outer dots that no image shows, a right camera to the left of the left one.
-std::vector<std::string> calibrationDoubts(const Calibration& calibration, const std::string& plateFile);
+// What speaks against a calibration, a line each: too few views that agree (fatal), why nothing was adjusted, views that
+// take no part, what the self-checks found wrong, dots far from their projections, outer dots that no image shows, left
+// and right exchanged. `plateFile` is what the plate was read from.
+std::vector<Doubt> calibrationDoubts(const Calibration& calibration, const std::string& plateFile);
 
 }  // namespace zelm::tool
 

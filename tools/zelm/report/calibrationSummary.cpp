@@ -117,6 +117,14 @@ Json skippedJson(const Calibration& c) {
     return skipped;
 }
 
+Json warningsJson(const Calibration& c) {
+    Json warnings = Json::array();
+    for (const Doubt& doubt : c.verdict.doubts) {
+        warnings.push_back(doubt.text);
+    }
+    return warnings;
+}
+
 Json plateJson(const Plate& plate) {
     const Zelm2ViewPatternDesc& p = plate.pattern;
     return {{"fieldWidth", p.d0},
@@ -197,7 +205,8 @@ Json summaryJson(const Calibration& c) {
         {"views", viewsJson(c)},
         {"skipped", skippedJson(c)},
         {"reference", referenceJson(c)},
-        {"warnings", c.doubts},
+        {"verdict", verdictJson(c.verdict)},
+        {"warnings", warningsJson(c)},
         {"reprojection",
          {{"left", distancesJson(c.figures.left.distances)}, {"right", distancesJson(c.figures.right.distances)}}},
         {"epipolar",

@@ -12,6 +12,7 @@
 #include "pairReading.h"
 #include "rigFigures.h"
 #include "rigFile.h"
+#include "verdict.h"
 #include "viewQuality.h"
 
 namespace zelm::tool {
@@ -29,7 +30,7 @@ struct Calibration {
     double leftTilt = 0.0;                   // of a parallel camera, of the plate of view 0 against it, radians
     double rightTilt = 0.0;                  //
     std::optional<AdjustReport> adjustment;  // none was asked for
-    std::vector<std::string> doubts{};       // what speaks against it, a line each
+    Verdict verdict{};                       // whether it is to be trusted, and what speaks against it
     ReferenceView reference{};
     std::vector<ViewSharpness> sharpness{};  // of the views; those that were completed later have none
     PlateLengths lengths{};                  // between the dots, measured with the rig

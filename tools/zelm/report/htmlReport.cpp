@@ -37,6 +37,8 @@ rect.right, .key.right { fill: var(--right); background: var(--right); }
 .errors { stroke: #d6334a; stroke-width: 1.6; fill: none; } .dots { stroke: var(--ink); stroke-width: 5;
   stroke-linecap: round; } .scatter { stroke: var(--left); stroke-width: 2.4; stroke-linecap: round; opacity: .55; }
 .key { display: inline-block; width: .8rem; height: .8rem; margin: 0 .3rem 0 .8rem; vertical-align: -1px; }
+.verdict { font-size: 1.1rem; margin: .6rem 0; } .verdict.good b { color: #1a7f37; }
+.verdict.doubtful b { color: #9a6700; } .verdict.refused b { color: #c0182f; }
 .warning { border-left: 4px solid #e0a32a; padding: .3rem .8rem; background: #fff8e8; }
 img { width: 100%; border: 1px solid var(--line); }
 @media (max-width: 40rem) { .two { grid-template-columns: 1fr; } }
@@ -102,12 +104,12 @@ std::string tiles(const Calibration& c) {
 }
 
 std::string warnings(const Calibration& c) {
-    std::string html;
+    std::string html = fmt::format("<p class='verdict {0}'>Verdict: <b>{0}</b></p>", statusWord(c.verdict.status));
     for (const SkippedView& view : c.skipped) {
         html += fmt::format("<p class='warning'>Skipped: {}</p>", escaped(view.reason));
     }
-    for (const std::string& doubt : c.doubts) {
-        html += fmt::format("<p class='warning'>{}</p>", escaped(doubt));
+    for (const Doubt& doubt : c.verdict.doubts) {
+        html += fmt::format("<p class='warning'>{}</p>", escaped(doubt.text));
     }
     return html;
 }

@@ -91,8 +91,8 @@ private:
                 return tellMirroredSide(cause);
             case ZELM_MEASURE_SET_EXCHANGED_IMAGES:
                 return add("left-right-exchanged", list, !isEnoughLeft, true,
-                           fmt::format("{}: left and right image are exchanged{}: exchange them",
-                                       both(list.front()), moreViews(list)));
+                           fmt::format("{}: left and right image are exchanged{}: exchange them", both(list.front()),
+                                       moreViews(list)));
             case ZELM_MEASURE_SET_OTHER_SESSION:
                 return add("other-session", list, !isEnoughLeft, true,
                            fmt::format("{}: {} agree with each other, but not with the other views: were the cameras "
@@ -134,7 +134,7 @@ private:
             for (const std::size_t view : list) {
                 faults.setAside[view] = doubt.text;
             }
-            doubt.text += doubt.isFatal ? "; too few views are left without"
+            doubt.text += doubt.isFatal     ? "; too few views are left without"
                           : list.size() > 1 ? "; these views take no part"
                                             : "; this view takes no part";
         }
@@ -159,9 +159,7 @@ private:
     }
 
     std::string moreViews(const std::vector<std::size_t>& list) const {
-        return list.size() > 1
-                   ? fmt::format(", so in {}", viewWords({list.begin() + 1, list.end()}))
-                   : std::string();
+        return list.size() > 1 ? fmt::format(", so in {}", viewWords({list.begin() + 1, list.end()})) : std::string();
     }
 
     // "right_03.png fits left_04.png", of images that have a partner.
@@ -172,8 +170,8 @@ private:
             if (view.rightFits >= 0) {
                 words.push_back(fmt::format("{} fits {}", nameOf(views[i].right), nameOf(left(view.rightFits))));
             }
-            if (view.leftFits >= 0 && findings.views[static_cast<std::size_t>(view.leftFits)].rightFits !=
-                                          static_cast<std::int32_t>(i)) {
+            if (view.leftFits >= 0 &&
+                findings.views[static_cast<std::size_t>(view.leftFits)].rightFits != static_cast<std::int32_t>(i)) {
                 words.push_back(fmt::format("{} fits {}", nameOf(views[i].left), nameOf(right(view.leftFits))));
             }
         }
@@ -192,10 +190,11 @@ private:
         const std::string amount = by == 1 ? "one" : std::to_string(by);
         const std::size_t first = list.front();
         const bool isWhole = first == 0;
-        return fmt::format("{}: the images of a pair show different poses; {}: is a list shifted by {}{}? Give --left "
-                           "and --right the same views in the same order{}",
-                           both(first), listed(fitting(list)), amount,
-                           isWhole ? "" : ", an image missing or too many before this one", numbersHint(list));
+        return fmt::format(
+            "{}: the images of a pair show different poses; {}: is a list shifted by {}{}? Give --left "
+            "and --right the same views in the same order{}",
+            both(first), listed(fitting(list)), amount, isWhole ? "" : ", an image missing or too many before this one",
+            numbersHint(list));
     }
 
     std::string exchangeText(const std::vector<std::size_t>& list) const {
@@ -212,20 +211,22 @@ private:
     }
 
     std::string otherText(const std::vector<std::size_t>& list) const {
-        return fmt::format("{}: the images of a pair show different poses; {}: give --left and --right the same views "
-                           "in the same order{}",
-                           both(list.front()), listed(fitting(list)), numbersHint(list));
+        return fmt::format(
+            "{}: the images of a pair show different poses; {}: give --left and --right the same views "
+            "in the same order{}",
+            both(list.front()), listed(fitting(list)), numbersHint(list));
     }
 
     std::string nothingText(const std::vector<std::size_t>& list) const {
         const double misfit = findings.views[list.front()].misfit;
         const std::string apart = misfit >= 0.0 && misfit < 1e4 ? fmt::format(", {:.1f} px apart", misfit) : "";
-        return fmt::format("{}: the images of this pair show different poses{}, and fit no other image either{}: did "
-                           "the plate or a camera move between the two exposures, or is an image from another session? "
-                           "Take the view anew, or leave it out{}",
-                           both(list.front()), apart,
-                           list.size() > 1 ? fmt::format(" (so do {})", viewWords({list.begin() + 1, list.end()})) : "",
-                           numbersHint(list));
+        return fmt::format(
+            "{}: the images of this pair show different poses{}, and fit no other image either{}: did "
+            "the plate or a camera move between the two exposures, or is an image from another session? "
+            "Take the view anew, or leave it out{}",
+            both(list.front()), apart,
+            list.size() > 1 ? fmt::format(" (so do {})", viewWords({list.begin() + 1, list.end()})) : "",
+            numbersHint(list));
     }
 
     // That the numbers in the names of some pairs are not the same.
@@ -246,15 +247,14 @@ private:
             const fs::path& copy = image(cause.side, view);
             const fs::path& original = image(cause.side, other);
             const std::int32_t opposite = cause.side == 'L' ? 'R' : 'L';
-            const std::string what = areSameFile(copy, original) ? "the same file as"
+            const std::string what = areSameFile(copy, original)     ? "the same file as"
                                      : haveSameBytes(copy, original) ? "a copy of"
                                                                      : "another image of the very same pose as";
             Doubt doubt{"copy",
                         fmt::format("{}: as view {} this is {} {} of view {}, but {} shows another pose than {}: give "
                                     "the image that was taken together with {}",
-                                    copy.string(), view, what, nameOf(original), other,
-                                    nameOf(image(opposite, view)), nameOf(image(opposite, other)),
-                                    nameOf(image(opposite, view))),
+                                    copy.string(), view, what, nameOf(original), other, nameOf(image(opposite, view)),
+                                    nameOf(image(opposite, other)), nameOf(image(opposite, view))),
                         {copy, original},
                         !isEnoughLeft};
             finish(std::move(doubt), {view}, true);
@@ -291,9 +291,10 @@ private:
             doubt.images.push_back(views[i].right);
             words.push_back(fmt::format("{} as {}", nameOf(views[i].left), nameOf(left(same))));
         }
-        doubt.text = fmt::format("{} and {}: the plate stands where it stood before ({}): such a view adds nothing; "
-                                 "move and tilt the plate from view to view",
-                                 doubt.images[0].string(), doubt.images[1].string(), listed(words));
+        doubt.text = fmt::format(
+            "{} and {}: the plate stands where it stood before ({}): such a view adds nothing; "
+            "move and tilt the plate from view to view",
+            doubt.images[0].string(), doubt.images[1].string(), listed(words));
         faults.doubts.push_back(std::move(doubt));
     }
 

@@ -21,8 +21,8 @@ struct ImageSetFindings {
 };
 
 struct ImageSetFaults {
-    std::vector<Doubt> doubts;           // a line each
-    std::vector<std::string> setAside;   // of each view, why it must not take part; empty: it may
+    std::vector<Doubt> doubts;          // a line each
+    std::vector<std::string> setAside;  // of each view, why it must not take part; empty: it may
 };
 
 // `views` are those of the findings. Fatal are faults of a whole list, and such that leave too few views.

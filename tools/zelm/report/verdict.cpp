@@ -12,8 +12,9 @@ namespace zelm::tool {
 
 void Verdict::add(std::vector<Doubt> more) {
     std::move(more.begin(), more.end(), std::back_inserter(doubts));
-    std::stable_sort(doubts.begin(), doubts.end(), [](const Doubt& a, const Doubt& b) { return a.isFatal && !b.isFatal; });
-    status = doubts.empty()            ? VerdictStatus::good
+    std::stable_sort(doubts.begin(), doubts.end(),
+                     [](const Doubt& a, const Doubt& b) { return a.isFatal && !b.isFatal; });
+    status = doubts.empty()           ? VerdictStatus::good
              : doubts.front().isFatal ? VerdictStatus::refused
                                       : VerdictStatus::doubtful;
 }
@@ -24,9 +25,9 @@ const Doubt* Verdict::fatal() const {
 
 std::string Verdict::sentence() const {
     const auto more = [&] {
-        return doubts.size() > 1 ? fmt::format(" ({} more {})", doubts.size() - 1,
-                                               doubts.size() > 2 ? "warnings" : "warning")
-                                 : std::string();
+        return doubts.size() > 1
+                   ? fmt::format(" ({} more {})", doubts.size() - 1, doubts.size() > 2 ? "warnings" : "warning")
+                   : std::string();
     };
     switch (status) {
         case VerdictStatus::good:

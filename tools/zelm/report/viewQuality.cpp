@@ -198,13 +198,14 @@ PlateLengths plateLengthsOf(const LoadedRig& rig, const Plate& plate, const RigF
     return lengths;
 }
 
-std::vector<std::string> qualityDoubts(const std::vector<ViewFiles>& views, const std::vector<ViewSharpness>& sharpness,
-                                       const PlateLengths& lengths, const std::string& units) {
+std::vector<Doubt> qualityDoubts(const std::vector<ViewFiles>& views, const std::vector<ViewSharpness>& sharpness,
+                                 const PlateLengths& lengths, const std::string& units) {
     constexpr double kMinFactor = 3.0;  // of the others' median: good sets stay below 2
-    std::vector<std::string> lines;
+    std::vector<Doubt> doubts;
     for (const BlurredImage& blurred : blurredImages(sharpness)) {
         const ZelmMeasureSharpness& s = *sharpness[blurred.view][blurred.side];
-        lines.push_back(blurText(blurred, s, pathOf(views[blurred.view], blurred.side).string()));
+        const std::filesystem::path& image = pathOf(views[blurred.view], blurred.side);
+        doubts.push_back({"blurred-view", blurText(blurred, s, image.string()), {image}, false});
     }
     for (std::size_t view = 0; view < lengths.views.size(); ++view) {
         std::vector<double> others;
@@ -216,14 +217,15 @@ std::vector<std::string> qualityDoubts(const std::vector<ViewFiles>& views, cons
         const auto& own = lengths.views[view];
         const std::optional<double> usual = medianOf(std::move(others));
         if (own && usual && own->rms > kMinFactor * *usual) {
-            lines.push_back(fmt::format(
+            std::string text = fmt::format(
                 "{} and {}: view {}: lengths on the plate are off by {:.2g} {} RMS, {:.2g} in the other views: look at "
                 "its images (blur, reflections, dots half hidden, a plate that moved), and leave it out or take it "
                 "anew",
-                views[view].left.string(), views[view].right.string(), view, own->rms, units, *usual));
+                views[view].left.string(), views[view].right.string(), view, own->rms, units, *usual);
+            doubts.push_back({"view-lengths", std::move(text), {views[view].left, views[view].right}, false});
         }
     }
-    return lines;
+    return doubts;
 }
 
 }  // namespace zelm::tool

@@ -12,6 +12,7 @@
 
 #include "pairReading.h"
 #include "rigFigures.h"
+#include "verdict.h"
 
 namespace zelm::tool {
 
@@ -45,7 +46,7 @@ struct PlateLengths {
 PlateLengths plateLengthsOf(const LoadedRig& rig, const Plate& plate, const RigFigures& figures);
 
 // In words, a line each: images that are less sharp than the others, and views whose lengths are much worse.
-std::vector<std::string> qualityDoubts(const std::vector<ViewFiles>& views, const std::vector<ViewSharpness>& sharpness,
+std::vector<Doubt> qualityDoubts(const std::vector<ViewFiles>& views, const std::vector<ViewSharpness>& sharpness,
                                        const PlateLengths& lengths, const std::string& units);
 
 }  // namespace zelm::tool
