@@ -80,7 +80,7 @@ bool isAboutTilts(std::int32_t status) {
 }
 
 void estimate(const PairReading& reading, const CalibrateOptions& options, const Plate& plate,
-              const std::optional<ImageSetFindings>& findings) {
+              const std::optional<ImageSetFindings>& findings, const Verdict& verdict) {
     Zelm2ViewCalibResult result{};
     if (const std::int32_t status = zelm2ViewCalibCameraParam(reading.calib.get(), &result); status < 0) {
         if (const std::string cause = pitchCause(reading.calib.get(), plate); !cause.empty()) {
@@ -90,8 +90,9 @@ void estimate(const PairReading& reading, const CalibrateOptions& options, const
         const bool isFlat = findings && isAboutTilts(status) && maxTilt(*findings) < kEnoughTilt;
         const std::string tilts =
             findings && isAboutTilts(status) ? fmt::format(" (the plate's tilts: {})", tiltList(*findings)) : "";
-        failData("{} to {} ({} views): {}{}", reading.used.front().left.string(), reading.used.back().right.string(),
-                 reading.used.size(), estimateText(isFlat ? ZELM_ERR_CALIB_ESTIMATE : status), tilts);
+        failData("{} to {} ({} views): {}{}{}", reading.used.front().left.string(), reading.used.back().right.string(),
+                 reading.used.size(), estimateText(isFlat ? ZELM_ERR_CALIB_ESTIMATE : status), tilts,
+                 verdict.doubts.empty() ? "" : "; besides: " + verdict.doubts.front().text);
     }
 }
 
@@ -140,7 +141,7 @@ Calibration calibrate(const CalibrateOptions& options, const PairSettings& setti
     LoadedRig rig;
     std::optional<AdjustReport> adjustment;
     const auto solve = [&] {
-        estimate(reading, options, settings.plate, findings);
+        estimate(reading, options, settings.plate, findings, verdict);
         rig = rigOf(reading.calib.get());
         if (options.adjust.off) {
             return;

@@ -23,11 +23,23 @@ struct CameraSize {
         if (width == 0) {
             *this = {picture.width, picture.height, path};
         } else if (picture.width != width || picture.height != height) {
-            failData("{}: {} x {} pixels, but {} is {} x {}: all images of a camera must have the same size",
-                     path.string(), picture.width, picture.height, file.string(), width, height);
+            const bool isTurned = picture.width == height && picture.height == width;
+            failData("{}: {} x {} pixels, but {} is {} x {}: all images of a camera must have the same size{}",
+                     path.string(), picture.width, picture.height, file.string(), width, height,
+                     isTurned ? "; is one of them turned by 90 degrees?" : "");
         }
     }
 };
+
+// Left to right.
+Picture mirrored(const Picture& picture) {
+    Picture other = picture;
+    const auto width = static_cast<std::ptrdiff_t>(picture.width);
+    for (auto row = other.pixels.begin(); row != other.pixels.end(); row += width) {
+        std::reverse(row, row + width);
+    }
+    return other;
+}
 
 // One image of a view; without pixels when the camera does not need it.
 struct ViewImage {
@@ -174,10 +186,20 @@ private:
         SkippedView view{files, {}, {}};
         for (const auto& [image, region] :
              {std::pair{&left, &settings.leftRegion}, std::pair{&right, &settings.rightRegion}}) {
-            if (image->path.empty() || readDots(*image->picture, settings.plate, *region).status >= 0) {
+            if (image->path.empty()) {
+                continue;
+            }
+            const std::int32_t own = readDots(*image->picture, settings.plate, *region).status;
+            if (own >= 0) {
                 continue;
             }
             view.troubles.push_back(troubleOf(*image->picture, image->path, settings.plate, *region));
+            // In a mirror the markers of most plates make no grid with the dots.
+            if (own == ZELM_ERR_PATTERN_GRID && !*region &&
+                readDots(mirrored(*image->picture), settings.plate, *region).status >= 0) {
+                view.troubles.back().cause = "mirrored";
+                view.troubles.back().text = "the image is mirrored: mirror it back";
+            }
             const ImageTrouble& trouble = view.troubles.back();
             view.reason +=
                 fmt::format("{}{}: {}", view.reason.empty() ? "" : "; ", trouble.image.string(), trouble.text);

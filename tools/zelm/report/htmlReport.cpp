@@ -106,6 +106,9 @@ std::string tiles(const Calibration& c) {
 std::string warnings(const Calibration& c) {
     std::string html = fmt::format("<p class='verdict {0}'>Verdict: <b>{0}</b></p>", statusWord(c.verdict.status));
     for (const SkippedView& view : c.skipped) {
+        if (view.isSetAside) {
+            continue;  // a warning below tells why, once for all such views
+        }
         html += fmt::format("<p class='warning'>Skipped: {}</p>", escaped(view.reason));
     }
     for (const Doubt& doubt : c.verdict.doubts) {
