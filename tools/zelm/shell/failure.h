@@ -30,6 +30,7 @@ public:
 
     ExitCode code;
     FailureCause cause;
+    std::string result{};  // JSON of what was found out all the same, an object; or empty
 };
 
 // The data did not allow it: say which file, why, and what to try.
