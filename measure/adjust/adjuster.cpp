@@ -98,33 +98,6 @@ bool takesPart(const AdjustView& view) {
     return view.leftOut.empty() && (any(view.dots[kLeft]) || any(view.dots[kRight]));
 }
 
-// Whether the dots that take part are enough, and not all on one line, so that they tell where the plate is.
-bool placesPlate(const AdjustView& view) {
-    std::size_t count = 0;
-    double x = 0.0, y = 0.0, xx = 0.0, xy = 0.0, yy = 0.0;
-    for (const auto& list : view.dots) {
-        for (const DotObservation& dot : list) {
-            if (isUsed(dot)) {
-                ++count;
-                x += dot.place[0];
-                y += dot.place[1];
-                xx += dot.place[0] * dot.place[0];
-                xy += dot.place[0] * dot.place[1];
-                yy += dot.place[1] * dot.place[1];
-            }
-        }
-    }
-    if (count < kMinDots) {
-        return false;
-    }
-    const auto n = static_cast<double>(count);
-    const double a = xx - x * x / n;
-    const double b = xy - x * y / n;
-    const double c = yy - y * y / n;
-    const double root = std::hypot(0.5 * (a - c), b);
-    return 0.5 * (a + c) - root > kLine * kLine * (0.5 * (a + c) + root);
-}
-
 void leaveOut(AdjustView& view, const std::string& why) {
     view.leftOut = why;
     for (auto& list : view.dots) {
@@ -492,6 +465,32 @@ AdjustSummary Adjuster::run() {
 
 double AdjustSummary::deviation() const {
     return freedom > 0.0 ? std::sqrt(squares / freedom) : 0.0;
+}
+
+bool placesPlate(const AdjustView& view) {
+    std::size_t count = 0;
+    double x = 0.0, y = 0.0, xx = 0.0, xy = 0.0, yy = 0.0;
+    for (const auto& list : view.dots) {
+        for (const DotObservation& dot : list) {
+            if (isUsed(dot)) {
+                ++count;
+                x += dot.place[0];
+                y += dot.place[1];
+                xx += dot.place[0] * dot.place[0];
+                xy += dot.place[0] * dot.place[1];
+                yy += dot.place[1] * dot.place[1];
+            }
+        }
+    }
+    if (count < kMinDots) {
+        return false;
+    }
+    const auto n = static_cast<double>(count);
+    const double a = xx - x * x / n;
+    const double b = xy - x * y / n;
+    const double c = yy - y * y / n;
+    const double root = std::hypot(0.5 * (a - c), b);
+    return 0.5 * (a + c) - root > kLine * kLine * (0.5 * (a + c) + root);
 }
 
 std::array<double, 3> covarianceOf(const DotObservation& dot, double noise) {

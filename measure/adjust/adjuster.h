@@ -31,6 +31,9 @@ struct AdjustSummary {
 // Fault where the observations cannot determine the state.
 AdjustSummary adjust(AdjustState& state, std::vector<AdjustView>& views, const AdjustOptions& options);
 
+// Whether the dots of a view that take part are enough, and not all on one line, so that they tell where the plate is.
+bool placesPlate(const AdjustView& view);
+
 // The covariance that a dot takes part with: its own and the noise of its camera.
 std::array<double, 3> covarianceOf(const DotObservation& dot, double noise);
 

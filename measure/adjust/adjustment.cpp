@@ -55,6 +55,18 @@ Adjustment::Adjustment(const Rig& rig, const Pattern& pattern, const AdjustOptio
     for (const Side side : {kLeft, kRight}) {
         checkPlaced(cameras[side], current, side);
     }
+    holdWhatIsHeld();
+    holdTiltOfSeldomSeen();
+}
+
+Adjustment::Adjustment(PointTarget target, const AdjustOptions& chosen, DotPlaces measured)
+    : plate(target.plate), options(chosen), places(std::move(measured)), start(startOf(target)) {
+    cameras = target.cameras;
+    current = std::move(target.views);
+    holdWhatIsHeld();
+}
+
+void Adjustment::holdWhatIsHeld() {
     if (options.holdSkew) {
         for (ProjectionCamera& camera : start.cameras) {
             camera.p[kSkew] = 0.0;
@@ -65,7 +77,19 @@ Adjustment::Adjustment(const Rig& rig, const Pattern& pattern, const AdjustOptio
             camera.p[kFx] = camera.p[kFy] = 0.5 * (camera.p[kFx] + camera.p[kFy]);
         }
     }
-    holdTiltOfSeldomSeen();
+}
+
+const Pattern& Adjustment::requirePlate() const {
+    if (!plate) {
+        refuse("points of a target are taken as they are: only dots of a plate can be measured anew");
+    }
+    return *plate;
+}
+
+void Adjustment::requirePair() const {
+    if (!isPair()) {
+        refuse("one camera alone makes no rig");
+    }
 }
 
 void Adjustment::holdTiltOfSeldomSeen() {
@@ -128,7 +152,7 @@ void Adjustment::requireSize(Side side, const DenseImage& image) const {
 }
 
 PlateSearch Adjustment::searchOf(Side side) const {
-    return {&plate, &places, &outcome->state, side};
+    return {&requirePlate(), &places, &outcome->state, side};
 }
 
 void Adjustment::takeScales() {
@@ -145,6 +169,7 @@ void Adjustment::takeScales() {
 
 RefinedCounts Adjustment::refine(Side side, std::size_t view, const DenseImage& image) {
     solved();
+    requirePlate();
     require(view < current.size(), "the adjustment has no such view");
     requireSize(side, image);
     if (!reading) {
@@ -192,13 +217,13 @@ std::optional<MotionParameters> Adjustment::basePoseOf(Side side, const DenseIma
     if (outcome->state.cameras[side].isParallel) {
         return std::nullopt;
     }
-    const DotReading read = readDots(image, plate, nullptr);
+    const DotReading read = readDots(image, *plate, nullptr);
     if (read.status < 0) {
         return std::nullopt;
     }
     std::vector<DotObservation> dots;
-    for (const Dot& placed : indexDots(image, plate, read.points)) {
-        dots.push_back(plateDot(plate, placed.index, places));
+    for (const Dot& placed : indexDots(image, *plate, read.points)) {
+        dots.push_back(plateDot(*plate, placed.index, places));
         dots.back().pixel = placed.pixel;
     }
     const auto pose = posedPlate(outcome->state, side, dots);
@@ -207,6 +232,8 @@ std::optional<MotionParameters> Adjustment::basePoseOf(Side side, const DenseIma
 
 std::array<int, kSides> Adjustment::addView(const DenseImage& left, const DenseImage& right) {
     solved();
+    requirePlate();
+    requirePair();
     requireSize(kLeft, left);
     requireSize(kRight, right);
     auto pose = basePoseOf(kLeft, left);
@@ -286,7 +313,26 @@ RigCamera Adjustment::adjustedCamera(Side side) const {
     return camera;
 }
 
+RigCamera Adjustment::startCamera(Side side) const {
+    RigCamera camera;
+    camera.model = cameras[side].model;
+    camera.width = cameras[side].width;
+    camera.height = cameras[side].height;
+    camera.intrinsics = intrinsicsRecord(camera.model, start.cameras[side].p);
+    for (std::size_t view = 0; view < start.poses.size(); ++view) {
+        const MotionParameters pose = poseOf(start, side, view);
+        camera.poses.push_back(poseRecordOfVector({pose[0], pose[1], pose[2]}, {pose[3], pose[4], pose[5]}));
+    }
+    return camera;
+}
+
+Rig Adjustment::startRig() const {
+    requirePair();
+    return rigOfCameras(startCamera(kLeft), startCamera(kRight));
+}
+
 Rig Adjustment::adjustedRig() const {
+    requirePair();
     requireCurrent();
     const RigCamera left = adjustedCamera(kLeft);
     const RigCamera right = adjustedCamera(kRight);

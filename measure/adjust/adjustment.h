@@ -12,6 +12,7 @@
 #include "adjuster.h"
 #include "image.h"
 #include "plateSearch.h"
+#include "pointTarget.h"
 #include "rig.h"
 
 namespace zelm::measure {
@@ -26,12 +27,18 @@ struct RefinedCounts {
 class Adjustment {
 public:
     Adjustment(const Rig& rig, const Pattern& plate, const AdjustOptions& options, DotPlaces places);
+    // Of points, by two cameras or one alone.
+    Adjustment(PointTarget target, const AdjustOptions& options, DotPlaces places);
 
     void solve();
     RefinedCounts refine(Side side, std::size_t view, const DenseImage& image);
     // Dots that take part; none: nothing was added.
     std::array<int, kSides> addView(const DenseImage& left, const DenseImage& right);
 
+    // Not so: one camera alone, that of the state's base.
+    bool isPair() const { return cameras[kLeft].width > 0 && cameras[kRight].width > 0; }
+    // Not so: points, whose pixels nothing is known of.
+    bool hasPlate() const { return plate.has_value(); }
     bool isSolved() const { return outcome.has_value(); }
     // Throws Fault before the first solve().
     const AdjustSummary& summary() const { return solved().summary; }
@@ -48,6 +55,11 @@ public:
     // The image of a dot's own centre: the measured centre without what projection and lens add to it.
     Point2d centreOf(Side side, std::size_t view, const DotObservation& dot) const;
     Rig adjustedRig() const;
+    // Throws Fault for one camera alone.
+    Rig startRig() const;
+    // As they were before, and as they are.
+    RigCamera startCamera(Side side) const;
+    RigCamera adjustedCamera(Side side) const;
 
 private:
     struct Outcome {
@@ -68,10 +80,12 @@ private:
     void requireSize(Side side, const DenseImage& image) const;
     PlateSearch searchOf(Side side) const;
     std::optional<MotionParameters> basePoseOf(Side side, const DenseImage& image) const;
-    RigCamera adjustedCamera(Side side) const;
+    void holdWhatIsHeld();
+    const Pattern& requirePlate() const;
+    void requirePair() const;
     MotionParameters finalPose(std::size_t view) const;
 
-    Pattern plate;
+    std::optional<Pattern> plate;
     AdjustOptions options;
     DotPlaces places;
     std::array<RigCamera, kSides> cameras;  // models, sizes and records of the start

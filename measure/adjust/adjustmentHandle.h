@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <new>
 
 #include "adjustment.h"
 #include "fault.h"
@@ -22,6 +23,22 @@ std::int32_t withAdjustment(ZelmMeasureAdjustment* handle, Work work) noexcept {
         return ZELM_ERR_PARAM;
     }
     return guarded(&handle->error, [&] { work(*handle->adjustment); });
+}
+
+// Makes a handle of what `make` gives, or one that holds the words of its refusal.
+template <class Make>
+std::int32_t openAdjustment(ZelmMeasureAdjustment** adjustment, Make make) noexcept {
+    auto* const opened = new (std::nothrow) ZelmMeasureAdjustment;
+    if (opened == nullptr) {
+        return ZELM_ERR_MEMORY;
+    }
+    const std::int32_t status = guarded(&opened->error, [&] { opened->adjustment = make(); });
+    if (status >= 0 || status == ZELM_MEASURE_ERR_DATA) {
+        *adjustment = opened;
+    } else {
+        delete opened;
+    }
+    return status;
 }
 
 }  // namespace zelm::measure

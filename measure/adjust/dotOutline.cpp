@@ -2,6 +2,7 @@
 
 #include <ceres/jet.h>
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 
@@ -84,9 +85,27 @@ Point2d toPixel(const CameraParameters& p, double x, double y) {
     return {p[kFx] * x + p[kSkew] * y + p[kCx], p[kFy] * y + p[kCy]};
 }
 
+bool isPoint(const CircleInCamera& circle) {
+    return dot(circle.first, circle.first) == 0.0 && dot(circle.second, circle.second) == 0.0;
+}
+
+OutlineCentre pointCentre(const ProjectionCamera& camera, const Vector3& point) {
+    const Projection seen = project(camera, point);
+    OutlineCentre result;
+    result.centre = seen.pixel;
+    result.byParameters = seen.byParameters;
+    for (std::size_t row = 0; row < 2; ++row) {
+        std::copy(seen.byPoint[row].begin(), seen.byPoint[row].end(), result.byCircle[row].begin());
+    }
+    return result;
+}
+
 }  // namespace
 
 OutlineEllipse dotOutline(const ProjectionCamera& camera, const CircleInCamera& circle) {
+    if (isPoint(circle)) {
+        return {pixelOf(camera, circle.centre), {}};
+    }
     const auto& p = camera.p;
     const auto ellipse = ellipseOf(camera.isParallel, circle.centre.data(), circle.first.data(), circle.second.data());
     double centre[2];
@@ -97,6 +116,9 @@ OutlineEllipse dotOutline(const ProjectionCamera& camera, const CircleInCamera& 
 }
 
 OutlineCentre outlineCentre(const ProjectionCamera& camera, const CircleInCamera& circle) {
+    if (isPoint(circle)) {
+        return pointCentre(camera, circle.centre);
+    }
     // In two steps, so that the eight directions carry 7 derivatives and not 11.
     using First = ceres::Jet<double, 9>;
     using Second = ceres::Jet<double, 7>;

@@ -24,7 +24,7 @@ class Checker {
 public:
     explicit Checker(const CheckedAdjustment& a)
         : adjusted(a),
-          equations(checkEquations(*a.state, *a.views, *a.summary)),
+          equations(checkEquations(*a.state, *a.views, *a.summary, a.isPair)),
           free(freeOfShared(*a.state, *a.options, equations.otherSeen)),
           plain(equations, free, {}),
           shifts(equations, plain.sharedCovariance()) {}
@@ -146,6 +146,9 @@ Check Checker::lens(const Flaw& flaw) const {
 
 void Checker::addLenses(std::vector<Check>& checks) const {
     for (const int side : {0, 1}) {
+        if (!adjusted.isPair && static_cast<Side>(side) != adjusted.state->base) {
+            continue;
+        }
         checks.push_back(
             lens(*clearest([&](const Flaw& flaw) { return flaw.kind == CheckKind::lens && flaw.side == side; })));
     }
@@ -316,7 +319,7 @@ void Checker::addMoved(std::vector<Check>& checks) const {
             any = true;
         }
     }
-    if (!any) {
+    if (!any && adjusted.isPair) {
         const Flaw* const best = clearest([](const Flaw& flaw) { return flaw.kind == CheckKind::moved; });
         Check none;
         none.kind = CheckKind::moved;
@@ -337,10 +340,13 @@ std::vector<Check> Checker::run() {
     for (const Flaw& flaw : flaws) {
         if (flaw.kind == CheckKind::pitch) {
             checks.push_back(pitch(flaw));
-        } else if (flaw.kind == CheckKind::dotDiameter) {
+        } else if (flaw.kind == CheckKind::dotDiameter && adjusted.hasPlate) {
             checks.push_back(diameter(flaw, kPlainDot));
             checks.push_back(diameter(flaw, kMarkerDot));
         }
+    }
+    for (Check& check : checks) {
+        check.isPair = adjusted.isPair;
     }
     return checks;
 }

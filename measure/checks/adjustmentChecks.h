@@ -34,6 +34,7 @@ struct Check {
     double coefficient = 0.0;       // k3 of a lens
     double coefficientSigma = 0.0;  //
     std::string leftOut;            // why the view takes no part
+    bool isPair = true;             // not so: one camera alone
 };
 
 struct CheckedAdjustment {
@@ -42,6 +43,8 @@ struct CheckedAdjustment {
     const AdjustOptions* options = nullptr;  // of what was estimated
     const AdjustSummary* summary = nullptr;
     const std::array<std::vector<double>, kDotKinds>* scales = nullptr;  // measured diameters over the plate's
+    bool isPair = true;                                                  // not so: one camera alone
+    bool hasPlate = true;                                                // not so: points of another target
 };
 
 std::vector<Check> checksOf(const CheckedAdjustment& adjusted);

@@ -65,7 +65,7 @@ DotRows rowsOf(const AdjustState& state, Side side, std::size_t view, const DotO
 
 class Collector {
 public:
-    Collector(const AdjustState& s, const AdjustSummary& o) : state(s), summary(o) {}
+    Collector(const AdjustState& s, const AdjustSummary& o, bool pair) : state(s), summary(o), isPair(pair) {}
 
     void add(std::size_t view, const AdjustView& seen);
     CheckEquations result;
@@ -80,6 +80,7 @@ private:
 
     const AdjustState& state;
     const AdjustSummary& summary;
+    bool isPair;
     Weighted list;
     std::map<GridIndex, std::array<const DotObservation*, kSides>> pairs;
     std::map<GridIndex, std::array<std::size_t, kSides>> places;
@@ -105,11 +106,14 @@ void Collector::take(Side side, std::size_t view, const AdjustView& seen) {
     }
 }
 
-// Some dots that both cameras see, spread over the view's.
+// Some dots that all cameras see, spread over the view's.
 void Collector::addPoints() {
     std::vector<GridIndex> both;
+    const auto isSeen = [&](const auto& dots) {
+        return isPair ? dots[kLeft] != nullptr && dots[kRight] != nullptr : dots[state.base] != nullptr;
+    };
     for (const auto& [index, dots] : pairs) {
-        if (dots[kLeft] != nullptr && dots[kRight] != nullptr) {
+        if (isSeen(dots)) {
             both.push_back(index);
         }
     }
@@ -117,8 +121,13 @@ void Collector::addPoints() {
     for (std::size_t i = 0; i < count; ++i) {
         const std::size_t chosen = count == 1 ? 0 : i * (both.size() - 1) / (count - 1);
         CheckedPoint point;
-        point.byShared.resize(4, static_cast<Index>(kWideParameters));
+        point.byOne = !isPair;
+        point.byPlace.setZero();
+        point.byShared.setZero(4, static_cast<Index>(kWideParameters));
         for (const Side side : {kLeft, kRight}) {
+            if (!isPair && side != state.base) {
+                continue;
+            }
             const DotRows& rows = list.rows[places[both[chosen]][side]];
             const auto covariance = covarianceOf(*pairs[both[chosen]][side], summary.noise[side]);
             const auto at = static_cast<Index>(2 * side);
@@ -174,8 +183,8 @@ void Collector::add(std::size_t view, const AdjustView& seen) {
 }  // namespace
 
 CheckEquations checkEquations(const AdjustState& state, const std::vector<AdjustView>& views,
-                              const AdjustSummary& summary) {
-    Collector collector(state, summary);
+                              const AdjustSummary& summary, bool isPair) {
+    Collector collector(state, summary, isPair);
     for (std::size_t view = 0; view < views.size(); ++view) {
         collector.add(view, views[view]);
     }

@@ -33,12 +33,14 @@ struct ViewEquations {
     Vector3 middle{};  // of the view's dots, in the other camera's frame
 };
 
-// A dot that both cameras see, and what changes its place when it is triangulated.
+// A dot that both cameras see, and what changes its place when it is triangulated. With one camera alone the rows of the
+// other one are zeros, and its place is known across the line of sight.
 struct CheckedPoint {
     Eigen::Vector3d place;                              // in the base camera's frame
     Eigen::Matrix<double, 4, 3> byPlace;                // pixels of both cameras
     Eigen::Matrix<double, 4, Eigen::Dynamic> byShared;  // likewise, kWideParameters columns
     std::array<double, 4> variances{};                  // pixels^2
+    bool byOne = false;                                 // one camera alone
 };
 
 struct CheckEquations {
@@ -52,7 +54,7 @@ struct CheckEquations {
 };
 
 CheckEquations checkEquations(const AdjustState& state, const std::vector<AdjustView>& views,
-                              const AdjustSummary& summary);
+                              const AdjustSummary& summary, bool isPair = true);
 
 }  // namespace zelm::measure
 

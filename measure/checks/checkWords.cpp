@@ -52,19 +52,21 @@ std::string effect(const Check& check, const std::string& remedy) {
 
 std::string halves(const Check& check) {
     const std::string difference = twoDigits(check.value) + " plate units";
+    const std::string rig = check.isPair ? "rig" : "camera";
     switch (check.verdict) {
         case CheckVerdict::fine:
-            return "two halves of the views give the same rig: points of the two differ by no more than " + difference +
-                   ", as chance makes them";
+            return "two halves of the views give the same " + rig + ": points of the two differ by no more than " +
+                   difference + ", as chance makes them";
         case CheckVerdict::undone:
-            return "two halves of the views cannot be compared: take at least 6 views, so that three determine a rig";
+            return "two halves of the views cannot be compared: take at least 6 views, so that three determine a " +
+                   rig;
         case CheckVerdict::notable:
-            return "two halves of the views give rigs whose points differ by up to " + difference +
+            return "two halves of the views give " + rig + "s whose points differ by up to " + difference +
                    ", beyond chance but less than the uncertainty of a point; the other checks may say why";
         case CheckVerdict::wrong:
             break;
     }
-    return "two halves of the views give rigs whose points differ by up to " + difference +
+    return "two halves of the views give " + rig + "s whose points differ by up to " + difference +
            ", more than the uncertainty of a point: mend what the other checks name; if they name nothing, focus, "
            "temperature or a camera's place changed between the views, so take them anew";
 }
@@ -94,7 +96,9 @@ std::string lensRemedy(LensGroup group) {
 }
 
 std::string lens(const Check& check) {
-    const std::string camera = check.side == kLeft ? "the left camera" : "the right camera";
+    const std::string camera = !check.isPair         ? "the camera"
+                               : check.side == kLeft ? "the left camera"
+                                                     : "the right camera";
     const std::string size = estimate(check.value, check.deviation) + " px RMS";
     switch (check.verdict) {
         case CheckVerdict::undone:

@@ -44,10 +44,15 @@ ShiftOfPoints::ShiftOfPoints(const CheckEquations& equations, const Eigen::Matri
     for (const CheckedPoint& point : equations.points) {
         const Eigen::Matrix3d N = point.byPlace.transpose() * point.byPlace;
         const Eigen::SelfAdjointEigenSolver<Eigen::Matrix3d> eigen(N);
-        if (!(eigen.eigenvalues()[0] > kLeastSight * eigen.eigenvalues()[2])) {
+        if (!point.byOne && !(eigen.eigenvalues()[0] > kLeastSight * eigen.eigenvalues()[2])) {
             continue;
         }
-        const Eigen::Matrix<double, 3, 4> seen = N.ldlt().solve(point.byPlace.transpose());
+        // One camera moves a point across its line of sight alone: the shortest of all moves.
+        const Eigen::Matrix<double, 3, 4> seen =
+            point.byOne
+                ? Eigen::Matrix<double, 3, 4>(
+                      Eigen::Matrix<double, 4, 3>(point.byPlace).completeOrthogonalDecomposition().pseudoInverse())
+                : Eigen::Matrix<double, 3, 4>(N.ldlt().solve(point.byPlace.transpose()));
         const Eigen::Vector4d variances(point.variances.data());
         // What the plate is like does not move other things that are measured.
         Eigen::Matrix<double, 4, Eigen::Dynamic> J = point.byShared;

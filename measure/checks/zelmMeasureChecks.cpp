@@ -55,8 +55,9 @@ std::int32_t zelmMeasureAdjustChecks(ZelmMeasureAdjustment* handle, ZelmMeasureC
         }
         adjustment.requireCurrent();
         std::vector<ZelmMeasureCheck> records;
-        for (const Check& check : checksOf({&adjustment.state(), &adjustment.views(), &adjustment.solvedOptions(),
-                                            &adjustment.summary(), &adjustment.measuredScales()})) {
+        for (const Check& check :
+             checksOf({&adjustment.state(), &adjustment.views(), &adjustment.solvedOptions(), &adjustment.summary(),
+                       &adjustment.measuredScales(), adjustment.isPair(), adjustment.hasPlate()})) {
             records.push_back(recordOfCheck(check));
         }
         if (isGiven) {

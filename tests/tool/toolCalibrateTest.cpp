@@ -358,7 +358,8 @@ TEST(ToolCalibrate, ATiltedSensorIsComparedInTheTermsOfTheTruth) {
     ASSERT_EQ(compared.status, 0) << compared.errors;
     double x = 0.0;
     double y = 0.0;
-    for (const Json& row : Json::parse(compared.output)) {
+    const Json comparisons = Json::parse(compared.output).at("comparisons");
+    for (const Json& row : comparisons) {
         x = row["quantity"] == "left focal length x" ? row["difference"].get<double>() : x;
         y = row["quantity"] == "left focal length y" ? row["difference"].get<double>() : y;
     }

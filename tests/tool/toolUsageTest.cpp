@@ -31,7 +31,7 @@ TEST(ToolUsage, VersionIsPrinted) {
 
 TEST(ToolUsage, WrongUsageGivesTwo) {
     expectOneLine(zelm({}), 2, {"subcommand", "--help"});
-    expectOneLine(zelm({"measure"}), 2, {"measure: no such subcommand", "--help"});
+    expectOneLine(zelm({"survey"}), 2, {"survey: no such subcommand", "--help"});
     expectOneLine(zelm({"calibrat", "--plate", "p.json"}), 2, {"calibrat: no such", "did you mean calibrate?"});
     expectOneLine(zelm({"recitfy", "--help"}), 2, {"recitfy: no such", "did you mean rectify?"});
     expectOneLine(zelm({"Info", "a.zcal"}), 2, {"Info: no such", "did you mean info?"});

@@ -5,11 +5,12 @@
 #include <cstdio>
 #include <cstring>
 #include <exception>
-#include <string_view>
+#include <string>
 #include <system_error>
 
 #include "console.h"
 #include "failure.h"
+#include "failureJson.h"
 #include "outputFiles.h"
 #include "subcommands.h"
 
@@ -17,15 +18,12 @@ using namespace zelm::tool;
 
 namespace {
 
-int exitStatus(ExitCode code) {
-    return static_cast<int>(code);
-}
-
 int run(int argc, char** argv) {
     Console console;
     CommandLine commandLine(console);
     addSubcommands(commandLine, console);
-    return exitStatus(commandLine.run(argc, argv) ? ExitCode::done : ExitCode::usage);
+    commandLine.run(argc, argv);
+    return static_cast<int>(ExitCode::done);
 }
 
 // What was printed may still fail: a full disk, a closed output.
@@ -36,24 +34,33 @@ int checkOutput(int status) {
     return status;
 }
 
-int fail(ExitCode code, std::string_view line) {
-    fmt::print(stderr, "zelm: {}\n", oneLine(line));
-    return exitStatus(code);
+int fail(const Failure& failure, bool asJson) {
+    fmt::print(stderr, "zelm: {}\n", oneLine(failure.what()));
+    if (asJson && std::ferror(stdout) == 0) {
+        // Where this cannot be printed either, the line and the exit code say enough.
+        std::fputs((failureJson(failure) + "\n").c_str(), stdout);
+    }
+    return static_cast<int>(failure.code);
+}
+
+int fail(const std::string& cause, const std::string& line, bool asJson) {
+    return fail(Failure(ExitCode::data, line, {cause, {}}), asJson);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
+    const bool asJson = asksForJson(argc, argv);
     try {
         discardOutputsWhenInterrupted();
         return checkOutput(run(argc, argv));
     } catch (const Failure& failure) {
-        return fail(failure.code, failure.what());
+        return fail(failure, asJson);
     } catch (const std::bad_alloc&) {
-        return fail(ExitCode::data, "out of memory: use smaller images or fewer at a time");
+        return fail("memory", "out of memory: use smaller images or fewer at a time", asJson);
     } catch (const std::system_error& error) {  // of printing
-        return fail(ExitCode::data, fmt::format("standard output: {}: print to another place", error.what()));
+        return fail("output", fmt::format("standard output: {}: print to another place", error.what()), asJson);
     } catch (const std::exception& error) {
-        return fail(ExitCode::data, error.what());
+        return fail("", error.what(), asJson);
     }
 }

@@ -5,17 +5,13 @@
 #include <algorithm>
 #include <memory>
 
+#include "adjustOutcome.h"
 #include "dotPositions.h"
 #include "dots.h"
 #include "failure.h"
 
 namespace zelm::tool {
 namespace {
-
-struct CloseAdjustment {
-    void operator()(ZelmMeasureAdjustment* adjustment) const { zelmMeasureAdjustClose(&adjustment); }
-};
-using AdjustmentPtr = std::unique_ptr<ZelmMeasureAdjustment, CloseAdjustment>;
 
 constexpr char kSideLetters[] = {'L', 'R'};
 
@@ -45,16 +41,7 @@ private:
         if (!settings.positions.empty()) {
             positions = readDotPositions(settings.positions);
         }
-        ZelmMeasureAdjustOptions options{};
-        options.size = sizeof(options);
-        options.holdSkew = settings.noSkew ? 1 : 0;
-        options.squarePixels = settings.squarePixels ? 1 : 0;
-        options.estimateDiameters = settings.dotDiameters ? 1 : 0;
-        options.estimateBow = settings.bow ? 1 : 0;
-        options.noise = settings.noise.value_or(0.0);
-        options.placeCount = static_cast<std::int64_t>(positions.grid.size() / 2);
-        options.placeGrid = positions.grid.data();
-        options.places = positions.places.data();
+        const ZelmMeasureAdjustOptions options = optionsOf(settings, positions);
         ZelmMeasureAdjustment* handle = nullptr;
         const std::int32_t status = zelmMeasureAdjustOpen(rig.handle.get(), &plate.pattern, &options, &handle);
         adjustment.reset(handle);
@@ -131,20 +118,9 @@ private:
     }
 
     AdjustedImage countsOf(std::int32_t view, std::size_t side) {
-        std::int64_t count = 0;
-        zelmMeasureAdjustDots(adjustment.get(), kSideLetters[side], view, nullptr, &count);
-        std::vector<std::int32_t> statuses(static_cast<std::size_t>(count));
-        ZelmMeasureAdjustedDots dots{};
-        dots.size = sizeof(dots);
-        dots.capacity = count;
-        dots.statuses = statuses.data();
-        zelmMeasureAdjustDots(adjustment.get(), kSideLetters[side], view, &dots, &count);
-        const auto number = [&](std::int32_t status) {
-            return static_cast<int>(std::count(statuses.begin(), statuses.end(), status));
-        };
         const auto index = static_cast<std::size_t>(view);
-        return {number(ZELM_MEASURE_ADJUSTED_USED), index < added.size() ? added[index][side] : 0,
-                number(ZELM_MEASURE_ADJUSTED_OUTLIER), number(ZELM_MEASURE_ADJUSTED_NOT_CONFIRMED)};
+        return AdjustedPoints(adjustment.get(), kSideLetters[side], view)
+            .counts(index < added.size() ? added[index][side] : 0);
     }
 
     void takeChecks() {

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "adjustCall.h"
+#include "calibrateModes.h"
 #include "calibrationDoubts.h"
 #include "calibrationSummary.h"
 #include "failedPictures.h"
@@ -43,7 +44,46 @@ struct CalibrateOptions {
     std::optional<int> reference;  // the view whose plate is the world frame, as given
     bool force = false;
     AdjustSettings adjust;
+    PointCalibration points;  // its own options
 };
+
+// Whether it is the images of a pair that are given. Throws Failure for options that do not go together.
+bool isPairOfImages(const CalibrateOptions& o) {
+    if (!o.points.file.empty()) {
+        if (!o.left.empty() || !o.right.empty() || !o.plate.file.empty() || o.overlays) {
+            failUsage("--points stands for images: leave out --left, --right, --plate and --overlays");
+        }
+        return false;
+    }
+    if (!o.points.leftSize.empty() || !o.points.rightSize.empty()) {
+        failUsage("--left-size and --right-size go with --points: images have their own");
+    }
+    if (o.plate.file.empty()) {
+        failUsage("--plate is required: the description of the plate, or points of another target with --points");
+    }
+    if (o.left.empty()) {
+        failUsage("--left is required: the images of the left camera, or of the only one");
+    }
+    return !o.right.empty();
+}
+
+void calibrateOtherwise(const CalibrateOptions& o, const Console& console) {
+    if (!o.points.file.empty()) {
+        PointCalibration points = o.points;
+        points.folder = o.folder;
+        points.leftModel = o.leftModel;
+        points.rightModel = o.rightModel;
+        points.strict = o.strict;
+        points.force = o.force;
+        points.adjust = o.adjust;
+        calibratePoints(points, console);
+        return;
+    }
+    if (!o.rightRegion.empty() || o.rightModel != ZELM_CAMERA_PERSPECTIVE) {
+        failUsage("--right-region and --right-model go with --right: images of the right camera");
+    }
+    calibrateCamera({o.plate, o.left, o.folder, o.leftModel, o.leftRegion, o.overlays, o.strict, o.force, o.adjust}, console);
+}
 
 PairSettings settingsOf(const CalibrateOptions& options) {
     if (options.leftModel != ZELM_CAMERA_PARALLEL && options.rightModel == ZELM_CAMERA_PARALLEL) {
@@ -103,18 +143,6 @@ double tiltOf(const LoadedRig& rig, char side) {
     return tilt;
 }
 
-// Ends here unless the result is wanted all the same.
-void refuseFatal(const Verdict& verdict, bool isForced) {
-    if (const Doubt* doubt = verdict.fatal(); doubt != nullptr && !isForced) {
-        FailureCause cause{doubt->cause, {}};
-        for (const fs::path& image : doubt->images) {
-            cause.images.push_back(image.string());
-        }
-        throw Failure(ExitCode::data,
-                      fmt::format("{}; nothing was written (--force writes it all the same)", doubt->text), cause);
-    }
-}
-
 Calibration calibrate(const CalibrateOptions& options, const PairSettings& settings, const Console& console,
                       OutputFiles& outputs) {
     const std::vector<ViewFiles> views =
@@ -133,7 +161,7 @@ Calibration calibrate(const CalibrateOptions& options, const PairSettings& setti
     if (findings) {
         ImageSetFaults faults = faultsOf(*findings, reading.used);
         verdict.add(std::move(faults.doubts));
-        refuseFatal(verdict, options.force);
+        requireTrust(verdict, options.force);
         if (verdict.fatal() == nullptr) {
             reference.setAside(reading, faults.setAside);
         }
@@ -232,6 +260,10 @@ void addPicturesOfSkipped(const Calibration& c, const fs::path& folder, OutputFi
 }
 
 void runCalibrate(const CalibrateOptions& options, const Console& console) {
+    if (!isPairOfImages(options)) {
+        calibrateOtherwise(options, console);
+        return;
+    }
     const PairSettings settings = settingsOf(options);
     const fs::path folder = options.folder;
     OutputFiles outputs;
@@ -240,7 +272,7 @@ void runCalibrate(const CalibrateOptions& options, const Console& console) {
     Calibration c = calibrate(options, settings, console, outputs);
     c.verdict.add(calibrationDoubts(c, options.plate.file));
     c.verdict.add(qualityDoubts(c.views, c.sharpness, c.lengths, c.plate.units));
-    refuseFatal(c.verdict, options.force);
+    requireTrust(c.verdict, options.force);
 
     const std::string summary = jsonText(summaryJson(c));
     outputs.add(folder / "rig.zcal", c.block);
@@ -272,12 +304,17 @@ void runCalibrate(const CalibrateOptions& options, const Console& console) {
 
 void addCalibrate(CommandLine& commandLine, Console& console) {
     Subcommand sub = commandLine.subcommand(
-        "calibrate", "Calibrate a pair of cameras from images of a plate",
+        "calibrate", "Calibrate a pair of cameras, or one, from images of a plate or from points",
         "zelm calibrate --plate plate.json --left 'left_*.png' --right 'right_*.png' -o out --overlays");
     const auto o = std::make_shared<CalibrateOptions>();
-    addPlateOptions(sub, o->plate);
-    sub.option("--left", o->left, "Left images: files, a quoted glob, a folder, or a list (.txt)").required();
-    sub.option("--right", o->right, "Right images, in the same order of views").required();
+    addPlateOptions(sub, o->plate, false);
+    sub.option("--left", o->left, "Left images: files, a quoted glob, a folder, or a list (.txt)");
+    sub.option("--right", o->right, "Right images, in the same order of views; without them: one camera alone");
+    sub.option("--points", o->points.file,
+               "Instead of images: CSV of a flat target's points, view,camera,id,x,y,X,Y, that another program found");
+    sub.option("--left-size", o->points.leftSize, "With --points: WIDTHxHEIGHT of the left images, pixels");
+    sub.option("--right-size", o->points.rightSize, "With --points: WIDTHxHEIGHT of the right images, pixels");
+    sub.option("--unit", o->points.unit, "With --points: the unit of X and Y").showDefault();
     sub.option("-o,--output", o->folder, "Folder for rig.zcal, rig.zcov, rig.json and report.html").showDefault();
     const std::string models = ": 0 perspective, 1 tilted, 2 parallel (telecentric lenses)";
     sub.option("--left-model", o->leftModel, "Left camera" + models).inRange(0, 2).showDefault();

@@ -159,7 +159,7 @@ void runCompare(const CompareOptions& o, const Console& console) {
                         {"truth", c.truth},
                         {"difference", c.difference()}});
     }
-    console.result(jsonText(json));
+    console.result(jsonText({{"comparisons", json}}));
 }
 
 }  // namespace

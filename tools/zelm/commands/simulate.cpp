@@ -172,7 +172,10 @@ void addSimulate(CommandLine& commandLine, Console& console) {
         .showDefault();
     sub.flag("--example", options->example, "Print a complete description with comments, and do nothing else");
     sub.does([options, &console] {
-        if (options->example) {
+        if (options->example && console.json) {
+            console.result(
+                jsonText({{"description", nlohmann::ordered_json::parse(exampleDescription(), nullptr, true, true)}}));
+        } else if (options->example) {
             fmt::print("{}", exampleDescription());
         } else if (options->folder.empty()) {
             failUsage("simulate: say with -o where the images are to go");

@@ -10,6 +10,7 @@ void addSubcommands(CommandLine& commandLine, Console& console) {
     addInfo(commandLine, console);
     addLength(commandLine, console);
     addMatch(commandLine, console);
+    addMeasure(commandLine, console);
     addPlan(commandLine, console);
     addRectify(commandLine, console);
     addSimulate(commandLine, console);

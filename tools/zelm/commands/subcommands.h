@@ -14,6 +14,7 @@ void addEpiline(CommandLine& commandLine, Console& console);
 void addInfo(CommandLine& commandLine, Console& console);
 void addLength(CommandLine& commandLine, Console& console);
 void addMatch(CommandLine& commandLine, Console& console);
+void addMeasure(CommandLine& commandLine, Console& console);
 void addPlan(CommandLine& commandLine, Console& console);
 void addRectify(CommandLine& commandLine, Console& console);
 void addSimulate(CommandLine& commandLine, Console& console);

@@ -168,6 +168,32 @@ Json summaryJson(const Summary& s, std::size_t pairs, double maxError, const Tri
     return json;
 }
 
+// Every pixel pair with its point, and how well that is known.
+Json pointsJson(const std::vector<PixelPair>& pairs, const std::vector<SpacePoint>& points,
+                const Uncertainties& known) {
+    Json list = Json::array();
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        const SpacePoint& p = points[i];
+        const PixelPair& pair = pairs[i];
+        Json json{{"id", pair.id},
+                  {"status", statusWord(p.status)},
+                  {"left", {pair.left.x, pair.left.y}},
+                  {"right", {pair.right.x, pair.right.y}}};
+        if (p.status == PointStatus::ok || p.status == PointStatus::behind) {
+            json["position"] = {p.position.x, p.position.y, p.position.z};
+            json["errorPx"] = {p.errorLeft, p.errorRight};
+            json["angleDegrees"] = p.degrees;
+        }
+        if (!known.empty() && known[i].isKnown) {
+            json["sigma"] = known[i].total();
+            json["noiseSigma"] = known[i].ofNoise();
+            json["calibrationSigma"] = known[i].ofCalibration();
+        }
+        list.push_back(std::move(json));
+    }
+    return list;
+}
+
 void runTriangulate(const TriangulateOptions& o, const Console& console) {
     checkNames(o);
     const LoadedRig rig = loadRig(o.rig);
@@ -202,9 +228,12 @@ void runTriangulate(const TriangulateOptions& o, const Console& console) {
     warnOfMisses(o.pairs, pairs, points, {noiseOf(o, rig), o.dots.areGiven()}, console);
     console.say(summaryText(summary, pairs.size(), o));
     console.say(uncertaintyText(known, o, rig));
-    Json json = summaryJson(summary, pairs.size(), maxError, o);
-    addUncertainty(json, known, o, rig);
-    console.result(jsonText(json));
+    if (console.json) {
+        Json json = summaryJson(summary, pairs.size(), maxError, o);
+        addUncertainty(json, known, o, rig);
+        json["list"] = pointsJson(pairs, points, known);
+        console.result(jsonText(json));
+    }
 }
 
 }  // namespace

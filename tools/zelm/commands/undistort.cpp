@@ -92,7 +92,7 @@ void runUndistort(const UndistortOptions& options, const Console& console) {
         list.push_back(
             {{"image", job.image.string()}, {"camera", sideName(job.side)}, {"undistorted", job.output.string()}});
     }
-    console.result(jsonText(list));
+    console.result(jsonText({{"images", list}}));
 }
 
 }  // namespace

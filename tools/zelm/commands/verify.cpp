@@ -157,16 +157,20 @@ Json verificationJson(const Verification& v, const VerifyOptions& o) {
 }
 
 // Throws Failure for a rig that is not as it was.
-void giveVerdict(const Verification& v) {
+void giveVerdict(const Verification& v, const std::string& result) {
     std::string verdict;
-    if (v.lengths && v.lengths->isExceeded()) {
+    const bool isExceeded = v.lengths && v.lengths->isExceeded();
+    if (isExceeded) {
         verdict = exceededText(*v.lengths);
     }
     if (v.drift.isFound()) {
         verdict += fmt::format("{}{}", verdict.empty() ? "" : "; ", driftVerdict(v.drift));
     }
     if (!verdict.empty()) {
-        failData("{}: {}", v.subject, verdict);
+        Failure failure(ExitCode::data, fmt::format("{}: {}", v.subject, verdict));
+        failure.cause.word = isExceeded ? "tolerance" : "drift";
+        failure.result = result;
+        throw failure;
     }
 }
 
@@ -197,8 +201,9 @@ void runVerify(const VerifyOptions& o, const Console& console) {
     if (!o.csv.empty()) {
         console.say(fmt::format("wrote {}", o.csv));
     }
-    console.result(jsonText(verificationJson(v, o)));
-    giveVerdict(v);
+    const std::string result = jsonText(verificationJson(v, o));
+    giveVerdict(v, result);
+    console.result(result);
 }
 
 }  // namespace

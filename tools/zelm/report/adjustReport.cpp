@@ -110,12 +110,14 @@ std::string adjustLine(const AdjustReport& report) {
     }
     const ZelmMeasureAdjustSummary& s = report.summary;
     return fmt::format(
-        "adjusted together: {} dots of {} views, {}; residual RMS of a coordinate left {:.4f} -> {:.4f} px, right "
+        "adjusted together: {} {} of {} views, {}; residual RMS of a coordinate left {:.4f} -> {:.4f} px, right "
         "{:.4f} "
         "-> {:.4f} px",
-        s.dots, s.views - s.viewsLeftOut,
-        s.refinedDots == 1 ? "each measured on its pixels" : "as the reader found them", s.leftBefore, s.leftRms,
-        s.rightBefore, s.rightRms);
+        s.dots, report.ofPoints ? "points" : "dots", s.views - s.viewsLeftOut,
+        report.ofPoints      ? "as they are given"
+        : s.refinedDots == 1 ? "each measured on its pixels"
+                             : "as the reader found them",
+        s.leftBefore, s.leftRms, s.rightBefore, s.rightRms);
 }
 
 std::vector<std::string> adjustRemarks(const AdjustReport& report) {
@@ -137,9 +139,11 @@ std::vector<std::string> adjustRemarks(const AdjustReport& report) {
             add(image.notConfirmed,
                 plural(image.notConfirmed, "dot", "dots") + " left out that the pixels do not confirm");
             add(image.outliers,
-                plural(image.outliers, "dot", "dots") + " left out, too far from where all others put them");
+                plural(image.outliers, report.ofPoints ? "point" : "dot", report.ofPoints ? "points" : "dots") +
+                    " left out, too far from where all others put them");
             if (!text.empty()) {
-                remarks.push_back(fmt::format("view {} {}: {}", view, kSides[side], text));
+                remarks.push_back(report.isPair ? fmt::format("view {} {}: {}", view, kSides[side], text)
+                                                : fmt::format("view {}: {}", view, text));
             }
         }
     }
@@ -223,7 +227,9 @@ Json adjustJson(const AdjustReport& report) {
                       {"k2", was.intrinsics.k2}}}};
     };
     Json json{{"adjusted", true},
-              {"dots", s.refinedDots == 1 ? "refined" : "reader"},
+              {"dots", report.ofPoints      ? "given"
+                       : s.refinedDots == 1 ? "refined"
+                                            : "reader"},
               {"views", s.views - s.viewsLeftOut},
               {"observations", s.dots},
               {"outliers", s.outliers},

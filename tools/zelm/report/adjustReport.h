@@ -22,6 +22,8 @@ struct AdjustedImage {
 struct AdjustReport {
     std::string refusal;  // why nothing was adjusted; empty: it was
     ZelmMeasureAdjustSummary summary{};
+    bool ofPoints = false;                             // of a target, given by the user; not so: dots of a plate
+    bool isPair = true;                                // not so: one camera alone, which stands for the left one
     Rig before;                                        // as the cameras were calibrated one by one
     std::vector<std::array<AdjustedImage, 2>> images;  // of each view, left and right
     std::vector<ZelmMeasureCheck> checks;              // what it tells against itself

@@ -17,6 +17,9 @@ bool isAdjusted(const Calibration& c) {
 }
 
 std::string filesOf(const ViewFiles& view) {
+    if (view.left.empty() || view.right.empty() || view.left == view.right) {  // as of points
+        return (view.left.empty() ? view.right : view.left).string();
+    }
     return fmt::format("{} and {}", view.left.string(), view.right.string());
 }
 
@@ -140,6 +143,9 @@ int shownHalf(const Calibration& c, int GridIndex::*along) {
 
 // A plate mistaken for another one, or seen in a mirror, lacks dots at both ends of its field in every image.
 std::vector<Doubt> missingEnds(const Calibration& c, const std::string& plateFile) {
+    if (!c.pointFile.empty()) {
+        return {};  // points have no field
+    }
     const Zelm2ViewPatternDesc& p = c.plate.pattern;
     const auto half = [](double extent, double pitch) {
         return static_cast<int>(std::floor(0.5 * extent / pitch + 1e-9));

@@ -117,12 +117,18 @@ Json skippedJson(const Calibration& c) {
     return skipped;
 }
 
+}  // namespace
+
 Json warningsJson(const Calibration& c) {
     Json warnings = Json::array();
     for (const Doubt& doubt : c.verdict.doubts) {
         warnings.push_back(doubt.text);
     }
     return warnings;
+}
+
+std::string imageName(const std::filesystem::path& path) {
+    return path.filename().string();
 }
 
 Json plateJson(const Plate& plate) {
@@ -141,12 +147,6 @@ Json plateJson(const Plate& plate) {
             {"minDotArea", p.minDotArea},
             {"minEdgeStrength", p.minEdgeStrength},
             {"minDots", p.minDots}};
-}
-
-}  // namespace
-
-std::string imageName(const std::filesystem::path& path) {
-    return path.filename().string();
 }
 
 std::string blurText(const Calibration& c, std::size_t view, std::size_t side) {
@@ -201,7 +201,8 @@ Json summaryJson(const Calibration& c) {
     Json json{
         {"program", "zelm " ZELM_VERSION},
         {"units", {{"length", c.plate.units}, {"image", "pixel"}, {"angle", "radian unless named otherwise"}}},
-        {"plate", plateJson(c.plate)},
+        c.pointFile.empty() ? Json::object_t::value_type{"plate", plateJson(c.plate)}
+                            : Json::object_t::value_type{"points", c.pointFile},
         {"views", viewsJson(c)},
         {"skipped", skippedJson(c)},
         {"reference", referenceJson(c)},

@@ -34,10 +34,17 @@ struct Calibration {
     ReferenceView reference{};
     std::vector<ViewSharpness> sharpness{};  // of the views; those that were completed later have none
     PlateLengths lengths{};                  // between the dots, measured with the rig
+    std::string pointFile{};                 // of a target's points that stand for images of a plate; or empty
 };
 
 // Of a view and a camera, the name of its image file; empty where there is none.
 std::string imageName(const std::filesystem::path& path);
+
+// What speaks against the calibration, a text each.
+nlohmann::ordered_json warningsJson(const Calibration& calibration);
+
+// The plate as JSON.
+nlohmann::ordered_json plateJson(const Plate& plate);
 
 // Of an image that is blurred alike in all directions "0.62", else its largest and smallest blur, "4.11/0.62"; "-" for
 // none.

@@ -197,7 +197,7 @@ std::string viewTable(const Calibration& c) {
 }
 
 std::string overlayFigure(const Calibration& c, const std::filesystem::path& path, const ImageFigures& image) {
-    if (path.empty() || image.dots.empty()) {
+    if (path.empty() || image.dots.empty() || !c.pictures) {
         return {};
     }
     const std::string png = drawOverlay(*c.pictures->get(path), c.plate, image.dots, kOverlaySide);
@@ -211,6 +211,14 @@ std::string figure(const std::string& drawing, const char* caption) {
 }
 
 }  // namespace
+
+const char* reportStyle() {
+    return kStyle;
+}
+
+std::string htmlText(const std::string& text) {
+    return escaped(text);
+}
 
 std::string htmlReport(const Calibration& c) {
     const Rig& rig = c.rig;

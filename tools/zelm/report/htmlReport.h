@@ -12,6 +12,10 @@ namespace zelm::tool {
 // are read again for that.
 std::string htmlReport(const Calibration& calibration);
 
+// What pages of reports have in common: their style sheet, and text with nothing that HTML takes for its own.
+const char* reportStyle();
+std::string htmlText(const std::string& text);
+
 }  // namespace zelm::tool
 
 #endif

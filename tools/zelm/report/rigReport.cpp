@@ -27,6 +27,22 @@ Json rowsOf(std::span<const double> m, std::size_t columns) {
     return rows;
 }
 
+std::string cameraTable(const Rig& rig, const std::string& units) {
+    const std::vector<CameraParameter> rows = cameraParameters(rig, units);
+    const auto label = [](const CameraParameter& row) { return row.name + (row.unit.empty() ? "" : ", " + row.unit); };
+    std::size_t width = kMinLabelWidth;
+    for (const CameraParameter& row : rows) {
+        width = std::max(width, label(row).size() + 2);
+    }
+    std::string text = fmt::format("{:<{}}{:>16}{:>16}\n", "camera", width, "left", "right");
+    for (const CameraParameter& row : rows) {
+        text += fmt::format("{:<{}}{:>16}{:>16}\n", label(row), width, row.left, row.right);
+    }
+    return text;
+}
+
+}  // namespace
+
 Json cameraJson(const RigCamera& camera) {
     const ZelmCameraIntrinsics& k = camera.intrinsics;
     Json poses = Json::array();
@@ -50,22 +66,6 @@ Json cameraJson(const RigCamera& camera) {
             {"A", rowsOf(k.A, 3)},
             {"poses", poses}};
 }
-
-std::string cameraTable(const Rig& rig, const std::string& units) {
-    const std::vector<CameraParameter> rows = cameraParameters(rig, units);
-    const auto label = [](const CameraParameter& row) { return row.name + (row.unit.empty() ? "" : ", " + row.unit); };
-    std::size_t width = kMinLabelWidth;
-    for (const CameraParameter& row : rows) {
-        width = std::max(width, label(row).size() + 2);
-    }
-    std::string text = fmt::format("{:<{}}{:>16}{:>16}\n", "camera", width, "left", "right");
-    for (const CameraParameter& row : rows) {
-        text += fmt::format("{:<{}}{:>16}{:>16}\n", label(row), width, row.left, row.right);
-    }
-    return text;
-}
-
-}  // namespace
 
 const char* modelName(int model) {
     constexpr const char* kNames[] = {"perspective", "tilted", "parallel"};

@@ -15,6 +15,9 @@ nlohmann::ordered_json rigJson(const Rig& rig);
 // The same for people; `units` are those of the plate.
 std::string rigText(const Rig& rig, const std::string& units);
 
+// One camera: its parameters and poses.
+nlohmann::ordered_json cameraJson(const RigCamera& camera);
+
 const char* modelName(int model);
 
 }  // namespace zelm::tool

@@ -8,6 +8,9 @@
 #include <nlohmann/json.hpp>
 #include <utility>
 
+#include "failure.h"
+#include "jsonText.h"
+
 namespace zelm::tool {
 
 void Verdict::add(std::vector<Doubt> more) {
@@ -64,6 +67,21 @@ nlohmann::ordered_json verdictJson(const Verdict& verdict) {
             {{"cause", doubt.cause}, {"fatal", doubt.isFatal}, {"images", std::move(images)}, {"text", doubt.text}});
     }
     return {{"status", statusWord(verdict.status)}, {"sentence", verdict.sentence()}, {"causes", std::move(causes)}};
+}
+
+void requireTrust(const Verdict& verdict, bool isForced) {
+    const Doubt* doubt = verdict.fatal();
+    if (doubt == nullptr || isForced) {
+        return;
+    }
+    FailureCause cause{doubt->cause, {}};
+    for (const std::filesystem::path& image : doubt->images) {
+        cause.images.push_back(image.string());
+    }
+    Failure failure(ExitCode::data,
+                    fmt::format("{}; nothing was written (--force writes it all the same)", doubt->text), cause);
+    failure.result = jsonText(nlohmann::ordered_json{{"verdict", verdictJson(verdict)}});
+    throw failure;
 }
 
 std::optional<std::string> savedDoubt(const std::filesystem::path& rig) {

@@ -35,6 +35,9 @@ struct Verdict {
 const char* statusWord(VerdictStatus status);
 nlohmann::ordered_json verdictJson(const Verdict& verdict);
 
+// Throws Failure for a refused result, unless it is wanted all the same.
+void requireTrust(const Verdict& verdict, bool isForced);
+
 // What the files written beside a calibration say against it; nothing where they are missing or say that it is good.
 std::optional<std::string> savedDoubt(const std::filesystem::path& rig);
 

@@ -131,9 +131,6 @@ CommandLine::CommandLine(Console& output)
     parser->footer(
         "Example:\n  zelm calibrate --plate plate.json --left 'left_*.png' --right 'right_*.png' -o out\n"
         "\nExit codes: 0 done, 1 the data did not allow it, 2 wrong usage.");
-    parser->failure_message([](const CLI::App*, const CLI::Error& error) {
-        return fmt::format("zelm: {} (--help lists the options)\n", oneLine(error.what()));
-    });
 }
 
 CommandLine::~CommandLine() = default;
@@ -147,15 +144,17 @@ Subcommand CommandLine::subcommand(const std::string& name, const std::string& d
     return Subcommand(sub);
 }
 
-bool CommandLine::run(int argc, const char* const* argv) {
+void CommandLine::run(int argc, const char* const* argv) {
     checkFirstWord(*parser, argc, argv);
     try {
         parser->parse(argc, argv);
     } catch (const CLI::ParseError& error) {
         // Help and version arrive here as well, with exit code 0.
-        return parser->exit(error) == 0;
+        if (error.get_exit_code() != 0) {
+            failUsage("{} (--help lists the options)", error.what());
+        }
+        parser->exit(error);
     }
-    return true;
 }
 
 }  // namespace zelm::tool

@@ -65,9 +65,9 @@ public:
     // A subcommand with --json and --quiet and an example at the foot of its help.
     Subcommand subcommand(const std::string& name, const std::string& description, const std::string& example);
 
-    // Parses and does what the subcommand does, or prints help, or one line on what is wrong with the usage; false for
-    // the last. Throws Failure for a subcommand that does not exist, and what the subcommand throws.
-    bool run(int argc, const char* const* argv);
+    // Parses and does what the subcommand does, or prints help. Throws Failure for wrong usage, and what the subcommand
+    // throws.
+    void run(int argc, const char* const* argv);
 
 private:
     Console& console;

@@ -28,7 +28,7 @@ void Console::say(std::string_view line) const {
 
 void Console::result(std::string_view jsonText) const {
     if (json) {
-        fmt::print("{}\n", jsonText);
+        fmt::print("{{\n  \"status\": \"done\",{}\n", jsonText.substr(1));
     }
 }
 

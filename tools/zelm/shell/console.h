@@ -17,7 +17,8 @@ struct Console {
 
     // A line of text for people; nothing with --json or --quiet.
     void say(std::string_view line) const;
-    // The result for machines; written with --json only.
+    // The result for machines, a JSON object with fields, which gets "status": "done" in front; written with --json
+    // only.
     void result(std::string_view jsonText) const;
     // One line on stderr.
     void warn(std::string_view line) const;
