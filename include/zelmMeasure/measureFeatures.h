@@ -1,6 +1,6 @@
 /// @file
-/// Lines, planes, circles, spheres and cylinders of points in space, distances and angles between them, and how well all
-/// of it is known.
+/// Lines, planes, circles, spheres and cylinders of points in space, distances and angles between them, and how well
+/// all of it is known.
 #ifndef ZELM_MEASURE_API_FEATURES_H
 #define ZELM_MEASURE_API_FEATURES_H
 
@@ -113,10 +113,10 @@ typedef struct ZelmMeasureRelationResult {
     double expanded;     ///< half the width of the interval that holds the truth at 95 %
 } ZelmMeasureRelationResult;
 
-/// Fits features to points and measures between them. A feature has the least squares of the orthogonal distances of its
-/// points (Gauss-Newton with Levenberg's and Marquardt's damping on the distances themselves), each over what is known
-/// of it along that distance. A robust fit begins with the feature of a few points whose median squared distance is
-/// least (Rousseeuw, 1984) and keeps points within 3.5 standard deviations. Uncertainties are to first order: each
+/// Fits features to points and measures between them. A feature has the least squares of the orthogonal distances of
+/// its points (Gauss-Newton with Levenberg's and Marquardt's damping on the distances themselves), each over what is
+/// known of it along that distance. A robust fit begins with the feature of a few points whose median squared distance
+/// is least (Rousseeuw, 1984) and keeps points within 3.5 standard deviations. Uncertainties are to first order: each
 /// point's own errors, and those of the calibration, which move all points together and cancel in part. They say
 /// nothing of the form of the thing: `misfit` tells when the points lie off the feature by more than their errors.
 /// @param points [in] the points

@@ -46,7 +46,7 @@ ZELM_API int32_t zelmMeasurePointViews(const ZelmMeasureTargetPoints* points, in
 /// Opens an adjustment of points, which needs no rig: each camera is calibrated on its own first (Zhang, 2000), and the
 /// cameras' relative pose is that of the view whose own agrees best with those of all others. Points are predicted
 /// as points: what outlines of dots do to their centres is left out. Everything else is as of zelmMeasureAdjustOpen().
-/// With one camera alone there is no rig to take: zelmMeasureAdjustCamera() and zelmMeasureAdjustPose() give the result.
+/// With one camera alone there is no rig: zelmMeasureAdjustCamera() and zelmMeasureAdjustPose() give the result.
 /// @param points [in] of at least 3 views; not needed later
 /// @param pattern [in] the plate whose dots the points are, which can then be refined; NULL: points of another target
 /// @param options [in] what is estimated; NULL: the defaults. Diameters and measured places are of plates of dots alone

@@ -31,7 +31,8 @@ struct OutlineCentre {
     std::array<std::array<double, kCameraParameters>, 2> byParameters{};
 };
 
-// A circle without a radius is a point, which is seen where it is. The circle lies before a perspective camera; other circles give numbers that mean nothing.
+// A circle without a radius is a point, which is seen where it is. The circle lies before a perspective camera; other
+// circles give numbers that mean nothing.
 OutlineEllipse dotOutline(const ProjectionCamera& camera, const CircleInCamera& circle);
 OutlineCentre outlineCentre(const ProjectionCamera& camera, const CircleInCamera& circle);
 

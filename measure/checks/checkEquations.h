@@ -33,8 +33,8 @@ struct ViewEquations {
     Vector3 middle{};  // of the view's dots, in the other camera's frame
 };
 
-// A dot that both cameras see, and what changes its place when it is triangulated. With one camera alone the rows of the
-// other one are zeros, and its place is known across the line of sight.
+// A dot that both cameras see, and what changes its place when it is triangulated. With one camera alone the rows of
+// the other one are zeros, and its place is known across the line of sight.
 struct CheckedPoint {
     Eigen::Vector3d place;                              // in the base camera's frame
     Eigen::Matrix<double, 4, 3> byPlace;                // pixels of both cameras

@@ -328,7 +328,9 @@ TEST(ToolCalibrate, MeasuredDotPositionsAreTaken) {
     ASSERT_EQ(moved.status, 0) << moved.errors;
     EXPECT_GE(Json::parse(moved.output)["adjustment"]["outliers"], 6);
     writeFile(positions, "1.5,1,10,10\n");
-    expectOneLine(adjusted(), 1, {positions, "whole number", "column,row,x,y"});
+    const CommandResult refused = adjusted();
+    EXPECT_EQ(Json::parse(refused.output).at("status"), "failed");
+    expectOneLine({refused.status, "", refused.errors}, 1, {positions, "whole number", "column,row,x,y"});
 }
 
 TEST(ToolCalibrate, ModelsArePassedOn) {

@@ -57,7 +57,8 @@ std::set<std::string> listedSubcommands() {
     std::set<std::string> names;
     const std::string help = zelm({"--help"}).output;
     std::size_t line = help.find("Subcommands:");
-    while ((line = help.find("\n  ", line)) != std::string::npos && line < help.find("\n\n", line)) {
+    const std::size_t end = help.find("\n\n", line);
+    while ((line = help.find("\n  ", line)) < end) {
         line += 3;
         if (const std::string name = help.substr(line, help.find(' ', line) - line); !name.empty()) {
             names.insert(name);

@@ -35,7 +35,7 @@ class FeatureList {
 public:
     explicit FeatureList(const MeasuredPoints& measured) : points(measured) {}
 
-    // A feature of an option: ids "1,2,5-9", perhaps after a name, "top=1,2". Without one its kind and a number name it.
+    // A feature of an option: ids "1,2,5-9", perhaps after a name, "top=1,2"; else its kind and a number name it.
     void addFeature(std::int32_t kind, const std::string& text, const std::string& option);
     // A relation of an option: "plane1:7". An end is the name of a feature, or the id of a point, also as point7.
     void addRelation(std::int32_t kind, const std::string& text, const std::string& option);
