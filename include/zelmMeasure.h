@@ -30,6 +30,7 @@
 #include "zelmMeasure/measurePairing.h"
 #include "zelmMeasure/measurePitch.h"
 #include "zelmMeasure/measurePlan.h"
+#include "zelmMeasure/measurePlate.h"
 #include "zelmMeasure/measurePointTargets.h"
 #include "zelmMeasure/measurePoints.h"
 #include "zelmMeasure/measureRig.h"
