@@ -46,6 +46,26 @@ TEST(ImageSet, AByteOrderMarkIsNoPartOfAName) {
     EXPECT_EQ(paths, (std::vector<std::filesystem::path>{folder / "a.png", folder / " a.png"}));
 }
 
+TEST(ImageSet, EmptyLinesAndCommentsOfAListArePassedOver) {
+    const zelmtest::TemporaryFolder folder;
+    for (const char* const name : {"a.png", "b#2.png", "#c.png"}) {
+        zelmtest::writeFile(folder / name, "");
+    }
+    zelmtest::writeFile(folder / "list.txt", "# left images\n\n   \t\na.png\n  # b.png\nb#2.png\n./#c.png\n#\n");
+    const auto paths = zelm::tool::expandImageSet({(folder / "list.txt").string()}, "--left");
+    ASSERT_EQ(paths.size(), 3U);
+    EXPECT_EQ(paths[0], folder / "a.png");
+    EXPECT_EQ(paths[1], folder / "b#2.png");
+    EXPECT_EQ(paths[2].filename(), "#c.png");
+    zelmtest::writeFile(folder / "none.txt", "# nothing\n\n");
+    try {
+        zelm::tool::expandImageSet({(folder / "none.txt").string()}, "--left");
+        ADD_FAILURE() << "it is read";
+    } catch (const zelm::tool::Failure& failure) {
+        EXPECT_NE(std::string(failure.what()).find("names no images"), std::string::npos);
+    }
+}
+
 TEST(ImageSet, AFolderThatCannotBeRead) {
     if (::geteuid() == 0) {
         GTEST_SKIP() << "root may read everywhere";

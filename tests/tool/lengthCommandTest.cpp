@@ -141,7 +141,7 @@ TEST(LengthCommand, RowsOfTheFileThatNameNoLengthAreRefused) {
     for (const auto& [text, words] :
          {std::pair("from,to\na,b\na,q\n", "line 3: "), std::pair("a,q\n", "id \"q\""),
           std::pair("from,to\n\na,a\n", "line 3: from the point \"a\" to itself"),
-          std::pair("from,to\na\n", "line 2: 1 fields: expected from,to"),
+          std::pair("from,to\na\n", "line 2: 1 field: expected from,to"),
           std::pair("a,b,100\n", "line 1: 3 fields: expected from,to"), std::pair("from,to\n\"a,b\n", "line 2: "),
           std::pair("from,to\n", "no lengths"), std::pair("", "no lengths")}) {
         writeFile(rig.folder / "lengths.csv", text);

@@ -11,6 +11,7 @@
 #include "failure.h"
 #include "imageTrouble.h"
 #include "jsonText.h"
+#include "numberText.h"
 #include "outputFiles.h"
 #include "overlay.h"
 #include "plateOptions.h"
@@ -88,8 +89,8 @@ void runDetect(const DetectOptions& options, const Console& console) {
         console.warn(gaps);
     }
 
-    console.say(
-        fmt::format("{}: {} dots found; wrote {} and {}", options.image, dots.size(), csv.string(), png.string()));
+    console.say(fmt::format("{}: {} found; wrote {} and {}", options.image, counted(dots.size(), "dot"), csv.string(),
+                            png.string()));
     if (console.json) {
         nlohmann::ordered_json list = nlohmann::ordered_json::array();
         for (const Dot& dot : dots) {

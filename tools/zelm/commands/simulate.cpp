@@ -10,6 +10,7 @@
 #include "failure.h"
 #include "imageFile.h"
 #include "jsonText.h"
+#include "numberText.h"
 #include "outputFiles.h"
 #include "simulateDescription.h"
 #include "simulateTruth.h"
@@ -124,10 +125,11 @@ void warnOfOtherViews(const SimulateOptions& options, const std::vector<ViewTrut
         }
     }
     if (!others.empty()) {
-        console.warn(fmt::format(
-            "{}: also holds {} images of other views, such as {}: a glob left_*.{} takes them "
-            "as well",
-            options.folder, others.size(), *std::min_element(others.begin(), others.end()), options.format));
+        console.warn(
+            fmt::format("{}: also holds {} of other views, such as {}: a glob left_*.{} takes them "
+                        "as well",
+                        options.folder, counted(others.size(), "image"),
+                        *std::min_element(others.begin(), others.end()), options.format));
     }
 }
 
@@ -143,8 +145,8 @@ void simulate(const SimulateOptions& options, const Console& console) {
     output.add(folder / "plate.json", jsonText(plateJson(d.plate)) + "\n");
     output.commit();
     warnOfOtherViews(options, views, console);
-    console.say(fmt::format("{}: {} views of {} dots, truth.json and plate.json", options.folder, views.size(),
-                            render::plateDots(d.plate).size()));
+    console.say(fmt::format("{}: {} of {} dots, truth.json and plate.json", options.folder,
+                            counted(views.size(), "view"), render::plateDots(d.plate).size()));
     if (console.json) {
         const nlohmann::ordered_json result = {{"folder", options.folder},
                                                {"views", views.size()},

@@ -18,7 +18,7 @@ namespace fs = std::filesystem;
 // The columns of a file: the coordinates and, where `id` is one of them, the id.
 struct Columns {
     static constexpr std::size_t kNone = static_cast<std::size_t>(-1);
-    std::array<std::size_t, kMaxCoordinates> coordinates{kNone, kNone, kNone, kNone};
+    std::array<std::size_t, kMaxCoordinates> coordinates{kNone, kNone, kNone, kNone, kNone};
     std::size_t id = kNone;
     std::size_t count = 0;
 };
@@ -29,7 +29,7 @@ public:
         : table(file, "a list of " + std::string(form.what), Separator::ofFirstRow),
           format(form),
           // "x,y or id,x,y, in pixels"
-          expected(fmt::format("{0} or id,{0}, in pixels", fmt::join(form.names, ","))) {}
+          expected(fmt::format("{0} or id,{0}{1}", fmt::join(form.names, ","), form.unit)) {}
 
     std::vector<CoordinateRow> read() {
         rows.reserve(table.maxRows());
@@ -52,8 +52,8 @@ private:
             columns = plainColumns();
         }
         if (table.fields().size() != columns.count) {
-            failData("{}: line {}: {} fields, but {} in the lines before: expected {}", table.file(), table.line(),
-                     table.fields().size(), columns.count, expected);
+            failData("{}: line {}: {}, but {} in the lines before: expected {}", table.file(), table.line(),
+                     counted(table.fields().size(), "field"), columns.count, expected);
         }
         addRow();
     }
@@ -90,12 +90,13 @@ private:
     Columns plainColumns() const {
         const std::size_t count = format.names.size();
         if (table.fields().size() == count) {
-            return {{0, 1, 2, 3}, Columns::kNone, count};
+            return {{0, 1, 2, 3, 4}, Columns::kNone, count};
         }
         if (table.fields().size() == count + 1) {
-            return {{1, 2, 3, 4}, 0, count + 1};
+            return {{1, 2, 3, 4, 5}, 0, count + 1};
         }
-        failData("{}: line {}: {} fields: expected {}", table.file(), table.line(), table.fields().size(), expected);
+        failData("{}: line {}: {}: expected {}", table.file(), table.line(), counted(table.fields().size(), "field"),
+                 expected);
     }
 
     double numberAt(std::size_t column) const {

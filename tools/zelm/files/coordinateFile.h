@@ -12,12 +12,13 @@
 
 namespace zelm::tool {
 
-constexpr std::size_t kMaxCoordinates = 4;
+constexpr std::size_t kMaxCoordinates = 5;
 
 // What a file holds.
 struct CoordinateFormat {
     std::span<const std::string_view> names;  // of the coordinates, at most kMaxCoordinates
     std::string_view what;                    // in words, plural
+    std::string_view unit = ", in pixels";    // behind the names in messages
 };
 
 struct CoordinateRow {

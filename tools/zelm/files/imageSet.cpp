@@ -106,6 +106,12 @@ Paths filesOfGlob(const std::string& pattern) {
     return paths;
 }
 
+// A line whose first letter is #. A file whose name begins so is listed as ./#name.
+bool isComment(const std::string& line) {
+    const std::size_t first = line.find_first_not_of(" \t");
+    return first != std::string::npos && line[first] == '#';
+}
+
 Paths filesOfList(const fs::path& list) {
     Paths paths;
     std::string text = readWholeFile(list, "a list of images");
@@ -117,7 +123,7 @@ Paths filesOfList(const fs::path& list) {
         while (!line.empty() && std::isspace(static_cast<unsigned char>(line.back())) != 0) {
             line.pop_back();
         }
-        if (!line.empty()) {
+        if (!line.empty() && !isComment(line)) {
             paths.push_back(list.parent_path() / line);
         }
     }

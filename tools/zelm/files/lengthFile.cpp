@@ -53,7 +53,7 @@ std::vector<NamedLength> readLengthFile(const std::filesystem::path& path, bool 
         }
         const auto& fields = table.fields();
         if (fields.size() != columns.count) {
-            failData("{}: line {}: {} fields: {}", table.file(), table.line(), fields.size(), expected);
+            failData("{}: line {}: {}: {}", table.file(), table.line(), counted(fields.size(), "field"), expected);
         }
         NamedLength length{std::string(fields[columns.places[0]]), std::string(fields[columns.places[1]]), 0.0,
                            table.line()};

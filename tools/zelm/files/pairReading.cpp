@@ -7,6 +7,7 @@
 
 #include "dots.h"
 #include "failure.h"
+#include "numberText.h"
 
 namespace zelm::tool {
 namespace {
@@ -250,8 +251,8 @@ std::vector<ViewFiles> pairImages(const std::vector<fs::path>& left, const std::
     const bool isParallelPair =
         settings.leftModel == ZELM_CAMERA_PARALLEL && settings.rightModel == ZELM_CAMERA_PARALLEL;
     if (count < kMinViews && !isParallelPair) {
-        failUsage("{} views given (the last is {}): at least {} are needed, and ten or more are better", count,
-                  left.back().string(), kMinViews);
+        failUsage("{} given (the last is {}): at least {} are needed, and ten or more are better",
+                  counted(count, "view"), left.back().string(), kMinViews);
     }
     std::vector<ViewFiles> views(count);
     for (std::size_t i = 0; i < count; ++i) {

@@ -7,6 +7,7 @@
 #include <cmath>
 #include <string_view>
 
+#include "numberText.h"
 #include "spacePoints.h"
 
 namespace zelm::tool {
@@ -106,8 +107,8 @@ bool LengthCheck::isExceeded() const {
 std::string lengthText(const LengthCheck& check) {
     const ZelmMeasureLengthSummary& s = check.summary;
     const CheckedLength& worst = check.lengths[static_cast<std::size_t>(s.worst)];
-    std::string text = fmt::format("{} lengths of {:.3f} to {:.3f}{}, measured minus nominal", check.lengths.size(),
-                                   s.minNominal, s.maxNominal, unitOf(check));
+    std::string text = fmt::format("{} of {:.3f} to {:.3f}{}, measured minus nominal",
+                                   counted(check.lengths.size(), "length"), s.minNominal, s.maxNominal, unitOf(check));
     if (!check.plates.empty()) {
         text += fmt::format(", in {} view{}", check.plates.size(), check.plates.size() == 1 ? "" : "s");
     }

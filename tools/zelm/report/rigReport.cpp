@@ -16,7 +16,8 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr std::size_t kMinLabelWidth = 28;  // characters, of a row of the table for people
+constexpr std::size_t kMinLabelWidth = 28;   // characters, of a row of the table for people
+constexpr std::size_t kMinColumnWidth = 16;  // of a camera's column
 
 Json rowsOf(std::span<const double> m, std::size_t columns) {
     Json rows = Json::array();
@@ -34,9 +35,13 @@ std::string cameraTable(const Rig& rig, const std::string& units) {
     for (const CameraParameter& row : rows) {
         width = std::max(width, label(row).size() + 2);
     }
-    std::string text = fmt::format("{:<{}}{:>16}{:>16}\n", "camera", width, "left", "right");
+    std::size_t column = kMinColumnWidth;
     for (const CameraParameter& row : rows) {
-        text += fmt::format("{:<{}}{:>16}{:>16}\n", label(row), width, row.left, row.right);
+        column = std::max({column, row.left.size() + 2, row.right.size() + 2});
+    }
+    std::string text = fmt::format("{:<{}}{:>{}}{:>{}}\n", "camera", width, "left", column, "right", column);
+    for (const CameraParameter& row : rows) {
+        text += fmt::format("{:<{}}{:>{}}{:>{}}\n", label(row), width, row.left, column, row.right, column);
     }
     return text;
 }

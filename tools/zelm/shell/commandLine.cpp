@@ -53,6 +53,24 @@ void checkFirstWord(const CLI::App& app, int argc, const char* const* argv) {
     }
 }
 
+// "help" asks what --help does, and "help SUBCOMMAND" what SUBCOMMAND --help does.
+std::vector<const char*> withoutHelpWord(int argc, const char* const* argv) {
+    std::vector<const char*> words(argv, argv + argc);
+    constexpr std::string_view kHelp = "help";
+    if (argc < 2 || argv[1] != kHelp) {
+        return words;
+    }
+    if (argc > 3) {
+        failUsage("help: takes the name of one subcommand, not {} words", argc - 2);
+    }
+    words.erase(words.begin() + 1);
+    if (argc == 3 && (argv[2] == kHelp || std::string_view(argv[2]).starts_with('-'))) {
+        words.pop_back();
+    }
+    words.push_back("--help");
+    return words;
+}
+
 }  // namespace
 
 Option& Option::required() {
@@ -145,9 +163,11 @@ Subcommand CommandLine::subcommand(const std::string& name, const std::string& d
 }
 
 void CommandLine::run(int argc, const char* const* argv) {
-    checkFirstWord(*parser, argc, argv);
+    const std::vector<const char*> words = withoutHelpWord(argc, argv);
+    const auto count = static_cast<int>(words.size());
+    checkFirstWord(*parser, count, words.data());
     try {
-        parser->parse(argc, argv);
+        parser->parse(count, words.data());
     } catch (const CLI::ParseError& error) {
         // Help and version arrive here as well, with exit code 0.
         if (error.get_exit_code() != 0) {

@@ -18,6 +18,10 @@ std::optional<double> numberOf(std::string_view text) {
     return number;
 }
 
+std::string counted(std::size_t count, std::string_view what) {
+    return std::to_string(count) + " " + std::string(what) + (count == 1 ? "" : "s");
+}
+
 std::vector<double> numbersOf(std::string_view list) {
     std::vector<double> numbers;
     for (;;) {
