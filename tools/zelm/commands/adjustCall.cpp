@@ -6,7 +6,6 @@
 #include <memory>
 
 #include "adjustOutcome.h"
-#include "dotPositions.h"
 #include "dots.h"
 #include "failure.h"
 
@@ -38,10 +37,7 @@ public:
 
 private:
     bool open() {
-        if (!settings.positions.empty()) {
-            positions = readDotPositions(settings.positions);
-        }
-        const ZelmMeasureAdjustOptions options = optionsOf(settings, positions);
+        const ZelmMeasureAdjustOptions options = optionsOf(settings, plate.positions);
         ZelmMeasureAdjustment* handle = nullptr;
         const std::int32_t status = zelmMeasureAdjustOpen(rig.handle.get(), &plate.pattern, &options, &handle);
         adjustment.reset(handle);
@@ -164,7 +160,6 @@ private:
     const Plate& plate;
     const AdjustSettings& settings;
     const Console& console;
-    DotPositions positions;
     AdjustmentPtr adjustment;
     std::vector<std::array<int, 2>> added;  // dots that the reader had missed, of each view
     Adjusted result;
@@ -186,7 +181,9 @@ void addAdjustOptions(Subcommand& sub, AdjustSettings& settings) {
     sub.option("--noise", settings.noise,
                "Standard deviation of a dot's coordinate in pixels, where it is known; default: from the residuals")
         .positive();
-    sub.option("--dot-positions", settings.positions, "CSV of measured positions of the plate's dots: column,row,x,y");
+    sub.option("--dot-positions", settings.positions,
+               "CSV of measured positions of the plate's dots: column,row,x,y or column,row,x,y,z; before those of the "
+               "plate's file");
 }
 
 Adjusted adjustRig(const LoadedRig& rig, PairReading& reading, const Plate& plate, const AdjustSettings& settings,

@@ -67,6 +67,12 @@ bool isPairOfImages(const CalibrateOptions& o) {
     return !o.right.empty();
 }
 
+PlateOptions plateOptionsOf(const CalibrateOptions& options) {
+    PlateOptions plate = options.plate;
+    plate.positions = options.adjust.positions;
+    return plate;
+}
+
 void calibrateOtherwise(const CalibrateOptions& o, const Console& console) {
     if (!o.points.file.empty()) {
         PointCalibration points = o.points;
@@ -82,15 +88,21 @@ void calibrateOtherwise(const CalibrateOptions& o, const Console& console) {
     if (!o.rightRegion.empty() || o.rightModel != ZELM_CAMERA_PERSPECTIVE) {
         failUsage("--right-region and --right-model go with --right: images of the right camera");
     }
-    calibrateCamera({o.plate, o.left, o.folder, o.leftModel, o.leftRegion, o.overlays, o.strict, o.force, o.adjust}, console);
+    calibrateCamera({plateOptionsOf(o), o.left, o.folder, o.leftModel, o.leftRegion, o.overlays, o.strict, o.force,
+                     o.adjust},
+                    console);
 }
 
 PairSettings settingsOf(const CalibrateOptions& options) {
     if (options.leftModel != ZELM_CAMERA_PARALLEL && options.rightModel == ZELM_CAMERA_PARALLEL) {
         failUsage("--right-model 2 needs --left-model 2: when one camera is parallel, give it as the left one");
     }
-    return {plateOf(options.plate),        options.leftModel, options.rightModel, regionOf(options.leftRegion),
-            regionOf(options.rightRegion), options.strict};
+    return {plateOf(plateOptionsOf(options)),
+            options.leftModel,
+            options.rightModel,
+            regionOf(options.leftRegion),
+            regionOf(options.rightRegion),
+            options.strict};
 }
 
 // A status of the estimation in words: what happened and what to try.
@@ -269,6 +281,9 @@ void runCalibrate(const CalibrateOptions& options, const Console& console) {
     OutputFiles outputs;
     outputs.keep(options.plate.file);
     outputs.prepareFolder(folder);
+    if (!settings.plate.positionsSource.empty()) {
+        outputs.keep(settings.plate.positionsSource);
+    }
     Calibration c = calibrate(options, settings, console, outputs);
     c.verdict.add(calibrationDoubts(c, options.plate.file));
     c.verdict.add(qualityDoubts(c.views, c.sharpness, c.lengths, c.plate.units));
@@ -308,6 +323,7 @@ void addCalibrate(CommandLine& commandLine, Console& console) {
         "zelm calibrate --plate plate.json --left 'left_*.png' --right 'right_*.png' -o out --overlays");
     const auto o = std::make_shared<CalibrateOptions>();
     addPlateOptions(sub, o->plate, false);
+    addTemperatureOption(sub, o->plate);
     sub.option("--left", o->left, "Left images: files, a quoted glob, a folder, or a list (.txt)");
     sub.option("--right", o->right, "Right images, in the same order of views; without them: one camera alone");
     sub.option("--points", o->points.file,

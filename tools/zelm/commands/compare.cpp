@@ -26,8 +26,6 @@ namespace {
 namespace fs = std::filesystem;
 using Json = nlohmann::ordered_json;
 
-constexpr const char* kLengthUnits = "plate units";
-
 struct Comparison {
     std::string quantity;
     std::string unit;
@@ -53,13 +51,13 @@ double numberAt(const nlohmann::json& object, const std::string& name, const fs:
     return object[name].get<double>();
 }
 
-void compareCamera(const std::string& side, const RigCamera& camera, const nlohmann::json& truth, const fs::path& path,
-                   std::vector<Comparison>& list) {
+void compareCamera(const std::string& side, const RigCamera& camera, const std::string& units,
+                   const nlohmann::json& truth, const fs::path& path, std::vector<Comparison>& list) {
     const auto add = [&](const std::string& name, const std::string& unit, double value, const std::string& key) {
         list.push_back({side + " " + name, unit, value, numberAt(truth, key, path)});
     };
     const ZelmCameraIntrinsics& k = camera.intrinsics;
-    const ScaleWords scale = scaleWords(camera.model, kLengthUnits);
+    const ScaleWords scale = scaleWords(camera.model, units);
     add(scale.name + " x", scale.unit, k.alpha, "fx");
     list.back().relative = true;
     // The truth counts along the rows' normal, beta of a tilted camera along its sheared axis.
@@ -71,7 +69,7 @@ void compareCamera(const std::string& side, const RigCamera& camera, const nlohm
     add("distortion k2", "", k.k2, "k2");
 }
 
-void comparePair(const PairGeometry& pair, const nlohmann::json& truth, const fs::path& path,
+void comparePair(const PairGeometry& pair, const std::string& units, const nlohmann::json& truth, const fs::path& path,
                  std::vector<Comparison>& list) {
     const auto numbers = [&](const char* name, std::size_t count) {
         if (!truth.contains(name) || !truth[name].is_array() || truth[name].size() != count) {
@@ -81,18 +79,19 @@ void comparePair(const PairGeometry& pair, const nlohmann::json& truth, const fs
     };
     const std::vector<double> R = numbers("R", 9);
     const std::vector<double> t = numbers("t", 3);
-    list.push_back({"baseline", kLengthUnits, pair.baseline, std::hypot(t[0], t[1], t[2]), true});
+    list.push_back({"baseline", units, pair.baseline, std::hypot(t[0], t[1], t[2]), true});
     list.push_back(
         {"convergence angle", "deg", pair.convergence * kDegreesPerRadian, std::acos(R[8]) * 180.0 / std::numbers::pi});
 }
 
-std::vector<Comparison> compare(const Rig& rig, const nlohmann::json& truth, const fs::path& path) {
+std::vector<Comparison> compare(const LoadedRig& loaded, const nlohmann::json& truth, const fs::path& path) {
+    const Rig& rig = loaded.rig;
     std::vector<Comparison> list;
     const nlohmann::json& cameras = member(truth, "cameras", path);
-    compareCamera("left", rig.left, member(cameras, "left", path), path, list);
-    compareCamera("right", rig.right, member(cameras, "right", path), path, list);
+    compareCamera("left", rig.left, loaded.units, member(cameras, "left", path), path, list);
+    compareCamera("right", rig.right, loaded.units, member(cameras, "right", path), path, list);
     if (rig.pair) {
-        comparePair(*rig.pair, member(truth, "right_from_left", path), path, list);
+        comparePair(*rig.pair, loaded.units, member(truth, "right_from_left", path), path, list);
     }
     return list;
 }
@@ -148,7 +147,7 @@ void runCompare(const CompareOptions& o, const Console& console) {
         compareScene(rig, rigPath, truth, truthPath, console);
         return;
     }
-    const std::vector<Comparison> list = compare(rig.rig, truth, truthPath);
+    const std::vector<Comparison> list = compare(rig, truth, truthPath);
     warnOfHopeless(list, rigPath, console);
     console.say(comparisonText(list));
     Json json = Json::array();
@@ -172,7 +171,8 @@ void addCompare(CommandLine& commandLine, Console& console) {
     sub.option("rig", o->rig, "The calibration (rig.zcal)").required();
     sub.option("truth", o->truth, "The truth of views (truth.json) or of a scene (scene_truth.json)").required();
     sub.option("--points", o->points, "CSV of zelm match: compare its depths with the depth map of the scene");
-    sub.option("--within", o->within, "With --points: count those within this distance of the true depth, plate units")
+    sub.option("--within", o->within,
+               "With --points: count those within this distance of the true depth, in the plate's unit")
         .positive()
         .showDefault();
     sub.does([o, &console] { runCompare(*o, console); });

@@ -184,13 +184,14 @@ void compareDepths(const LoadedRig& rig, const nlohmann::json& truth, const fs::
     }
     both.finish();
     leftOnly.finish();
-    std::string text = fmt::format("{:<28}{:>9}{:>9}{:>9}{:>10}{:>11}{:>10}{:>10}", "depths, plate units", "points",
+    std::string text = fmt::format("{:<28}{:>9}{:>9}{:>9}{:>10}{:>11}{:>10}{:>10}", "depths, " + rig.units, "points",
                                    "textured", "found", "found", fmt::format("in {:g}", within), "median", "95 %");
     text += errorsText("seen by both cameras", both, within);
     text += errorsText("seen by the left one alone", leftOnly, within);
-    text += fmt::format("\n{} points found where no true depth is known", elsewhere);
+    text += fmt::format("\n{} found where no true depth is known", counted(elsewhere, "point"));
     console.say(text);
-    console.result(jsonText({{"seenByBoth", errorsJson(both, within)},
+    console.result(jsonText({{"units", rig.units},
+                             {"seenByBoth", errorsJson(both, within)},
                              {"seenByLeftAlone", errorsJson(leftOnly, within)},
                              {"withoutTruth", elsewhere}}));
 }

@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 
 #include "jsonText.h"
+#include "numberText.h"
 #include "rigFile.h"
 #include "rigReport.h"
 #include "subcommands.h"
@@ -18,16 +19,19 @@ std::string freedomText(double freedom) {
 }
 
 void showRig(const std::filesystem::path& path, const Console& console) {
-    const Rig rig = loadRig(path).rig;
+    const LoadedRig loaded = loadRig(path);
+    const Rig& rig = loaded.rig;
     const std::string covariance =
         rig.covariance ? fmt::format("covariance in {}: noise of a dot {:.4f} px, {}", covarianceFile(path).string(),
                                      rig.covariance->noise, freedomText(rig.covariance->freedom))
                        : fmt::format("no covariance beside {}", path.string());
-    console.say(fmt::format("{}: a calibrated pair from {} views", path.string(), rig.views()));
-    console.say(rigText(rig, "plate units"));
+    console.say(fmt::format("{}: a calibrated pair from {}", path.string(), counted(rig.views(), "view")));
+    console.say(rigText(rig, loaded.units));
     console.say(covariance);
     if (console.json) {
-        console.result(jsonText(rigJson(rig)));
+        nlohmann::ordered_json json = rigJson(rig);
+        json["units"] = loaded.units;
+        console.result(jsonText(json));
     }
 }
 

@@ -271,7 +271,7 @@ Json jsonOf(const std::vector<MeasuredLength>& lengths, const std::vector<PixelP
         }
         list.push_back(json);
     }
-    Json json{{"lengths", list}};
+    Json json{{"units", rig.units}, {"lengths", list}};
     if (!o.dots.areGiven() || o.noise) {
         json["noise"] = o.noise.value_or(rig.rig.covariance->noise);
     }
@@ -340,8 +340,8 @@ void runLength(const LengthOptions& o, const Console& console) {
     }
     outputs.commit();
     console.say(table(lengths, pairs));
-    console.say(fmt::format("plate units; U95: half the interval that holds the true length at 95 %; noise: {}{}{}",
-                            noiseText(o.dots, o.noise, rig), o.csv.empty() ? "" : "; wrote ", o.csv));
+    console.say(fmt::format("lengths in {}; U95: half the interval that holds the true length at 95 %; noise: {}{}{}",
+                            rig.units, noiseText(o.dots, o.noise, rig), o.csv.empty() ? "" : "; wrote ", o.csv));
     console.result(jsonText(jsonOf(lengths, pairs, o, rig)));
 }
 

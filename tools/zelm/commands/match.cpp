@@ -41,7 +41,7 @@ struct MatchOptions {
     int step = 8;
     bool dense = false;
     std::string depth;
-    std::string unit = "plate units";
+    std::string unit;  // empty: that of the calibration
     ZelmMeasureMatchOptions search = defaultSearch(nullptr);
 };
 
@@ -89,7 +89,7 @@ ZelmMeasureDepthLimits depthLimits(const MatchOptions& o, const LoadedRig& rig) 
     }
     const std::vector<double> range = numbersOf(o.depth);
     if (range.size() != 2) {
-        failUsage("--depth {}: expected MIN,MAX: two distances in plate units", o.depth);
+        failUsage("--depth {}: expected MIN,MAX: two distances in the plate's unit", o.depth);
     }
     if (!(range[0] < range[1])) {
         failUsage("--depth {}: an empty range: MIN must be less than MAX", o.depth);
@@ -230,8 +230,8 @@ std::string summaryText(const MatchOptions& o, const Summary& s, std::size_t poi
                             *s.medianCalibration, o.unit);
     }
     const ZelmMeasureDepthLimits& l = o.search.limits;
-    text += fmt::format("looked for at depths from {:.6g} to {:.6g}, noise {:.2f} gray levels\n", l.leftMin, l.leftMax,
-                        o.search.noise);
+    text += fmt::format("looked for at depths from {:.6g} to {:.6g} {}, noise {:.2f} gray levels\n", l.leftMin,
+                        l.leftMax, o.unit, o.search.noise);
     text += fmt::format("{:.2f} s; {:.2f} s of processor time, {:.0f} points a second of it\nwrote {}", s.seconds,
                         s.processorSeconds, static_cast<double>(points) / std::max(s.processorSeconds, 1e-6), o.csv);
     for (const std::string& name : {o.ply, o.picture}) {
@@ -246,6 +246,7 @@ Json summaryJson(const MatchOptions& o, const Summary& s, std::size_t points) {
         counts[std::string(statusWord(static_cast<MatchStatus>(i)))] = s.counts[i];
     }
     Json json{{"points", points},
+              {"units", o.unit},
               {"found", s.found()},
               {"statuses", counts},
               {"depth", {s.nearest, s.farthest}},
@@ -272,7 +273,7 @@ void writeFiles(const MatchOptions& o, const std::vector<MatchedPoint>& points, 
                 bool withCalibration, OutputFiles& outputs) {
     outputs.add(o.csv, matchCsv(points, withCalibration));
     if (!o.ply.empty()) {
-        outputs.add(o.ply, matchPly(points, left, withCalibration));
+        outputs.add(o.ply, matchPly(points, left, withCalibration, o.unit));
     }
     if (!o.picture.empty()) {
         constexpr int kSpotOfAList = 5;  // pixels
@@ -295,6 +296,7 @@ void completeSearch(MatchOptions& o, const LoadedRig& rig, const Picture& left, 
 void runMatch(MatchOptions o, const Console& console) {
     checkNames(o);
     const LoadedRig rig = loadRig(o.rig);
+    o.unit = o.unit.empty() ? rig.units : o.unit;
     checkWindow(o, rig.rig);
     static_cast<void>(triangulate(rig, o.rig, {}));  // refuses a rig that cannot triangulate
     const Picture left = readGrayCameraPicture(o.left, rig, 'L');
@@ -349,7 +351,7 @@ void addMatch(CommandLine& commandLine, Console& console) {
         .inRange(7, 101)
         .showDefault();
     sub.option("--depth", o->depth,
-               "MIN,MAX: distances along the left camera's axis to search, plate units; default: from "
+               "MIN,MAX: distances along the left camera's axis to search, in the plate's unit; default: from "
                "half the distance of the nearest plate of the calibration to twice that of the farthest, for "
                "each perspective camera, as far as the right image shows it");
     sub.option("--precision", o->search.precision,
@@ -366,7 +368,7 @@ void addMatch(CommandLine& commandLine, Console& console) {
                "Largest distance from the start at which the way back may end, pixels")
         .inRange(0.01, 100.0)
         .showDefault();
-    sub.option("--unit", o->unit, "Name of the plate's unit, for the picture").showDefault();
+    sub.option("--unit", o->unit, "Name of the plate's unit; default: that in rig.json beside the calibration");
     sub.option("--jobs", o->search.threads,
                "Number of threads, at most as many as the machine runs at a time; 0: that many. The result does not "
                "depend on it")

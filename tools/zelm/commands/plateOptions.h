@@ -16,10 +16,15 @@ struct PlateOptions {
     std::optional<int> minDots;
     std::optional<int> minArea;
     std::optional<double> minStrength;
+    std::optional<double> temperature;  // degrees Celsius
+    std::string positions;              // a file of measured dot positions, which goes before the description's
 };
 
 // Adds --plate, --min-dots, --min-area and --min-strength.
 void addPlateOptions(Subcommand& sub, PlateOptions& options, bool isRequired = true);
+
+// Adds --temperature.
+void addTemperatureOption(Subcommand& sub, PlateOptions& options);
 
 // The plate that the options describe. Throws Failure.
 Plate plateOf(const PlateOptions& options);

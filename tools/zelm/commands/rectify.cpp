@@ -234,10 +234,10 @@ void addRectify(CommandLine& commandLine, Console& console) {
     sub.option("--reference", o->reference,
                "Undistorted pixel x,y (of both images) or xL,yL,xR,yR that lands on the centre of the rectified "
                "image; default: the point that both cameras look at");
-    sub.option(
-           "--depth", o->depth,
-           "With a parallel camera: height of the plane on which the rectified images agree, plate units; it changes "
-           "nothing between perspective cameras")
+    sub.option("--depth", o->depth,
+               "With a parallel camera: height of the plane on which the rectified images agree, in the plate's unit; "
+               "it changes "
+               "nothing between perspective cameras")
         .showDefault();
     sub.option("--lines", o->lines, "Number of epipolar lines in the picture").inRange(0, 200).showDefault();
     sub.option("--pairs", o->pairs, "CSV of pixel pairs: draw these points and their lines instead");

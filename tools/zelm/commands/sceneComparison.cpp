@@ -13,6 +13,7 @@
 #include "dots.h"
 #include "failure.h"
 #include "jsonText.h"
+#include "numberText.h"
 #include "rigFigures.h"
 #include "spacePoints.h"
 #include "targets.h"
@@ -238,8 +239,8 @@ DistanceFigures lengthErrors(const std::vector<ScenePoint>& points) {
 }
 
 std::string textOf(const std::vector<Distances>& list, const DistanceFigures& lengths, std::size_t missed,
-                   const DistanceFigures& centres) {
-    std::string text = fmt::format("{:<40}{:>8}{:>12}{:>12}", "3-D distance, plate units", "points", "RMS", "worst");
+                   const DistanceFigures& centres, const std::string& units) {
+    std::string text = fmt::format("{:<40}{:>8}{:>12}{:>12}", "3-D distance, " + units, "points", "RMS", "worst");
     for (const Distances& d : list) {
         if (d.figures.count > 0) {
             text +=
@@ -256,7 +257,7 @@ std::string textOf(const std::vector<Distances>& list, const DistanceFigures& le
                             centres.rms, centres.max);
     }
     if (missed > 0) {
-        text += fmt::format("\n{} targets not found in the images", missed);
+        text += fmt::format("\n{} not found in the images", counted(missed, "target"));
     }
     return text;
 }
@@ -296,8 +297,9 @@ void compareScene(const LoadedRig& rig, const fs::path& rigPath, const nlohmann:
     const DistanceFigures centres = centreErrors(targets);
     const std::size_t missed = targets.size() - static_cast<std::size_t>(list[1].figures.count);
     const DistanceFigures lengths = lengthErrors(points);
-    console.say(textOf(list, lengths, missed, centres));
-    Json json{{"targets", targets.size()},
+    console.say(textOf(list, lengths, missed, centres, rig.units));
+    Json json{{"units", rig.units},
+              {"targets", targets.size()},
               {"targetsNotFound", missed},
               {"centreErrorPixels", figuresJson(centres)},
               {"relativeLengthErrors", figuresJson(lengths)}};

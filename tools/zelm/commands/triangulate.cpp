@@ -127,9 +127,9 @@ std::string uncertaintyText(const Uncertainties& known, const TriangulateOptions
         return fmt::format("X {:.2g}, Y {:.2g}, Z {:.2g}", s[0], s[1], s[2]);
     };
     return fmt::format(
-        "standard deviations   {} plate units (medians)\n  by noise            {}, of {}\n"
+        "standard deviations   {} {} (medians)\n  by noise            {}, of {}\n"
         "  by calibration      {}",
-        part(m.total), part(m.noise), noiseText(o.dots, o.noise, rig), part(m.calibration));
+        part(m.total), rig.units, part(m.noise), noiseText(o.dots, o.noise, rig), part(m.calibration));
 }
 
 void addUncertainty(Json& json, const Uncertainties& known, const TriangulateOptions& o, const LoadedRig& rig) {
@@ -142,13 +142,13 @@ void addUncertainty(Json& json, const Uncertainties& known, const TriangulateOpt
     }
 }
 
-std::string summaryText(const Summary& s, std::size_t pairs, const TriangulateOptions& o) {
+std::string summaryText(const Summary& s, std::size_t pairs, const TriangulateOptions& o, const std::string& units) {
     return fmt::format(
-        "{} of {} pixel pairs triangulated; wrote {}{}{}\n"
+        "{} of {} pixel pairs triangulated, in {}; wrote {}{}{}\n"
         "reprojection error    left RMS {:.4f}, worst {:.4f} px; right RMS {:.4f}, worst {:.4f} px\n"
         "intersection angle    {:.3f} to {:.3f} deg",
-        s.points(), pairs, o.csv, o.ply.empty() ? "" : " and ", o.ply, s.left.rms, s.left.max, s.right.rms, s.right.max,
-        s.minDegrees, s.maxDegrees);
+        s.points(), pairs, units, o.csv, o.ply.empty() ? "" : " and ", o.ply, s.left.rms, s.left.max, s.right.rms,
+        s.right.max, s.minDegrees, s.maxDegrees);
 }
 
 Json summaryJson(const Summary& s, std::size_t pairs, double maxError, const TriangulateOptions& o) {
@@ -215,7 +215,7 @@ void runTriangulate(const TriangulateOptions& o, const Console& console) {
     }
     outputs.add(o.csv, csvOf(pairs, points, known, o.covariances));
     if (!o.ply.empty()) {
-        outputs.add(o.ply, plyOf(points, known));
+        outputs.add(o.ply, plyOf(points, known, rig.units));
     }
     outputs.commit();
     if (summary.points() < pairs.size()) {
@@ -226,10 +226,11 @@ void runTriangulate(const TriangulateOptions& o, const Console& console) {
         console.warn(fmt::format("{}: {}", o.pairs, mismatch));
     }
     warnOfMisses(o.pairs, pairs, points, {noiseOf(o, rig), o.dots.areGiven()}, console);
-    console.say(summaryText(summary, pairs.size(), o));
+    console.say(summaryText(summary, pairs.size(), o, rig.units));
     console.say(uncertaintyText(known, o, rig));
     if (console.json) {
         Json json = summaryJson(summary, pairs.size(), maxError, o);
+        json["units"] = rig.units;
         addUncertainty(json, known, o, rig);
         json["list"] = pointsJson(pairs, points, known);
         console.result(jsonText(json));

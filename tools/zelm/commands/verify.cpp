@@ -132,6 +132,7 @@ Verification verifyPairs(const VerifyOptions& o, const LoadedRig& rig, OutputFil
         pixels.right.insert(pixels.right.end(), {pair.right.x, pair.right.y});
     }
     v.drift = checkDrift(rig, pixels, o);
+    v.drift.units = rig.units;
     if (!v.lengths && !v.drift.refusal.empty()) {
         failData("{}: {}", o.pairs, v.drift.refusal);
     }
@@ -215,13 +216,15 @@ void addVerify(CommandLine& commandLine, Console& console) {
     const auto o = std::make_shared<VerifyOptions>();
     sub.option("rig", o->rig, "The calibration (rig.zcal)").required();
     addPlateOptions(sub, o->plate, false);
+    addTemperatureOption(sub, o->plate);
     sub.option("--left", o->left, "New left images of the plate: files, a quoted glob, a folder, or a list (.txt)");
     sub.option("--right", o->right, "New right images, in the same order of views");
     sub.rectangle("--left-region", o->leftRegion, "Part of the left images that holds the plate");
     sub.rectangle("--right-region", o->rightRegion, "Part of the right images that holds the plate");
     sub.option("--pairs", o->pairs, "Instead of images: CSV of raw pixel pairs, as of triangulate");
     sub.option("--lengths", o->lengths, "CSV of known lengths from,to,length between points that --pairs names by ids");
-    sub.option("--tolerance", o->tolerance, "Largest length error that is accepted, plate units; else exit code 1")
+    sub.option("--tolerance", o->tolerance,
+               "Largest length error that is accepted, in the plate's unit; else exit code 1")
         .positive();
     sub.option("--noise", o->noise, "Standard deviation of a pixel's coordinates; default: estimated").positive();
     sub.option("--dots", o->dots,

@@ -3,7 +3,10 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
+#include <cmath>
 #include <map>
+#include <utility>
 
 #include "failure.h"
 #include "spacePoints.h"
@@ -17,6 +20,36 @@ struct LengthEnds {
     std::vector<std::int64_t> ends;
     std::vector<double> nominal;
     LengthCheck check;
+};
+
+// Where dots stand on the plate, as measured where the plate's file tells it.
+class DotPlaces {
+public:
+    explicit DotPlaces(const Plate& described) : plate(described) {
+        for (std::size_t i = 0; 2 * i < plate.positions.grid.size(); ++i) {
+            measured[{plate.positions.grid[2 * i], plate.positions.grid[2 * i + 1]}] = i;
+        }
+    }
+
+    bool areMeasured() const { return !measured.empty(); }
+    double distance(const std::int32_t* from, const std::int32_t* to) const {
+        const auto a = placeOf(from);
+        const auto b = placeOf(to);
+        return std::hypot(b[0] - a[0], b[1] - a[1], b[2] - a[2]);
+    }
+
+private:
+    std::array<double, 3> placeOf(const std::int32_t* index) const {
+        const auto known = measured.find({index[0], index[1]});
+        if (known == measured.end()) {
+            return {index[0] * plate.pattern.d4, index[1] * plate.pattern.d5, 0.0};
+        }
+        const double* const place = plate.positions.places.data() + 3 * known->second;
+        return {place[0], place[1], place[2]};
+    }
+
+    const Plate& plate;
+    std::map<std::pair<std::int32_t, std::int32_t>, std::size_t> measured;
 };
 
 // The dots of one view in space.
@@ -68,6 +101,11 @@ private:
             if (zelmMeasurePlateLengths(&plate.pattern, count, grid.data(), chosen, ends.data(), nominal.data(),
                                         &chosen) < 0) {
                 failData("{}: out of memory: give fewer views", view.left.string());
+            }
+        }
+        if (const DotPlaces places(plate); places.areMeasured()) {
+            for (std::size_t i = 0; i < nominal.size(); ++i) {
+                nominal[i] = places.distance(grid.data() + 2 * ends[2 * i], grid.data() + 2 * ends[2 * i + 1]);
             }
         }
         const auto nameOf = [&](std::int64_t dot) {
@@ -147,6 +185,7 @@ LengthCheck checkNamedLengths(const LoadedRig& rig, const std::string& pairFile,
         }
     }
     LengthEnds all;
+    all.check.units = rig.units;
     for (const SpacePoint& point : points) {
         all.positions.insert(all.positions.end(), {point.position.x, point.position.y, point.position.z});
     }

@@ -70,14 +70,15 @@ std::string matchCsv(const std::vector<MatchedPoint>& points, bool withCalibrati
     return csv;
 }
 
-std::string matchPly(const std::vector<MatchedPoint>& points, const Picture& left, bool withCalibration) {
+std::string matchPly(const std::vector<MatchedPoint>& points, const Picture& left, bool withCalibration,
+                     const std::string& units) {
     const std::size_t count = countStatuses(points)[static_cast<std::size_t>(MatchStatus::ok)];
     std::string ply = fmt::format(
-        "ply\nformat binary_little_endian 1.0\ncomment {} of {} points; depth_sigma: expected standard deviation of "
-        "the depth\n"
+        "ply\nformat binary_little_endian 1.0\ncomment units {}\n"
+        "comment {} of {} points; depth_sigma: expected standard deviation of the depth\n"
         "element vertex {}\nproperty float x\nproperty float y\nproperty float z\nproperty uchar red\n"
         "property uchar green\nproperty uchar blue\nproperty float depth_sigma\n",
-        count, points.size(), count);
+        units, count, points.size(), count);
     ply += withCalibration ? "property float depth_sigma_calibration\nend_header\n" : "end_header\n";
     constexpr std::size_t kBytesPerVertex = 23;
     ply.reserve(ply.size() + kBytesPerVertex * count);

@@ -48,11 +48,14 @@ struct Rig {
     std::size_t views() const { return left.poses.size(); }
 };
 
+inline constexpr const char* kUnknownUnits = "plate units";
+
 // A calibration ready to measure with: what it says, and the measuring library's handle of it.
 struct LoadedRig {
     Rig rig;
     MeasurePtr handle;
     std::filesystem::path file;  // it was loaded from; empty for one that was just calibrated
+    std::string units;           // of lengths, in words
 
     // For the functions of the core that only read the calibration.
     const Zelm2ViewCalib* calib() const { return zelmMeasureRigCalib(handle.get()); }
@@ -79,8 +82,9 @@ std::string covarianceBytes(const LoadedRig& rig);
 // The file that holds the covariance of a rig: of the same name, but for the ending .zcov.
 std::filesystem::path covarianceFile(const std::filesystem::path& rig);
 
-// Reads and checks a block, and the covariance beside it when there is one. Throws Failure, naming the file, for one
-// that is truncated, foreign or damaged.
+// Reads and checks a block, the covariance beside it when there is one, and the unit of lengths from the summary beside
+// it (rig.json); a summary of another calibration, or none, leaves the unit unknown. Throws Failure, naming the file,
+// for a block that is truncated, foreign or damaged.
 LoadedRig loadRig(const std::filesystem::path& path);
 
 }  // namespace zelm::tool

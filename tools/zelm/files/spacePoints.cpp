@@ -108,13 +108,15 @@ std::string csvOf(const std::vector<PixelPair>& pairs, const std::vector<SpacePo
     return csv;
 }
 
-std::string plyOf(const std::vector<SpacePoint>& points, const std::vector<PointUncertainty>& known) {
+std::string plyOf(const std::vector<SpacePoint>& points, const std::vector<PointUncertainty>& known,
+                  const std::string& units) {
     const std::size_t count = countStatuses(points)[static_cast<std::size_t>(PointStatus::ok)];
     std::string ply = fmt::format(
         "ply\nformat ascii 1.0\ncomment {} of {} pixel pairs; row counts them from 1\n"
         "comment errors in pixels, angle between the rays in degrees\n",
         count, points.size());
-    ply += known.empty() ? "" : "comment sigma: standard deviations by noise and by the calibration, plate units\n";
+    ply += "comment units " + units + "\n";
+    ply += known.empty() ? "" : "comment sigma: standard deviations by noise and by the calibration\n";
     ply += fmt::format(
         "element vertex {}\nproperty double x\nproperty double y\nproperty double z\nproperty float error_left\n"
         "property float error_right\nproperty float angle\nproperty int row\n",

@@ -79,7 +79,8 @@ ImageNoise imageNoiseOf(const std::vector<SpacePoint>& points, const std::option
 // how well they are known, unless that is empty. The CSV shows the dots of targets.
 std::string csvOf(const std::vector<PixelPair>& pairs, const std::vector<SpacePoint>& points,
                   const std::vector<PointUncertainty>& known, bool withCovariances);
-std::string plyOf(const std::vector<SpacePoint>& points, const std::vector<PointUncertainty>& known);
+std::string plyOf(const std::vector<SpacePoint>& points, const std::vector<PointUncertainty>& known,
+                  const std::string& units);
 
 // An id as a field of a CSV file.
 std::string csvField(const std::string& text);

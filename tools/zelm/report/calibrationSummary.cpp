@@ -3,7 +3,9 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <utility>
 
+#include "numberText.h"
 #include "rigReport.h"
 
 namespace zelm::tool {
@@ -117,6 +119,28 @@ Json skippedJson(const Calibration& c) {
     return skipped;
 }
 
+// What is known of the plate itself; of a plate at another temperature the lengths beside are those of that one.
+void addIdentity(const Plate& plate, Json& json) {
+    for (const auto& [key, text] : {std::pair("name", &plate.name),
+                                    {"maker", &plate.maker},
+                                    {"serial", &plate.serial},
+                                    {"date", &plate.date},
+                                    {"certificate", &plate.certificate}}) {
+        if (!text->empty()) {
+            json[key] = *text;
+        }
+    }
+    if (plate.expansion) {
+        json["expansion"] = *plate.expansion;
+        json["temperature"] = plate.usedAt.value_or(*plate.temperature);
+        json["measuredAt"] = *plate.temperature;
+        json["growth"] = plate.growth;
+    }
+    if (!plate.positions.grid.empty()) {
+        json["measuredPositions"] = plate.positions.grid.size() / 2;
+    }
+}
+
 }  // namespace
 
 Json warningsJson(const Calibration& c) {
@@ -133,20 +157,22 @@ std::string imageName(const std::filesystem::path& path) {
 
 Json plateJson(const Plate& plate) {
     const Zelm2ViewPatternDesc& p = plate.pattern;
-    return {{"fieldWidth", p.d0},
-            {"fieldHeight", p.d1},
-            {"dotDiameter", p.d2},
-            {"markerDiameter", p.d3},
-            {"dotPitchX", p.d4},
-            {"dotPitchY", p.d5},
-            {"markerDistanceX", p.d6},
-            {"markerDistanceY", p.d7},
-            {"markers", p.markers},
-            {"polarity", p.polarity == 0 ? "dark" : "bright"},
-            {"units", plate.units},
-            {"minDotArea", p.minDotArea},
-            {"minEdgeStrength", p.minEdgeStrength},
-            {"minDots", p.minDots}};
+    Json json{{"fieldWidth", p.d0},
+              {"fieldHeight", p.d1},
+              {"dotDiameter", p.d2},
+              {"markerDiameter", p.d3},
+              {"dotPitchX", p.d4},
+              {"dotPitchY", p.d5},
+              {"markerDistanceX", p.d6},
+              {"markerDistanceY", p.d7},
+              {"markers", p.markers},
+              {"polarity", p.polarity == 0 ? "dark" : "bright"},
+              {"units", plate.units},
+              {"minDotArea", p.minDotArea},
+              {"minEdgeStrength", p.minEdgeStrength},
+              {"minDots", p.minDots}};
+    addIdentity(plate, json);
+    return json;
 }
 
 std::string blurText(const Calibration& c, std::size_t view, std::size_t side) {
@@ -179,12 +205,36 @@ std::vector<std::string> qualityLines(const Calibration& c) {
     return lines;
 }
 
+std::string plateText(const Plate& plate) {
+    constexpr double kPerMillion = 1e6;
+    std::string text;
+    for (const std::string* const word : {&plate.name, &plate.maker, &plate.serial, &plate.date, &plate.certificate}) {
+        if (!word->empty()) {
+            text += fmt::format("{}{}", text.empty() ? "plate " : ", ", *word);
+        }
+    }
+    text += text.empty() ? "" : "\n";
+    if (plate.usedAt) {
+        text += fmt::format("plate at {:g} deg C: its lengths are {:+.1f} ppm from those at {:g} deg C\n",
+                            *plate.usedAt, kPerMillion * (plate.growth - 1.0), *plate.temperature);
+    } else if (plate.expansion) {
+        text += fmt::format(
+            "plate taken to be at {:g} deg C, where its lengths hold (--temperature tells another one)\n",
+            *plate.temperature);
+    }
+    if (!plate.positions.grid.empty()) {
+        text += fmt::format("measured positions of {} from {}\n", counted(plate.positions.grid.size() / 2, "dot"),
+                            plate.positionsSource);
+    }
+    return text;
+}
+
 std::string summaryText(const Calibration& c) {
     std::string text = viewTable(c);
     if (!c.skipped.empty()) {
         text += fmt::format("{} of {} views skipped\n", c.skipped.size(), c.skipped.size() + c.views.size());
     }
-    text += fmt::format("\n{}\n", rigText(c.rig, c.plate.units));
+    text += fmt::format("\n{}{}\n", plateText(c.plate), rigText(c.rig, c.plate.units));
     if (c.adjustment) {
         text += fmt::format("\n{}", adjustText(*c.adjustment, c.rig, c.plate.units));
     }

@@ -57,6 +57,9 @@ std::string lengthText(const Calibration& calibration, std::size_t view);
 // left out.
 std::vector<std::string> qualityLines(const Calibration& calibration);
 
+// What is known of the plate beside its lengths, a line each: who made it, its temperature, measured positions.
+std::string plateText(const Plate& plate);
+
 std::string summaryText(const Calibration& calibration);
 nlohmann::ordered_json summaryJson(const Calibration& calibration);
 

@@ -3,6 +3,8 @@
 #include <fmt/format.h>
 
 #include <cstdint>
+#include <sstream>
+#include <string>
 
 #include "cameraParameters.h"
 #include "numberText.h"
@@ -101,6 +103,16 @@ std::string tiles(const Calibration& c) {
         html += tile(fmt::format("{:.3f}°", pair->convergence * kDegreesPerRadian), "convergence angle");
     }
     return html + "</div>";
+}
+
+// What is known of the plate beside its lengths.
+std::string plateNotes(const Plate& plate) {
+    std::string html;
+    std::istringstream lines(plateText(plate));
+    for (std::string line; std::getline(lines, line);) {
+        html += fmt::format("<p class='note'>{}</p>", escaped(line));
+    }
+    return html;
 }
 
 std::string warnings(const Calibration& c) {
@@ -230,7 +242,7 @@ std::string htmlReport(const Calibration& c) {
     html += "</style></head><body><h1>Calibration report</h1>";
     html += fmt::format("<p class='note'>zelm {}, lengths in {}, image positions in pixels</p>", ZELM_VERSION,
                         escaped(c.plate.units));
-    html += tiles(c) + warnings(c);
+    html += plateNotes(c.plate) + tiles(c) + warnings(c);
     html += "<h2>Cameras</h2>" + cameraTable(c) + adjustment(c);
     html +=
         "<h2>Reprojection error of every view</h2><p class='note'>RMS distance in pixels between the dots and their "
