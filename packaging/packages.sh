@@ -2,7 +2,8 @@
 build_packages=(cmake ninja-build gcc g++ pkg-config)
 measure_packages=(libtbb-dev libceres-dev)
 tool_packages=(libcli11-dev nlohmann-json3-dev libfmt-dev libgraphicsmagick1-dev libcairo2-dev)
-test_packages=(libgtest-dev binutils)
+# The last three render and read the plates that `zelm plate` draws.
+test_packages=(libgtest-dev binutils poppler-utils librsvg2-bin python3-ezdxf)
 clang_packages=(clang libclang-rt-14-dev)
 docs_packages=(doxygen)
 tidy_packages=(clang-tidy)

@@ -23,8 +23,8 @@ constexpr double kLeastMarkerRatio = 1.6;
 
 constexpr double kGoodDots = 25.0;  // five columns and rows: fewer leave a homography little to average over
 
-// Pixels. From a radius of 4.5 on every dot is found; at 4.2 half of the images lack some, at 3.5 half of the images are
-// not read, and below that of minDotArea dots are not looked for. Outlines are those of blobs of up to some 120 pixels.
+// Pixels. From a radius of 4.5 on every dot is found; at 4.2 half of the images lack some, at 3.5 half of them are not
+// read, and below that of minDotArea dots are not looked for. Outlines are those of blobs of up to some 120 pixels.
 constexpr double kLeastRadius = 4.5;
 constexpr double kMostRadius = 60.0;
 // Pixels between outlines: below, blobs run into each other, first some dots, then all markers.
@@ -32,9 +32,9 @@ constexpr double kFatalGap = 2.0;
 constexpr double kLeastGap = 4.0;
 constexpr double kMostAxisDifference = 100.0;  // pixels: the reader's limit
 
-// Shares of an image. The reader looks for a plate that covers a twentieth of it.
+// Shares of an image. The reader looks for a plate that covers a twentieth of it, also when tilted by 45 degrees.
 constexpr double kFatalFieldShare = 0.05;
-constexpr double kLeastFieldShare = 0.15;
+constexpr double kLeastFieldShare = 0.07;
 
 ZelmMeasurePlateFinding finding(int flaw, bool isFatal, double value, double limit, int camera = -1) {
     return {static_cast<std::int32_t>(sizeof(ZelmMeasurePlateFinding)), flaw, camera, isFatal ? 1 : 0, value, limit};

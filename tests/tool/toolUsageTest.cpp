@@ -6,7 +6,7 @@ using namespace zelmtest;
 
 namespace {
 
-const std::vector<std::string> kSubcommands{"calibrate", "compare", "detect", "info", "simulate"};
+const std::vector<std::string> kSubcommands{"calibrate", "compare", "detect", "info", "plate", "simulate"};
 
 TEST(ToolUsage, HelpWorksEverywhereAndShowsAnExample) {
     const CommandResult all = zelm({"--help"});
@@ -21,6 +21,21 @@ TEST(ToolUsage, HelpWorksEverywhereAndShowsAnExample) {
         EXPECT_NE(one.output.find("--quiet"), std::string::npos) << name;
         EXPECT_EQ(one.errors, "") << name;
     }
+}
+
+TEST(ToolUsage, TheWordHelpDoesWhatTheOptionDoes) {
+    const std::string all = zelm({"--help"}).output;
+    for (const std::vector<std::string>& words :
+         {std::vector<std::string>{"help"}, {"help", "help"}, {"help", "--help"}}) {
+        const CommandResult result = zelm(words);
+        EXPECT_EQ(result.status, 0) << result.errors;
+        EXPECT_EQ(result.output, all);
+    }
+    const CommandResult one = zelm({"help", "info"});
+    EXPECT_EQ(one.status, 0) << one.errors;
+    EXPECT_EQ(one.output, zelm({"info", "--help"}).output);
+    expectOneLine(zelm({"help", "infos"}), 2, {"infos: no such", "did you mean info?"});
+    expectOneLine(zelm({"help", "info", "detect"}), 2, {"help", "one subcommand"});
 }
 
 TEST(ToolUsage, VersionIsPrinted) {

@@ -155,8 +155,8 @@ TEST(PlateDesign, BeforeCameras) {
     EXPECT_TRUE(findingsOf(p, {plainCamera(4000.0, 1080, 1280)}, 400.0, 400.0).empty());
     f = findingsOf(p, {plainCamera(4000.0, 600, 700)}, 400.0, 400.0);
     expectFinding(only(f), ZELM_MEASURE_PLATE_FIELD_LARGE, true, 600.0 * 700.0 / (1040.0 * 1240.0), 1.0);
-    f = findingsOf(p, {plainCamera(1680.0, 2448, 2048)}, 400.0, 400.0);
-    expectFinding(only(f), ZELM_MEASURE_PLATE_FIELD_SMALL, false, 124.0 * 104.0 * 4.2 * 4.2 / (2448.0 * 2048.0), 0.15);
+    f = findingsOf(p, {plainCamera(1680.0, 2048, 1700)}, 400.0, 400.0);
+    expectFinding(only(f), ZELM_MEASURE_PLATE_FIELD_SMALL, false, 124.0 * 104.0 * 4.2 * 4.2 / (2048.0 * 1700.0), 0.07);
     // A parallel camera's scale is that of every distance.
     ZelmMeasureCamera parallel = plainCamera(1.75, 0, 0);
     parallel.model = ZELM_CAMERA_PARALLEL;

@@ -40,6 +40,9 @@ public:
     void run() {
         const std::vector<fs::path> images = expandImageSet(options.images, "--left");
         outputs.keep(options.plate.file);
+        if (!plate.positionsSource.empty()) {
+            outputs.keep(plate.positionsSource);
+        }
         for (const fs::path& image : images) {
             outputs.keep(image);
         }
@@ -128,12 +131,8 @@ private:
 
     void open() {
         points.views = static_cast<std::int32_t>(views.size());
-        if (!options.adjust.positions.empty()) {
-            outputs.keep(options.adjust.positions);
-            positions = readDotPositions(options.adjust.positions);
-        }
         const ZelmMeasureTargetPoints record = points.record();
-        const ZelmMeasureAdjustOptions given = optionsOf(options.adjust, positions);
+        const ZelmMeasureAdjustOptions given = optionsOf(options.adjust, plate.positions);
         ZelmMeasureAdjustment* handle = nullptr;
         const std::int32_t status = zelmMeasureAdjustOpenPoints(&record, &plate.pattern, &given, &handle);
         adjustment.reset(handle);
@@ -196,7 +195,6 @@ private:
     std::vector<fs::path> views;
     std::vector<SkippedView> skipped;
     std::vector<ImageTrouble> troubles;  // of the skipped ones
-    DotPositions positions;
     std::vector<std::array<int, 2>> added;
     AdjustmentPtr adjustment;
 };

@@ -12,6 +12,7 @@ void addSubcommands(CommandLine& commandLine, Console& console) {
     addMatch(commandLine, console);
     addMeasure(commandLine, console);
     addPlan(commandLine, console);
+    addPlate(commandLine, console);
     addRectify(commandLine, console);
     addSimulate(commandLine, console);
     addTriangulate(commandLine, console);

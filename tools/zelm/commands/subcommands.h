@@ -16,6 +16,7 @@ void addLength(CommandLine& commandLine, Console& console);
 void addMatch(CommandLine& commandLine, Console& console);
 void addMeasure(CommandLine& commandLine, Console& console);
 void addPlan(CommandLine& commandLine, Console& console);
+void addPlate(CommandLine& commandLine, Console& console);
 void addRectify(CommandLine& commandLine, Console& console);
 void addSimulate(CommandLine& commandLine, Console& console);
 void addTriangulate(CommandLine& commandLine, Console& console);

@@ -41,9 +41,6 @@ nlohmann::ordered_json plateFileJson(const Plate& plate);
 // A plate whose fields are at their defaults, for lengths that are to be set.
 Plate emptyPlate();
 
-// Throws Failure, naming where the lengths come from, for lengths that make no plate.
-void checkPlateSizes(const std::string& source, const Zelm2ViewPatternDesc& pattern);
-
 // The number of dots that an image must yield unless the description says otherwise.
 int usualMinDots(const Zelm2ViewPatternDesc& pattern);
 
