@@ -218,9 +218,9 @@ std::string plateText(const Plate& plate) {
         text += fmt::format("plate at {:g} deg C: its lengths are {:+.1f} ppm from those at {:g} deg C\n",
                             *plate.usedAt, kPerMillion * (plate.growth - 1.0), *plate.temperature);
     } else if (plate.expansion) {
-        text += fmt::format(
-            "plate taken to be at {:g} deg C, where its lengths hold (--temperature tells another one)\n",
-            *plate.temperature);
+        text +=
+            fmt::format("plate taken to be at {:g} deg C, where its lengths hold (--temperature tells another one)\n",
+                        *plate.temperature);
     }
     if (!plate.positions.grid.empty()) {
         text += fmt::format("measured positions of {} from {}\n", counted(plate.positions.grid.size() / 2, "dot"),
