@@ -1,6 +1,6 @@
 # Debian 12 packages that each job needs; sourced by ./demo and ./check.
 build_packages=(cmake ninja-build gcc g++ pkg-config)
-measure_packages=(libtbb-dev libceres-dev)
+measure_packages=(libtbb-dev libceres-dev libyaml-cpp-dev libzip-dev zlib1g-dev)
 tool_packages=(libcli11-dev nlohmann-json3-dev libfmt-dev libgraphicsmagick1-dev libcairo2-dev)
 # The last three render and read the plates that `zelm plate` draws.
 test_packages=(libgtest-dev binutils poppler-utils librsvg2-bin python3-ezdxf)
@@ -12,4 +12,7 @@ i386_packages=(gcc-multilib g++-multilib)
 # OpenCV, which the benchmarks compare with: 160 MB in some 290 packages on a bare system, as calib3d brings the headers
 # of half of that library; about a minute.
 bench_packages=(libbenchmark-dev libmrcal-dev libopencv-imgproc-dev libopencv-calib3d-dev)
+# The programs that files are exchanged with: 500 MB and more on a bare system.
+peers_packages=(python3 python3-numpy python3-scipy python3-yaml python3-opencv python3-mrcal python3-image-geometry
+  python3-camera-calibration-parsers pcl-tools)
 fresh_packages=(debootstrap git)

@@ -4,12 +4,11 @@
 #include <cmath>
 
 #include "fault.h"
+#include "plateDepths.h"
 
 namespace zelm::measure {
 namespace {
 
-constexpr double kNearerThanPlates = 0.5;  // of the nearest plate's distance
-constexpr double kFartherThanPlates = 2.0;
 constexpr int kBorderSteps = 16;  // pixels of each side of an image that are undistorted to find its extent
 
 // The smallest rectangle around the undistorted image.
@@ -45,17 +44,9 @@ DepthLimits calibratedLimits(const Rig& rig) {
             nearest = -std::numeric_limits<double>::infinity();
             return;
         }
-        nearest = std::numeric_limits<double>::infinity();
-        farthest = 0.0;
-        for (const ZelmCameraExtrinsics& pose : camera.poses) {
-            if (pose.t[2] > 0.0) {  // views that were not used have a pose of zeros
-                nearest = std::min(nearest, kNearerThanPlates * pose.t[2]);
-                farthest = std::max(farthest, kFartherThanPlates * pose.t[2]);
-            }
-        }
-        if (farthest <= 0.0) {
-            nearest = 0.0;
-            farthest = std::numeric_limits<double>::infinity();
+        if (const auto depths = plateDepths(camera)) {
+            nearest = depths->nearest;
+            farthest = depths->farthest;
         }
     };
     limit(rig.left, limits.leftNearest, limits.leftFarthest);

@@ -82,6 +82,9 @@ std::int32_t zelmMeasurePlanOfRig(const ZelmMeasureRig* rig, const Zelm2ViewPatt
         require(plate != nullptr, "the plate is NULL");
         const ZelmMeasurePlanOptions o = optionsOf(options);
         const Rig& r = rig->rig;
+        if (r.views() == 1) {
+            refuse("the calibration was imported: it tells of no views to plan from; calibrate with zelm calibrate");
+        }
         planner.emplace(
             planPair(cameraOf(r.left), cameraOf(r.right), motionBetween(r.left, r.right), {o.focusNear, o.focusFar}),
             *plate, o);

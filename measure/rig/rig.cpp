@@ -10,14 +10,15 @@
 namespace zelm::measure {
 namespace {
 
-constexpr int kMinViews = 3;
+constexpr int kMinViews = 3;       // of a calibration
+constexpr int kImportedViews = 1;  // of a pair that another program calibrated: its poses alone
 constexpr int kMaxSide = 1 << 20;  // pixels; a larger image is no image size but foreign bytes
 
 bool isSane(std::int32_t views, const Zelm2ViewCameraDesc& c) {
     const auto isSide = [](int side) { return side > 0 && side <= kMaxSide; };
     const auto isModel = [](int model) { return model >= ZELM_CAMERA_PERSPECTIVE && model <= ZELM_CAMERA_PARALLEL; };
-    return views >= kMinViews && isModel(c.leftModel) && isModel(c.rightModel) && isSide(c.leftWidth) &&
-           isSide(c.leftHeight) && isSide(c.rightWidth) && isSide(c.rightHeight);
+    return (views >= kMinViews || views == kImportedViews) && isModel(c.leftModel) && isModel(c.rightModel) &&
+           isSide(c.leftWidth) && isSide(c.leftHeight) && isSide(c.rightWidth) && isSide(c.rightHeight);
 }
 
 void checkHeader(std::span<const unsigned char> bytes) {

@@ -1,8 +1,8 @@
 // The exported functions of rigs.
 #include <algorithm>
 #include <cmath>
-#include <new>
 
+#include "openRig.h"
 #include "records.h"
 #include "rig.h"
 #include "rigCentre.h"
@@ -11,25 +11,6 @@
 using namespace zelm::measure;
 
 namespace {
-
-// Opens a handle with what make() gives; keeps it, with the reason, when the data do not allow it.
-template <class Make>
-std::int32_t openRig(ZelmMeasureRig** handle, Make make) {
-    auto* const opened = new (std::nothrow) ZelmMeasureRig;
-    if (opened == nullptr) {
-        return ZELM_ERR_MEMORY;
-    }
-    const std::int32_t status = guarded(&opened->error, [&] {
-        opened->rig = make();
-        opened->isOpen = true;
-    });
-    if (status >= 0 || status == ZELM_MEASURE_ERR_DATA) {
-        *handle = opened;
-    } else {
-        delete opened;
-    }
-    return status;
-}
 
 bool isOpen(const ZelmMeasureRig* rig) {
     return rig != nullptr && rig->isOpen;
