@@ -15,6 +15,7 @@
 #include "jsonText.h"
 #include "numberText.h"
 #include "outputFiles.h"
+#include "rigComparison.h"
 #include "rigFile.h"
 #include "sceneComparison.h"
 #include "subcommands.h"
@@ -127,18 +128,29 @@ struct CompareOptions {
     std::string rig;
     std::string truth;
     std::string points;
+    std::string depths;
     double within = 0.2;
 };
 
 void runCompare(const CompareOptions& o, const Console& console) {
     const fs::path rigPath = o.rig;
     const fs::path truthPath = o.truth;
+    const std::string bytes = readWholeFile(truthPath, "the truth of rendered views, or another calibration");
+    if (isCalibrationFile(bytes)) {
+        if (!o.points.empty()) {
+            failUsage("--points {}: of the truth of a scene alone, and {} is a calibration", o.points, o.truth);
+        }
+        compareRigs(o.rig, o.truth, o.depths, console);
+        return;
+    }
+    if (!o.depths.empty()) {
+        failUsage("--depths {}: of two calibrations alone, and {} is none", o.depths, o.truth);
+    }
     const LoadedRig rig = loadRig(rigPath);
     if (const auto doubt = savedDoubt(rigPath)) {
         console.warn(*doubt);
     }
-    const nlohmann::json truth =
-        parseCommentedJson(truthPath.string(), readWholeFile(truthPath, "the truth of rendered views"));
+    const nlohmann::json truth = parseCommentedJson(truthPath.string(), bytes);
     if (!o.points.empty()) {
         compareDepths(rig, truth, truthPath, o.points, o.within, console);
         return;
@@ -165,16 +177,20 @@ void runCompare(const CompareOptions& o, const Console& console) {
 
 void addCompare(CommandLine& commandLine, Console& console) {
     Subcommand sub =
-        commandLine.subcommand("compare", "Compare a calibration with the truth of rendered views or of a scene",
+        commandLine.subcommand("compare", "Compare a calibration with another, or with the truth of rendered images",
                                "zelm compare out/rig.zcal samples/desk-rig/truth.json");
     const auto o = std::make_shared<CompareOptions>();
     sub.option("rig", o->rig, "The calibration (rig.zcal)").required();
-    sub.option("truth", o->truth, "The truth of views (truth.json) or of a scene (scene_truth.json)").required();
+    sub.option("truth", o->truth,
+               "The truth of views (truth.json) or of a scene (scene_truth.json), or another calibration")
+        .required();
     sub.option("--points", o->points, "CSV of zelm match: compare its depths with the depth map of the scene");
     sub.option("--within", o->within,
                "With --points: count those within this distance of the true depth, in the plate's unit")
         .positive()
         .showDefault();
+    sub.option("--depths", o->depths,
+               "Of two calibrations: nearest,farthest depth of the volume; default: by the first one's plates");
     sub.does([o, &console] { runCompare(*o, console); });
 }
 

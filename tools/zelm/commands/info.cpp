@@ -25,7 +25,9 @@ void showRig(const std::filesystem::path& path, const Console& console) {
         rig.covariance ? fmt::format("covariance in {}: noise of a dot {:.4f} px, {}", covarianceFile(path).string(),
                                      rig.covariance->noise, freedomText(rig.covariance->freedom))
                        : fmt::format("no covariance beside {}", path.string());
-    console.say(fmt::format("{}: a calibrated pair from {}", path.string(), counted(rig.views(), "view")));
+    console.say(rig.isImported()
+                    ? fmt::format("{}: an imported pair", path.string())
+                    : fmt::format("{}: a calibrated pair from {}", path.string(), counted(rig.views(), "view")));
     console.say(rigText(rig, loaded.units));
     console.say(covariance);
     if (console.json) {

@@ -16,6 +16,7 @@
 #include "numberText.h"
 #include "outputFiles.h"
 #include "pairFile.h"
+#include "rectifyRows.h"
 #include "subcommands.h"
 
 namespace zelm::tool {
@@ -33,6 +34,8 @@ struct RectifyOptions {
     double depth = 0.0;
     std::size_t lines = 15;
     std::string pairs;
+    bool asRows = false;
+    RowsOptions rows;
 };
 
 // The undistorted pixels that land on the centres of the rectified images.
@@ -220,6 +223,28 @@ void runRectify(const RectifyOptions& o, const Console& console) {
     console.result(jsonText(resultJson(o, references, names, drawing)));
 }
 
+void runAny(const RectifyOptions& o, const Console& console) {
+    if (!o.asRows) {
+        const bool hasRowOption = !o.rows.size.empty() || !o.rows.depths.empty() || o.rows.focal > 0.0 ||
+                                  o.rows.zeroAtInfinity || o.rows.writesMaps;
+        if (hasRowOption) {
+            failUsage(
+                "--size, --depths, --focal, --zero-at-infinity and --maps are of row-aligned images: give --rows");
+        }
+        runRectify(o, console);
+        return;
+    }
+    if (!o.reference.empty() || !o.pairs.empty() || o.depth != 0.0) {
+        failUsage("--reference, --pairs and --depth are not of row-aligned images: leave them or --rows out");
+    }
+    RowsOptions rows = o.rows;
+    rows.rig = o.rig;
+    rows.left = o.left;
+    rows.right = o.right;
+    rows.folder = o.folder;
+    rectifyRows(rows, console);
+}
+
 }  // namespace
 
 void addRectify(CommandLine& commandLine, Console& console) {
@@ -241,7 +266,17 @@ void addRectify(CommandLine& commandLine, Console& console) {
         .showDefault();
     sub.option("--lines", o->lines, "Number of epipolar lines in the picture").inRange(0, 200).showDefault();
     sub.option("--pairs", o->pairs, "CSV of pixel pairs: draw these points and their lines instead");
-    sub.does([o, &console] { runRectify(*o, console); });
+    sub.flag(
+        "--rows", o->asRows,
+        "Instead turn both so that every point lies in one row: LEFT_rows.png, RIGHT_rows.png, rows.json, rows.yml");
+    sub.option("--size", o->rows.size, "With --rows: width,height; default: the images'");
+    sub.option("--focal", o->rows.focal, "With --rows: focal length, pixels; default: the mean of the cameras'")
+        .positive();
+    sub.flag("--zero-at-infinity", o->rows.zeroAtInfinity, "With --rows: disparity 0 at infinity, not in the scene");
+    sub.option("--depths", o->rows.depths,
+               "With --rows: nearest,farthest depth to tell disparities of; default: by the calibration's plates");
+    sub.flag("--maps", o->rows.writesMaps, "With --rows: also left_map.npy and right_map.npy, the pixels' places");
+    sub.does([o, &console] { runAny(*o, console); });
 }
 
 }  // namespace zelm::tool

@@ -7,6 +7,8 @@ void addSubcommands(CommandLine& commandLine, Console& console) {
     addCompare(commandLine, console);
     addDetect(commandLine, console);
     addEpiline(commandLine, console);
+    addExport(commandLine, console);
+    addImport(commandLine, console);
     addInfo(commandLine, console);
     addLength(commandLine, console);
     addMatch(commandLine, console);

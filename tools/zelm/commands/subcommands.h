@@ -11,6 +11,8 @@ void addCalibrate(CommandLine& commandLine, Console& console);
 void addCompare(CommandLine& commandLine, Console& console);
 void addDetect(CommandLine& commandLine, Console& console);
 void addEpiline(CommandLine& commandLine, Console& console);
+void addExport(CommandLine& commandLine, Console& console);
+void addImport(CommandLine& commandLine, Console& console);
 void addInfo(CommandLine& commandLine, Console& console);
 void addLength(CommandLine& commandLine, Console& console);
 void addMatch(CommandLine& commandLine, Console& console);

@@ -100,6 +100,12 @@ void LoadedRig::require(std::int32_t status, const std::string& culprit) const {
 }
 
 void LoadedRig::requireCovariance() const {
+    if (!rig.covariance && rig.isImported()) {
+        failData(
+            "{}: an imported calibration has no covariance, without which no uncertainty is told: calibrate with zelm "
+            "calibrate",
+            file.string());
+    }
     if (!rig.covariance) {
         failData("no covariance beside {}: calibrate with the adjustment, which writes {}", file.string(),
                  covarianceFile(file).filename().string());

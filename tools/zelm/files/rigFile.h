@@ -46,6 +46,8 @@ struct Rig {
     std::optional<ZelmMeasureCovariance> covariance;  // of the parameters, where it is known
 
     std::size_t views() const { return left.poses.size(); }
+    // Another program calibrated it: it has the one pose of its frame, and no views.
+    bool isImported() const { return views() == 1; }
 };
 
 inline constexpr const char* kUnknownUnits = "plate units";
