@@ -61,7 +61,7 @@ void checkCount(const ImportOptions& o, const ExchangeFormat& format) {
                             ? o.files.size() == 2
                             : o.files.size() == 1 || (format.word == "opencv" && o.files.size() == 2);
     if (!isGood) {
-        failUsage("{} files: {} takes {}", o.files.size(), format.word,
+        failUsage("{} {}: {} takes {}", o.files.size(), o.files.size() == 1 ? "file" : "files", format.word,
                   format.hasFileOfEach()    ? "two, of the left and of the right camera"
                   : format.word == "opencv" ? "one, or two that complete each other (intrinsics and extrinsics)"
                                             : "one");
