@@ -12,7 +12,7 @@ struct ParameterDifference {
     double probability = 1.0;  // that chance alone gives as much
 };
 
-// Of cameras and relative pose; the frame of the plate is no part of it. The errors of the two are taken as independent.
+// Of cameras and relative pose; the frame of the plate is no part of it. Their errors are taken as independent.
 ParameterDifference parameterDifference(const Rig& first, const Rig& second);
 
 }  // namespace zelm::measure

@@ -1,4 +1,5 @@
-// ROS camera_info, YAML: a file a camera. Some of its readers take both principal points for the same. How the cameras stand to each other is told by R and P of both.
+// ROS camera_info, YAML: a file a camera. How the cameras stand to each other is told by R and P of both. Some of its
+// readers take both principal points for the same.
 #include <cmath>
 
 #include "foreignCameras.h"

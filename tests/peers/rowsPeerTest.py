@@ -8,7 +8,7 @@ from peerSupport import SAMPLE, folder, run, zelm
 
 RIG = os.environ["ZELM_DESK_RIG"]
 MAX_ROW_RMS = 0.05  # pixels; the dots of good views are read to 0.02 in each image, and once more resampled
-MAX_MEDIAN = 0.15   # pixels of disparity: the matcher's steps are 1/16, its windows flat, and it finds whole pixels first
+MAX_MEDIAN = 0.15   # pixels of disparity: the matcher's steps are 1/16, its windows flat
 MIN_NEAR = 0.85     # of the points found that are within a pixel of disparity of the truth: outlines are none
 
 

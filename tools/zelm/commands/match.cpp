@@ -36,6 +36,7 @@ struct MatchOptions {
     std::string right;
     std::string csv;
     std::string ply;
+    bool plyText = false;
     std::string picture;
     std::string points;
     int step = 8;
@@ -61,6 +62,9 @@ struct Summary {
 };
 
 void checkNames(const MatchOptions& o) {
+    if (o.plyText && o.ply.empty()) {
+        failUsage("--ply-text: of no cloud: give --ply FILE too");
+    }
     const std::vector<std::string> outputs{o.csv, o.ply, o.picture};
     const std::vector<std::string> inputs{o.rig, covarianceFile(o.rig).string(), o.left, o.right, o.points};
     const auto same = [](const std::string& a, const std::string& b) {
@@ -273,7 +277,7 @@ void writeFiles(const MatchOptions& o, const std::vector<MatchedPoint>& points, 
                 bool withCalibration, OutputFiles& outputs) {
     outputs.add(o.csv, matchCsv(points, withCalibration));
     if (!o.ply.empty()) {
-        outputs.add(o.ply, matchPly(points, left, withCalibration, o.unit));
+        outputs.add(o.ply, matchPly(points, left, withCalibration, o.plyText, o.unit));
     }
     if (!o.picture.empty()) {
         constexpr int kSpotOfAList = 5;  // pixels
@@ -339,6 +343,7 @@ void addMatch(CommandLine& commandLine, Console& console) {
     sub.option("--ply", o->ply,
                "Also write the points found as a PLY cloud with their gray levels and the standard deviations of their "
                "depths");
+    sub.flag("--ply-text", o->plyText, "Write the PLY cloud as text; it is binary otherwise");
     sub.option("--picture", o->picture, "Also write a picture of the depths (.png)");
     Option points = sub.option("--points", o->points, "CSV of pixels of the left image: x,y or id,x,y");
     Option grid = sub.option("--grid", o->step, "Look for the pixels of a grid with this step, pixels")

@@ -27,6 +27,7 @@ struct TriangulateOptions {
     std::string pairs;
     std::string csv;
     std::string ply;
+    bool plyBinary = false;
     DotOptions dots;
     std::optional<double> noise;  // of the pixels; that of the calibration's dots
     bool covariances = false;     // in the CSV, beside standard deviations
@@ -48,6 +49,9 @@ struct Summary {
 
 // Names of files that would take each other's place.
 void checkNames(const TriangulateOptions& o) {
+    if (o.plyBinary && o.ply.empty()) {
+        failUsage("--ply-binary: of no cloud: give --ply FILE too");
+    }
     const auto same = [](const std::string& a, const std::string& b) {
         return !a.empty() && !b.empty() && isSameFile(a, b);
     };
@@ -215,7 +219,8 @@ void runTriangulate(const TriangulateOptions& o, const Console& console) {
     }
     outputs.add(o.csv, csvOf(pairs, points, known, o.covariances));
     if (!o.ply.empty()) {
-        outputs.add(o.ply, plyOf(points, known, rig.units));
+        outputs.add(o.ply,
+                    o.plyBinary ? binaryPlyOf(points, known, rig.units) : plyOf(points, known, rig.units));
     }
     outputs.commit();
     if (summary.points() < pairs.size()) {
@@ -249,6 +254,7 @@ void addTriangulate(CommandLine& commandLine, Console& console) {
         .required();
     sub.option("-o,--output", o->csv, "CSV of the points, a line for each pixel pair").required();
     sub.option("--ply", o->ply, "Also write the points as a PLY cloud, with their standard deviations");
+    sub.flag("--ply-binary", o->plyBinary, "Write the PLY cloud in binary form, as floats; it is text otherwise");
     addDotOptions(sub, o->dots);
     sub.option("--noise", o->noise,
                "Standard deviation of the pixels' coordinates, pixels; default: that of the calibration's dots")

@@ -9,6 +9,7 @@
 #include <cmath>
 #include <iterator>
 
+#include "plyBytes.h"
 #include "spacePoints.h"
 
 namespace zelm::tool {
@@ -16,11 +17,25 @@ namespace {
 
 constexpr std::size_t kBytesPerLine = 160;  // about; of a CSV line
 
-// Four bytes, lowest first, whatever the machine.
-void appendFloat(std::string& bytes, double value) {
-    const auto bits = std::bit_cast<std::uint32_t>(static_cast<float>(value));
-    for (unsigned shift = 0; shift < 32; shift += 8) {
-        bytes += static_cast<char>(bits >> shift & 0xffU);
+void appendVertexText(std::string& ply, const MatchedPoint& p, char gray, bool withCalibration) {
+    const Point3d& X = p.position;
+    const auto level = static_cast<unsigned>(static_cast<unsigned char>(gray));
+    fmt::format_to(std::back_inserter(ply), FMT_COMPILE("{:.9g} {:.9g} {:.9g} {} {} {} {:.6g}"), X.x, X.y, X.z, level,
+                   level, level, p.deviation);
+    if (withCalibration) {
+        fmt::format_to(std::back_inserter(ply), FMT_COMPILE(" {:.6g}"), p.calibrationDeviation.value_or(-1.0));
+    }
+    ply += '\n';
+}
+
+void appendVertexBytes(std::string& ply, const MatchedPoint& p, char gray, bool withCalibration) {
+    appendFloat(ply, p.position.x);
+    appendFloat(ply, p.position.y);
+    appendFloat(ply, p.position.z);
+    ply.append(3, gray);
+    appendFloat(ply, p.deviation);
+    if (withCalibration) {
+        appendFloat(ply, p.calibrationDeviation.value_or(-1.0));
     }
 }
 
@@ -70,28 +85,21 @@ std::string matchCsv(const std::vector<MatchedPoint>& points, bool withCalibrati
     return csv;
 }
 
-std::string matchPly(const std::vector<MatchedPoint>& points, const Picture& left, bool withCalibration,
+std::string matchPly(const std::vector<MatchedPoint>& points, const Picture& left, bool withCalibration, bool isText,
                      const std::string& units) {
     const std::size_t count = countStatuses(points)[static_cast<std::size_t>(MatchStatus::ok)];
     std::string ply = fmt::format(
-        "ply\nformat binary_little_endian 1.0\ncomment units {}\n"
+        "ply\nformat {} 1.0\ncomment units {}\n"
         "comment {} of {} points; depth_sigma: expected standard deviation of the depth\n"
         "element vertex {}\nproperty float x\nproperty float y\nproperty float z\nproperty uchar red\n"
         "property uchar green\nproperty uchar blue\nproperty float depth_sigma\n",
-        units, count, points.size(), count);
+        isText ? "ascii" : "binary_little_endian", units, count, points.size(), count);
     ply += withCalibration ? "property float depth_sigma_calibration\nend_header\n" : "end_header\n";
     constexpr std::size_t kBytesPerVertex = 23;
     ply.reserve(ply.size() + kBytesPerVertex * count);
     for (const MatchedPoint& p : points) {
         if (p.status == MatchStatus::ok) {
-            appendFloat(ply, p.position.x);
-            appendFloat(ply, p.position.y);
-            appendFloat(ply, p.position.z);
-            ply.append(3, grayAt(left, p.left));
-            appendFloat(ply, p.deviation);
-            if (withCalibration) {
-                appendFloat(ply, p.calibrationDeviation.value_or(-1.0));
-            }
+            (isText ? appendVertexText : appendVertexBytes)(ply, p, grayAt(left, p.left), withCalibration);
         }
     }
     return ply;

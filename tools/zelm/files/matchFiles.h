@@ -50,7 +50,7 @@ std::string matchCsv(const std::vector<MatchedPoint>& points, bool withCalibrati
 
 // The points that are ok with the gray level of the left picture, as a binary PLY; with what the calibration adds to
 // their depths, when it is known: -1 where it is not.
-std::string matchPly(const std::vector<MatchedPoint>& points, const Picture& left, bool withCalibration,
+std::string matchPly(const std::vector<MatchedPoint>& points, const Picture& left, bool withCalibration, bool isText,
                      const std::string& units);
 
 }  // namespace zelm::tool

@@ -8,6 +8,7 @@
 #include <limits>
 
 #include "numberText.h"
+#include "plyBytes.h"
 
 namespace zelm::tool {
 namespace {
@@ -108,27 +109,55 @@ std::string csvOf(const std::vector<PixelPair>& pairs, const std::vector<SpacePo
     return csv;
 }
 
-std::string plyOf(const std::vector<SpacePoint>& points, const std::vector<PointUncertainty>& known,
-                  const std::string& units) {
+namespace {
+
+std::string plyHeader(const std::vector<SpacePoint>& points, bool isKnown, const std::string& units,
+                      const char* format, const char* coordinate) {
     const std::size_t count = countStatuses(points)[static_cast<std::size_t>(PointStatus::ok)];
     std::string ply = fmt::format(
-        "ply\nformat ascii 1.0\ncomment {} of {} pixel pairs; row counts them from 1\n"
+        "ply\nformat {} 1.0\ncomment {} of {} pixel pairs; row counts them from 1\n"
         "comment errors in pixels, angle between the rays in degrees\n",
-        count, points.size());
+        format, count, points.size());
     ply += "comment units " + units + "\n";
-    ply += known.empty() ? "" : "comment sigma: standard deviations by noise and by the calibration\n";
-    ply += fmt::format(
-        "element vertex {}\nproperty double x\nproperty double y\nproperty double z\nproperty float error_left\n"
-        "property float error_right\nproperty float angle\nproperty int row\n",
-        count);
-    ply += known.empty() ? "" : plySigmaProperties();
-    ply += "end_header\n";
-    ply.reserve(ply.size() + (known.empty() ? 1 : 2) * kBytesPerLine * count);
+    ply += isKnown ? "comment sigma: standard deviations by noise and by the calibration\n" : "";
+    ply += fmt::format("element vertex {}\n", count);
+    for (const char* axis : {"x", "y", "z"}) {
+        ply += fmt::format("property {} {}\n", coordinate, axis);
+    }
+    ply += "property float error_left\nproperty float error_right\nproperty float angle\nproperty int row\n";
+    ply += isKnown ? plySigmaProperties() : "";
+    return ply + "end_header\n";
+}
+
+}  // namespace
+
+std::string plyOf(const std::vector<SpacePoint>& points, const std::vector<PointUncertainty>& known,
+                  const std::string& units) {
+    std::string ply = plyHeader(points, !known.empty(), units, "ascii", "double");
+    ply.reserve(ply.size() + (known.empty() ? 1 : 2) * kBytesPerLine * points.size());
     for (std::size_t i = 0; i < points.size(); ++i) {
         if (const SpacePoint& p = points[i]; p.status == PointStatus::ok) {
             fmt::format_to(std::back_inserter(ply), FMT_COMPILE("{:.10g} {:.10g} {:.10g} {:.6f} {:.6f} {:.6f} {}"),
                            p.position.x, p.position.y, p.position.z, p.errorLeft, p.errorRight, p.degrees, i + 1);
             ply += (known.empty() ? "" : plySigmas(known[i])) + "\n";
+        }
+    }
+    return ply;
+}
+
+std::string binaryPlyOf(const std::vector<SpacePoint>& points, const std::vector<PointUncertainty>& known,
+                        const std::string& units) {
+    std::string ply = plyHeader(points, !known.empty(), units, "binary_little_endian", "float");
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        if (const SpacePoint& p = points[i]; p.status == PointStatus::ok) {
+            for (const double number :
+                 {p.position.x, p.position.y, p.position.z, p.errorLeft, p.errorRight, p.degrees}) {
+                appendFloat(ply, number);
+            }
+            appendWord(ply, static_cast<std::uint32_t>(i + 1));
+            if (!known.empty()) {
+                appendPlySigmas(ply, known[i]);
+            }
         }
     }
     return ply;

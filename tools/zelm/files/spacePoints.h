@@ -81,6 +81,9 @@ std::string csvOf(const std::vector<PixelPair>& pairs, const std::vector<SpacePo
                   const std::vector<PointUncertainty>& known, bool withCovariances);
 std::string plyOf(const std::vector<SpacePoint>& points, const std::vector<PointUncertainty>& known,
                   const std::string& units);
+// The same cloud in binary form, all numbers but `row` as floats.
+std::string binaryPlyOf(const std::vector<SpacePoint>& points, const std::vector<PointUncertainty>& known,
+                        const std::string& units);
 
 // An id as a field of a CSV file.
 std::string csvField(const std::string& text);

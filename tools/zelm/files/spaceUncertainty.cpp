@@ -7,6 +7,8 @@
 #include <cmath>
 #include <iterator>
 
+#include "plyBytes.h"
+
 namespace zelm::tool {
 namespace {
 
@@ -107,6 +109,14 @@ std::string plySigmas(const PointUncertainty& point) {
         }
     }
     return numbers;
+}
+
+void appendPlySigmas(std::string& bytes, const PointUncertainty& point) {
+    for (const auto& part : {point.total(), point.ofNoise(), point.ofCalibration()}) {
+        for (const double deviation : part) {
+            appendFloat(bytes, point.isKnown ? deviation : -1.0);
+        }
+    }
 }
 
 std::string uncertaintyHeader(bool withCovariances) {

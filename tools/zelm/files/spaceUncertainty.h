@@ -53,6 +53,7 @@ std::string uncertaintyFields(const PointUncertainty& point, bool withCovariance
 // not known, as readers of text files stumble over nan.
 std::string plySigmaProperties();
 std::string plySigmas(const PointUncertainty& point);
+void appendPlySigmas(std::string& bytes, const PointUncertainty& point);
 
 }  // namespace zelm::tool
 
