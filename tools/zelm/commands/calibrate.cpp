@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <utility>
 
@@ -20,6 +21,7 @@
 #include "outputFiles.h"
 #include "overlay.h"
 #include "pairingCall.h"
+#include "parallel.h"
 #include "pitchCause.h"
 #include "plateOptions.h"
 #include "referenceView.h"
@@ -218,6 +220,7 @@ Calibration calibrate(const CalibrateOptions& options, const PairSettings& setti
     c.figures.left.views.resize(c.views.size());
     c.figures.right.views.resize(c.views.size());
     c.figures.epipolarViews.resize(c.views.size());
+    c.forecast = lengthForecast(rig, c.figures);
     return c;
 }
 
@@ -237,19 +240,50 @@ void warnOfTilt(const Calibration& c, const Console& console) {
     }
 }
 
+// Drawn and encoded on all cores; each is written as soon as it is done, so that few are in memory.
 void addOverlays(const Calibration& c, const fs::path& folder, const Console& console, OutputFiles& outputs) {
     outputs.prepareFolder(folder);
     Progress progress(console, "drawing overlays", 2 * c.views.size());
-    const auto add = [&](const fs::path& image, const ImageFigures& figures, const std::string& name) {
+    std::mutex mutex;
+    onAllCores(2 * c.views.size(), [&](std::size_t i) {
+        const bool isLeft = i % 2 == 0;
+        const ViewFiles& files = c.views[i / 2];
+        const fs::path& image = isLeft ? files.left : files.right;
+        const ImageFigures& figures = (isLeft ? c.figures.left : c.figures.right).views[i / 2];
         if (!image.empty() && !figures.dots.empty()) {
-            outputs.add(folder / name, drawOverlay(*c.pictures->get(image), c.plate, figures.dots));
+            const std::string png = drawOverlay(*c.pictures->get(image), c.plate, figures.dots);
+            outputs.add(folder / fmt::format("view{:02}_{}.png", i / 2, isLeft ? "left" : "right"), png);
         }
+        const std::scoped_lock lock(mutex);
         progress.advance();
+    });
+}
+
+// Every file that was read, also of skipped views, and the calibration that came of them.
+Provenance provenanceOf(const Calibration& c, const CalibrateOptions& options, const Console& console) {
+    std::vector<NamedFile> files{{"plate", options.plate.file}};
+    if (!options.adjust.positions.empty()) {
+        files.push_back({"dot positions", options.adjust.positions});
+    }
+    const auto add = [&files](const ViewFiles& view, const std::string& what) {
+        for (const auto& [side, path] : {std::pair("left", &view.left), std::pair("right", &view.right)}) {
+            if (!path->empty()) {
+                files.push_back({fmt::format("{}, {}", what, side), *path});
+            }
+        }
     };
     for (std::size_t i = 0; i < c.views.size(); ++i) {
-        add(c.views[i].left, c.figures.left.views[i], fmt::format("view{:02}_left.png", i));
-        add(c.views[i].right, c.figures.right.views[i], fmt::format("view{:02}_right.png", i));
+        add(c.views[i], fmt::format("view {}", i));
     }
+    for (const SkippedView& view : c.skipped) {
+        add(view.files, "skipped");
+    }
+    Provenance provenance{console.command, timeOfReport(), hashFiles(files)};
+    provenance.addBytes("result", "rig.zcal", c.block);
+    if (!c.covariance.empty()) {
+        provenance.addBytes("result", "rig.zcov", c.covariance);
+    }
+    return provenance;
 }
 
 std::vector<ImageTrouble> troublesOf(const std::vector<SkippedView>& views) {
@@ -297,7 +331,7 @@ void runCalibrate(const CalibrateOptions& options, const Console& console) {
         outputs.add(folder / "rig.zcov", c.covariance);
     }
     outputs.add(folder / "rig.json", summary + "\n");
-    outputs.add(folder / "report.html", htmlReport(c));
+    outputs.add(folder / "report.html", htmlReport(c, provenanceOf(c, options, console), console));
     addPicturesOfSkipped(c, folder, outputs);
     if (options.overlays) {
         addOverlays(c, folder / "overlays", console, outputs);

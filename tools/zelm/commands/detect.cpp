@@ -9,6 +9,7 @@
 #include "dots.h"
 #include "failedPictures.h"
 #include "failure.h"
+#include "imageSet.h"
 #include "imageTrouble.h"
 #include "jsonText.h"
 #include "numberText.h"
@@ -88,6 +89,7 @@ void runDetect(const DetectOptions& options, const Console& console) {
     if (!gaps.empty()) {
         console.warn(gaps);
     }
+    console.warn(warningOfGlobs({options.image}, {png}));
 
     console.say(fmt::format("{}: {} found; wrote {} and {}", options.image, counted(dots.size(), "dot"), csv.string(),
                             png.string()));

@@ -6,14 +6,17 @@
 #include <cmath>
 #include <ctime>
 #include <filesystem>
+#include <limits>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <vector>
 
 #include "cameraPicture.h"
+#include "cloudPage.h"
 #include "depthPicture.h"
 #include "failure.h"
+#include "imageSet.h"
 #include "jsonText.h"
 #include "matchCall.h"
 #include "matchFiles.h"
@@ -38,6 +41,7 @@ struct MatchOptions {
     std::string ply;
     bool plyText = false;
     std::string picture;
+    std::string page;
     std::string points;
     int step = 8;
     bool dense = false;
@@ -65,7 +69,7 @@ void checkNames(const MatchOptions& o) {
     if (o.plyText && o.ply.empty()) {
         failUsage("--ply-text: of no cloud: give --ply FILE too");
     }
-    const std::vector<std::string> outputs{o.csv, o.ply, o.picture};
+    const std::vector<std::string> outputs{o.csv, o.ply, o.picture, o.page};
     const std::vector<std::string> inputs{o.rig, covarianceFile(o.rig).string(), o.left, o.right, o.points};
     const auto same = [](const std::string& a, const std::string& b) {
         return !a.empty() && !b.empty() && isSameFile(a, b);
@@ -85,6 +89,7 @@ void checkNames(const MatchOptions& o) {
     if (!o.picture.empty() && fs::path(o.picture).extension() != ".png") {
         failUsage("{}: depth pictures are PNG files: give the name the ending .png", o.picture);
     }
+    requirePageName(o.page);
 }
 
 ZelmMeasureDepthLimits depthLimits(const MatchOptions& o, const LoadedRig& rig) {
@@ -238,7 +243,7 @@ std::string summaryText(const MatchOptions& o, const Summary& s, std::size_t poi
                         l.leftMax, o.unit, o.search.noise);
     text += fmt::format("{:.2f} s; {:.2f} s of processor time, {:.0f} points a second of it\nwrote {}", s.seconds,
                         s.processorSeconds, static_cast<double>(points) / std::max(s.processorSeconds, 1e-6), o.csv);
-    for (const std::string& name : {o.ply, o.picture}) {
+    for (const std::string& name : {o.ply, o.picture, o.page}) {
         text += name.empty() ? "" : ", " + name;
     }
     return text;
@@ -270,11 +275,55 @@ Json summaryJson(const MatchOptions& o, const Summary& s, std::size_t points) {
     if (!o.picture.empty()) {
         json["picture"] = o.picture;
     }
+    if (!o.page.empty()) {
+        json["page"] = o.page;
+    }
     return json;
 }
 
-void writeFiles(const MatchOptions& o, const std::vector<MatchedPoint>& points, const Picture& left,
-                bool withCalibration, OutputFiles& outputs) {
+// The points that are ok, with what is known of each.
+Cloud cloudOf(const MatchOptions& o, const std::vector<MatchedPoint>& points, const Picture& left,
+              bool withCalibration) {
+    Cloud cloud{
+        "Points of a scene",
+        fmt::format("{} and {}, matched with {}. Positions are in the frame of the plate of view 0; the depth is "
+                    "along the left camera's axis.",
+                    fs::path(o.left).filename().string(), fs::path(o.right).filename().string(),
+                    fs::path(o.rig).filename().string()),
+        o.unit,
+        {},
+        {{"gray level", "", true, {}},
+         {"standard deviation of the depth by noise", o.unit, false, {}},
+         {"score of the match", "", false, {}}}};
+    if (withCalibration) {
+        cloud.values.push_back({"standard deviation of the depth by the calibration", o.unit, false, {}});
+    }
+    for (const MatchedPoint& p : points) {
+        if (p.status == MatchStatus::ok) {
+            cloud.points.push_back(p.position);
+            cloud.values[0].values.push_back(grayAt(left, p.left));
+            cloud.values[1].values.push_back(p.deviation);
+            cloud.values[2].values.push_back(p.score);
+            if (withCalibration) {
+                cloud.values[3].values.push_back(
+                    p.calibrationDeviation.value_or(std::numeric_limits<double>::quiet_NaN()));
+            }
+        }
+    }
+    return cloud;
+}
+
+Provenance provenanceOf(const MatchOptions& o, const Console& console) {
+    std::vector<NamedFile> files{{"calibration", o.rig}, {"left image", o.left}, {"right image", o.right}};
+    if (!o.points.empty()) {
+        files.push_back({"pixels", o.points});
+    }
+    return {console.command, timeOfReport(), hashFiles(files)};
+}
+
+void writeFiles(const MatchOptions& o, const std::vector<MatchedPoint>& points, const Picture& left, const Rig& rig,
+                const Console& console, OutputFiles& outputs) {
+    const bool withCalibration = rig.covariance.has_value();
     outputs.add(o.csv, matchCsv(points, withCalibration));
     if (!o.ply.empty()) {
         outputs.add(o.ply, matchPly(points, left, withCalibration, o.plyText, o.unit));
@@ -283,6 +332,9 @@ void writeFiles(const MatchOptions& o, const std::vector<MatchedPoint>& points, 
         constexpr int kSpotOfAList = 5;  // pixels
         const int spot = o.dense ? 1 : (o.points.empty() ? o.step : kSpotOfAList);
         outputs.add(o.picture, depthPicture(points, left, spot, o.unit));
+    }
+    if (!o.page.empty()) {
+        outputs.add(o.page, cloudPage(cloudOf(o, points, left, withCalibration), rig, provenanceOf(o, console)));
     }
     outputs.commit();
 }
@@ -309,7 +361,7 @@ void runMatch(MatchOptions o, const Console& console) {
     completeSearch(o, rig, left, right);
     checkOverlap(o, rig, pixelsOf(points));
     OutputFiles outputs;
-    for (const std::string& name : {o.csv, o.ply, o.picture}) {
+    for (const std::string& name : {o.csv, o.ply, o.picture, o.page}) {
         if (!name.empty()) {
             outputs.prepareFolder(fs::path(name).parent_path());
         }
@@ -322,7 +374,8 @@ void runMatch(MatchOptions o, const Console& console) {
     summary.processorSeconds = static_cast<double>(std::clock() - processorStart) / CLOCKS_PER_SEC;
     summary.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     checkResult(o, summary, matched.size(), points.size());
-    writeFiles(o, matched, left, rig.rig.covariance.has_value(), outputs);
+    writeFiles(o, matched, left, rig.rig, console, outputs);
+    console.warn(o.picture.empty() ? "" : warningOfGlobs({o.left, o.right}, {o.picture}));
     warnOfChance(o, summary, console);
     console.say(summaryText(o, summary, matched.size()));
     console.result(jsonText(summaryJson(o, summary, matched.size())));
@@ -345,6 +398,7 @@ void addMatch(CommandLine& commandLine, Console& console) {
                "depths");
     sub.flag("--ply-text", o->plyText, "Write the PLY cloud as text; it is binary otherwise");
     sub.option("--picture", o->picture, "Also write a picture of the depths (.png)");
+    sub.option("--page", o->page, "Also write a page that shows the points in 3-D, to turn and measure (.html)");
     Option points = sub.option("--points", o->points, "CSV of pixels of the left image: x,y or id,x,y");
     Option grid = sub.option("--grid", o->step, "Look for the pixels of a grid with this step, pixels")
                       .inRange(1, 10000)

@@ -12,6 +12,7 @@
 #include "canvas.h"
 #include "epipolarLine.h"
 #include "failure.h"
+#include "imageSet.h"
 #include "jsonText.h"
 #include "numberText.h"
 #include "outputFiles.h"
@@ -213,6 +214,7 @@ void runRectify(const RectifyOptions& o, const Console& console) {
     outputs.add(names.right, encodePng(rectifiedRight));
     outputs.add(names.pair, drawPair(rectifiedLeft, undistorted(rig, 'R', right), drawing, rig.rig.left.width));
     outputs.commit();
+    console.warn(warningOfGlobs({o.left, o.right}, {names.left, names.right, names.pair}));
 
     console.say(fmt::format(
         "{}: the left image as the right camera would see it\n{}: the right image as the left camera would see it\n"

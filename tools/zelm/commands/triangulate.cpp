@@ -2,11 +2,14 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cmath>
 #include <filesystem>
+#include <limits>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
 
+#include "cloudPage.h"
 #include "dotPairs.h"
 #include "failure.h"
 #include "jsonText.h"
@@ -28,6 +31,7 @@ struct TriangulateOptions {
     std::string csv;
     std::string ply;
     bool plyBinary = false;
+    std::string page;
     DotOptions dots;
     std::optional<double> noise;  // of the pixels; that of the calibration's dots
     bool covariances = false;     // in the CSV, beside standard deviations
@@ -55,13 +59,17 @@ void checkNames(const TriangulateOptions& o) {
     const auto same = [](const std::string& a, const std::string& b) {
         return !a.empty() && !b.empty() && isSameFile(a, b);
     };
+    requirePageName(o.page);
     if (same(o.csv, o.ply)) {
         failUsage("{}: given for both CSV and PLY: give two names", o.csv);
+    }
+    if (same(o.csv, o.page) || same(o.ply, o.page)) {
+        failUsage("{}: given for two outputs: give two names", o.page);
     }
     std::vector<std::string> inputs{o.rig, o.pairs};
     inputs.push_back(covarianceFile(o.rig).string());
     inputs.insert(inputs.end(), o.dots.images.begin(), o.dots.images.end());
-    for (const std::string& output : {o.csv, o.ply}) {
+    for (const std::string& output : {o.csv, o.ply, o.page}) {
         for (const std::string& input : inputs) {
             if (same(output, input)) {
                 failUsage("{}: is an input: give the output another name", output);
@@ -147,12 +155,15 @@ void addUncertainty(Json& json, const Uncertainties& known, const TriangulateOpt
 }
 
 std::string summaryText(const Summary& s, std::size_t pairs, const TriangulateOptions& o, const std::string& units) {
+    std::string files = o.csv;
+    for (const std::string& name : {o.ply, o.page}) {
+        files += name.empty() ? "" : " and " + name;
+    }
     return fmt::format(
-        "{} of {} pixel pairs triangulated, in {}; wrote {}{}{}\n"
+        "{} of {} pixel pairs triangulated, in {}; wrote {}\n"
         "reprojection error    left RMS {:.4f}, worst {:.4f} px; right RMS {:.4f}, worst {:.4f} px\n"
         "intersection angle    {:.3f} to {:.3f} deg",
-        s.points(), pairs, units, o.csv, o.ply.empty() ? "" : " and ", o.ply, s.left.rms, s.left.max, s.right.rms,
-        s.right.max, s.minDegrees, s.maxDegrees);
+        s.points(), pairs, units, files, s.left.rms, s.left.max, s.right.rms, s.right.max, s.minDegrees, s.maxDegrees);
 }
 
 Json summaryJson(const Summary& s, std::size_t pairs, double maxError, const TriangulateOptions& o) {
@@ -168,6 +179,9 @@ Json summaryJson(const Summary& s, std::size_t pairs, double maxError, const Tri
     json["csv"] = o.csv;
     if (!o.ply.empty()) {
         json["ply"] = o.ply;
+    }
+    if (!o.page.empty()) {
+        json["page"] = o.page;
     }
     return json;
 }
@@ -198,14 +212,59 @@ Json pointsJson(const std::vector<PixelPair>& pairs, const std::vector<SpacePoin
     return list;
 }
 
+// The points that are ok, with what is known of each.
+Cloud cloudOf(const TriangulateOptions& o, const std::vector<SpacePoint>& points, const Uncertainties& known,
+              const std::string& units) {
+    Cloud cloud{"Points of pixel pairs",
+                fmt::format("{}, triangulated with {}. Positions are in the frame of the plate of view 0; the depth is "
+                            "along the left camera's axis.",
+                            fs::path(o.pairs).filename().string(), fs::path(o.rig).filename().string()),
+                units,
+                {},
+                {{"reprojection error, left", "px", false, {}}, {"reprojection error, right", "px", false, {}}}};
+    if (!known.empty()) {
+        cloud.values.push_back({"standard deviation of the position", units, false, {}});
+    }
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        if (points[i].status == PointStatus::ok) {
+            cloud.points.push_back(points[i].position);
+            cloud.values[0].values.push_back(points[i].errorLeft);
+            cloud.values[1].values.push_back(points[i].errorRight);
+            if (!known.empty()) {
+                const std::array<double, 3> s = known[i].total();
+                cloud.values[2].values.push_back(known[i].isKnown ? std::hypot(s[0], s[1], s[2])
+                                                                  : std::numeric_limits<double>::quiet_NaN());
+            }
+        }
+    }
+    return cloud;
+}
+
+void writeFiles(const TriangulateOptions& o, const std::vector<PixelPair>& pairs, const std::vector<SpacePoint>& points,
+                const Uncertainties& known, const LoadedRig& rig, const Console& console, OutputFiles& outputs) {
+    outputs.add(o.csv, csvOf(pairs, points, known, o.covariances));
+    if (!o.ply.empty()) {
+        outputs.add(o.ply,
+                    o.plyBinary ? binaryPlyOf(points, known, rig.units) : plyOf(points, known, rig.units));
+    }
+    if (!o.page.empty()) {
+        const Provenance provenance{console.command, timeOfReport(),
+                                    hashFiles({{"calibration", o.rig}, {"pixel pairs", o.pairs}})};
+        outputs.add(o.page, cloudPage(cloudOf(o, points, known, rig.units), rig.rig, provenance));
+    }
+    outputs.commit();
+}
+
 void runTriangulate(const TriangulateOptions& o, const Console& console) {
     checkNames(o);
     const LoadedRig rig = loadRig(o.rig);
     std::vector<PixelPair> pairs = readPairFile(o.pairs);
     OutputFiles outputs;
     outputs.prepareFolder(fs::path(o.csv).parent_path());
-    if (!o.ply.empty()) {
-        outputs.prepareFolder(fs::path(o.ply).parent_path());
+    for (const std::string& name : {o.ply, o.page}) {
+        if (!name.empty()) {
+            outputs.prepareFolder(fs::path(name).parent_path());
+        }
     }
     const std::vector<SpacePoint> points = pointsOf(pairs, o.dots, noiseOf(o, rig), rig, o.rig);
     const double maxError = maxErrorOf(o.dots, noiseOf(o, rig));
@@ -217,12 +276,7 @@ void runTriangulate(const TriangulateOptions& o, const Console& console) {
             "{}: none of {} pixel pairs gave a point ({}): {}", o.pairs, pairs.size(), failuresText(summary),
             mismatch.empty() ? "are left and right exchanged, or is this the calibration of other cameras?" : mismatch);
     }
-    outputs.add(o.csv, csvOf(pairs, points, known, o.covariances));
-    if (!o.ply.empty()) {
-        outputs.add(o.ply,
-                    o.plyBinary ? binaryPlyOf(points, known, rig.units) : plyOf(points, known, rig.units));
-    }
-    outputs.commit();
+    writeFiles(o, pairs, points, known, rig, console, outputs);
     if (summary.points() < pairs.size()) {
         console.warn(fmt::format("{}: {} of {} pixel pairs gave no point: {} (see the column status)", o.pairs,
                                  pairs.size() - summary.points(), pairs.size(), failuresText(summary)));
@@ -255,6 +309,7 @@ void addTriangulate(CommandLine& commandLine, Console& console) {
     sub.option("-o,--output", o->csv, "CSV of the points, a line for each pixel pair").required();
     sub.option("--ply", o->ply, "Also write the points as a PLY cloud, with their standard deviations");
     sub.flag("--ply-binary", o->plyBinary, "Write the PLY cloud in binary form, as floats; it is text otherwise");
+    sub.option("--page", o->page, "Also write a page that shows the points in 3-D, to turn and measure (.html)");
     addDotOptions(sub, o->dots);
     sub.option("--noise", o->noise,
                "Standard deviation of the pixels' coordinates, pixels; default: that of the calibration's dots")

@@ -84,6 +84,12 @@ void runUndistort(const UndistortOptions& options, const Console& console) {
     }
     outputs.commit();
     progress.erase();
+    for (const Job& job : jobs) {
+        if (const std::string warning = warningOfGlobs({job.image}, {job.output}); !warning.empty()) {
+            console.warn(warning);
+            break;  // the others are alike
+        }
+    }
 
     nlohmann::ordered_json list = nlohmann::ordered_json::array();
     for (const Job& job : jobs) {

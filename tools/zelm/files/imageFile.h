@@ -47,6 +47,10 @@ DeepPicture readDeepPicture(const std::filesystem::path& path);
 // Encodes a gray picture in the format that the file name's ending asks for. Throws Failure for an unknown ending.
 std::string encodePicture(const Picture& picture, const std::filesystem::path& path);
 
+// A JPEG of the picture, scaled down where it is wider or higher than `largestSide`, a pixel the mean of those that it
+// covers. Safe to call from several threads.
+std::string encodeReducedJpeg(const Picture& picture, int largestSide, int quality);
+
 // Throws Failure unless the ending names a format that encodePicture can write.
 void checkPictureName(const std::filesystem::path& path);
 

@@ -148,6 +148,27 @@ Paths expand(const std::string& argument) {
     return {argument};
 }
 
+// The letters that a file's name begins with.
+std::string firstWord(const fs::path& path) {
+    const std::string name = lowerCase(path.filename().string());
+    const auto end =
+        std::find_if(name.begin(), name.end(), [](char c) { return std::isalpha(static_cast<unsigned char>(c)) == 0; });
+    return {name.begin(), end};
+}
+
+bool isImageName(const fs::path& path) {
+    return std::find(kImageEndings.begin(), kImageEndings.end(), lowerEnding(path)) != kImageEndings.end();
+}
+
+// Whether both lie, or would lie, in one folder.
+bool areBeside(const fs::path& a, const fs::path& b) {
+    const auto folder = [](const fs::path& path) {
+        std::error_code error;
+        return fs::weakly_canonical(path.has_parent_path() ? path.parent_path() : fs::path("."), error);
+    };
+    return folder(a) == folder(b);
+}
+
 }  // namespace
 
 bool naturallyBefore(std::string_view a, std::string_view b) {
@@ -167,6 +188,20 @@ Paths expandImageSet(const std::vector<std::string>& arguments, std::string_view
         }
     }
     return paths;
+}
+
+std::string warningOfGlobs(const Paths& images, const Paths& pictures) {
+    for (const fs::path& picture : pictures) {
+        for (const fs::path& image : images) {
+            if (isImageName(picture) && firstWord(picture) == firstWord(image) && areBeside(picture, image)) {
+                return fmt::format(
+                    "{}: lies beside {}, so that a glob for such images takes it for one of them the "
+                    "next time: give it a folder of its own",
+                    picture.string(), image.string());
+            }
+        }
+    }
+    return {};
 }
 
 }  // namespace zelm::tool

@@ -17,6 +17,11 @@ bool naturallyBefore(std::string_view a, std::string_view b);
 // when an argument names nothing; `option` is the option that the arguments were given to.
 std::vector<std::filesystem::path> expandImageSet(const std::vector<std::string>& arguments, std::string_view option);
 
+// A warning when a picture that is written lands beside an image that it is made of, with a name that begins alike: the
+// glob that took the images (left_*.png) would take the picture for one of them the next time. Else empty.
+std::string warningOfGlobs(const std::vector<std::filesystem::path>& images,
+                           const std::vector<std::filesystem::path>& pictures);
+
 }  // namespace zelm::tool
 
 #endif

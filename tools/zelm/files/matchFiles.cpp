@@ -39,12 +39,6 @@ void appendVertexBytes(std::string& ply, const MatchedPoint& p, char gray, bool 
     }
 }
 
-char grayAt(const Picture& picture, Point2d p) {
-    const auto x = static_cast<std::size_t>(std::clamp(p.x + 0.5, 0.0, picture.width - 1.0));
-    const auto y = static_cast<std::size_t>(std::clamp(p.y + 0.5, 0.0, picture.height - 1.0));
-    return static_cast<char>(picture.pixels[y * static_cast<std::size_t>(picture.width) + x]);
-}
-
 }  // namespace
 
 std::string_view statusWord(MatchStatus status) {
@@ -59,6 +53,12 @@ std::array<std::size_t, kMatchStatuses> countStatuses(const std::vector<MatchedP
         counts[static_cast<std::size_t>(point.status)] += 1;
     }
     return counts;
+}
+
+int grayAt(const Picture& picture, Point2d p) {
+    const auto x = static_cast<std::size_t>(std::clamp(p.x + 0.5, 0.0, picture.width - 1.0));
+    const auto y = static_cast<std::size_t>(std::clamp(p.y + 0.5, 0.0, picture.height - 1.0));
+    return picture.pixels[y * static_cast<std::size_t>(picture.width) + x];
 }
 
 std::string matchCsv(const std::vector<MatchedPoint>& points, bool withCalibration) {

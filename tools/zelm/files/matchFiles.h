@@ -45,6 +45,9 @@ std::string_view statusWord(MatchStatus status);
 
 std::array<std::size_t, kMatchStatuses> countStatuses(const std::vector<MatchedPoint>& points);
 
+// The gray level of the pixel next to a place in a picture.
+int grayAt(const Picture& picture, Point2d place);
+
 // All points, a line each, in their order; with what the calibration adds to their depths when it is known.
 std::string matchCsv(const std::vector<MatchedPoint>& points, bool withCalibration);
 

@@ -4,15 +4,21 @@ namespace zelm::tool {
 
 std::shared_ptr<const Picture> PictureStore::get(const std::filesystem::path& path) {
     constexpr std::size_t kMaxBytes = std::size_t{1} << 30;
-    if (const auto found = kept.find(path); found != kept.end()) {
-        return found->second;
+    if (auto found = keptOf(path)) {
+        return found;
     }
-    auto picture = std::make_shared<const Picture>(readPicture(path));
-    if (bytes + picture->pixels.size() <= kMaxBytes) {
+    auto picture = std::make_shared<const Picture>(readPicture(path));  // several threads decode at a time
+    const std::scoped_lock lock(mutex);
+    if (bytes + picture->pixels.size() <= kMaxBytes && kept.emplace(path, picture).second) {
         bytes += picture->pixels.size();
-        kept.emplace(path, picture);
     }
     return picture;
+}
+
+std::shared_ptr<const Picture> PictureStore::keptOf(const std::filesystem::path& path) {
+    const std::scoped_lock lock(mutex);
+    const auto found = kept.find(path);
+    return found == kept.end() ? nullptr : found->second;
 }
 
 }  // namespace zelm::tool

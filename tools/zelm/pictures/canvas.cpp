@@ -1,9 +1,12 @@
 #include "canvas.h"
 
+#include <png.h>
+
 #include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstring>
+#include <vector>
 
 #include "failure.h"
 
@@ -43,9 +46,21 @@ std::uint32_t packed(std::uint32_t red, std::uint32_t green, std::uint32_t blue)
     return red << 16U | green << 8U | blue;
 }
 
-cairo_status_t append(void* bytes, const unsigned char* data, unsigned int size) {
-    static_cast<std::string*>(bytes)->append(reinterpret_cast<const char*>(data), size);
-    return CAIRO_STATUS_SUCCESS;
+// Red, green and blue of every pixel, without padding.
+std::vector<std::uint8_t> rgbOf(cairo_surface_t* surface) {
+    const unsigned char* const rows = cairo_image_surface_get_data(surface);
+    const auto stride = static_cast<std::size_t>(cairo_image_surface_get_stride(surface));
+    const auto width = static_cast<std::size_t>(cairo_image_surface_get_width(surface));
+    const auto height = static_cast<std::size_t>(cairo_image_surface_get_height(surface));
+    std::vector<std::uint8_t> rgb(3 * width * height);
+    for (std::size_t i = 0; i < width * height; ++i) {
+        std::uint32_t colour = 0;
+        std::memcpy(&colour, rows + i / width * stride + 4 * (i % width), sizeof(colour));
+        rgb[3 * i] = static_cast<std::uint8_t>(colour >> 16U);
+        rgb[3 * i + 1] = static_cast<std::uint8_t>(colour >> 8U);
+        rgb[3 * i + 2] = static_cast<std::uint8_t>(colour);
+    }
+    return rgb;
 }
 
 }  // namespace
@@ -75,11 +90,22 @@ SurfacePtr surfaceOf(const AnyPicture& picture) {
     return std::visit([](const auto& p) { return surfaceOf(p); }, picture);
 }
 
+// Compressed lightly: a quarter of the time of the usual level for some 4 % more bytes.
 std::string pngOf(cairo_surface_t* surface) {
-    std::string png;
-    if (cairo_surface_write_to_png_stream(surface, append, &png) != CAIRO_STATUS_SUCCESS) {
-        failData("a picture cannot be encoded: out of memory");
+    cairo_surface_flush(surface);
+    const std::vector<std::uint8_t> rgb = rgbOf(surface);
+    png_image image{};
+    image.version = PNG_IMAGE_VERSION;
+    image.width = static_cast<png_uint_32>(cairo_image_surface_get_width(surface));
+    image.height = static_cast<png_uint_32>(cairo_image_surface_get_height(surface));
+    image.format = PNG_FORMAT_RGB;
+    image.flags = PNG_IMAGE_FLAG_FAST;
+    png_alloc_size_t size = PNG_IMAGE_PNG_SIZE_MAX(image);
+    std::string png(size, '\0');
+    if (png_image_write_to_memory(&image, png.data(), &size, 0, rgb.data(), 0, nullptr) == 0) {
+        failData("a picture cannot be encoded: {}", image.message);
     }
+    png.resize(size);
     return png;
 }
 

@@ -9,16 +9,13 @@
 #include <memory>
 #include <string>
 
+#include "colour.h"
 #include "imageFile.h"
 
 namespace zelm::tool {
 
 using SurfacePtr = std::unique_ptr<cairo_surface_t, decltype(&cairo_surface_destroy)>;
 using CairoPtr = std::unique_ptr<cairo_t, decltype(&cairo_destroy)>;
-
-struct Colour {
-    double red, green, blue;
-};
 
 // A black surface. Throws Failure when there is no memory for it.
 SurfacePtr blankSurface(int width, int height);

@@ -34,19 +34,6 @@ std::string deviationText(double value, int digits) {
     return value > 0.0 ? fmt::format("{:.{}f}", value, digits) : "held";
 }
 
-// Standard deviation of the baseline's length.
-double baselineDeviation(const Rig& rig) {
-    double variance = 0.0;
-    for (std::size_t i = 0; i < 3; ++i) {
-        for (std::size_t j = 0; j < 3; ++j) {
-            const std::size_t row = ZELM_MEASURE_RELATIVE_TRANSLATION + i;
-            variance += rig.pair->t[i] * rig.pair->t[j] *
-                        rig.covariance->matrix[row * ZELM_MEASURE_PARAMETERS + ZELM_MEASURE_RELATIVE_TRANSLATION + j];
-        }
-    }
-    return std::sqrt(variance) / rig.pair->baseline;
-}
-
 // Angle by which the relative rotation changed, radians.
 double turnBetween(const PairGeometry& a, const PairGeometry& b) {
     double squares = 0.0;
@@ -85,6 +72,18 @@ std::vector<MovedParameter> movedParameters(const AdjustReport& report, const Ri
                          deviationText(deviation(rig, ZELM_MEASURE_RIGHT_FX + i), digits)});
     }
     return moved;
+}
+
+double baselineDeviation(const Rig& rig) {
+    double variance = 0.0;
+    for (std::size_t i = 0; i < 3; ++i) {
+        for (std::size_t j = 0; j < 3; ++j) {
+            const std::size_t row = ZELM_MEASURE_RELATIVE_TRANSLATION + i;
+            variance += rig.pair->t[i] * rig.pair->t[j] *
+                        rig.covariance->matrix[row * ZELM_MEASURE_PARAMETERS + ZELM_MEASURE_RELATIVE_TRANSLATION + j];
+        }
+    }
+    return std::sqrt(variance) / rig.pair->baseline;
 }
 
 std::vector<std::string> movedPair(const AdjustReport& report, const Rig& rig, const std::string& units) {

@@ -40,6 +40,8 @@ struct MovedParameter {
 std::vector<MovedParameter> movedParameters(const AdjustReport& report, const Rig& rig, const std::string& units);
 // Of the pair: "baseline 120.0089 +- 0.0017 mm, moved by +0.0131".
 std::vector<std::string> movedPair(const AdjustReport& report, const Rig& rig, const std::string& units);
+// Standard deviation of the baseline of a pair whose covariance is known, plate units.
+double baselineDeviation(const Rig& rig);
 // One line on how it came out, and one for each image or view with something to tell.
 std::string adjustLine(const AdjustReport& report);
 std::vector<std::string> adjustRemarks(const AdjustReport& report);

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "adjustReport.h"
+#include "lengthForecast.h"
 #include "pairReading.h"
 #include "rigFigures.h"
 #include "rigFile.h"
@@ -35,6 +36,7 @@ struct Calibration {
     std::vector<ViewSharpness> sharpness{};  // of the views; those that were completed later have none
     PlateLengths lengths{};                  // between the dots, measured with the rig
     std::string pointFile{};                 // of a target's points that stand for images of a plate; or empty
+    std::optional<LengthForecast> forecast{};  // none where its covariance is not known
 };
 
 // Of a view and a camera, the name of its image file; empty where there is none.

@@ -23,8 +23,8 @@ public:
 
     // text(camera) for every camera.
     template <class Text>
-    void add(const std::string& name, const std::string& unit, Text text) {
-        list.push_back({name, unit, text(rig.left), text(rig.right)});
+    void add(const std::string& name, const std::string& unit, Text text, int parameter = -1) {
+        list.push_back({name, unit, text(rig.left), text(rig.right), parameter});
     }
 
     // The scales of the cameras of one kind; none when neither is.
@@ -35,14 +35,16 @@ public:
             return;
         }
         const ScaleWords words = scaleWords(model, units);
-        const auto scale = [&](const std::string& name, double ZelmCameraIntrinsics::*field, int digits) {
-            add(name, words.unit, [&](const RigCamera& camera) {
+        const auto scale = [&](const std::string& name, double ZelmCameraIntrinsics::*field, int digits,
+                               int parameter) {
+            const auto text = [&](const RigCamera& camera) {
                 return isOfKind(camera) ? fmt::format("{:.{}f}", camera.intrinsics.*field, digits) : kNone;
-            });
+            };
+            add(name, words.unit, text, parameter);
         };
-        scale(words.name + " alpha", &ZelmCameraIntrinsics::alpha, 3);
-        scale(words.name + " beta", &ZelmCameraIntrinsics::beta, 3);
-        scale("skew gamma", &ZelmCameraIntrinsics::gamma, 4);
+        scale(words.name + " alpha", &ZelmCameraIntrinsics::alpha, 3, ZELM_MEASURE_LEFT_FX);
+        scale(words.name + " beta", &ZelmCameraIntrinsics::beta, 3, ZELM_MEASURE_LEFT_FY);
+        scale("skew gamma", &ZelmCameraIntrinsics::gamma, 4, ZELM_MEASURE_LEFT_SKEW);
     }
 
     std::vector<CameraParameter> list;
@@ -68,12 +70,18 @@ std::vector<CameraParameter> cameraParameters(const Rig& rig, const std::string&
     rows.add("image size", "px", [](const RigCamera& c) { return fmt::format("{} x {}", c.width, c.height); });
     rows.addScales(false);
     rows.addScales(true);
-    rows.add("principal point cx", "px", [](const RigCamera& c) { return fmt::format("{:.3f}", c.intrinsics.cx); });
-    rows.add("principal point cy", "px", [](const RigCamera& c) { return fmt::format("{:.3f}", c.intrinsics.cy); });
+    rows.add(
+        "principal point cx", "px", [](const RigCamera& c) { return fmt::format("{:.3f}", c.intrinsics.cx); },
+        ZELM_MEASURE_LEFT_CX);
+    rows.add(
+        "principal point cy", "px", [](const RigCamera& c) { return fmt::format("{:.3f}", c.intrinsics.cy); },
+        ZELM_MEASURE_LEFT_CY);
     rows.add("axis angle theta", "deg",
              [](const RigCamera& c) { return fmt::format("{:.4f}", c.intrinsics.theta * kDegreesPerRadian); });
-    rows.add("distortion k1", "", [](const RigCamera& c) { return distortionText(c.intrinsics.k1); });
-    rows.add("distortion k2", "", [](const RigCamera& c) { return distortionText(c.intrinsics.k2); });
+    rows.add(
+        "distortion k1", "", [](const RigCamera& c) { return distortionText(c.intrinsics.k1); }, ZELM_MEASURE_LEFT_K1);
+    rows.add(
+        "distortion k2", "", [](const RigCamera& c) { return distortionText(c.intrinsics.k2); }, ZELM_MEASURE_LEFT_K2);
     return rows.list;
 }
 

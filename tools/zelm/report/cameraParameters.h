@@ -15,6 +15,7 @@ struct CameraParameter {
     std::string unit;  // empty where there is none
     std::string left;
     std::string right;
+    int parameter = -1;  // of the left camera in the covariance, ZelmMeasureParameter; -1: it has no place there
 };
 
 // Alpha, beta and gamma of a perspective camera are focal lengths and a skew in pixels; those of a parallel one are

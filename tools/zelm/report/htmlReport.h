@@ -5,12 +5,14 @@
 #include <string>
 
 #include "calibrationSummary.h"
+#include "console.h"
+#include "provenance.h"
 
 namespace zelm::tool {
 
-// The page: figures, tables, residuals of every view as drawings, and the dots found in the first view's images, which
-// are read again for that.
-std::string htmlReport(const Calibration& calibration);
+// The page: the verdict first, then warnings, figures, the rig in 3-D, drawings, tables, the images of all views with
+// their dots, and where it all comes from. Pictures that are no longer kept are read again.
+std::string htmlReport(const Calibration& calibration, const Provenance& provenance, const Console& console);
 
 // What pages of reports have in common: their style sheet, and text with nothing that HTML takes for its own.
 const char* reportStyle();

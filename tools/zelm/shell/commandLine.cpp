@@ -71,6 +71,29 @@ std::vector<const char*> withoutHelpWord(int argc, const char* const* argv) {
     return words;
 }
 
+// The words as a shell takes them, the program without its folder.
+std::string commandText(int argc, const char* const* argv) {
+    constexpr std::string_view kPlain = "-_./,:=+@%";
+    std::string text = "zelm";
+    for (int i = 1; i < argc; ++i) {
+        const std::string word = argv[i];
+        const bool isPlain = !word.empty() && std::all_of(word.begin(), word.end(), [&](char c) {
+            return std::isalnum(static_cast<unsigned char>(c)) != 0 || kPlain.find(c) != std::string_view::npos;
+        });
+        text += ' ';
+        if (isPlain) {
+            text += word;
+            continue;
+        }
+        text += '\'';
+        for (const char c : word) {
+            text += c == '\'' ? std::string("'\\''") : std::string(1, c);
+        }
+        text += '\'';
+    }
+    return text;
+}
+
 }  // namespace
 
 Option& Option::required() {
@@ -163,6 +186,7 @@ Subcommand CommandLine::subcommand(const std::string& name, const std::string& d
 }
 
 void CommandLine::run(int argc, const char* const* argv) {
+    console.command = commandText(argc, argv);
     const std::vector<const char*> words = withoutHelpWord(argc, argv);
     const auto count = static_cast<int>(words.size());
     checkFirstWord(*parser, count, words.data());

@@ -33,6 +33,9 @@ void Console::result(std::string_view jsonText) const {
 }
 
 void Console::warn(std::string_view line) const {
+    if (line.empty()) {
+        return;
+    }
     std::fflush(stdout);
     fmt::print(stderr, "zelm: warning: {}\n", oneLine(line));
 }

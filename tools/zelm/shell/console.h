@@ -12,15 +12,16 @@ namespace zelm::tool {
 std::string oneLine(std::string_view text);
 
 struct Console {
-    bool json = false;   // results as JSON, and nothing else on stdout
-    bool quiet = false;  // no text and no progress; warnings and errors remain
+    bool json = false;    // results as JSON, and nothing else on stdout
+    bool quiet = false;   // no text and no progress; warnings and errors remain
+    std::string command;  // as it was typed, for reports
 
     // A line of text for people; nothing with --json or --quiet.
     void say(std::string_view line) const;
     // The result for machines, a JSON object with fields, which gets "status": "done" in front; written with --json
     // only.
     void result(std::string_view jsonText) const;
-    // One line on stderr.
+    // One line on stderr; nothing for an empty one.
     void warn(std::string_view line) const;
 };
 

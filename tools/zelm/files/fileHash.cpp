@@ -1,0 +1,16 @@
+#include "fileHash.h"
+
+#include <sha2.h>
+
+#include <array>
+#include <cstdint>
+
+namespace zelm::tool {
+
+std::string sha256(std::string_view bytes) {
+    std::array<char, SHA256_DIGEST_STRING_LENGTH> digits{};
+    SHA256Data(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size(), digits.data());
+    return digits.data();
+}
+
+}  // namespace zelm::tool
