@@ -273,7 +273,6 @@ if __name__ == "__main__":
     parser.add_argument("--zelm", required=True)
     parser.add_argument("--out", required=True)
     OPTIONS, rest = parser.parse_known_args()
-    del Page.__doc__
     suite = unittest.defaultTestLoader
     names = [name for name in rest if not name.startswith("-")]
     cases = (suite.loadTestsFromNames(names, sys.modules[__name__]) if names else

@@ -35,7 +35,7 @@ inline std::map<std::string, std::string> htmlAttributes(const std::string& page
         } else if (!name.empty()) {
             attributes[name] = "";
         }
-        at += at < page.size() && page[at] != '>' ? 1 : 0;
+        at += at < page.size() && page[at] != '>' ? 1U : 0U;
     }
     return attributes;
 }

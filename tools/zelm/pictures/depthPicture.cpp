@@ -52,7 +52,11 @@ void drawArrow(cairo_t* cairo, double x, double y, double direction, double part
     cairo_move_to(cairo, x, y);
     cairo_line_to(cairo, x + kBarWidth, y);
     cairo_line_to(cairo, x + 0.5 * kBarWidth, y + direction * kArrow);
-    cairo_fill(cairo);
+    cairo_close_path(cairo);
+    cairo_fill_preserve(cairo);
+    paint(cairo, {1.0, 1.0, 1.0});
+    cairo_set_line_width(cairo, 1.0);
+    cairo_stroke(cairo);
 }
 
 void drawScale(cairo_t* cairo, const ColourRange& range, double left, double height, const std::string& unit) {

@@ -150,7 +150,7 @@ std::string stillPicture(const Cloud& cloud, const Rig& rig, const Motion& toCam
 
 constexpr const char* kPanel = R"(<div class="cloud-panel" hidden>
 <div><label>Colour by <select class="colour-by"></select></label>
-<label>Size of points <input class="size" type="range" min="1" max="8" step="0.5" value="2"></label></div>
+<label>Size of points <input class="size" type="range" min="1" max="8" step="0.5" value="3"></label></div>
 <div class="legend" role="img"><span class="low"></span><span class="bar"></span><span class="high"></span></div>
 </div>
 )";

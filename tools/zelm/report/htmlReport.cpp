@@ -6,7 +6,6 @@
 #include <nlohmann/json.hpp>
 
 #include "htmlText.h"
-#include "numberText.h"
 #include "reportDrawings.h"
 #include "reportTables.h"
 #include "reportVerdict.h"
@@ -58,7 +57,6 @@ std::string tiles(const Calibration& c) {
                                                     escaped(c.plate.units))
                                       : fmt::format("{:.4f} {}", pair->baseline, escaped(c.plate.units)),
                      "baseline");
-        html += tile(fmt::format("{:.3f}°", pair->convergence * kDegreesPerRadian), "convergence angle");
     }
     return html + "</dl>\n";
 }
@@ -129,6 +127,9 @@ std::string errorsHtml(const Calibration& c, const ErrorScale& scale) {
     html += figureElement(viewBars(c),
                           "<span class=\"key left\"></span>left <span class=\"key right\"></span>right: "
                           "RMS error of every view.");
+    if (const std::string bars = epipolarBars(c); !bars.empty()) {
+        html += figureElement(bars, "RMS distance of every view's dots from each other's epipolar lines.");
+    }
     return html + "</div>\n</section>\n";
 }
 

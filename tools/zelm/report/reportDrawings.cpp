@@ -117,8 +117,30 @@ std::string viewBars(const Calibration& c) {
     return plot.svg("RMS reprojection error of every view, pixels");
 }
 
+std::string epipolarBars(const Calibration& c) {
+    constexpr double kHeight = 260.0;
+    double worst = 0.0;
+    for (const DistanceFigures& view : c.figures.epipolarViews) {
+        worst = std::max(worst, view.count > 0 ? view.rms : 0.0);
+    }
+    if (!(worst > 0.0)) {
+        return {};
+    }
+    SvgPlot plot(kWidth, kHeight, {-0.5, static_cast<double>(c.views.size()) - 0.5, "view"},
+                 {0.0, 1.05 * worst, "RMS distance, px"});
+    plot.ticksY();
+    labelViews(plot, c.views.size());
+    for (std::size_t i = 0; i < c.views.size(); ++i) {
+        if (const DistanceFigures& view = c.figures.epipolarViews[i]; view.count > 0) {
+            plot.add(bar(plot, plot.x(static_cast<double>(i)) - 0.3 * plot.scale(), 0.6 * plot.scale(), view.rms,
+                         "both", fmt::format("view {}: {:.4f} px", i, view.rms)));
+        }
+    }
+    return plot.svg("RMS epipolar distance of every view, pixels");
+}
+
 ErrorScale errorScale(const Calibration& c) {
-    constexpr double kUsualLength = 0.02;  // of the image's width, for an error of the RMS
+    constexpr double kUsualLength = 0.01;  // of the image's width, for an error of the RMS
     const double rms = std::max({c.figures.left.distances.rms, c.figures.right.distances.rms, 1e-9});
     const double width = std::min(c.rig.left.width, c.rig.right.width);
     ErrorScale scale;

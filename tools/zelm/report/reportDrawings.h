@@ -13,6 +13,9 @@ namespace zelm::tool {
 // Bars of the RMS reprojection error of every view, left and right side by side.
 std::string viewBars(const Calibration& calibration);
 
+// Bars of the RMS distance of every view's dots from each other's epipolar lines; empty where there are none.
+std::string epipolarBars(const Calibration& calibration);
+
 // How much errors are magnified, one figure for both cameras, and how long a bar beside them is.
 struct ErrorScale {
     double magnification = 1.0;  // of a camera's pixels

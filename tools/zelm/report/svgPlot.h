@@ -25,7 +25,7 @@ struct PlotAxis {
 class SvgPlot {
 public:
     // Room for ticks and labels, left and below.
-    static constexpr double kLeft = 54.0;
+    static constexpr double kLeft = 66.0;
     static constexpr double kBelow = 42.0;
     static constexpr double kMargin = 12.0;  // on the other sides
 

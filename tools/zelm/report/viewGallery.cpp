@@ -74,7 +74,8 @@ std::string axes(const GalleryImage& image, const GridIndex& reach, double pitch
                                corner->pixel.y, dx, dy);
             const double beyond = 1.0 + 0.75 * pitch / std::hypot(dx, dy);
             svg += fmt::format(
-                "<text class=\"axis-{0}\" x=\"{1:.1f}\" y=\"{2:.1f}\" font-size=\"{3:.1f}\" text-anchor=\"middle\" "
+                "<text class=\"axis-{0}\" x=\"{1:.1f}\" y=\"{2:.1f}\" style=\"font-size:{3:.1f}px\" "
+                "text-anchor=\"middle\" "
                 "dominant-baseline=\"central\">{0}</text>",
                 name, corner->pixel.x + beyond * dx, corner->pixel.y + beyond * dy, 0.6 * pitch);
         }

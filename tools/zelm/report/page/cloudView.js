@@ -62,7 +62,7 @@ class ZelmCloud {
     const geometry = new THREE.BufferGeometry();
     geometry.setAttribute("position", new THREE.BufferAttribute(this.drawn, 3));
     geometry.setAttribute("color", new THREE.BufferAttribute(this.colours, 3, true));
-    this.material = new THREE.PointsMaterial({size: 2, sizeAttenuation: false,
+    this.material = new THREE.PointsMaterial({size: 3, sizeAttenuation: false,
                                               vertexColors: THREE.VertexColors || true});
     this.points = new THREE.Points(geometry, this.material);
     this.viewer.scene.add(this.points);

@@ -41,7 +41,7 @@ class ZelmRig {
   addPlate(plate) {
     const corners = plate.corners.map(zelmPoint);
     corners.forEach(corner => this.box.expandByPoint(corner));
-    const mesh = this.quad(corners, this.material("accent", 0.13));
+    const mesh = this.quad(corners, this.material("accent", 0.08));
     const edges = [];
     corners.forEach((corner, i) => edges.push(corner, corners[(i + 1) % 4]));
     const outline = this.lines(edges, "accent");
@@ -51,7 +51,7 @@ class ZelmRig {
 
   addDots() {
     const points = this.data.plates.flatMap(plate => plate.dots.map(zelmPoint));
-    const material = this.viewer.paint(new THREE.PointsMaterial({size: 2.2, sizeAttenuation: false}), "ink");
+    const material = this.viewer.paint(new THREE.PointsMaterial({size: 1.6, sizeAttenuation: false}), "ink");
     this.viewer.scene.add(new THREE.Points(new THREE.BufferGeometry().setFromPoints(points), material));
   }
 
@@ -137,7 +137,7 @@ class ZelmRig {
     if (mesh === this.marked) {
       return;
     }
-    this.plates.forEach(plate => { plate.material.opacity = plate === mesh ? 0.5 : 0.13; });
+    this.plates.forEach(plate => { plate.material.opacity = plate === mesh ? 0.5 : 0.08; });
     this.marked = mesh;
     this.words.textContent = mesh ? this.wordsOf(mesh.userData.plate) : "";
     this.viewer.draw();

@@ -9,10 +9,13 @@ function zelmColour(name) {
   return new THREE.Color(text || "#888888");
 }
 
-// A line of colour names that a material takes; kept up to date when light and dark change.
+// The viewer; colours are those of the page and change with its light and dark.
 class ZelmViewer {
   // Throws where the browser draws no 3-D; the figure then keeps its still picture.
   constructor(figure, name) {
+    if (!document.createElement("canvas").getContext("webgl")) {
+      throw new Error("no 3-D");
+    }
     this.canvas = document.createElement("canvas");
     this.canvas.tabIndex = 0;
     this.canvas.setAttribute("role", "img");
@@ -84,18 +87,30 @@ class ZelmViewer {
 
   // Shows the whole box from a direction.
   look(direction) {
-    const sphere = this.box.getBoundingSphere(new THREE.Sphere());
-    const half = Math.min(Math.tan(this.camera.fov * Math.PI / 360), Math.tan(this.camera.fov * Math.PI / 360) *
-                          this.camera.aspect);
-    const distance = Math.max(sphere.radius, 1e-9) / Math.sin(Math.atan(half));
+    const centre = this.box.getCenter(new THREE.Vector3());
+    const distance = this.distanceFor(centre, direction);
     this.camera.near = distance / 200;
     this.camera.far = distance * 20;
-    this.controls.target.copy(sphere.center);
-    this.camera.position.copy(direction.clone().normalize().multiplyScalar(distance * 0.86).add(sphere.center));
-    this.direction = direction;
+    this.controls.target.copy(centre);
+    this.camera.position.copy(direction.clone().normalize().multiplyScalar(distance).add(centre));
     this.camera.updateProjectionMatrix();
     this.controls.update();
     this.draw();
+  }
+
+  // So far from the centre the corners of the box are just in sight.
+  distanceFor(centre, direction) {
+    const up = Math.tan(this.camera.fov * Math.PI / 360) * 0.94;
+    const turned = new THREE.Matrix4().lookAt(direction, new THREE.Vector3(), this.camera.up);
+    const toEye = new THREE.Matrix4().getInverse(turned);
+    let distance = 1e-9;
+    for (let i = 0; i < 8; ++i) {
+      const corner = new THREE.Vector3(i & 1 ? this.box.min.x : this.box.max.x, i & 2 ? this.box.min.y : this.box.max.y,
+                                       i & 4 ? this.box.min.z : this.box.max.z).sub(centre).applyMatrix4(toEye);
+      distance = Math.max(distance, Math.abs(corner.x) / (up * this.camera.aspect) + corner.z,
+                          Math.abs(corner.y) / up + corner.z);
+    }
+    return distance;
   }
 
   // What there is to see; the first look sets what Home goes back to.
