@@ -30,9 +30,9 @@ class ZelmCloud {
     this.viewer.button("From the side", () => this.viewer.look(new THREE.Vector3(1, 0, 0.001)));
     this.viewer.button("Clear measurement", () => this.clear());
     this.viewer.bar.append(this.words);
-    figure.querySelector("figcaption").textContent =
+    this.viewer.explain(
       "Drag to turn, right button or two fingers to move, wheel to zoom once the view is in use. Click two points to " +
-      "measure between them; with keys, Enter picks the point in the middle.";
+      "measure between them; with keys, Enter picks the point in the middle.");
     this.viewer.show(this.bulk(), new THREE.Vector3(0.35, 0.3, 1));
   }
 

@@ -11,9 +11,9 @@ class ZelmRig {
     data.cameras.forEach((camera, i) => this.addCamera(camera, i === 0 ? "left" : "right"));
     const cell = this.addFloor();
     this.addButtons();
-    figure.querySelector("figcaption").textContent =
+    this.viewer.explain(
       "Drag to turn, right button or two fingers to move, wheel to zoom once the view is in use. Click a plate to " +
-      "see its images. Grid: " + cell + " " + data.units + ".";
+      "see its images. Grid: " + cell + " " + data.units + ".");
     this.viewer.show(this.box, this.viewDirection());
     this.listen();
   }

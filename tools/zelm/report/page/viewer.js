@@ -46,6 +46,14 @@ class ZelmViewer {
     figure.classList.add("with-viewer");
   }
 
+  // How to use the view, in place of the words about the still picture, which paper keeps.
+  explain(text) {
+    const words = document.createElement("p");
+    words.className = "note viewer-help";
+    words.textContent = text;
+    this.bar.after(words);
+  }
+
   listen() {
     this.canvas.addEventListener("focus", () => { this.controls.enableZoom = true; });
     this.canvas.addEventListener("blur", () => { this.controls.enableZoom = false; });
@@ -218,7 +226,7 @@ function zelmIn3d(figure, make) {
   try {
     make(figure);
   } catch (failure) {
-    figure.querySelectorAll(".viewer, .viewer-bar").forEach(element => element.remove());
+    figure.querySelectorAll(".viewer, .viewer-bar, .viewer-help").forEach(element => element.remove());
     figure.classList.remove("with-viewer");
   }
 }
