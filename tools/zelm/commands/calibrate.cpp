@@ -90,21 +90,17 @@ void calibrateOtherwise(const CalibrateOptions& o, const Console& console) {
     if (!o.rightRegion.empty() || o.rightModel != ZELM_CAMERA_PERSPECTIVE) {
         failUsage("--right-region and --right-model go with --right: images of the right camera");
     }
-    calibrateCamera({plateOptionsOf(o), o.left, o.folder, o.leftModel, o.leftRegion, o.overlays, o.strict, o.force,
-                     o.adjust},
-                    console);
+    calibrateCamera(
+        {plateOptionsOf(o), o.left, o.folder, o.leftModel, o.leftRegion, o.overlays, o.strict, o.force, o.adjust},
+        console);
 }
 
 PairSettings settingsOf(const CalibrateOptions& options) {
     if (options.leftModel != ZELM_CAMERA_PARALLEL && options.rightModel == ZELM_CAMERA_PARALLEL) {
         failUsage("--right-model 2 needs --left-model 2: when one camera is parallel, give it as the left one");
     }
-    return {plateOf(plateOptionsOf(options)),
-            options.leftModel,
-            options.rightModel,
-            regionOf(options.leftRegion),
-            regionOf(options.rightRegion),
-            options.strict};
+    return {plateOf(plateOptionsOf(options)), options.leftModel, options.rightModel, regionOf(options.leftRegion),
+            regionOf(options.rightRegion),    options.strict};
 }
 
 // A status of the estimation in words: what happened and what to try.

@@ -244,8 +244,7 @@ void writeFiles(const TriangulateOptions& o, const std::vector<PixelPair>& pairs
                 const Uncertainties& known, const LoadedRig& rig, const Console& console, OutputFiles& outputs) {
     outputs.add(o.csv, csvOf(pairs, points, known, o.covariances));
     if (!o.ply.empty()) {
-        outputs.add(o.ply,
-                    o.plyBinary ? binaryPlyOf(points, known, rig.units) : plyOf(points, known, rig.units));
+        outputs.add(o.ply, o.plyBinary ? binaryPlyOf(points, known, rig.units) : plyOf(points, known, rig.units));
     }
     if (!o.page.empty()) {
         const Provenance provenance{console.command, timeOfReport(),

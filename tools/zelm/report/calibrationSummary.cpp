@@ -155,6 +155,15 @@ std::string imageName(const std::filesystem::path& path) {
     return path.filename().string();
 }
 
+// U95 of lengths, plate units; null where it is not known.
+Json forecastJson(const Calibration& c) {
+    if (!c.forecast) {
+        return nullptr;
+    }
+    const LengthForecast& f = *c.forecast;
+    return {{"u95Rms", f.rms}, {"u95Worst", f.worst}, {"lengths", f.lengths}, {"from", f.shortest}, {"to", f.longest}};
+}
+
 Json plateJson(const Plate& plate) {
     const Zelm2ViewPatternDesc& p = plate.pattern;
     Json json{{"fieldWidth", p.d0},
@@ -258,6 +267,7 @@ Json summaryJson(const Calibration& c) {
         {"reference", referenceJson(c)},
         {"verdict", verdictJson(c.verdict)},
         {"warnings", warningsJson(c)},
+        {"expectedLengthError", forecastJson(c)},
         {"reprojection",
          {{"left", distancesJson(c.figures.left.distances)}, {"right", distancesJson(c.figures.right.distances)}}},
         {"epipolar",

@@ -33,9 +33,9 @@ struct Calibration {
     std::optional<AdjustReport> adjustment;  // none was asked for
     Verdict verdict{};                       // whether it is to be trusted, and what speaks against it
     ReferenceView reference{};
-    std::vector<ViewSharpness> sharpness{};  // of the views; those that were completed later have none
-    PlateLengths lengths{};                  // between the dots, measured with the rig
-    std::string pointFile{};                 // of a target's points that stand for images of a plate; or empty
+    std::vector<ViewSharpness> sharpness{};    // of the views; those that were completed later have none
+    PlateLengths lengths{};                    // between the dots, measured with the rig
+    std::string pointFile{};                   // of a target's points that stand for images of a plate; or empty
     std::optional<LengthForecast> forecast{};  // none where its covariance is not known
 };
 

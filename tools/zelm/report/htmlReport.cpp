@@ -7,6 +7,7 @@
 
 #include "htmlText.h"
 #include "reportDrawings.h"
+#include "reportHead.h"
 #include "reportTables.h"
 #include "reportVerdict.h"
 #include "rigScene.h"
@@ -16,32 +17,18 @@
 namespace zelm::tool {
 namespace {
 
-std::string verdictHtml(const ReportVerdict& verdict) {
-    std::string html = fmt::format(
-        "<section class=\"verdict {}\" aria-label=\"Verdict\">\n<p class=\"word\">{}</p>\n<p class=\"sentence\">{}</p>"
-        "\n<ul>",
-        verdict.kind, escaped(verdict.word), escaped(verdict.sentence));
-    for (const std::string& step : verdict.next) {
-        html += "<li>" + escaped(step) + "</li>";
-    }
-    return html + "</ul>\n</section>\n";
-}
-
 std::string headHtml(const Calibration& c, const Provenance& provenance) {
     return fmt::format(
-        "<header>\n<h1>Calibration report</h1>\n<p class=\"note\">{}; {} views of a plate; zelm {}. Lengths in {}, "
+        "<header>\n<h1>Calibration report</h1>\n<p class=\"note\">{}; {} of a plate; zelm {}. Lengths in {}, "
         "image positions in pixels.</p>\n</header>\n",
-        escaped(provenance.time), c.views.size(), ZELM_VERSION, escaped(c.plate.units));
+        escaped(provenance.time), c.views.size() == 1 ? "1 view" : fmt::format("{} views", c.views.size()),
+        ZELM_VERSION, escaped(c.plate.units));
 }
 
 constexpr const char* kNavigation =
     "<nav aria-label=\"Contents\"><a href=\"#rig\">Rig</a><a href=\"#cameras\">Cameras</a><a href=\"#poses\">Views</a>"
     "<a href=\"#errors\">Errors</a><a href=\"#views\">Images</a><a href=\"#table\">Table</a>"
     "<a href=\"#checks\">Checks</a><a href=\"#origin\">Origin</a></nav>\n";
-
-std::string tile(const std::string& value, const std::string& name) {
-    return fmt::format("<div><dt>{}</dt><dd>{}</dd></div>", name, value);
-}
 
 std::string tiles(const Calibration& c) {
     const CameraFigures& l = c.figures.left;
@@ -59,20 +46,6 @@ std::string tiles(const Calibration& c) {
                      "baseline");
     }
     return html + "</dl>\n";
-}
-
-std::string warnings(const Calibration& c) {
-    if (c.skipped.empty() && c.doubts.empty()) {
-        return {};
-    }
-    std::string html = "<section id=\"warnings\">\n<h2>Warnings</h2>\n<ul class=\"warnings\">\n";
-    for (const std::string& doubt : c.doubts) {
-        html += fmt::format("<li>{}</li>\n", escaped(doubt));
-    }
-    for (const SkippedView& view : c.skipped) {
-        html += fmt::format("<li>Skipped: {}</li>\n", escaped(view.reason));
-    }
-    return html + "</ul>\n</section>\n";
 }
 
 std::string rigHtml(const RigScene& scene) {
@@ -140,7 +113,7 @@ std::string htmlReport(const Calibration& c, const Provenance& provenance, const
     const ErrorScale scale = errorScale(c);
     const RigScene scene = rigScene(c);
     std::string body = headHtml(c, provenance) + "<main>\n";
-    body += verdictHtml(reportVerdict(c)) + warnings(c) + tiles(c) + kNavigation;
+    body += verdictHtml(reportVerdict(c)) + warningsHtml(c) + tiles(c) + notesHtml(c) + kNavigation;
     body += rigHtml(scene) + camerasHtml(c) + posesHtml(c, poses) + errorsHtml(c, scale);
     body += viewGallery(c, poses, scale.magnification, console) + viewTableHtml(c, poses) + adjustmentHtml(c);
     body += provenanceHtml(provenance) + "</main>\n" + jsonElement("rig-data", sceneJson(scene, c));

@@ -14,10 +14,6 @@ namespace zelm::tool {
 // their dots, and where it all comes from. Pictures that are no longer kept are read again.
 std::string htmlReport(const Calibration& calibration, const Provenance& provenance, const Console& console);
 
-// What pages of reports have in common: their style sheet, and text with nothing that HTML takes for its own.
-const char* reportStyle();
-std::string htmlText(const std::string& text);
-
 }  // namespace zelm::tool
 
 #endif

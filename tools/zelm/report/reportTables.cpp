@@ -12,12 +12,6 @@
 namespace zelm::tool {
 namespace {
 
-std::string tableStart(const char* name) {
-    return fmt::format("<div class=\"scroll\" tabindex=\"0\" role=\"region\" aria-label=\"{}\"><table>", name);
-}
-
-constexpr const char* kTableEnd = "</tbody></table></div>\n";
-
 // "± 0.0405", with two digits that count; nothing where it is not known.
 std::string deviationText(const Rig& rig, int parameter) {
     if (!rig.covariance || parameter < 0) {
@@ -53,19 +47,19 @@ std::string pairHtml(const Calibration& c) {
 }
 
 std::string imageHead(const char* side) {
-    return fmt::format("<th scope=\"colgroup\" colspan=\"6\" class=\"{}-ink\">{} image</th>", side, side);
+    return fmt::format("<th scope=\"colgroup\" colspan=\"7\" class=\"{}-ink\">{} image</th>", side, side);
 }
 
-std::string imageCells(const std::filesystem::path& path, const ImageFigures& image,
+std::string imageCells(const std::filesystem::path& path, const ImageFigures& image, const std::string& blur,
                        const std::optional<PlatePose>& pose) {
     if (image.dots.empty()) {
         return "<td>–</td><td class=\"number\">–</td><td class=\"number\">–</td><td class=\"number\">–</td>"
-               "<td class=\"number\">–</td><td class=\"number\">–</td>";
+               "<td class=\"number\">–</td><td class=\"number\">–</td><td class=\"number\">–</td>";
     }
     const auto number = [](const std::string& text) { return "<td class=\"number\">" + text + "</td>"; };
     std::string cells = fmt::format("<td>{}</td>", escaped(imageName(path)));
     cells += number(fmt::format("{}", image.found)) + number(fmt::format("{:.4f}", image.distances.rms)) +
-             number(fmt::format("{:.4f}", image.distances.max));
+             number(fmt::format("{:.4f}", image.distances.max)) + number(blur);
     cells += number(pose ? fmt::format("{:.1f}", pose->tilt * kDegreesPerRadian) : "–");
     return cells + number(pose && pose->distance > 0.0 ? fmt::format("{:.4g}", pose->distance) : "–");
 }
@@ -81,11 +75,21 @@ std::string movedTable(const AdjustReport& report, const Calibration& c) {
             "<td class=\"number\">{}</td><td class=\"number\">{}</td></tr>\n",
             escaped(row.name), row.leftMoved, row.leftDeviation, row.rightMoved, row.rightDeviation);
     }
-    html += kTableEnd;
+    html += tableEnd();
     for (const std::string& line : movedPair(report, c.rig, c.plate.units)) {
         html += fmt::format("<p class=\"note\">{}</p>\n", escaped(line));
     }
     return html;
+}
+
+}  // namespace
+
+std::string tableStart(const char* name) {
+    return fmt::format("<div class=\"scroll\" tabindex=\"0\" role=\"region\" aria-label=\"{}\"><table>", name);
+}
+
+const char* tableEnd() {
+    return "</tbody></table></div>\n";
 }
 
 std::string checksTable(const AdjustReport& report) {
@@ -103,8 +107,6 @@ std::string checksTable(const AdjustReport& report) {
            "finding is no chance. Wrong: it moves points by more than their uncertainty.</p>\n";
 }
 
-}  // namespace
-
 std::string camerasHtml(const Calibration& c) {
     std::string html = "<section id=\"cameras\">\n<h2>Cameras</h2>\n" + pairHtml(c) + tableStart("Cameras");
     html +=
@@ -119,7 +121,7 @@ std::string camerasHtml(const Calibration& c) {
             row.name, escaped(row.unit), row.left, deviationText(c.rig, row.parameter), row.right,
             deviationText(c.rig, right));
     }
-    html += kTableEnd;
+    html += tableEnd();
     return html + (c.rig.covariance ? "<p class=\"note\">± is the standard deviation that the residuals leave a "
                                       "parameter. The parameters vary together: the covariance is in rig.zcov.</p>\n"
                                       "</section>\n"
@@ -129,23 +131,29 @@ std::string camerasHtml(const Calibration& c) {
 std::string viewTableHtml(const Calibration& c, const std::vector<ViewPose>& poses) {
     std::string html = "<section id=\"table\">\n<h2>All views in numbers</h2>\n" + tableStart("All views") +
                        "<thead><tr><th scope=\"col\" rowspan=\"2\">view</th>" + imageHead("left") + imageHead("right") +
-                       "<th scope=\"col\" rowspan=\"2\" class=\"number\">epipolar RMS, px</th></tr>\n<tr>";
+                       "<th scope=\"col\" rowspan=\"2\" class=\"number\">epipolar RMS, px</th>"
+                       "<th scope=\"col\" rowspan=\"2\" class=\"number\">lengths RMS, " +
+                       escaped(c.plate.units) + "</th></tr>\n<tr>";
     for (int side = 0; side < 2; ++side) {
         html += "<th scope=\"col\">file</th>";
-        for (const std::string& name : {std::string("dots"), std::string("RMS, px"), std::string("worst, px"),
-                                        std::string("tilt, °"), "distance, " + escaped(c.plate.units)}) {
+        for (const std::string& name :
+             {std::string("dots"), std::string("RMS, px"), std::string("worst, px"), std::string("blur, px"),
+              std::string("tilt, °"), "distance, " + escaped(c.plate.units)}) {
             html += "<th scope=\"col\" class=\"number\">" + name + "</th>";
         }
     }
     html += "</tr></thead><tbody>\n";
     for (std::size_t i = 0; i < c.views.size(); ++i) {
         const DistanceFigures& epipolar = c.figures.epipolarViews[i];
-        html += fmt::format("<tr><th scope=\"row\">{}</th>{}{}<td class=\"number\">{}</td></tr>\n", i,
-                            imageCells(c.views[i].left, c.figures.left.views[i], poses[i].cameras[0]),
-                            imageCells(c.views[i].right, c.figures.right.views[i], poses[i].cameras[1]),
-                            epipolar.count > 0 ? fmt::format("{:.4f}", epipolar.rms) : "–");
+        html += fmt::format(
+            "<tr><th scope=\"row\">{}</th>{}{}<td class=\"number\">{}</td><td class=\"number\">{}</td></tr>\n", i,
+            imageCells(c.views[i].left, c.figures.left.views[i], blurText(c, i, 0), poses[i].cameras[0]),
+            imageCells(c.views[i].right, c.figures.right.views[i], blurText(c, i, 1), poses[i].cameras[1]),
+            epipolar.count > 0 ? fmt::format("{:.4f}", epipolar.rms) : "–", lengthText(c, i));
     }
-    return html + kTableEnd + "</section>\n";
+    return html + tableEnd() +
+           "<p class=\"note\">Blur: standard deviation of the edges' spread, the largest over the smallest where they "
+           "differ by direction. Lengths: RMS error of distances between the dots.</p>\n</section>\n";
 }
 
 std::string adjustmentHtml(const Calibration& c) {

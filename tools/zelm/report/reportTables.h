@@ -16,6 +16,13 @@ std::string camerasHtml(const Calibration& calibration);
 std::string viewTableHtml(const Calibration& calibration, const std::vector<ViewPose>& poses);
 std::string adjustmentHtml(const Calibration& calibration);
 
+// The verdicts of the self-checks, under a heading.
+std::string checksTable(const AdjustReport& report);
+
+// A table that scrolls where it is too wide; its head and "<tbody>" follow.
+std::string tableStart(const char* name);
+const char* tableEnd();
+
 }  // namespace zelm::tool
 
 #endif

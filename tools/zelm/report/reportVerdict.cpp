@@ -31,16 +31,31 @@ ReportVerdict unknown(const Calibration& c) {
             {"Measure known lengths with zelm verify before you rely on it."}};
 }
 
+// "One finding speaks against this calibration".
+std::string findingsText(const Calibration& c) {
+    const std::size_t count = c.verdict.doubts.size();
+    return count == 1 ? "One finding speaks against this calibration"
+                      : fmt::format("{} findings speak against this calibration", count);
+}
+
 ReportVerdict doubtful(const Calibration& c) {
-    ReportVerdict verdict{"doubtful", "Doubtful", {}, {}};
-    verdict.sentence = fmt::format(
-        "{} this calibration, so that lengths may be further off than {}.",
-        c.doubts.size() == 1 ? "One finding speaks against" : fmt::format("{} findings speak against", c.doubts.size()),
-        c.forecast ? "the expected " + lengthsText(*c.forecast, c.plate.units) : std::string("its residuals tell"));
-    verdict.next = {"Read the warnings below: each names what is wrong and the remedy. Then calibrate again.",
-                    "Until then measure with it only what known lengths of about the same size and place have "
-                    "confirmed (zelm verify)."};
-    return verdict;
+    return {"doubtful",
+            "Doubtful",
+            fmt::format("{}, so that lengths may be further off than {}.", findingsText(c),
+                        c.forecast ? "the expected " + lengthsText(*c.forecast, c.plate.units) : "its residuals tell"),
+            {"Read the warnings below: each names what is wrong and the remedy. Then calibrate again.",
+             "Until then measure with it only what known lengths of about the same size and place have confirmed (zelm "
+             "verify)."}};
+}
+
+// It was written because that was insisted on.
+ReportVerdict refused(const Calibration& c) {
+    return {"refused",
+            "Refused",
+            fmt::format("Do not measure with this calibration: {}.", c.verdict.fatal()->text),
+            {"It was written only because of --force.",
+             "Remove the cause, which the warnings below name, and calibrate "
+             "again."}};
 }
 
 ReportVerdict good(const Calibration& c) {
@@ -57,10 +72,15 @@ ReportVerdict good(const Calibration& c) {
 }  // namespace
 
 ReportVerdict reportVerdict(const Calibration& c) {
-    if (!c.doubts.empty()) {
-        return doubtful(c);
+    switch (c.verdict.status) {
+        case VerdictStatus::refused:
+            return refused(c);
+        case VerdictStatus::doubtful:
+            return doubtful(c);
+        case VerdictStatus::good:
+            return c.forecast ? good(c) : unknown(c);
     }
-    return c.forecast ? good(c) : unknown(c);
+    return unknown(c);
 }
 
 }  // namespace zelm::tool

@@ -10,7 +10,7 @@
 namespace zelm::tool {
 
 struct ReportVerdict {
-    std::string kind;  // "good", "doubtful" or "unknown": also the name of its colours
+    std::string kind;  // "good", "doubtful", "refused" or "unknown": also the name of its colours
     std::string word;
     std::string sentence;
     std::vector<std::string> next;
