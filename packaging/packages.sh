@@ -1,13 +1,10 @@
 # Debian 12 packages that each job needs; sourced by ./demo and ./check.
 build_packages=(cmake ninja-build gcc g++ pkg-config)
 measure_packages=(libtbb-dev libceres-dev libyaml-cpp-dev libzip-dev zlib1g-dev)
-tool_packages=(libcli11-dev nlohmann-json3-dev libfmt-dev libgraphicsmagick1-dev libcairo2-dev)
-# The last three render and read the plates that `zelm plate` draws.
-test_packages=(libgtest-dev binutils poppler-utils librsvg2-bin python3-ezdxf)
-measure_packages=(libtbb-dev libceres-dev)
 tool_packages=(libcli11-dev nlohmann-json3-dev libfmt-dev libgraphicsmagick1-dev libcairo2-dev libpng-dev libmd-dev
   libjs-three)
-test_packages=(libgtest-dev binutils)
+# The last three render and read the plates that `zelm plate` draws.
+test_packages=(libgtest-dev binutils poppler-utils librsvg2-bin python3-ezdxf)
 clang_packages=(clang libclang-rt-14-dev)
 # The tool's pages in a browser: chromium is 250 MB.
 pages_packages=(chromium python3)
