@@ -3,8 +3,8 @@ build_packages=(cmake ninja-build gcc g++ pkg-config)
 measure_packages=(libtbb-dev libceres-dev libyaml-cpp-dev libzip-dev zlib1g-dev)
 tool_packages=(libcli11-dev nlohmann-json3-dev libfmt-dev libgraphicsmagick1-dev libcairo2-dev libpng-dev libmd-dev
   libjs-three)
-# The last three render and read the plates that `zelm plate` draws.
-test_packages=(libgtest-dev binutils poppler-utils librsvg2-bin python3-ezdxf)
+# The last three of the tests' render and read the plates that `zelm plate` draws.
+test_packages=(libgtest-dev binutils groff-base mandoc poppler-utils librsvg2-bin python3-ezdxf)
 clang_packages=(clang libclang-rt-14-dev)
 # The tool's pages in a browser: chromium is 250 MB.
 pages_packages=(chromium python3)
@@ -19,3 +19,4 @@ bench_packages=(libbenchmark-dev libmrcal-dev libopencv-imgproc-dev libopencv-ca
 peers_packages=(python3 python3-numpy python3-scipy python3-yaml python3-opencv python3-mrcal python3-image-geometry
   python3-camera-calibration-parsers pcl-tools)
 fresh_packages=(debootstrap git)
+deb_packages=(debhelper dpkg-dev lintian git)

@@ -11,6 +11,7 @@ void addSubcommands(CommandLine& commandLine, Console& console) {
     addImport(commandLine, console);
     addInfo(commandLine, console);
     addLength(commandLine, console);
+    addManual(commandLine, console);
     addMatch(commandLine, console);
     addMeasure(commandLine, console);
     addPlan(commandLine, console);

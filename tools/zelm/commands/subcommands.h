@@ -15,6 +15,7 @@ void addExport(CommandLine& commandLine, Console& console);
 void addImport(CommandLine& commandLine, Console& console);
 void addInfo(CommandLine& commandLine, Console& console);
 void addLength(CommandLine& commandLine, Console& console);
+void addManual(CommandLine& commandLine, Console& console);
 void addMatch(CommandLine& commandLine, Console& console);
 void addMeasure(CommandLine& commandLine, Console& console);
 void addPlan(CommandLine& commandLine, Console& console);

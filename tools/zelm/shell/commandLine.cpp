@@ -41,11 +41,14 @@ void checkFirstWord(const CLI::App& app, int argc, const char* const* argv) {
     if (std::string_view(*word).starts_with('-')) {
         failUsage("{}: not an option of zelm itself: the options of a subcommand come after its name (--help)", *word);
     }
-    std::vector<std::string> names;
-    for (const CLI::App* const sub : app.get_subcommands([](const CLI::App*) { return true; })) {
-        names.push_back(sub->get_name());
-    }
-    if (std::find(names.begin(), names.end(), *word) == names.end()) {
+    const std::vector<const CLI::App*> subs = app.get_subcommands([](const CLI::App*) { return true; });
+    if (std::none_of(subs.begin(), subs.end(), [word](const CLI::App* sub) { return sub->get_name() == *word; })) {
+        std::vector<std::string> names;
+        for (const CLI::App* const sub : subs) {
+            if (!sub->get_group().empty()) {
+                names.push_back(sub->get_name());
+            }
+        }
         const auto nearest = std::min_element(names.begin(), names.end(), [word](const auto& a, const auto& b) {
             return editDistance(*word, a) < editDistance(*word, b);
         });
@@ -157,6 +160,10 @@ Option Subcommand::rectangle(const std::string& names, std::vector<int>& value, 
 
 Option Subcommand::flag(const std::string& names, bool& value, const std::string& description) {
     return Option(parsed->add_flag(names, value, description));
+}
+
+void Subcommand::hide() {
+    parsed->group("");
 }
 
 void Subcommand::does(std::function<void()> work) {

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "commandOutline.h"
 #include "console.h"
 
 namespace CLI {
@@ -49,6 +50,9 @@ public:
     Option rectangle(const std::string& names, std::vector<int>& value, const std::string& description);
     Option flag(const std::string& names, bool& value, const std::string& description);
 
+    // Help does not show it: it serves those who install the tool.
+    void hide();
+
     // What the subcommand does once the command line is parsed; throws Failure to give up.
     void does(std::function<void()> work);
 
@@ -64,6 +68,9 @@ public:
 
     // A subcommand with --json and --quiet and an example at the foot of its help.
     Subcommand subcommand(const std::string& name, const std::string& description, const std::string& example);
+
+    // What help says of all that it shows.
+    ToolOutline outline() const;
 
     // Parses and does what the subcommand does, or prints help. Throws Failure for wrong usage, and what the subcommand
     // throws.
