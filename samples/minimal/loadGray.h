@@ -6,7 +6,7 @@
 extern "C" {
 #endif
 
-/* The gray image samples/desk-rig/<side>_<view>.png, rows without padding; NULL when it cannot be read. The reader
+/* The gray image <side>_<view>, for example left_03, rows without padding; NULL when it cannot be read. The reader
    keeps the pixels. */
 const unsigned char* loadGray(const char* side, int view);
 

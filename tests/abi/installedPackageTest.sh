@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# An installed library is found by find_package(zelmLib) and by pkg-config, and a user's program links and runs.
+# An installed library, moved to another folder, is found by find_package(zelmLib) and by pkg-config, and a user's
+# program links and runs.
 set -eu
 build=$1
 source=$2
@@ -8,7 +9,8 @@ compiler=$4
 compile_flags=${5:-}
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
-cmake --install "$build" --prefix "$work/prefix" >/dev/null
+cmake --install "$build" --prefix "$work/before" >/dev/null
+mv "$work/before" "$work/prefix"
 mkdir "$work/user"
 cp "$source/tests/abi/cClient.c" "$work/user/"
 cat >"$work/user/CMakeLists.txt" <<'TXT'
@@ -28,7 +30,7 @@ cmake --build "$work/user/build" >/dev/null
 "$work/user/build/userStatic"
 
 package_folder=$(dirname "$(find "$work/prefix" -name zelmLib.pc)")
-flags=$(PKG_CONFIG_PATH=$package_folder pkg-config --define-variable=prefix="$work/prefix" --cflags --libs zelmLib)
+flags=$(PKG_CONFIG_PATH=$package_folder pkg-config --cflags --libs zelmLib)
 # shellcheck disable=SC2086
 "$compiler" $compile_flags "$source/tests/abi/cClient.c" $flags -o "$work/userPc"
 LD_LIBRARY_PATH=$(dirname "$(find "$work/prefix" -name libzelmLib.so)") "$work/userPc"

@@ -1,11 +1,13 @@
 #!/usr/bin/env bash
-# docExamples.sh [ZELM]: runs the examples of docs/tool.md and shows where what they print is not what stands there.
+# docExamples.sh [ZELM [DOCUMENT]]: runs the examples of docs/tool.md, or of another document, and shows where what they
+# print is not what stands there.
 #
 # An example is a fenced block whose first line begins with "$ ". "..." stands for any lines, and times may differ. A
 # file that a block shows with "cat" and that no command before has written is written as it is shown. Takes a minute.
 set -euo pipefail
 root=$(cd "$(dirname "$0")/../.." && pwd)
 zelm=$(realpath "${1:-$root/build/gcc/tools/zelm/zelm}")
+document=$(realpath "${2:-$root/docs/tool.md}")
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 cd "$work"
@@ -15,13 +17,13 @@ ln -s "$root/samples" samples
 PATH=$work/bin:$PATH
 
 # The plate's description is the first block of JSON.
-awk '/^```json/ { inside = 1; next } /^```/ { if (inside) exit } inside' "$root/docs/tool.md" >plate.json
+awk '/^```json/ { inside = 1; next } /^```/ { if (inside) exit } inside' "$document" >plate.json
 # blocks/NN.sh is a command, blocks/NN.out what stands below it.
 awk '/^```/ { inside = !inside; name = ""; next }
   inside && /^\$ / { name = sprintf("blocks/%02d", ++n); print substr($0, 3) >(name ".sh"); printf "" >(name ".out")
     more = /\\$/; next }
   inside && name && more { print >(name ".sh"); more = /\\$/; next }
-  inside && name { print >(name ".out") }' "$root/docs/tool.md"
+  inside && name { print >(name ".out") }' "$document"
 
 # Four views of which the right pixels are turned by 0.03 degree about the principal point, and one wrong match.
 turnedPairs() {
@@ -37,7 +39,7 @@ turnedPairs() {
       "dots/left_${view}_dots.csv" "dots/right_${view}_dots.csv"
   done
 }
-turnedPairs >pairs.csv
+! grep -q pairs.csv "$document" || turnedPairs >pairs.csv
 
 # Shown lines against printed ones, where "..." is any lines.
 holds() {
