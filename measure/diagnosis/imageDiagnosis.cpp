@@ -143,6 +143,9 @@ ZelmMeasureImageCause causeOfFailure(const ImageEvidence& e, const Pattern& plat
     if (e.oppositeDots >= kMinLattice && e.oppositeDots > 2 * dots) {
         return ZELM_MEASURE_IMAGE_POLARITY;
     }
+    if (e.levels.saturated > kMaxSaturated && 2 * e.strong < dots) {
+        return ZELM_MEASURE_IMAGE_SATURATED;  // what is left of the dots are remains
+    }
     if (!isLattice(e.lattice)) {
         return causeWithoutDots(e);
     }

@@ -13,6 +13,7 @@ constexpr double kHighlightLevel = 245.0;  // or so bright,
 constexpr double kMinHighlight = 8.0;      // and by so many gray levels
 constexpr double kMaxShearedRatio = 0.62;  // of circles: seen from 52 degrees and more
 constexpr double kMarkerBand = 1.15;       // dot areas by which a marker may fall short: the reader takes 1.1
+constexpr double kRounder = 1.15;          // times as round as along the shortest steps
 constexpr int kMaxExpected = 20'000;       // places that are looked at
 
 double circleRatio(const DotLattice& lattice, const Pattern& plate);
@@ -95,8 +96,8 @@ Field fieldOf(const DotLattice& lattice, const Pattern& plate, const MarkerTrait
                 markers.cornerRow + rows};
     }
     // Which axis is which is not known: either may have lost something, unless both counts are described ones.
-    const auto described = std::minmax(2 * x + 1, 2 * y + 1);
-    const auto seen = std::minmax(b.columns(), b.rows());
+    const auto described = std::minmax({2 * x + 1, 2 * y + 1});
+    const auto seen = std::minmax({b.columns(), b.rows()});
     const bool isWhole = seen.first >= described.first && seen.second >= described.second;
     const int columnGap = !isWhole && b.columns() < described.second ? 1 : 0;
     const int rowGap = !isWhole && b.rows() < described.second ? 1 : 0;
@@ -169,25 +170,42 @@ PlaceTraits placeTraits(const DenseImage& image, const DotLattice& lattice, cons
     return traits;
 }
 
-bool isAsDescribed(const MarkerTraits& m, const Pattern& plate) {
-    return m.isFrame && m.columns == std::lround(plate.d6 / plate.d4) && m.rows == std::lround(plate.d7 / plate.d5);
+// How round the dots are on the plate if the lattice's steps are its rows and columns: the median of their short axis
+// over their long one.
+double roundness(const std::vector<Spot>& spots, const DotLattice& lattice, const Pattern& plate) {
+    const double q = plate.d5 / plate.d4;
+    std::vector<double> first;
+    std::vector<double> second;
+    for (const LatticeDot& dot : lattice.dots) {
+        const auto [u, v] = lattice.steps(dot.column, dot.row);
+        const Tensor2& e = spots[dot.spot].ellipse.shape;
+        // The ellipse in lattice coordinates but for a factor, and with either step as the plate's columns.
+        const Tensor2 seen{e.along(v.y, -v.x), e.xx * -v.y * u.y + e.xy * (v.x * u.y + v.y * u.x) - e.yy * v.x * u.x,
+                           e.along(-u.y, u.x)};
+        for (const bool isTurned : {false, true}) {
+            const double x = isTurned ? q : 1.0;
+            const double y = isTurned ? 1.0 : q;
+            const TensorAxes axes = axesOf({x * x * seen.xx, x * y * seen.xy, y * y * seen.yy});
+            (isTurned ? second : first).push_back(std::sqrt(std::max(axes.smallest, 0.0) / axes.largest));
+        }
+    }
+    return std::max(median(std::move(first)), median(std::move(second)));
 }
 
-MarkerTraits straightened(DotLattice& lattice, const Pattern& plate, const MarkerTraits& markers) {
-    if (markers.seen != 3 || isAsDescribed(markers, plate)) {
-        return markers;
-    }
+// A plate seen from the side: the steps along which its dots are round are its own.
+DotLattice straightened(const std::vector<Spot>& spots, const DotLattice& lattice, const Pattern& plate) {
+    DotLattice best = lattice;
+    double most = kRounder * roundness(spots, lattice, plate);
     for (const auto& [columnsByRow, rowsByColumn] :
          {std::pair{1, 0}, {-1, 0}, {0, 1}, {0, -1}, {1, -1}, {-1, 1}, {2, 0}, {-2, 0}, {0, 2}, {0, -2}}) {
         DotLattice other = sheared(lattice, columnsByRow, rowsByColumn);
-        const MarkerTraits traits = markerTraits(other, plate);
-        // Only along steps of other lengths: a plate seen from the front has no second reading.
-        if (isAsDescribed(traits, plate) && circleRatio(other, plate) < kMaxShearedRatio) {
-            lattice = std::move(other);
-            return traits;
+        const double round = roundness(spots, other, plate);
+        if (round > most && circleRatio(other, plate) < kMaxShearedRatio) {
+            most = round;
+            best = std::move(other);
         }
     }
-    return markers;
+    return best;
 }
 
 // The short axis over the long one of the ellipse that a circle on the plate becomes.
@@ -233,8 +251,8 @@ LatticeTraits traitsOf(const DenseImage& image, const std::vector<Spot>& spots, 
     if (lattice.dots.empty()) {
         return traits;
     }
+    lattice = straightened(spots, lattice, plate);
     traits.markers = markerTraits(lattice, plate);
-    traits.markers = straightened(lattice, plate, traits.markers);
     traits.axisRatio = circleRatio(lattice, plate);
     traits.isLevelShared = sharesLevels(image, spots, lattice, plate.polarity);
     std::vector<double> ratiosX;

@@ -50,8 +50,8 @@ struct DotLevels {
     double outside = 0.0;
 };
 
-// Of a plate seen from the side the lattice's two shortest steps need not be its rows and columns: where the markers
-// stand as described along other steps, the lattice takes those.
+// Of a plate seen from the side the lattice's two shortest steps need not be its rows and columns: where the dots are
+// rounder along other steps, the lattice takes those.
 LatticeTraits traitsOf(const DenseImage& image, const std::vector<Spot>& spots, DotLattice& lattice,
                        const Pattern& plate, const DotLevels& levels);
 

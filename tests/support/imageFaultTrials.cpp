@@ -326,7 +326,7 @@ TrialImage markerDistance(RandomSource& random) {
 
 TrialImage smallDots(RandomSource& random) {
     Station s = stationOf(random, 5.0);
-    const double factor = random.uniform(1.2, 2.4) / s.radius;
+    const double factor = random.uniform(1.5, 2.4) / s.radius;
     s.aim.scale *= factor;
     s.radius *= factor;
     s.optics.blurSigma = random.uniform(0.35, 0.55);
@@ -344,7 +344,7 @@ TrialImage tilted(RandomSource& random) {
 // A small plate in a large image, as bright a ground elsewhere.
 TrialImage notSeparate(RandomSource& random) {
     Station s = stationOf(random, 10.0);
-    const double factor = 5.2 / s.radius;
+    const double factor = 6.2 / s.radius;
     s.aim.scale *= factor;
     s.radius *= factor;
     s.optics.blurSigma = random.uniform(0.4, 0.7);

@@ -42,7 +42,7 @@ public:
           width(std::max(picture.width, kMinWidth)),
           height(picture.height),
           square(squareFor(width)),
-          surface(blankSurface(width, height + static_cast<int>(square * kLine * (2.0 + kRows)))),
+          surface(blankSurface(width, height + static_cast<int>(square * kLine * (2.5 + kRows)))),
           cairo(cairo_create(surface.get()), cairo_destroy) {
         const SurfacePtr source = surfaceOf(picture);
         cairo_set_source_surface(cairo.get(), source.get(), 0.0, 0.0);
@@ -50,9 +50,13 @@ public:
     }
 
     std::string draw() {
+        cairo_save(cairo.get());
+        cairo_rectangle(cairo.get(), 0.0, 0.0, width, height);
+        cairo_clip(cairo.get());
         for (auto spot = trouble.spots.rbegin(); spot != trouble.spots.rend(); ++spot) {
             outline(*spot);  // dots last, over what was rejected
         }
+        cairo_restore(cairo.get());
         drawLegend();
         return pngOf(surface.get());
     }
