@@ -24,8 +24,8 @@ typedef struct ZelmMeasureSharpness {
 
 /// Measures how sharp an image of a plate is. Each dot is fitted by an ellipse between two gray levels, blurred by a
 /// normal point spread that differs by direction; what counts is the median over the dots. Rendered plates with dots of
-/// radius 5 pixels and more show blurs from 0.5 pixel to a third of the radius to 5 %, alike in all directions to 5 %, and
-/// smears of 3 pixels to the radius to 12 % and 4 degrees.
+/// radius 5 pixels and more show blurs from 0.5 pixel to a third of the radius to 5 %, alike in all directions to 5 %,
+/// and smears of 3 pixels to the radius to 12 % and 4 degrees.
 /// @param image [in] any size
 /// @param count [in] of dots
 /// @param seeds [in] pixels that the dots cover, 2 a dot: the centres of dots that were read, say
@@ -131,8 +131,8 @@ typedef struct ZelmMeasureImageDiagnosis {
     double markerRatio;   ///< diameter of a marker over that of a dot; of the description: d3/d2
 } ZelmMeasureImageDiagnosis;
 
-/// Tells why the plate in an image cannot be read, or why fewer dots are read than are described. The spots of the image
-/// are put on a lattice without the description, which is then compared with it.
+/// Tells why the plate in an image cannot be read, or why fewer dots are read than are described. The spots of the
+/// image are put on a lattice without the description, which is then compared with it.
 /// @param image [in] any size
 /// @param pattern [in] the plate
 /// @param region [in] the part of the image that holds the plate; NULL: all of it

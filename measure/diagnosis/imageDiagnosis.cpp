@@ -7,9 +7,9 @@ namespace zelm::measure {
 namespace {
 
 // The figures behind the thresholds are in docs/diagnosis.md: good data on the one side, faulty data on the other.
-constexpr int kMinLattice = 9;               // dots that are no chance
+constexpr int kMinLattice = 12;               // dots that are no chance
 constexpr int kSureLattice = 30;             // dots that are none however they stand
-constexpr double kMinFilled = 0.45;          // of the places within the bounds of fewer dots
+constexpr double kMinFilled = 0.5;           // of the places within the bounds of fewer dots
 constexpr double kMinRadius = 4.0;           // pixels, of dots
 constexpr double kReadRadius = 5.5;          // of dots that are read whatever else there is
 constexpr double kMaxAxisDifference = 95.0;  // pixels: the reader refuses 100

@@ -335,9 +335,8 @@ TrialImage smallDots(RandomSource& random) {
 }
 
 TrialImage tilted(RandomSource& random) {
-    Station s = stationOf(random, 5.0);
+    Station s = stationOf(random, 7.0);
     s.aim.tiltDegrees = random.uniform(72.0, 77.0);
-    s.aim.scale *= 0.8;
     return shoot(s, random);
 }
 

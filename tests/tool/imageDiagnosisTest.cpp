@@ -163,7 +163,7 @@ TEST_F(ImageDiagnosis, APlateThatTheImageCutsOff) {
         cut.pixels +=
             whole.pixels.substr(static_cast<std::size_t>(640 * y + from), static_cast<std::size_t>(cut.width));
     }
-    expectDiagnosis(write("cut.pgm", cut), {"cut off at the left", "lie outside the image"});
+    expectDiagnosis(write("cut.pgm", cut), {"cut off at the left", "of 63 dots", "of 3 markers found"});
 }
 
 TEST_F(ImageDiagnosis, PlateFilesThatContradictTheImage) {

@@ -142,9 +142,9 @@ std::string troubleText(const Figures& f, const Plate& plate) {
             return markersText(f, plate);
         case ZELM_MEASURE_IMAGE_CUT_OFF:
             return fmt::format(
-                "cut off at the {}: {} dots lie outside the image, {} of {} markers and {} of {} dots "
-                "found: move the plate wholly into view",
-                sidesText(f.sides), f.outside, f.markers, p.markers, f.dots, f.expected);
+                "cut off at the {}: {} of {} dots and {} of {} markers found: move the plate wholly into "
+                "view",
+                sidesText(f.sides), f.dots, f.expected, f.markers, p.markers);
         case ZELM_MEASURE_IMAGE_OUT_OF_FOCUS:
             return focusText(f);
         case ZELM_MEASURE_IMAGE_MOTION:
