@@ -4,6 +4,9 @@
 #include <cmath>
 #include <cstdint>
 
+#include "platePose.h"
+#include "predictedDot.h"
+
 namespace zelm::measure {
 namespace {
 
@@ -94,6 +97,40 @@ std::optional<SingleCamera> calibratedAlone(const SetOfImages& set, Side side) {
         single.poses[used[k]] = pose;
     }
     return single;
+}
+
+std::optional<SingleCamera> roughlyCalibrated(const SetOfImages& set, Side side) {
+    constexpr double kMinFocal = 0.7;  // of the image's longer side
+    constexpr double kMaxFocal = 4.0;
+    constexpr double kStep = 1.1;
+    const ImageSize size = set.sizes[side];
+    const double longer = std::max(size.width, size.height);
+    std::optional<SingleCamera> best;
+    for (double f = kMinFocal * longer; f <= kMaxFocal * longer; f *= kStep) {
+        AdjustState state;
+        state.cameras[side] = {false, {f, 0.0, f, 0.5 * (size.width - 1), 0.5 * (size.height - 1), 0.0, 0.0}};
+        SingleCamera single{state.cameras[side], {}, 0.0};
+        double sum = 0.0;
+        std::size_t count = 0;
+        for (const ImageDots& dots : set.images[side]) {
+            const std::vector<DotObservation> observed = observationsOf(set.plate, dots);
+            const auto pose = posedPlate(state, side, observed);
+            single.poses.push_back(pose ? std::optional(platePoseOf(*pose)) : std::nullopt);
+            for (const DotObservation& dot : observed) {
+                if (pose) {
+                    const ImageParameters image{single.camera, nullptr, pose->data(), 1.0, state.bow.b.data(), 1.0};
+                    const Point2d centre = dotOutline(image.camera, circleOf(image, dot.place, dot.radius)).centre;
+                    sum += std::hypot(dot.pixel.x - centre.x, dot.pixel.y - centre.y);
+                    count += 1;
+                }
+            }
+        }
+        single.error = count > 0 ? sum / static_cast<double>(count) : 0.0;
+        if (count > 0 && std::isfinite(single.error) && (!best || single.error < best->error)) {
+            best = std::move(single);
+        }
+    }
+    return best;
 }
 
 std::vector<DotObservation> observationsOf(const Pattern& plate, const ImageDots& dots) {

@@ -59,6 +59,9 @@ struct SingleCamera {
 // Nothing where the images do not determine the camera.
 std::optional<SingleCamera> calibratedAlone(const SetOfImages& set, Side side);
 
+// The same by the focal length alone: what images of few and alike views tell, roughly.
+std::optional<SingleCamera> roughlyCalibrated(const SetOfImages& set, Side side);
+
 // Dots as an adjustment takes them: so many of an image, spread over all that it shows.
 std::vector<DotObservation> observationsOf(const Pattern& plate, const ImageDots& dots);
 

@@ -20,7 +20,7 @@ public:
     explicit CauseFinder(const SetJudgement& given) : judgement(given), isShifted(given.views.size(), false) {}
 
     std::vector<SetCause> run() {
-        if (!judgement.isDetermined) {
+        if (!judgement.isDetermined && judgement.agreeing == 0) {
             add({SetCauseKind::undetermined, {true, true}, 0, false, 0, viewsOf(ViewFate::unknown)});
         } else if (judgement.agreeing == 0) {
             add({SetCauseKind::noAgreement, {}, 0, false, 0, viewsOf(ViewFate::unknown)});

@@ -19,6 +19,7 @@ constexpr double kRayleighMedian = 1.17741;  // median length of a plane normal 
 constexpr double kMinLimit = 0.3;     // pixels
 constexpr double kMaxOverOwn = 4.0;   // times what the cameras leave one by one
 constexpr double kMaxLimit = 3.0;     // pixels
+constexpr double kMinNoise = 0.01;    // pixels
 constexpr std::size_t kFewPairs = 4;  // of which the adjustment by itself leaves out none, or one
 
 double medianOf(std::vector<double> values) {
@@ -114,12 +115,15 @@ std::optional<PairingFit> PairingFitter::fit(const std::vector<ImagePair>& pairs
             }
         }
     }
+    // The noise need not be found by rounds of adjusting: each camera by itself tells it well enough for this.
+    const double own = std::max(singles[kLeft]->error, singles[kRight]->error);
+    AdjustOptions options;
+    options.knownNoise = std::max(own, kMinNoise);
     try {
-        adjust(state, views, {});
+        adjust(state, views, options);
     } catch (const Fault&) {
         return std::nullopt;
     }
-    const double own = std::max(singles[kLeft]->error, singles[kRight]->error);
     result.limit = std::clamp(kMaxOverOwn * own, kMinLimit, kMaxLimit);
     std::vector<double> good;
     for (std::size_t i = 0; i < pairs.size(); ++i) {

@@ -86,7 +86,12 @@ public:
             determineMirrored(alone);
         }
         judgement.isDetermined = alone[kLeft] && alone[kRight];
-        if (judgement.isDetermined) {
+        for (const Side side : {kLeft, kRight}) {
+            if (!alone[side] && views() > kMinAgreeing) {
+                alone[side] = roughlyCalibrated(set, side);
+            }
+        }
+        if (alone[kLeft] && alone[kRight]) {
             cameras = {*alone[kLeft], *alone[kRight]};
             findConsensus();
         }
@@ -96,8 +101,8 @@ public:
             tell();
             findSession();
         }
-        if (!judgement.isDetermined) {
-            tellCopiesOfUndetermined();
+        if (consensus.count() < kMinAgreeing) {
+            tellCopiesOfUnknown();
         }
         tellSameViews();
         return std::move(judgement);
@@ -549,7 +554,7 @@ private:
     }
 
     // Of two images of a side that show the same, while the others of their views do not, either may be the copy.
-    void tellCopiesOfUndetermined() {
+    void tellCopiesOfUnknown() {
         for (std::size_t i = 0; i < views(); ++i) {
             for (std::size_t k = 0; k < i && isReadable(i); ++k) {
                 if (!isReadable(k) || isSame(kLeft, k, i) == isSame(kRight, k, i)) {
