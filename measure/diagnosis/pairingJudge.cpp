@@ -24,7 +24,13 @@ constexpr double kSameNoise = 4.0;       // times the noise, and at least
 constexpr double kSamePixels = 0.1;      // this, by which two images differ that show the plate in the same place
 constexpr double kNominalFocal = 1.2;    // of the image's longer side, for tilts where the camera is not determined
 constexpr double kSameWithoutNoise = 0.4;  // pixels; the same where the noise is not known
-constexpr std::size_t kMinShared = 6;      // dots by which images are compared
+// Few views may leave a camera undetermined that is sound; what many leave so, or what fits no camera, is no view of
+// this plate.
+constexpr std::size_t kMaxRoughViews = 6;
+constexpr double kMaxRoughError = 0.004;  // of the image's width: lens and principal point are not estimated
+// Pixels. Beyond, the plate's file or the camera model are wrong, and single views are not to blame.
+constexpr double kMaxTypical = 0.4;
+constexpr std::size_t kMinShared = 6;  // dots by which images are compared
 
 ImagePair asGiven(std::size_t left, std::size_t right) {
     return {MeantImage{kLeft, left, {}}, MeantImage{kRight, right, {}}};
@@ -87,8 +93,11 @@ public:
         }
         judgement.isDetermined = alone[kLeft] && alone[kRight];
         for (const Side side : {kLeft, kRight}) {
-            if (!alone[side] && views() > kMinAgreeing) {
-                alone[side] = roughlyCalibrated(set, side);
+            if (!alone[side] && views() > kMinAgreeing && views() <= kMaxRoughViews) {
+                const std::optional<SingleCamera> rough = roughlyCalibrated(set, side);
+                if (rough && rough->error <= kMaxRoughError * set.sizes[side].width) {
+                    alone[side] = rough;
+                }
             }
         }
         if (alone[kLeft] && alone[kRight]) {
@@ -463,7 +472,7 @@ private:
             ViewJudgement& view = judgement.views[i];
             if (view.fate != ViewFate::unread) {
                 view.misfit = transferMisfit(consensus.fit.state, poses[kLeft][i], poses[kRight][i]);
-                view.fate = ViewFate::nothingFits;
+                view.fate = consensus.fit.typical <= kMaxTypical ? ViewFate::nothingFits : ViewFate::unknown;
             }
         }
         for (std::size_t k = 0; k < consensus.pairs.size(); ++k) {

@@ -9,9 +9,9 @@
 
 namespace zelm::tool {
 
-// What speaks against a calibration, a line each: too few views that agree (fatal), why nothing was adjusted, views that
-// take no part, what the self-checks found wrong, dots far from their projections, outer dots that no image shows, left
-// and right exchanged. `plateFile` is what the plate was read from.
+// What speaks against a calibration, a line each: too few views that agree (fatal), why nothing was adjusted, views
+// that take no part, what the self-checks found wrong, dots far from their projections, outer dots that no image shows,
+// left and right exchanged. `plateFile` is what the plate was read from.
 std::vector<Doubt> calibrationDoubts(const Calibration& calibration, const std::string& plateFile);
 
 }  // namespace zelm::tool
