@@ -16,8 +16,13 @@ struct MeasureBadInput : ::testing::Test {
     std::string rig;
 
     void SetUp() override {
-        rig = writePair(makePair(0, 0), folder / "rig.zcal");
-        writeFile(folder / "pairs.csv", "640,480,640,480\n");
+        const TruePair pair = makePair(0, 0);
+        rig = writePair(pair, folder / "rig.zcal");
+        const Point2d l = pair.project('L', {10.0, 5.0, 3.0});
+        const Point2d r = pair.project('R', {10.0, 5.0, 3.0});
+        std::ostringstream csv;
+        csv << l.x << ',' << l.y << ',' << r.x << ',' << r.y << '\n';
+        writeFile(folder / "pairs.csv", csv.str());
         writeFile(folder / "small.pgm", "P5\n4 3\n255\n123456789012");
         writeFile(folder / "file", "not a folder");
     }
