@@ -77,8 +77,8 @@ Json blurJson(const ZelmMeasureSharpness& s) {
 void addQuality(const Calibration& c, std::size_t i, Json& view) {
     constexpr const char* kSides[] = {"left", "right"};
     for (std::size_t side = 0; side < 2; ++side) {
-        if (i < c.sharpness.size() && c.sharpness[i][side] && !view[kSides[side]].is_null()) {
-            view[kSides[side]]["blur"] = blurJson(*c.sharpness[i][side]);
+        if (i < c.sharpness.size() && c.sharpness[i][side]) {
+            view["blur"][kSides[side]] = blurJson(*c.sharpness[i][side]);
         }
     }
     if (i < c.lengths.views.size() && c.lengths.views[i]) {
