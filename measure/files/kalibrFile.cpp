@@ -1,8 +1,8 @@
 // Kalibr camchain, YAML.
 #include <cmath>
 
+#include "digitText.h"
 #include "foreignCameras.h"
-#include "numberText.h"
 #include "pairFigures.h"
 #include "readers.h"
 #include "yamlText.h"

@@ -1,6 +1,6 @@
 // mrcal cameramodel: a file a camera, a dictionary in Python's notation.
+#include "digitText.h"
 #include "foreignCameras.h"
-#include "numberText.h"
 #include "pairFigures.h"
 #include "readers.h"
 #include "rigBlock.h"

@@ -2,7 +2,7 @@
 #include <span>
 
 #include "arraysPair.h"
-#include "numberText.h"
+#include "digitText.h"
 #include "pairFigures.h"
 #include "readers.h"
 #include "yamlText.h"

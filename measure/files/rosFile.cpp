@@ -2,8 +2,8 @@
 // readers take both principal points for the same.
 #include <cmath>
 
+#include "digitText.h"
 #include "foreignCameras.h"
-#include "numberText.h"
 #include "pairFigures.h"
 #include "readers.h"
 #include "yamlText.h"

@@ -1,6 +1,6 @@
 // Numbers as text that every reader takes for the same number.
-#ifndef ZELM_MEASURE_NUMBER_TEXT_H
-#define ZELM_MEASURE_NUMBER_TEXT_H
+#ifndef ZELM_MEASURE_DIGIT_TEXT_H
+#define ZELM_MEASURE_DIGIT_TEXT_H
 
 #include <span>
 #include <string>

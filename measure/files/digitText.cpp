@@ -1,4 +1,4 @@
-#include "numberText.h"
+#include "digitText.h"
 
 #include <array>
 #include <charconv>
