@@ -20,6 +20,20 @@ Eigen::Matrix3d alongMean(const Shape& shape) {
     }
 }
 
+// What a tilt does to the location, which is the foot of the points' mean: the mean of a cylinder's points need not lie
+// on its axis, nor that of weighted points on their plane.
+Eigen::Matrix3d footByTilt(const Shape& shape, const Eigen::Vector3d& meanFromLocation) {
+    switch (shape.kind) {
+        case FeatureKind::line:
+        case FeatureKind::cylinder:
+            return shape.direction * meanFromLocation.transpose();
+        case FeatureKind::plane:
+            return -shape.direction.dot(meanFromLocation) * Eigen::Matrix3d::Identity();
+        default:
+            return Eigen::Matrix3d::Zero();
+    }
+}
+
 }  // namespace
 
 FeatureSensitivity sensitivityOf(const FeatureFit& fit, const FeatureTask& task, const FeaturePoints& points,
@@ -34,12 +48,18 @@ FeatureSensitivity sensitivityOf(const FeatureFit& fit, const FeatureTask& task,
     // The parameters move by -(J' W J)^-1 J' W dr.
     const Eigen::MatrixXd gain = -shape.byParameters() * N.ldlt().solve(Eigen::MatrixXd::Identity(m, m));
     const Eigen::Matrix3d mean = alongMean(shape) / static_cast<double>(fit.used.size());
+    Eigen::Vector3d middle = Eigen::Vector3d::Zero();
+    for (const std::size_t i : fit.used) {
+        middle += points.points[i] / static_cast<double>(fit.used.size());
+    }
+    const Eigen::Matrix3d byTilt = footByTilt(shape, middle - shape.location);
     FeatureSensitivity result;
     result.byPoint.reserve(fit.used.size());
     for (const std::size_t i : fit.used) {
         const ShapeDistance d = distanceOf(shape, points.points[i]);
         FeatureByPoint by = gain * d.byParameters.transpose() * weightOf(d, points, i, task.weighted) * d.byPoint;
-        by.topRows<3>() += mean;
+        const Eigen::Matrix3d foot = mean + byTilt * by.middleRows<3>(3);
+        by.topRows<3>() += foot;
         if (shared.isKnown()) {
             result.byRig += by * shared.byRig[i];
         }

@@ -23,7 +23,7 @@ RIGHT_SHIFT = np.array([-100.0, 1.5, 8.0])
 COLUMNS, ROWS, SQUARE = 10, 8, 12.0  # squares of the board, mm
 VIEWS = 12
 # Corners are found where they are to some hundredths of a pixel, a part of it common to all corners of a view. Five
-# standard deviations hold what the residuals tell of that; the worst of 20 seeds is 3.6.
+# standard deviations hold what the residuals tell of that; with seeds 2 and 7 the worst of 84 parameters is 2.6 off.
 MAX_DEVIATIONS = 5.0
 BASELINE_TOLERANCE = 1e-3  # relative
 
