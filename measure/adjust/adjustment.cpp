@@ -319,6 +319,7 @@ RigCamera Adjustment::startCamera(Side side) const {
     camera.width = cameras[side].width;
     camera.height = cameras[side].height;
     camera.intrinsics = intrinsicsRecord(camera.model, start.cameras[side].p);
+    camera.poses.reserve(start.poses.size());
     for (std::size_t view = 0; view < start.poses.size(); ++view) {
         const MotionParameters pose = poseOf(start, side, view);
         camera.poses.push_back(poseRecordOfVector({pose[0], pose[1], pose[2]}, {pose[3], pose[4], pose[5]}));

@@ -162,8 +162,9 @@ AdjustState startOf(PointTarget& target) {
     if (target.isPair()) {
         state.relative = relativePose(own[state.base], own[state.other()]);
     }
+    state.poses.reserve(target.views.size());
     for (std::size_t i = 0; i < target.views.size(); ++i) {
-        AdjustView& view = target.views[i];
+        const AdjustView& view = target.views[i];
         const auto poseIn = [&](Side side) {
             return own[side][i] || !target.has(side) ? own[side][i] : posedPlate(state, side, view.dots[side]);
         };

@@ -51,6 +51,7 @@ public:
         require(given.freedom >= 0.0, "the degrees of freedom are negative");
         const auto count = static_cast<std::size_t>(given.count);
         set.points.reserve(count);
+        set.noise.reserve(count);
         for (std::size_t i = 0; i < count; ++i) {
             set.points.emplace_back(given.points[3 * i], given.points[3 * i + 1], given.points[3 * i + 2]);
             require(set.points.back().allFinite(), "a point is not finite");
@@ -398,12 +399,15 @@ std::int32_t zelmMeasureFeatures(const ZelmMeasureFeaturePoints* points, ZelmMea
         const Features all(recordOf(points), rig == nullptr ? nullptr : &rig->rig);
         std::vector<Fitted> fitted;
         std::vector<PointIndices> indices;
+        fitted.reserve(static_cast<std::size_t>(featureCount));
+        indices.reserve(static_cast<std::size_t>(featureCount));
         for (std::size_t i = 0; i < static_cast<std::size_t>(featureCount); ++i) {
             const ZelmMeasureFeature feature = recordOf(recordAt(features, i));
             indices.push_back(indicesOf(feature, all.size()));
             fitted.push_back(all.fitted(taskOf(feature), indices.back()));
         }
         std::vector<ZelmMeasureRelationResult> found;
+        found.reserve(static_cast<std::size_t>(relationCount));
         for (std::size_t i = 0; i < static_cast<std::size_t>(relationCount); ++i) {
             const ZelmMeasureRelation relation = recordOf(recordAt(relations, i));
             checkRelation(relation, fitted);
