@@ -123,6 +123,7 @@ TEST(Triangulate, PlyHoldsTheSamePoints) {
                                           "format ascii 1.0",
                                           "comment 25 of 25 pixel pairs; row counts them from 1",
                                           "comment errors in pixels, angle between the rays in degrees",
+                                          "comment units plate units",
                                           "element vertex 25",
                                           "property double x",
                                           "property double y",
