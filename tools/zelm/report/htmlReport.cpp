@@ -115,7 +115,8 @@ std::string htmlReport(const Calibration& c, const Provenance& provenance, const
     std::string body = headHtml(c, provenance) + "<main>\n";
     body += verdictHtml(reportVerdict(c)) + warningsHtml(c) + tiles(c) + notesHtml(c) + kNavigation;
     body += rigHtml(scene) + camerasHtml(c) + posesHtml(c, poses) + errorsHtml(c, scale);
-    body += viewGallery(c, poses, scale.magnification, console) + viewTableHtml(c, poses) + adjustmentHtml(c);
+    body += c.pictures ? viewGallery(c, poses, scale.magnification, console) : std::string();  // none of points
+    body += viewTableHtml(c, poses) + adjustmentHtml(c);
     body += provenanceHtml(provenance) + "</main>\n" + jsonElement("rig-data", sceneJson(scene, c));
     return htmlOf({"Calibration report",
                    body,
