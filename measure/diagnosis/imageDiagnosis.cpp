@@ -7,7 +7,8 @@ namespace zelm::measure {
 namespace {
 
 // The figures behind the thresholds are in docs/diagnosis.md: good data on the one side, faulty data on the other.
-constexpr int kMinLattice = 12;               // dots that are no chance
+constexpr int kMinLattice = 12;              // dots that are no chance
+constexpr double kMinSpots = 2.0;            // pixels: the radius of fewer spots that have no edges
 constexpr int kSureLattice = 30;             // dots that are none however they stand
 constexpr double kMinFilled = 0.5;           // of the places within the bounds of fewer dots
 constexpr double kMinRadius = 4.0;           // pixels, of dots
@@ -16,6 +17,8 @@ constexpr double kMaxAxisDifference = 95.0;  // pixels: the reader refuses 100
 constexpr double kMaxBlur = 0.30;            // of a dot's radius
 constexpr double kMinBlur = 1.6;             // pixels: less is taken for blur by small dots alone
 constexpr double kMinMotion = 1.35;          // the largest blur over the smallest
+constexpr double kWideBlur = 0.35;           // of the radius: dots so blurred run into each other,
+constexpr double kMinWideMotion = 1.8;       // and the two blurs are told less surely
 constexpr double kMinContrast = 16.0;        // gray levels between dots and ground
 constexpr double kMinSignal = 4.0;           // contrast over noise
 constexpr int kDarkLevel = 32;               // a plate so dark has hardly the contrast that dots need
@@ -24,6 +27,7 @@ constexpr double kMaxSaturated = 0.5;        // share of the pixels
 constexpr double kMaxRatioError = 0.2;       // of the diameter over the pitch
 constexpr double kMaxMarkerError = 0.15;     // of a marker's diameter over a dot's
 constexpr double kHighlights = 0.1;          // of the places without a dot
+constexpr double kMinSeen = 0.88;            // of the described dots, where markers are missing
 constexpr double kCoveredShare = 0.08;       // of the places within the bounds
 constexpr double kMinFlatRange = 20.0;       // gray levels between dark and bright
 constexpr double kMinBlurredEdge = 12.0;     // pixels: width of the steepest edges of an image out of focus,
@@ -67,8 +71,9 @@ ZelmMeasureImageCause causeOfDots(const ImageEvidence& e, const Pattern& plate) 
     }
     const bool isSmall = radius < kMinRadius || radius * radius * 3.14 < plate.minDotArea;
     const double blur = e.sharpness.spread.largest;
-    const auto blurred =
-        blur > kMinMotion * e.sharpness.spread.smallest ? ZELM_MEASURE_IMAGE_MOTION : ZELM_MEASURE_IMAGE_OUT_OF_FOCUS;
+    const double smallest = e.sharpness.spread.smallest;
+    const double least = smallest > kWideBlur * radius ? kMinWideMotion : kMinMotion;
+    const auto blurred = blur > least * smallest ? ZELM_MEASURE_IMAGE_MOTION : ZELM_MEASURE_IMAGE_OUT_OF_FOCUS;
     if (blur > kMaxBlur * radius && blur > kMinBlur) {
         return blurred;
     }
@@ -121,6 +126,9 @@ ZelmMeasureImageCause causeOfMarkers(const ImageEvidence& e, const Pattern& plat
     if (const auto cause = causeOfPlaces(places, least); cause != ZELM_MEASURE_IMAGE_FINE) {
         return cause;
     }
+    if (static_cast<double>(e.lattice.dots.size()) < kMinSeen * describedDots(plate)) {
+        return ZELM_MEASURE_IMAGE_COVERED;  // whole rows, up to a marker
+    }
     if (isOtherDiameter(e, plate) || (m.seen == 0 && places.hidden == 0 && places.outside == 0)) {
         return ZELM_MEASURE_IMAGE_OTHER_PLATE;
     }
@@ -129,13 +137,14 @@ ZelmMeasureImageCause causeOfMarkers(const ImageEvidence& e, const Pattern& plat
 }
 
 // Some spots of any image stand in rows: a few that leave most places of their lattice empty are no plate.
-bool isLattice(const DotLattice& lattice) {
-    const auto dots = static_cast<double>(lattice.dots.size());
+bool isLattice(const ImageEvidence& e) {
+    const auto dots = static_cast<double>(e.lattice.dots.size());
     if (dots < kMinLattice) {
         return false;
     }
-    const LatticeBounds b = lattice.bounds();
-    return dots >= kSureLattice || dots > kMinFilled * b.columns() * b.rows();
+    const LatticeBounds b = e.lattice.bounds();
+    const bool isStrong = e.strong > 0 || e.traits.radius > kMinSpots;
+    return dots >= kSureLattice || (isStrong && dots > kMinFilled * b.columns() * b.rows());
 }
 
 ZelmMeasureImageCause causeOfFailure(const ImageEvidence& e, const Pattern& plate) {
@@ -146,7 +155,7 @@ ZelmMeasureImageCause causeOfFailure(const ImageEvidence& e, const Pattern& plat
     if (e.levels.saturated > kMaxSaturated && 2 * e.strong < dots) {
         return ZELM_MEASURE_IMAGE_SATURATED;  // what is left of the dots are remains
     }
-    if (!isLattice(e.lattice)) {
+    if (!isLattice(e)) {
         return causeWithoutDots(e);
     }
     if (const auto cause = causeOfDots(e, plate); cause != ZELM_MEASURE_IMAGE_FINE) {

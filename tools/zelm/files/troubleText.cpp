@@ -166,9 +166,9 @@ std::string troubleText(const Figures& f, const Plate& plate) {
                 f.hidden, f.markers, p.markers);
         case ZELM_MEASURE_IMAGE_COVERED:
             return fmt::format(
-                "partly covered: {} dots are hidden inside the image, {} of {} markers found: take away "
-                "what stands before the plate",
-                f.hidden, f.markers, p.markers);
+                "partly covered: {} of {} dots and {} of {} markers found, and the others are not beyond "
+                "the image's edge: take away what stands before the plate",
+                f.dots, f.expected, f.markers, p.markers);
         case ZELM_MEASURE_IMAGE_POLARITY:
             return fmt::format("{} {} dots found, but no {} ones: set \"polarity\" of the plate to \"{}\"",
                                f.oppositeDots, polarityWord(1 - p.polarity), polarityWord(p.polarity),
