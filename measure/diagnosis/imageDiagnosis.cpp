@@ -8,7 +8,7 @@ namespace {
 
 // The figures behind the thresholds are in docs/diagnosis.md: good data on the one side, faulty data on the other.
 constexpr int kMinLattice = 12;              // dots that are no chance
-constexpr double kMinSpots = 2.0;            // pixels: the radius of fewer spots that have no edges
+constexpr double kMinSpots = 3.0;            // pixels: the radius of fewer spots that have no edges
 constexpr int kSureLattice = 30;             // dots that are none however they stand
 constexpr double kMinFilled = 0.5;           // of the places within the bounds of fewer dots
 constexpr double kMinRadius = 4.0;           // pixels, of dots

@@ -343,7 +343,7 @@ TrialImage tilted(RandomSource& random) {
 // A small plate in a large image, as bright a ground elsewhere.
 TrialImage notSeparate(RandomSource& random) {
     Station s = stationOf(random, 10.0);
-    const double factor = 6.2 / s.radius;
+    const double factor = 5.8 / s.radius;
     s.aim.scale *= factor;
     s.radius *= factor;
     s.optics.blurSigma = random.uniform(0.4, 0.7);
