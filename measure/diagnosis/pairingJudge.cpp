@@ -27,7 +27,8 @@ constexpr double kSameWithoutNoise = 0.4;  // pixels; the same where the noise i
 // Few views may leave a camera undetermined that is sound; what many leave so, or what fits no camera, is no view of
 // this plate.
 constexpr std::size_t kMaxRoughViews = 6;
-constexpr double kMaxRoughError = 0.004;  // of the image's width: lens and principal point are not estimated
+constexpr double kMaxRoughError = 0.004;   // of the image's width: lens and principal point are not estimated
+constexpr double kMaxMirroredError = 2.0;  // pixels; of images that were mirrored indeed, some tenths are left
 // Pixels. Beyond, the plate's file or the camera model are wrong, and single views are not to blame.
 constexpr double kMaxTypical = 0.4;
 constexpr std::size_t kMinShared = 6;  // dots by which images are compared
@@ -104,6 +105,11 @@ public:
             cameras = {*alone[kLeft], *alone[kRight]};
             findConsensus();
         }
+        if (judgement.isSideMirrored && consensus.count() <= kMinAgreeing) {
+            // A mirror that no view confirms only happened to settle what the images leave open.
+            judgement.isSideMirrored = judgement.isDetermined = false;
+            consensus = {};
+        }
         if (consensus.count() >= kMinAgreeing) {
             const PairingFitter fitter(set, cameras[kLeft], cameras[kRight]);
             explainOthers(fitter);
@@ -171,6 +177,9 @@ private:
             const std::vector<ImageDots> plain = set.images[side];
             mirror(side);
             alone[side] = calibratedAlone(set, side);
+            if (alone[side] && alone[side]->error > kMaxMirroredError) {
+                alone[side].reset();
+            }
             judgement.isSideMirrored = alone[side].has_value();
             judgement.mayBeMirrored = {side == kLeft, side == kRight};
             if (!alone[side]) {
@@ -265,7 +274,7 @@ private:
         const SetOfImages plainSet = set;
         const auto plainCameras = cameras;
         mirror(side);
-        if (auto camera = calibratedAlone(set, side)) {
+        if (auto camera = calibratedAlone(set, side); camera && camera->error <= kMaxMirroredError) {
             cameras[side] = std::move(*camera);
             vote(true);
         }
