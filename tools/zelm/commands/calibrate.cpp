@@ -316,7 +316,10 @@ void runCalibrate(const CalibrateOptions& options, const Console& console) {
     }
     Calibration c = calibrate(options, settings, console, outputs);
     c.verdict.add(calibrationDoubts(c, options.plate.file));
-    c.verdict.add(qualityDoubts(c.views, c.sharpness, c.lengths, c.plate.units));
+    // Where nothing fits, no view is worse than the others.
+    constexpr double kMaxEpipolar = 2.0;  // pixels, RMS
+    const PlateLengths lengths = c.figures.epipolar.rms > kMaxEpipolar ? PlateLengths{} : c.lengths;
+    c.verdict.add(qualityDoubts(c.views, c.sharpness, lengths, c.plate.units));
     requireTrust(c.verdict, options.force);
 
     const std::string summary = jsonText(summaryJson(c));
