@@ -50,6 +50,11 @@ std::string imageHead(const char* side) {
     return fmt::format("<th scope=\"colgroup\" colspan=\"7\" class=\"{}-ink\">{} image</th>", side, side);
 }
 
+// Nothing to show, as this page has it.
+std::string dashed(const std::string& text) {
+    return text == "-" ? "–" : text;
+}
+
 std::string imageCells(const std::filesystem::path& path, const ImageFigures& image, const std::string& blur,
                        const std::optional<PlatePose>& pose) {
     if (image.dots.empty()) {
@@ -147,9 +152,9 @@ std::string viewTableHtml(const Calibration& c, const std::vector<ViewPose>& pos
         const DistanceFigures& epipolar = c.figures.epipolarViews[i];
         html += fmt::format(
             "<tr><th scope=\"row\">{}</th>{}{}<td class=\"number\">{}</td><td class=\"number\">{}</td></tr>\n", i,
-            imageCells(c.views[i].left, c.figures.left.views[i], blurText(c, i, 0), poses[i].cameras[0]),
-            imageCells(c.views[i].right, c.figures.right.views[i], blurText(c, i, 1), poses[i].cameras[1]),
-            epipolar.count > 0 ? fmt::format("{:.4f}", epipolar.rms) : "–", lengthText(c, i));
+            imageCells(c.views[i].left, c.figures.left.views[i], dashed(blurText(c, i, 0)), poses[i].cameras[0]),
+            imageCells(c.views[i].right, c.figures.right.views[i], dashed(blurText(c, i, 1)), poses[i].cameras[1]),
+            epipolar.count > 0 ? fmt::format("{:.4f}", epipolar.rms) : "–", dashed(lengthText(c, i)));
     }
     return html + tableEnd() +
            "<p class=\"note\">Blur: standard deviation of the edges' spread, the largest over the smallest where they "
