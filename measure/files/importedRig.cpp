@@ -1,7 +1,8 @@
 #include "importedRig.h"
 
 #include <algorithm>
-#include <cstdio>
+#include <array>
+#include <charconv>
 #include <string>
 
 #include "rigBlock.h"
@@ -17,14 +18,19 @@ void requireSize(const ForeignCamera& camera, const char* side) {
     }
 }
 
+// Three digits, for people.
+std::string shortText(double value) {
+    std::array<char, 32> digits{};
+    const auto end =
+        std::to_chars(digits.data(), digits.data() + digits.size(), value, std::chars_format::general, 3).ptr;
+    return {digits.data(), end};
+}
+
 void requireLens(const OwnCamera& own, double tolerance, const char* side) {
     if (own.worst > tolerance) {
-        char text[256];
-        std::snprintf(text, sizeof text,
-                      "the %s camera's lens has terms that k1 and k2 replace to %.3g pixels only, RMS %.3g: more than "
-                      "the tolerance of %.3g",
-                      side, own.worst, own.rms, tolerance);
-        refuse(text);
+        refuse(std::string("the ") + side + " camera's lens has terms that k1 and k2 replace to " +
+               shortText(own.worst) + " pixels only, RMS " + shortText(own.rms) + ": more than the tolerance of " +
+               shortText(tolerance));
     }
 }
 
