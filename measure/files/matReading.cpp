@@ -166,12 +166,14 @@ private:
         }
         for (std::size_t begin = 0; begin + length <= names.size(); begin += length) {
             const std::string_view padded = names.substr(begin, length);
-            const std::string field(padded.substr(0, padded.find('\0')));
+            std::string path = name;
+            path += '.';
+            path += padded.substr(0, padded.find('\0'));
             const Element value = takeElement(bytes);
             if (value.type != kMatrix) {
                 refuseDamaged();
             }
-            readArray(value.data, name + "." + field, depth + 1);
+            readArray(value.data, path, depth + 1);
         }
     }
 

@@ -96,7 +96,8 @@ ZelmCameraExtrinsics plateOf(const NamedArrays& arrays, const std::string& path)
 }
 
 std::string structureName(const NamedArrays& arrays) {
-    for (const std::string name : {"stereoParams", "stereoParameters", "params", "s"}) {
+    for (const char* const word : {"stereoParams", "stereoParameters", "params", "s"}) {
+        std::string name = word;
         if (arrays.find({(name + ".RotationOfCamera2").c_str()}) != nullptr) {
             return name;
         }

@@ -79,7 +79,10 @@ ForeignPair openCvPair(std::span<const std::string_view> files) {
             const std::string name = yamlWord(member.first, "a field's name");
             if ((name == "left" || name == "right") && member.second.IsMap()) {
                 for (const auto& inner : member.second) {
-                    addNode(inner.second, name + "." + yamlWord(inner.first, "a field's name"), found);
+                    std::string path = name;
+                    path += '.';
+                    path += yamlWord(inner.first, "a field's name");
+                    addNode(inner.second, path, found);
                 }
             } else {
                 addNode(member.second, name, found);
