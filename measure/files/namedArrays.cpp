@@ -38,9 +38,9 @@ void NamedArrays::add(const std::string& name, NamedArray array) {
     }
 }
 
-void NamedArrays::merge(NamedArrays other) {
-    for (auto& [name, array] : other.arrays) {
-        add(name, std::move(array));
+void NamedArrays::merge(const NamedArrays& other) {
+    for (const auto& [name, array] : other.arrays) {
+        add(name, array);
     }
 }
 

@@ -24,7 +24,7 @@ public:
 
     // Refuses a second array of the same name.
     void add(const std::string& name, NamedArray array);
-    void merge(NamedArrays other);
+    void merge(const NamedArrays& other);
 
     // The first of the names that is there; NULL when none is.
     const NamedArray* find(Names names) const;

@@ -88,7 +88,7 @@ ForeignPair openCvPair(std::span<const std::string_view> files) {
                 addNode(member.second, name, found);
             }
         }
-        arrays.merge(std::move(found));
+        arrays.merge(found);
     }
     return pairOfArrays(arrays);
 }
