@@ -31,9 +31,9 @@ for name in '' $subcommands; do
   page=$pages/zelm${name:+-$name}.1
   options=$(options_of $name)
   [ "$(wc -l <<<"$options")" -ge 3 ] || wrong "$name: options $options"
+  tags=$(grep -A1 '^\.TP' "$page")
   for option in $options; do
-    # As the tag of a paragraph.
-    grep -A1 '^\.TP' "$page" | grep -qF -- "\\fB${option//-/\\-}\\fR" || wrong "$page: no $option"
+    grep -qF -- "\\fB${option//-/\\-}\\fR" <<<"$tags" || wrong "$page: no $option"
   done
   [ "$(grep -c '^\.TH' "$page")" = 1 ] || wrong "$page: no title"
   if command -v groff >/dev/null; then
@@ -42,7 +42,8 @@ for name in '' $subcommands; do
     # What is to be typed comes out as it went in.
     if [ -n "$name" ]; then
       example=$("$zelm" "$name" --help | sed -n '/^Example:/,$ { /^  / { s/^ *//; p; q } }')
-      plain "$page" | grep -qF -- "$example" || wrong "$page: its example is not $example"
+      text=$(plain "$page")
+      grep -qF -- "$example" <<<"$text" || wrong "$page: its example is not $example"
     fi
   fi
   if command -v mandoc >/dev/null; then
@@ -51,7 +52,8 @@ for name in '' $subcommands; do
     [ -z "$said" ] || wrong "$said"
   fi
 done
-plain "$pages/zelm-simulate.1" | grep -q 'One of png, tif, bmp, pgm\. *Default: png\.' || wrong "no choices of --format"
+text=$(plain "$pages/zelm-simulate.1")
+grep -q 'One of png, tif, bmp, pgm\. *Default: png\.' <<<"$text" || wrong "no choices of --format"
 
 # Completion in bash, as it calls the function. The script's own output ends when it is wrong.
 complete_bash() { # words of a command line, the last being completed
@@ -100,7 +102,8 @@ if command -v fish >/dev/null; then
 fi
 
 # Again over the same folder; and not where there can be no folder.
-"$zelm" manual -o "$work" | grep -q "$(wc -l < <(ls "$pages")) manual pages" || wrong "the second time"
+said=$("$zelm" manual -o "$work")
+grep -q "$(wc -l < <(ls "$pages")) manual pages" <<<"$said" || wrong "the second time"
 touch "$work/file"
 if "$zelm" manual -o "$work/file" 2>"$work/refused"; then
   wrong "a file is taken for a folder"
