@@ -195,7 +195,10 @@ private:
         outputs.add(folder / "rig.zcal", c.block);
         outputs.add(folder / "rig.zcov", c.covariance);
         outputs.add(folder / "rig.json", summary + "\n");
-        outputs.add(folder / "report.html", htmlReport(c));
+        Provenance provenance{console.command, timeOfReport(), hashFiles({{"points", options.file}})};
+        provenance.addBytes("result", "rig.zcal", c.block);
+        provenance.addBytes("result", "rig.zcov", c.covariance);
+        outputs.add(folder / "report.html", htmlReport(c, provenance, console));
         outputs.commit();
         for (const Doubt& doubt : c.verdict.doubts) {
             console.warn(doubt.text);

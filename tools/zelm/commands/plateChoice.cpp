@@ -9,6 +9,7 @@
 #include "failure.h"
 #include "numberText.h"
 #include "planDescription.h"
+#include "plateChecks.h"
 
 namespace zelm::tool {
 namespace {

@@ -99,7 +99,8 @@ std::string matchPly(const std::vector<MatchedPoint>& points, const Picture& lef
     ply.reserve(ply.size() + kBytesPerVertex * count);
     for (const MatchedPoint& p : points) {
         if (p.status == MatchStatus::ok) {
-            (isText ? appendVertexText : appendVertexBytes)(ply, p, static_cast<unsigned char>(grayAt(left, p.left)), withCalibration);
+            (isText ? appendVertexText : appendVertexBytes)(ply, p, static_cast<char>(grayAt(left, p.left)),
+                                                            withCalibration);
         }
     }
     return ply;

@@ -111,8 +111,8 @@ std::string csvOf(const std::vector<PixelPair>& pairs, const std::vector<SpacePo
 
 namespace {
 
-std::string plyHeader(const std::vector<SpacePoint>& points, bool isKnown, const std::string& units,
-                      const char* format, const char* coordinate) {
+std::string plyHeader(const std::vector<SpacePoint>& points, bool isKnown, const std::string& units, const char* format,
+                      const char* coordinate) {
     const std::size_t count = countStatuses(points)[static_cast<std::size_t>(PointStatus::ok)];
     std::string ply = fmt::format(
         "ply\nformat {} 1.0\ncomment {} of {} pixel pairs; row counts them from 1\n"

@@ -107,7 +107,7 @@ std::string checksTable(const AdjustReport& report) {
             "<tr><td><span class=\"chip {}\">{}</span></td><td class=\"number\">{:.2g}</td><td>{}</td></tr>\n",
             check.verdict == ZELM_MEASURE_CHECK_UNDONE ? "none" : word, word, check.p, escaped(check.text));
     }
-    return html + kTableEnd +
+    return html + tableEnd() +
            "<p class=\"note\">p is the probability that chance alone gives as much in any of the checks; below 0.01 a "
            "finding is no chance. Wrong: it moves points by more than their uncertainty.</p>\n";
 }

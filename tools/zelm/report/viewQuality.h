@@ -47,7 +47,7 @@ PlateLengths plateLengthsOf(const LoadedRig& rig, const Plate& plate, const RigF
 
 // In words, a line each: images that are less sharp than the others, and views whose lengths are much worse.
 std::vector<Doubt> qualityDoubts(const std::vector<ViewFiles>& views, const std::vector<ViewSharpness>& sharpness,
-                                       const PlateLengths& lengths, const std::string& units);
+                                 const PlateLengths& lengths, const std::string& units);
 
 }  // namespace zelm::tool
 
