@@ -61,7 +61,8 @@ outside_frame=$(echo "$sources" | grep -vE '^src/frame/(alloc|assertion)\.cpp$')
 }
 
 # The measuring library stands on the core's public headers; of the core's inside, its rigs know the layout of the
-# calibration block, what completes one, and where an object keeps the dots that it has read. It neither prints nor formats, and touches no file.
+# calibration block, what completes one, and where an object keeps the dots that it has read. It neither
+# prints nor formats, and touches no file.
 measure=$(find measure -name '*.cpp' -o -name '*.h')
 [ -n "$measure" ] || { echo "no sources in measure"; failed=1; }
 check_measure_includes() {
