@@ -183,7 +183,7 @@ TEST(ScenePage, TellsItsPointsAndIsOneFile) {
     writeFile(out / "pairs.csv", pairsOfDots(1));
     const CommandResult result =
         zelm({"triangulate", (calibratedSmallRig() / "rig.zcal").string(), (out / "pairs.csv").string(), "-o",
-              (out / "points.csv").string(), "--page", (out / "points.html").string(), "--unit", "mm"});
+              (out / "points.csv").string(), "--page", (out / "points.html").string()});
     ASSERT_EQ(result.status, 0) << result.errors;
     EXPECT_NE(result.output.find("points.html"), std::string::npos);
     const std::string page = readFile(out / "points.html");

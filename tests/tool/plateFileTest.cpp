@@ -106,7 +106,7 @@ TEST(PlateCommand, DesignsThatAreNotReadAreRefused) {
          {Case{{"--field", "120x100", "--marker", "5.5"}, 1, {"1.38 times", "cannot be told"}},
           Case{{"--field", "120x100", "--dot", "7", "--marker", "14"}, 1, {"touch"}},
           Case{{"--field", "120x100", "--markers-at", "35,30"}, 1, {"off the grid"}},
-          Case{{"--field", "120x100", "--markers-at", "70,30"}, 1, {"7 pitches", "after 6"}},
+          Case{{"--field", "120x100", "--markers-at", "70,30"}, 2, {"markerDistanceX 70", "outside the dot field"}},
           Case{{"--field", "500x400"}, 1, {"A4", "--page", "fit"}}, Case{{"--field", "120"}, 2, {"--field", "120x100"}},
           Case{{"--field", "120x100", "--units", "furlong"}, 2, {"furlong", "inch"}},
           Case{{"--page", "B9"}, 2, {"B9", "WIDTHxHEIGHT"}}, Case{{"--format", "pdf,gif"}, 2, {"pdf,gif", "dxf"}},
@@ -246,7 +246,17 @@ TEST(PlateFile, TheUnitGoesWithTheRig) {
     const auto info = [&rig] { return zelm({"info", rig}).output; };
     EXPECT_NE(info().find(" cm, convergence"), std::string::npos) << info();
     EXPECT_EQ(Json::parse(zelm({"info", rig, "--json"}).output)["units"], "cm");
-    writeFile(folder / "pairs.csv", "a,300,200,280,201\nb,350,260,330,262\n");
+    std::string rows;
+    for (const int column : {-1, 1}) {
+        rows += column < 0 ? "a" : "b";
+        for (const char* side : {"left", "right"}) {
+            for (const double coordinate : truePixel(0, side, column, 0)) {
+                rows += "," + std::to_string(coordinate);
+            }
+        }
+        rows += "\n";
+    }
+    writeFile(folder / "pairs.csv", rows);
     const std::string pairs = (folder / "pairs.csv").string();
     const CommandResult points =
         zelm({"triangulate", rig, pairs, "-o", (folder / "p.csv").string(), "--ply", (folder / "p.ply").string()});

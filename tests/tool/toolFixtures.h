@@ -122,10 +122,14 @@ inline const fs::path& calibratedSmallRig() {
     return path;
 }
 
-// One line on stderr that begins with "zelm: " and holds every one of the words.
+// One line on stderr that begins with "zelm: " and holds every one of the words; on stdout nothing, or with --json the
+// one object that tells the failure.
 inline void expectOneLine(const CommandResult& result, int status, const std::vector<std::string>& words) {
     EXPECT_EQ(result.status, status) << result.errors;
-    EXPECT_EQ(result.output, "");
+    if (!result.output.empty()) {
+        EXPECT_EQ(result.output.rfind("{\n  \"status\": \"failed\",\n", 0), 0U) << result.output;
+        EXPECT_TRUE(result.output.ends_with("}\n")) << result.output;
+    }
     EXPECT_EQ(std::count(result.errors.begin(), result.errors.end(), '\n'), 1) << result.errors;
     EXPECT_EQ(result.errors.rfind("zelm: ", 0), 0U) << result.errors;
     for (const std::string& word : words) {
