@@ -104,8 +104,8 @@ TEST(PlateCommand, DesignsThatAreNotReadAreRefused) {
     };
     for (const Case& c :
          {Case{{"--field", "120x100", "--marker", "5.5"}, 1, {"1.38 times", "cannot be told"}},
-          Case{{"--field", "120x100", "--dot", "7", "--marker", "14"}, 1, {"touch"}},
-          Case{{"--field", "120x100", "--markers-at", "35,30"}, 1, {"off the grid"}},
+          Case{{"--field", "120x100", "--dot", "7", "--marker", "14"}, 2, {"markerDiameter 14", "overlap"}},
+          Case{{"--field", "120x100", "--markers-at", "35,30"}, 2, {"markerDistanceX 35", "no multiple"}},
           Case{{"--field", "120x100", "--markers-at", "70,30"}, 2, {"markerDistanceX 70", "outside the dot field"}},
           Case{{"--field", "500x400"}, 1, {"A4", "--page", "fit"}}, Case{{"--field", "120"}, 2, {"--field", "120x100"}},
           Case{{"--field", "120x100", "--units", "furlong"}, 2, {"furlong", "inch"}},

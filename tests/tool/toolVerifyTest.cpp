@@ -143,7 +143,8 @@ TEST(ToolVerify, KnownLengthsBetweenNamedPoints) {
     writeFile(files.file("lengths.csv"), lengths.str());
     const CommandResult run = files.run({"--lengths", files.file("lengths.csv"), "--tolerance", "0.4", "--json"});
     EXPECT_EQ(run.status, 1);
-    EXPECT_NE(run.errors.find("the largest length error of 0.5000 plate units (p2 to p9)"), std::string::npos) << run.errors;
+    EXPECT_NE(run.errors.find("the largest length error of 0.5000 plate units (p2 to p9)"), std::string::npos)
+        << run.errors;
     EXPECT_EQ(Json::parse(run.output).at("lengths").at("all").at("count"), 2);
     // Of fewer points than drift takes, the lengths are checked all the same.
     const PairFiles few({}, {.points = 10, .noise = 0.0});
