@@ -3,6 +3,8 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <map>
+#include <string>
 #include <utility>
 
 #include "dots.h"
@@ -100,32 +102,40 @@ private:
 
     // Views whose images have the same fault are one line.
     void warnOfSkipped() const {
+        std::vector<ImageTrouble> alike;
+        std::map<std::string, std::size_t> counts;  // of the views with that cause
         for (const SkippedView& view : reading.skipped) {
-            if (view.troubles.size() != 1) {
+            if (isOfOneCause(view)) {
+                alike.insert(alike.end(), view.troubles.begin(), view.troubles.end());
+                ++counts[view.troubles.front().cause];
+            } else {
                 console.warn(fmt::format("skipping a view: {}", view.reason));
             }
         }
-        for (const TroubleGroup& group : groupsOf(troublesOf(reading.skipped, true))) {
-            console.warn(group.images.size() == 1
-                             ? fmt::format("skipping a view: {}", group.line)
-                             : fmt::format("skipping {} views: {}", group.images.size(), group.line));
+        for (const TroubleGroup& group : groupsOf(alike)) {
+            const std::size_t count = counts.at(group.cause);
+            console.warn(count == 1 ? fmt::format("skipping a view: {}", group.line)
+                                    : fmt::format("skipping {} views: {}", count, group.line));
         }
     }
 
-    // Of all views, or of those alone of which one image is at fault.
-    static std::vector<ImageTrouble> troublesOf(const std::vector<SkippedView>& views, bool singleOnly) {
+    static bool isOfOneCause(const SkippedView& view) {
+        return !view.troubles.empty() &&
+               std::all_of(view.troubles.begin(), view.troubles.end(),
+                           [&](const ImageTrouble& t) { return t.cause == view.troubles.front().cause; });
+    }
+
+    static std::vector<ImageTrouble> troublesOf(const std::vector<SkippedView>& views) {
         std::vector<ImageTrouble> troubles;
         for (const SkippedView& view : views) {
-            if (!singleOnly || view.troubles.size() == 1) {
-                troubles.insert(troubles.end(), view.troubles.begin(), view.troubles.end());
-            }
+            troubles.insert(troubles.end(), view.troubles.begin(), view.troubles.end());
         }
         return troubles;
     }
 
     // The cause that most of the images have.
     static FailureCause causeOf(const std::vector<SkippedView>& views) {
-        const std::vector<TroubleGroup> groups = groupsOf(troublesOf(views, false));
+        const std::vector<TroubleGroup> groups = groupsOf(troublesOf(views));
         return groups.empty() ? FailureCause{} : FailureCause{groups.front().cause, groups.front().images};
     }
 
@@ -218,7 +228,7 @@ private:
         if (reading.used.size() >= fewest()) {
             return;
         }
-        std::vector<ImageTrouble> troubles = troublesOf(reading.skipped, false);
+        std::vector<ImageTrouble> troubles = troublesOf(reading.skipped);
         const std::vector<TroubleGroup> groups = groupsOf(troubles);
         throw ImageFailure(
             fmt::format("only {} of {} views can be read and {} are needed: take more images of the plate, or correct "

@@ -154,8 +154,9 @@ std::string troubleText(const Figures& f, const Plate& plate) {
                                100.0 * f.saturated);
         case ZELM_MEASURE_IMAGE_DARK:
             return fmt::format(
-                "the image is nearly black, with levels up to {} of 255: are these 10 or 12 bits in 16? "
-                "Scale its levels up, or expose it longer",
+                "the image is nearly black, with levels up to {} of 255: expose it longer, or light the plate; if it "
+                "was "
+                "made of 10 or 12 bits in 16, scale its levels up",
                 f.brightLevel);
         case ZELM_MEASURE_IMAGE_LOW_CONTRAST:
             return contrastText(f, plate);

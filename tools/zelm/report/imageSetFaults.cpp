@@ -289,7 +289,8 @@ private:
             }
             doubt.images.push_back(views[i].left);
             doubt.images.push_back(views[i].right);
-            words.push_back(fmt::format("{} as {}", nameOf(views[i].left), nameOf(left(same))));
+            words.push_back(
+                fmt::format("{} (view {}) as {} (view {})", nameOf(views[i].left), i, nameOf(left(same)), same));
         }
         doubt.text = fmt::format(
             "{} and {}: the plate stands where it stood before ({}): such a view adds nothing; "
