@@ -123,12 +123,12 @@ typedef struct ZelmMeasureImageDiagnosis {
     double radius;          ///< median of the dots', pixels
     double axisRatio;       ///< their short axis over their long one: the cosine of the tilt
     double largest;         ///< blur as in ZelmMeasureSharpness; where no dots are seen, of the steepest edges
-    double smallest;
-    double direction;
-    double smear;
-    double edgeStrength;  ///< of such edges between these levels, as the reader sees them, gray levels a pixel
-    double dotRatio;      ///< diameter of a dot over the pitch, mean of both axes; of the description: (d2/d4+d2/d5)/2
-    double markerRatio;   ///< diameter of a marker over that of a dot; of the description: d3/d2
+    double smallest;        ///< the smallest blur, pixels
+    double direction;       ///< of the largest blur, as in ZelmMeasureSharpness
+    double smear;           ///< length of a straight smear, pixels
+    double edgeStrength;    ///< of such edges between these levels, as the reader sees them, gray levels a pixel
+    double dotRatio;     ///< diameter of a dot over the pitch, mean of both axes; of the description: (d2/d4+d2/d5)/2
+    double markerRatio;  ///< diameter of a marker over that of a dot; of the description: d3/d2
 } ZelmMeasureImageDiagnosis;
 
 /// Tells why the plate in an image cannot be read, or why fewer dots are read than are described. The spots of the

@@ -29,8 +29,8 @@ typedef struct ZelmMeasureImageSet {
     const double* leftPlane;              ///< 2 a dot: place on the plate, plate units
     const double* leftPixels;             ///< 2 a dot: centre in the image, as taken
     const int64_t* rightCounts;           ///< likewise of the right images
-    const double* rightPlane;             ///<
-    const double* rightPixels;            ///<
+    const double* rightPlane;             ///< places on the plate of their dots
+    const double* rightPixels;            ///< centres of their dots in the images
 } ZelmMeasureImageSet;
 
 /// How the two images of a view go together.
