@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <numbers>
+#include <numeric>
 #include <vector>
 
 namespace zelm::measure {
@@ -24,7 +25,10 @@ double levelMean(const DenseImage& image, int x, int y) {
     return sum / 9.0;
 }
 
-double shareLevel(const std::array<double, 256>& counts, double total, double share) {
+}  // namespace
+
+int levelOfShare(const std::array<double, 256>& counts, double share) {
+    const double total = std::accumulate(counts.begin(), counts.end(), 0.0);
     double sum = 0.0;
     for (int level = 0; level < 256; ++level) {
         sum += counts[static_cast<std::size_t>(level)];
@@ -35,8 +39,6 @@ double shareLevel(const std::array<double, 256>& counts, double total, double sh
     return 255;
 }
 
-}  // namespace
-
 ImageLevels levelsOf(const DenseImage& image, const ZelmRect& region) {
     std::array<double, 256> counts{};
     for (int y = region.y; y < region.y + region.height; ++y) {
@@ -46,8 +48,8 @@ ImageLevels levelsOf(const DenseImage& image, const ZelmRect& region) {
     }
     const double total = static_cast<double>(region.width) * region.height;
     ImageLevels levels;
-    levels.dark = static_cast<int>(shareLevel(counts, total, kClipped));
-    levels.bright = static_cast<int>(shareLevel(counts, total, 1.0 - kClipped));
+    levels.dark = levelOfShare(counts, kClipped);
+    levels.bright = levelOfShare(counts, 1.0 - kClipped);
     levels.saturated = (counts[kSaturatedLevel] + counts[255]) / total;
 
     // Histograms of the slopes in each direction, in tenths of a gray level a pixel.

@@ -4,6 +4,8 @@
 
 #include <zelmLib.h>
 
+#include <array>
+
 #include "image.h"
 
 namespace zelm::measure {
@@ -16,6 +18,9 @@ struct ImageLevels {
     double narrowest = 0.0;  // and across that direction
     double direction = 0.0;  // of the widest, radians
 };
+
+// The first gray level at which the counts of all levels exceed a share of their sum.
+int levelOfShare(const std::array<double, 256>& counts, double share);
 
 ImageLevels levelsOf(const DenseImage& image, const ZelmRect& region);
 

@@ -5,9 +5,10 @@
 #include <cmath>
 #include <cstdint>
 #include <numbers>
-#include <numeric>
 #include <tuple>
 #include <utility>
+
+#include "imageLevels.h"
 
 namespace zelm::measure {
 namespace {
@@ -66,18 +67,6 @@ private:
     int rows;
     std::vector<std::uint8_t> pixels;
 };
-
-int levelOfShare(const std::array<double, 256>& counts, double share) {
-    const double total = std::accumulate(counts.begin(), counts.end(), 0.0);
-    double sum = 0.0;
-    for (int level = 0; level < 256; ++level) {
-        sum += counts[static_cast<std::size_t>(level)];
-        if (sum > share * total) {
-            return level;
-        }
-    }
-    return 255;
-}
 
 std::vector<int> thresholdsOf(const SmoothImage& image) {
     const std::array<double, 256> counts = image.histogram();
