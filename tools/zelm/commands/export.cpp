@@ -11,6 +11,7 @@
 #include "outputFiles.h"
 #include "rigFile.h"
 #include "subcommands.h"
+#include "verdict.h"
 
 namespace zelm::tool {
 namespace {
@@ -71,6 +72,7 @@ void runExport(const ExportOptions& o, const Console& console) {
     const ExchangeFormat& format = exchangeFormat(o.format, "--to");
     const ZelmMeasureExportOptions options{sizeof(options), format.number, metresOfUnit(o.unit)};
     const LoadedRig rig = loadRig(o.rig);
+    warnOfRefused(o.rig, console);
     OutputFiles outputs;
     outputs.keep(o.rig);
     outputs.keep(covarianceFile(o.rig));

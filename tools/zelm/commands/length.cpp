@@ -16,6 +16,7 @@
 #include "outputFiles.h"
 #include "spacePoints.h"
 #include "subcommands.h"
+#include "verdict.h"
 
 namespace zelm::tool {
 namespace {
@@ -320,6 +321,7 @@ void checkResult(const LengthOptions& o, const std::vector<MeasuredLength>& leng
 void runLength(const LengthOptions& o, const Console& console) {
     checkNames(o);
     const LoadedRig rig = loadRig(o.rig);
+    warnOfRefused(o.rig, console);
     rig.requireCovariance();
     std::vector<PixelPair> pairs = readPairFile(o.pairs);
     std::vector<MeasuredLength> lengths = lengthsOf(o, pairs);

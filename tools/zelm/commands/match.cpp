@@ -26,6 +26,7 @@
 #include "rigFigures.h"
 #include "spacePoints.h"
 #include "subcommands.h"
+#include "verdict.h"
 
 namespace zelm::tool {
 namespace {
@@ -352,6 +353,7 @@ void completeSearch(MatchOptions& o, const LoadedRig& rig, const Picture& left, 
 void runMatch(MatchOptions o, const Console& console) {
     checkNames(o);
     const LoadedRig rig = loadRig(o.rig);
+    warnOfRefused(o.rig, console);
     o.unit = o.unit.empty() ? rig.units : o.unit;
     checkWindow(o, rig.rig);
     static_cast<void>(triangulate(rig, o.rig, {}));  // refuses a rig that cannot triangulate

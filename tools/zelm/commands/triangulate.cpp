@@ -18,6 +18,7 @@
 #include "spacePoints.h"
 #include "spaceUncertainty.h"
 #include "subcommands.h"
+#include "verdict.h"
 
 namespace zelm::tool {
 namespace {
@@ -257,6 +258,7 @@ void writeFiles(const TriangulateOptions& o, const std::vector<PixelPair>& pairs
 void runTriangulate(const TriangulateOptions& o, const Console& console) {
     checkNames(o);
     const LoadedRig rig = loadRig(o.rig);
+    warnOfRefused(o.rig, console);
     std::vector<PixelPair> pairs = readPairFile(o.pairs);
     OutputFiles outputs;
     outputs.prepareFolder(fs::path(o.csv).parent_path());

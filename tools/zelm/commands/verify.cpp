@@ -13,6 +13,7 @@
 #include "outputFiles.h"
 #include "plateOptions.h"
 #include "subcommands.h"
+#include "verdict.h"
 #include "verifyLengths.h"
 
 namespace zelm::tool {
@@ -178,6 +179,7 @@ void giveVerdict(const Verification& v, const std::string& result) {
 void runVerify(const VerifyOptions& o, const Console& console) {
     checkOptions(o);
     const LoadedRig rig = loadRig(o.rig);
+    warnOfRefused(o.rig, console);
     OutputFiles outputs;
     outputs.keep(o.rig);
     outputs.keep(covarianceFile(o.rig));

@@ -104,4 +104,11 @@ std::optional<std::string> savedDoubt(const std::filesystem::path& rig) {
     return fmt::format("{}: {} says of this calibration: {}", rig.string(), file.filename().string(), text("sentence"));
 }
 
+void warnOfRefused(const std::filesystem::path& rig, const Console& console) {
+    const std::optional<std::string> doubt = savedDoubt(rig);
+    if (doubt && doubt->find("says of this calibration: Refused") != std::string::npos) {
+        console.warn(*doubt);
+    }
+}
+
 }  // namespace zelm::tool

@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "console.h"
+
 namespace zelm::tool {
 
 enum class VerdictStatus { good, doubtful, refused };
@@ -40,6 +42,9 @@ void requireTrust(const Verdict& verdict, bool isForced);
 
 // What the files written beside a calibration say against it; nothing where they are missing or say that it is good.
 std::optional<std::string> savedDoubt(const std::filesystem::path& rig);
+
+// Warns before measuring with a calibration that was refused and written all the same.
+void warnOfRefused(const std::filesystem::path& rig, const Console& console);
 
 }  // namespace zelm::tool
 
