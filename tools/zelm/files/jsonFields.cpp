@@ -169,7 +169,8 @@ void JsonFields::read(const std::string& key, std::vector<std::array<int, 2>>& t
 }
 
 void JsonFields::done() const {
-    for (const auto& [key, value] : object.items()) {
+    for (const auto& item : object.items()) {
+        const std::string& key = item.key();
         if (!asked.contains(key)) {
             const auto meant = std::min_element(asked.begin(), asked.end(), [&](const auto& a, const auto& b) {
                 return editsBetween(key, a) < editsBetween(key, b);
