@@ -123,11 +123,11 @@ typedef struct ZelmMeasureRelationResult {
 /// @param rig [in] whose calibration the points come from, in its plate's frame: what its covariance makes uncertain;
 ///     NULL, or without covariance: that part is 0
 /// @param featureCount [in] of features
-/// @param features [in] what is asked for
-/// @param results [in,out] one a feature; the size of each is set by the caller
+/// @param features [in] what is asked for; the size of the first holds for all
+/// @param results [in,out] one a feature; the size of the first is set by the caller and holds for all
 /// @param relationCount [in] of relations
-/// @param relations [in] what is asked for; NULL with a count of 0
-/// @param relationResults [in,out] one a relation; the size of each is set by the caller
+/// @param relations [in] what is asked for; the size of the first holds for all; NULL with a count of 0
+/// @param relationResults [in,out] one a relation; the size of the first holds for all likewise
 /// @return ZELM_OK: statuses tell of each; ZELM_ERR_PARAM: also points that are not finite, covariances that are not
 ///     positive definite, a feature whose points are not there or stand twice, an angle of a point or sphere;
 ///     ZELM_ERR_MEMORY; ZELM_MEASURE_ERR_DATA: two parallel cameras, or a point that no camera of the rig can see

@@ -4,9 +4,12 @@
 #include <Eigen/Cholesky>
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <cstring>
 #include <limits>
 #include <map>
 #include <set>
+#include <vector>
 
 #include "expandedUncertainty.h"
 #include "featureRelation.h"
@@ -234,16 +237,18 @@ FeatureTask taskOf(const ZelmMeasureFeature& feature) {
     return {static_cast<FeatureKind>(feature.kind), feature.plain == 0, feature.robust == 1};
 }
 
-// A record of an array whose elements are as large as the caller's.
+// A record of an array, whose elements are all as large as the first one says.
 template <class Record>
 Record* recordAt(Record* first, std::size_t i) {
     return reinterpret_cast<Record*>(reinterpret_cast<unsigned char*>(first) +
                                      i * static_cast<std::size_t>(first->size));
 }
 template <class Record>
-const Record* recordAt(const Record* first, std::size_t i) {
-    return reinterpret_cast<const Record*>(reinterpret_cast<const unsigned char*>(first) +
-                                           i * static_cast<std::size_t>(first->size));
+Record recordIn(const Record* first, std::size_t i) {
+    Record record{};
+    const auto size = static_cast<std::size_t>(first->size);
+    std::memcpy(&record, reinterpret_cast<const unsigned char*>(first) + i * size, std::min(sizeof record, size));
+    return record;
 }
 
 template <class Record>
@@ -323,21 +328,48 @@ ZelmMeasureFeatureResult resultOf(const Features& features, const Fitted& f) {
     return r;
 }
 
-void giveFeature(const Features& features, const Fitted& f, const PointIndices& indices, ZelmMeasureFeatureResult* to) {
-    ZelmMeasureFeatureResult r = resultOf(features, f);
-    const ZelmMeasureFeatureResult given = recordOf(to);
+// A feature's result before any is written.
+struct FeatureOutput {
+    ZelmMeasureFeatureResult result{};
+    std::vector<double> distances;
+    std::vector<std::int32_t> uses;
+};
+
+FeatureOutput outputOf(const Features& features, const Fitted& f, const PointIndices& indices) {
+    FeatureOutput output{resultOf(features, f), {}, {}};
+    if (f.fit.status != FeatureStatus::ok) {
+        return output;
+    }
+    const std::set<std::size_t> used(f.fit.used.begin(), f.fit.used.end());
+    output.distances.reserve(indices.size());
+    output.uses.reserve(indices.size());
+    for (const std::size_t point : indices) {
+        output.distances.push_back(features.distance(f, point));
+        output.uses.push_back(used.contains(point) ? 1 : 0);
+    }
+    return output;
+}
+
+// Writes a record of an array, as much of it as the caller's are large.
+template <class Record>
+void giveAs(Record record, std::int32_t size, Record* to) {
+    record.size = size;
+    std::memcpy(to, &record, std::min(sizeof record, static_cast<std::size_t>(size)));
+}
+
+void give(const FeatureOutput& output, std::int32_t size, ZelmMeasureFeatureResult* to) {
+    ZelmMeasureFeatureResult r = output.result;
+    ZelmMeasureFeatureResult given{};
+    std::memcpy(&given, to, std::min(sizeof given, static_cast<std::size_t>(size)));
     r.distances = given.distances;
     r.uses = given.uses;
-    const std::set<std::size_t> used(f.fit.used.begin(), f.fit.used.end());
-    for (std::size_t i = 0; f.fit.status == FeatureStatus::ok && i < indices.size(); ++i) {
-        if (given.distances != nullptr) {
-            given.distances[i] = features.distance(f, indices[i]);
-        }
-        if (given.uses != nullptr) {
-            given.uses[i] = used.contains(indices[i]) ? 1 : 0;
-        }
+    if (given.distances != nullptr) {
+        std::copy(output.distances.begin(), output.distances.end(), given.distances);
     }
-    giveRecord(r, to);
+    if (given.uses != nullptr) {
+        std::copy(output.uses.begin(), output.uses.end(), given.uses);
+    }
+    giveAs(r, size, to);
 }
 
 void checkRelation(const ZelmMeasureRelation& relation, const std::vector<Fitted>& fitted) {
@@ -402,24 +434,29 @@ std::int32_t zelmMeasureFeatures(const ZelmMeasureFeaturePoints* points, ZelmMea
         fitted.reserve(static_cast<std::size_t>(featureCount));
         indices.reserve(static_cast<std::size_t>(featureCount));
         for (std::size_t i = 0; i < static_cast<std::size_t>(featureCount); ++i) {
-            const ZelmMeasureFeature feature = recordOf(recordAt(features, i));
+            const ZelmMeasureFeature feature = recordIn(features, i);
             indices.push_back(indicesOf(feature, all.size()));
             fitted.push_back(all.fitted(taskOf(feature), indices.back()));
         }
         std::vector<ZelmMeasureRelationResult> found;
         found.reserve(static_cast<std::size_t>(relationCount));
         for (std::size_t i = 0; i < static_cast<std::size_t>(relationCount); ++i) {
-            const ZelmMeasureRelation relation = recordOf(recordAt(relations, i));
+            const ZelmMeasureRelation relation = recordIn(relations, i);
             checkRelation(relation, fitted);
             found.push_back(related(all, fitted[static_cast<std::size_t>(relation.first)],
                                     fitted[static_cast<std::size_t>(relation.second)],
                                     static_cast<RelationKind>(relation.kind)));
         }
+        std::vector<FeatureOutput> outputs;
+        outputs.reserve(fitted.size());
         for (std::size_t i = 0; i < fitted.size(); ++i) {
-            giveFeature(all, fitted[i], indices[i], recordAt(results, i));
+            outputs.push_back(outputOf(all, fitted[i], indices[i]));
+        }
+        for (std::size_t i = 0; i < outputs.size(); ++i) {
+            give(outputs[i], results->size, recordAt(results, i));
         }
         for (std::size_t i = 0; i < found.size(); ++i) {
-            giveRecord(found[i], recordAt(relationResults, i));
+            giveAs(found[i], relationResults->size, recordAt(relationResults, i));
         }
     });
 }
