@@ -39,6 +39,14 @@ void checkPlaced(const RigCamera& camera, const std::vector<AdjustView>& views, 
     }
 }
 
+// So that so many more can be added without memory; grows as a vector does by itself.
+template <class Element>
+void makeRoom(std::vector<Element>& list, std::size_t more) {
+    if (list.capacity() - list.size() < more) {
+        list.reserve(std::max(list.size() + more, 2 * list.size()));
+    }
+}
+
 MotionParameters base(const AdjustState& state, Side side, const MotionParameters& pose) {
     return side == state.base ? pose : composed(inverted(state.relative), pose);
 }
@@ -132,11 +140,12 @@ void Adjustment::solve() {
         next.summary.rmsBefore = reading->outcome.summary.rmsBefore;
     }
     if (hasNewDots && reading && next.summary.deviation() > kWorse * reading->outcome.summary.deviation()) {
-        outcome = reading->outcome;
-        current = reading->views;
+        Reading first = *reading;
+        outcome = std::move(first.outcome);
+        current = std::move(first.views);
         hasRefined = false;
     } else {
-        outcome = next;
+        outcome = std::move(next);
         current = std::move(views);
         hasRefined = hasRefined || hasNewDots;
     }
@@ -155,16 +164,23 @@ PlateSearch Adjustment::searchOf(Side side) const {
     return {&requirePlate(), &places, &outcome->state, side};
 }
 
-void Adjustment::takeScales() {
+std::array<double, kDotKinds> Adjustment::factorsWith(const Scales& fresh) const {
+    std::array<double, kDotKinds> factors = outcome->state.factors;
     if (!options.estimateFactors) {
-        return;
+        return factors;
     }
     for (const DotKind kind : {kPlainDot, kMarkerDot}) {
-        auto& list = scales[kind];
+        std::vector<double> list = scales[kind];
+        list.insert(list.end(), fresh[kind].begin(), fresh[kind].end());
         if (list.size() >= (kind == kMarkerDot ? kSides : kFewestScales)) {
-            outcome->state.factors[kind] = median(list);
+            factors[kind] = median(std::move(list));
         }
     }
+    return factors;
+}
+
+std::optional<Adjustment::Reading> Adjustment::keptReading() const {
+    return reading ? std::nullopt : std::optional(Reading{*outcome, current});
 }
 
 RefinedCounts Adjustment::refine(Side side, std::size_t view, const DenseImage& image) {
@@ -172,9 +188,8 @@ RefinedCounts Adjustment::refine(Side side, std::size_t view, const DenseImage& 
     requirePlate();
     require(view < current.size(), "the adjustment has no such view");
     requireSize(side, image);
-    if (!reading) {
-        reading = Reading{*outcome, current};
-    }
+    std::optional<Reading> kept = keptReading();
+    Scales fresh;
     AdjustView& target = current[view];
     std::map<GridIndex, DotObservation> read;
     for (const DotObservation& dot : target.dots[side]) {
@@ -189,7 +204,7 @@ RefinedCounts Adjustment::refine(Side side, std::size_t view, const DenseImage& 
         const bool wasRead = known != read.end();
         if (found.fit.ok) {
             found.dot.fate = fate;
-            scales[found.dot.kind].push_back(found.fit.scale * outcome->state.factors[found.dot.kind]);
+            fresh[found.dot.kind].push_back(found.fit.scale * outcome->state.factors[found.dot.kind]);
             dots.push_back(found.dot);
             ++(wasRead ? counts.refined : counts.added);
         }
@@ -207,9 +222,20 @@ RefinedCounts Adjustment::refine(Side side, std::size_t view, const DenseImage& 
         dots.back().fate = DotFate::notConfirmed;
         ++counts.refused;
     }
+    const std::array<double, kDotKinds> factors = factorsWith(fresh);
+    for (const DotKind kind : {kPlainDot, kMarkerDot}) {
+        makeRoom(scales[kind], fresh[kind].size());
+    }
+    // From here on nothing asks for memory.
+    outcome->state.factors = factors;
+    for (const DotKind kind : {kPlainDot, kMarkerDot}) {
+        scales[kind].insert(scales[kind].end(), fresh[kind].begin(), fresh[kind].end());
+    }
     target.dots[side] = std::move(dots);
+    if (kept) {
+        reading = std::move(kept);
+    }
     hasNewDots = true;
-    takeScales();
     return counts;
 }
 
@@ -256,8 +282,13 @@ std::array<int, kSides> Adjustment::addView(const DenseImage& left, const DenseI
     if (added.dots[kLeft].size() + added.dots[kRight].size() < kFewestDots) {
         return {};
     }
-    if (!reading) {
-        reading = Reading{*outcome, current};
+    std::optional<Reading> kept = keptReading();
+    makeRoom(current, 1);
+    makeRoom(outcome->state.poses, 1);
+    makeRoom(outcome->covariance.poses, 1);
+    // From here on nothing asks for memory.
+    if (kept) {
+        reading = std::move(kept);
     }
     current.push_back(std::move(added));
     outcome->state.poses.push_back(*pose);
@@ -287,8 +318,18 @@ MotionParameters Adjustment::finalPose(std::size_t view) const {
     return state.poses[view];
 }
 
-RigCamera Adjustment::adjustedCamera(Side side) const {
-    const AdjustState& state = outcome->state;
+ZelmCameraExtrinsics Adjustment::adjustedPose(Side side, std::size_t view) const {
+    const AdjustState& state = solved().state;
+    if (state.cameras[side].isParallel && view > 0 && current[view].dots[side].empty()) {
+        return {};
+    }
+    const MotionParameters own = finalPose(view);
+    const MotionParameters pose = side == state.base ? own : composed(state.relative, own);
+    return poseRecordOfVector({pose[0], pose[1], pose[2]}, {pose[3], pose[4], pose[5]});
+}
+
+RigCamera Adjustment::adjustedCamera(Side side, std::size_t views) const {
+    const AdjustState& state = solved().state;
     RigCamera camera;
     camera.model = cameras[side].model;
     camera.width = cameras[side].width;
@@ -296,21 +337,32 @@ RigCamera Adjustment::adjustedCamera(Side side) const {
     camera.intrinsics = intrinsicsRecord(camera.model, state.cameras[side].p);
     std::copy(std::begin(cameras[side].intrinsics.reserved), std::end(cameras[side].intrinsics.reserved),
               camera.intrinsics.reserved);
-    for (std::size_t view = 0; view < current.size(); ++view) {
-        const MotionParameters own = finalPose(view);
-        const MotionParameters pose = side == state.base ? own : composed(state.relative, own);
-        const bool isSeen = !camera.isParallel() || view == 0 || !current[view].dots[side].empty();
-        camera.poses.push_back(isSeen ? poseRecordOfVector({pose[0], pose[1], pose[2]}, {pose[3], pose[4], pose[5]})
-                                      : ZelmCameraExtrinsics{});
-        std::vector<Point2d> dots;
-        for (const DotObservation& dot : current[view].dots[side]) {
-            if (dot.fate == DotFate::used) {
-                dots.push_back(centreOf(side, view, dot));
-            }
-        }
-        camera.dots.push_back(std::move(dots));
+    camera.poses.reserve(views);
+    for (std::size_t view = 0; view < views; ++view) {
+        camera.poses.push_back(adjustedPose(side, view));
     }
     return camera;
+}
+
+// The centres of the dots that take part, view by view.
+std::vector<std::vector<Point2d>> Adjustment::usedCentres(Side side) const {
+    std::vector<std::vector<Point2d>> views(current.size());
+    for (std::size_t view = 0; view < current.size(); ++view) {
+        for (const DotObservation& dot : current[view].dots[side]) {
+            if (dot.fate == DotFate::used) {
+                views[view].push_back(centreOf(side, view, dot));
+            }
+        }
+    }
+    return views;
+}
+
+Matrix3 Adjustment::adjustedFundamental() const {
+    requirePair();
+    requireCurrent();
+    constexpr std::size_t kViewsOfBlock = 3;  // that a block has at least; view 0 alone tells the matrix
+    const std::size_t views = std::min(kViewsOfBlock, current.size());
+    return rigOfCameras(adjustedCamera(kLeft, views), adjustedCamera(kRight, views)).fundamental;
 }
 
 RigCamera Adjustment::startCamera(Side side) const {
@@ -335,11 +387,9 @@ Rig Adjustment::startRig() const {
 Rig Adjustment::adjustedRig() const {
     requirePair();
     requireCurrent();
-    const RigCamera left = adjustedCamera(kLeft);
-    const RigCamera right = adjustedCamera(kRight);
-    Rig rig = rigOfCameras(left, right);
-    rig.left.dots = left.dots;
-    rig.right.dots = right.dots;
+    Rig rig = rigOfCameras(adjustedCamera(kLeft, current.size()), adjustedCamera(kRight, current.size()));
+    rig.left.dots = usedCentres(kLeft);
+    rig.right.dots = usedCentres(kRight);
     rig.covariance = outcome->covariance.rig;
     return rig;
 }

@@ -57,9 +57,12 @@ public:
     Rig adjustedRig() const;
     // Throws Fault for one camera alone.
     Rig startRig() const;
-    // As they were before, and as they are.
+    // As they were before, and as they are; the latter with the poses of the first `views` views, without dots.
     RigCamera startCamera(Side side) const;
-    RigCamera adjustedCamera(Side side) const;
+    RigCamera adjustedCamera(Side side, std::size_t views) const;
+    ZelmCameraExtrinsics adjustedPose(Side side, std::size_t view) const;
+    // Of the adjusted cameras; it costs the same however many views there are. Throws Fault for one camera alone.
+    Matrix3 adjustedFundamental() const;
 
 private:
     struct Outcome {
@@ -68,6 +71,7 @@ private:
         AdjustCovariance covariance;
         AdjustOptions options;
     };
+    using Scales = std::array<std::vector<double>, kDotKinds>;
     // What the reader's dots gave, to go back to where its dots are the better ones.
     struct Reading {
         Outcome outcome;
@@ -76,7 +80,10 @@ private:
 
     const Outcome& solved() const;
     void holdTiltOfSeldomSeen();
-    void takeScales();
+    // Of the diameters, by the dots that were measured before and these.
+    std::array<double, kDotKinds> factorsWith(const Scales& fresh) const;
+    // What the reader's dots gave, unless it is kept already.
+    std::optional<Reading> keptReading() const;
     void requireSize(Side side, const DenseImage& image) const;
     PlateSearch searchOf(Side side) const;
     std::optional<MotionParameters> basePoseOf(Side side, const DenseImage& image) const;
@@ -84,6 +91,7 @@ private:
     const Pattern& requirePlate() const;
     void requirePair() const;
     MotionParameters finalPose(std::size_t view) const;
+    std::vector<std::vector<Point2d>> usedCentres(Side side) const;
 
     std::optional<Pattern> plate;
     AdjustOptions options;
@@ -93,7 +101,7 @@ private:
     std::vector<AdjustView> current;
     std::optional<Outcome> outcome;
     std::optional<Reading> reading;
-    std::array<std::vector<double>, kDotKinds> scales;  // of refined dots over the plate's
+    Scales scales;  // of refined dots over the plate's
     bool hasRefined = false;
     bool hasNewDots = false;
 };

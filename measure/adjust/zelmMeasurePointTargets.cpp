@@ -47,9 +47,9 @@ void requireUsable(const PointTarget& target) {
     }
 }
 
-Point2d undistorted(const RigCamera& camera, Point2d pixel) {
+Point2d undistorted(const ZelmCameraIntrinsics& camera, Point2d pixel) {
     Point2d ideal{};
-    if (zelmCalibUnDistortPoint(&camera.intrinsics, pixel.x, pixel.y, &ideal.x, &ideal.y) < 0) {
+    if (zelmCalibUnDistortPoint(&camera, pixel.x, pixel.y, &ideal.x, &ideal.y) < 0) {
         constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
         return {kNone, kNone};
     }
@@ -61,28 +61,30 @@ double distanceToLine(Point2d p, const Vector3& line) {
 }
 
 std::vector<double> epipolarDistances(const Adjustment& adjustment, std::size_t view) {
-    const Rig rig = adjustment.adjustedRig();
+    const Matrix3 F = adjustment.adjustedFundamental();
+    const std::array<ZelmCameraIntrinsics, kSides> lenses{adjustment.adjustedCamera(kLeft, 0).intrinsics,
+                                                          adjustment.adjustedCamera(kRight, 0).intrinsics};
     std::map<GridIndex, Point2d> right;
     for (const DotObservation& dot : adjustment.views()[view].dots[kRight]) {
         if (dot.fate == DotFate::used) {
-            right[dot.index] = undistorted(rig.right, adjustment.centreOf(kRight, view, dot));
+            right[dot.index] = undistorted(lenses[kRight], adjustment.centreOf(kRight, view, dot));
         }
     }
     std::vector<double> distances;
     for (const DotObservation& dot : adjustment.views()[view].dots[kLeft]) {
         const auto other = right.find(dot.index);
         if (dot.fate == DotFate::used && other != right.end()) {
-            const Point2d l = undistorted(rig.left, adjustment.centreOf(kLeft, view, dot));
+            const Point2d l = undistorted(lenses[kLeft], adjustment.centreOf(kLeft, view, dot));
             const Point2d r = other->second;
-            distances.push_back(distanceToLine(l, times(rig.fundamental, {r.x, r.y, 1.0})));
-            distances.push_back(distanceToLine(r, timesTransposed(rig.fundamental, {l.x, l.y, 1.0})));
+            distances.push_back(distanceToLine(l, times(F, {r.x, r.y, 1.0})));
+            distances.push_back(distanceToLine(r, timesTransposed(F, {l.x, l.y, 1.0})));
         }
     }
     return distances;
 }
 
 ZelmMeasureAdjustedCamera cameraRecord(const Adjustment& adjustment, Side side) {
-    const RigCamera camera = adjustment.adjustedCamera(side);
+    const RigCamera camera = adjustment.adjustedCamera(side, 0);
     ZelmMeasureAdjustedCamera r{};
     r.model = camera.model;
     r.width = camera.width;
@@ -161,8 +163,9 @@ std::int32_t zelmMeasureAdjustCamera(ZelmMeasureAdjustment* handle, std::int32_t
                                      ZelmMeasureAdjustedCamera* camera) {
     return withAdjustment(handle, [&](const Adjustment& adjustment) {
         recordOf(camera);
+        const Side own = sideFrom(adjustment, side);
         adjustment.requireCurrent();
-        giveRecord(cameraRecord(adjustment, sideFrom(adjustment, side)), camera);
+        giveRecord(cameraRecord(adjustment, own), camera);
     });
 }
 
@@ -170,8 +173,10 @@ std::int32_t zelmMeasureAdjustPose(ZelmMeasureAdjustment* handle, std::int32_t s
                                    ZelmCameraExtrinsics* pose) {
     return withAdjustment(handle, [&](const Adjustment& adjustment) {
         require(pose != nullptr, "the pose's place is NULL");
+        const Side own = sideFrom(adjustment, side);
+        const std::size_t index = viewFrom(adjustment, view);
         adjustment.requireCurrent();
-        *pose = adjustment.adjustedCamera(sideFrom(adjustment, side)).poses[viewFrom(adjustment, view)];
+        *pose = adjustment.adjustedPose(own, index);
     });
 }
 
@@ -180,8 +185,9 @@ std::int32_t zelmMeasureAdjustEpipolar(ZelmMeasureAdjustment* handle, std::int32
     return withAdjustment(handle, [&](const Adjustment& adjustment) {
         require(count != nullptr, "the number's place is NULL");
         require(capacity >= 0, "the capacity is negative");
+        const std::size_t index = viewFrom(adjustment, view);
         adjustment.requireCurrent();
-        const std::vector<double> found = epipolarDistances(adjustment, viewFrom(adjustment, view));
+        const std::vector<double> found = epipolarDistances(adjustment, index);
         const std::size_t room = std::min(found.size(), static_cast<std::size_t>(capacity));
         if (distances != nullptr) {
             std::copy_n(found.begin(), room, distances);
