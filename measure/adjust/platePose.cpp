@@ -6,6 +6,7 @@
 
 #include "adjustStart.h"
 #include "cholesky.h"
+#include "coreStatus.h"
 #include "fault.h"
 
 namespace zelm::measure {
@@ -53,9 +54,10 @@ std::optional<MotionParameters> startOf(const ProjectionCamera& camera, std::spa
         }
     }
     Matrix3 H{};
-    const std::int32_t status =
-        zelmCalibCalcHomography(static_cast<std::int32_t>(plane.size()), plane.data(), image.data(), kRobust, H.data());
-    requireMemory(status);
+    const std::int32_t status = statusOfCore(ZELM_ERR_CALIB_NOT_CONVERGED, [&] {
+        return zelmCalibCalcHomography(static_cast<std::int32_t>(plane.size()), plane.data(), image.data(), kRobust,
+                                       H.data());
+    });
     if (plane.size() < kFewestDots || status < 0) {
         return std::nullopt;
     }

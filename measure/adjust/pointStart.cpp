@@ -5,6 +5,7 @@
 #include <string>
 
 #include "adjuster.h"
+#include "coreStatus.h"
 #include "fault.h"
 #include "platePose.h"
 #include "pointTarget.h"
@@ -84,9 +85,10 @@ OwnPoses calibrate(PointTarget& target, Side side) {
     }
     RigCamera& camera = target.cameras[side];
     std::vector<ZelmCameraExtrinsics> poses(used.size());
-    const std::int32_t status = zelmCalibCameraParam(static_cast<std::int32_t>(used.size()), records.data(), kRobust,
-                                                     &camera.intrinsics, poses.data(), nullptr, camera.model);
-    requireMemory(status);
+    const std::int32_t status = statusOfCore(ZELM_ERR_CALIB_HOMOGRAPHY, [&] {
+        return zelmCalibCameraParam(static_cast<std::int32_t>(used.size()), records.data(), kRobust, &camera.intrinsics,
+                                    poses.data(), nullptr, camera.model);
+    });
     if (status < 0) {
         refuseEstimate(name, status);
     }

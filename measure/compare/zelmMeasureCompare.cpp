@@ -17,7 +17,8 @@ DepthRange depthsOf(const Rig& rig, const ZelmMeasureCompareOptions* given) {
     if (given != nullptr) {
         o = recordOf(given);
     }
-    require(o.nearest >= 0.0 && o.farthest >= 0.0, "a depth is negative");
+    require(o.nearest >= 0.0 && o.farthest >= 0.0 && std::isfinite(o.nearest + o.farthest),
+            "a depth is negative or not finite");
     DepthRange range = plateDepths(rig.left).value_or(DepthRange{});
     range.nearest = o.nearest > 0.0 ? o.nearest : range.nearest;
     range.farthest = o.farthest > 0.0 ? o.farthest : range.farthest;

@@ -9,6 +9,7 @@
 #include <set>
 #include <utility>
 
+#include "coreStatus.h"
 #include "plateBlobs.h"
 
 namespace zelm::measure {
@@ -207,9 +208,10 @@ bool fitToImage(const std::vector<Spot>& spots, DotLattice& lattice) {
         pixels.push_back(spots[dot.spot].ellipse.centre);
     }
     Matrix3 H{};
-    const std::int32_t status = zelmCalibCalcHomography(static_cast<std::int32_t>(places.size()), places.data(),
-                                                        pixels.data(), kRobust, H.data());
-    requireMemory(status);
+    const std::int32_t status = statusOfCore(ZELM_ERR_CALIB_NOT_CONVERGED, [&] {
+        return zelmCalibCalcHomography(static_cast<std::int32_t>(places.size()), places.data(), pixels.data(), kRobust,
+                                       H.data());
+    });
     if (status < 0) {
         return false;
     }

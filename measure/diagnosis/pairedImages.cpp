@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdint>
 
+#include "coreStatus.h"
 #include "platePose.h"
 #include "predictedDot.h"
 
@@ -82,9 +83,10 @@ std::optional<SingleCamera> calibratedAlone(const SetOfImages& set, Side side) {
     SingleCamera single;
     ZelmCameraIntrinsics intrinsics{};
     std::vector<ZelmCameraExtrinsics> poses(used.size());
-    const std::int32_t status = zelmCalibCameraParam(static_cast<std::int32_t>(used.size()), entries.data(), kCutoff,
-                                                     &intrinsics, poses.data(), &single.error, set.models[side]);
-    requireMemory(status);
+    const std::int32_t status = statusOfCore(ZELM_ERR_CALIB_HOMOGRAPHY, [&] {
+        return zelmCalibCameraParam(static_cast<std::int32_t>(used.size()), entries.data(), kCutoff, &intrinsics,
+                                    poses.data(), &single.error, set.models[side]);
+    });
     if (status < 0) {
         return std::nullopt;
     }

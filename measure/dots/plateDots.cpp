@@ -6,6 +6,7 @@
 #include <limits>
 #include <numbers>
 
+#include "coreStatus.h"
 #include "rig.h"
 
 namespace zelm::measure {
@@ -121,9 +122,9 @@ bool gridHomography(const std::vector<Dot>& dots, double* H) {
         plane.push_back(dot.plane);
         pixels.push_back(dot.pixel);
     }
-    const std::int32_t status =
-        zelmCalibCalcHomography(static_cast<std::int32_t>(dots.size()), plane.data(), pixels.data(), -1.0, H);
-    requireMemory(status);
+    const std::int32_t status = statusOfCore(ZELM_ERR_CALIB_NOT_CONVERGED, [&] {
+        return zelmCalibCalcHomography(static_cast<std::int32_t>(dots.size()), plane.data(), pixels.data(), -1.0, H);
+    });
     return status >= 0;
 }
 
@@ -172,6 +173,7 @@ DotReading readDots(const DenseImage& image, const Pattern& plate, const ZelmRec
         const unsigned char* const images[2] = {image.pixels(), nullptr};
         reading.status = zelm2ViewReadPtnImg(calib, kView, images, region, nullptr);
     }
+    requireMemory(reading.status);
     if (reading.status >= 0) {
         reading.points = pointsOf(calib, 'L', kView);
     }

@@ -107,6 +107,9 @@ std::int32_t zelmMeasurePlateExpanded(const Zelm2ViewPatternDesc* plate, double 
             grown.*length *= growth;
         }
         requireLengths(&grown);
+        require(std::all_of(places, places + 3 * placeCount,
+                            [growth](double coordinate) { return std::isfinite(growth * coordinate); }),
+                "a position is not finite");
         std::transform(places, places + 3 * placeCount, expandedPlaces,
                        [growth](double coordinate) { return growth * coordinate; });
         *expanded = grown;

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <limits>
 
-#include "fault.h"
+#include "coreStatus.h"
 
 namespace zelm::measure {
 namespace {
@@ -29,8 +29,9 @@ struct Columns {
 std::optional<Columns> columnsOf(const ViewPlaces& view, int width, int height) {
     double H[9] = {};
     const auto count = static_cast<std::int32_t>(view.plane.size());
-    const std::int32_t status = zelmCalibCalcHomography(count, view.plane.data(), view.image.data(), 0.0, H);
-    requireMemory(status);
+    const std::int32_t status = statusOfCore(ZELM_ERR_CALIB_NOT_CONVERGED, [&] {
+        return zelmCalibCalcHomography(count, view.plane.data(), view.image.data(), 0.0, H);
+    });
     if (status < 0) {
         return std::nullopt;
     }
@@ -106,9 +107,10 @@ public:
         }
         ZelmCameraIntrinsics camera{};
         double mean = 0.0;
-        const std::int32_t status = zelmCalibCameraParam(static_cast<std::int32_t>(views.size()), entries.data(), 0.0,
-                                                         &camera, poses.data(), &mean, model);
-        requireMemory(status);
+        const std::int32_t status = statusOfCore(ZELM_ERR_CALIB_HOMOGRAPHY, [&] {
+            return zelmCalibCameraParam(static_cast<std::int32_t>(views.size()), entries.data(), 0.0, &camera,
+                                        poses.data(), &mean, model);
+        });
         return status < 0 || !std::isfinite(mean) ? kNone : mean;
     }
 
