@@ -353,7 +353,7 @@ std::vector<Check> Checker::run() {
 
 }  // namespace
 
-std::vector<Check> checksOf(const CheckedAdjustment& adjusted) {
+std::vector<Check> firstOrderChecks(const CheckedAdjustment& adjusted) {
     return Checker(adjusted).run();
 }
 

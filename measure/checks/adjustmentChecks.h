@@ -49,6 +49,9 @@ struct CheckedAdjustment {
 
 std::vector<Check> checksOf(const CheckedAdjustment& adjusted);
 
+// What the score tests tell of the adjustment as it is, to first order.
+std::vector<Check> firstOrderChecks(const CheckedAdjustment& adjusted);
+
 }  // namespace zelm::measure
 
 #endif

@@ -95,6 +95,20 @@ TEST(AdjustmentChecks, PitchRatio) {
     EXPECT_EQ(alarming(checks), std::set{CheckKind::pitch});
 }
 
+// What is left of second order passes for no other flaw.
+TEST(AdjustmentChecks, PitchRatioThatIsFarOff) {
+    for (const double ratio : {1.002, 0.99, 1.02}) {
+        CalibrationFlaws flaws;
+        flaws.pitchRatio = ratio;
+        const std::vector<Check> checks = checksOfAdjusted(flaws, 3);
+        const Check& pitch = checkOf(checks, CheckKind::pitch);
+        EXPECT_EQ(pitch.verdict, CheckVerdict::wrong);
+        EXPECT_NEAR(pitch.value, ratio - 1.0, 4.0 * pitch.deviation);
+        EXPECT_EQ(alarming(checks), std::set{CheckKind::pitch}) << ratio;
+        EXPECT_TRUE(alarms(checkOf(checks, CheckKind::halves))) << ratio;
+    }
+}
+
 TEST(AdjustmentChecks, MovedViews) {
     for (const std::size_t axis : {0U, 1U, 2U}) {
         for (const bool isTurn : {false, true}) {
