@@ -46,23 +46,19 @@ std::string pairHtml(const Calibration& c) {
     return html + "</dl>\n";
 }
 
-std::string imageHead(const char* side) {
-    return fmt::format("<th scope=\"colgroup\" colspan=\"7\" class=\"{}-ink\">{} image</th>", side, side);
-}
-
 // Nothing to show, as this page has it.
 std::string dashed(const std::string& text) {
     return text == "-" ? "–" : text;
 }
 
-std::string imageCells(const std::filesystem::path& path, const ImageFigures& image, const std::string& blur,
-                       const std::optional<PlatePose>& pose) {
+std::string imageCells(const std::filesystem::path& path, const char* side, const ImageFigures& image,
+                       const std::string& blur, const std::optional<PlatePose>& pose) {
     if (image.dots.empty()) {
         return "<td>–</td><td class=\"number\">–</td><td class=\"number\">–</td><td class=\"number\">–</td>"
                "<td class=\"number\">–</td><td class=\"number\">–</td><td class=\"number\">–</td>";
     }
     const auto number = [](const std::string& text) { return "<td class=\"number\">" + text + "</td>"; };
-    std::string cells = fmt::format("<td>{}</td>", escaped(imageName(path)));
+    std::string cells = fmt::format("<td class=\"{}-ink\">{}</td>", side, escaped(imageName(path)));
     cells += number(fmt::format("{}", image.found)) + number(fmt::format("{:.4f}", image.distances.rms)) +
              number(fmt::format("{:.4f}", image.distances.max)) + number(blur);
     cells += number(pose ? fmt::format("{:.1f}", pose->tilt * kDegreesPerRadian) : "–");
@@ -134,27 +130,26 @@ std::string camerasHtml(const Calibration& c) {
 }
 
 std::string viewTableHtml(const Calibration& c, const std::vector<ViewPose>& poses) {
+    const std::string units = escaped(c.plate.units);
     std::string html = "<section id=\"table\">\n<h2>All views in numbers</h2>\n" + tableStart("All views") +
-                       "<thead><tr><th scope=\"col\" rowspan=\"2\">view</th>" + imageHead("left") + imageHead("right") +
-                       "<th scope=\"col\" rowspan=\"2\" class=\"number\">epipolar RMS, px</th>"
-                       "<th scope=\"col\" rowspan=\"2\" class=\"number\">lengths RMS, " +
-                       escaped(c.plate.units) + "</th></tr>\n<tr>";
-    for (int side = 0; side < 2; ++side) {
-        html += "<th scope=\"col\">file</th>";
-        for (const std::string& name :
-             {std::string("dots"), std::string("RMS, px"), std::string("worst, px"), std::string("blur, px"),
-              std::string("tilt, °"), "distance, " + escaped(c.plate.units)}) {
-            html += "<th scope=\"col\" class=\"number\">" + name + "</th>";
-        }
+                       "<thead><tr><th scope=\"col\">view</th><th scope=\"col\">image</th>";
+    for (const std::string& name :
+         {std::string("dots"), std::string("RMS, px"), std::string("worst, px"), std::string("blur, px"),
+          std::string("tilt, °"), "distance, " + units, std::string("epipolar RMS, px"), "lengths RMS, " + units}) {
+        html += "<th scope=\"col\" class=\"number\">" + name + "</th>";
     }
     html += "</tr></thead><tbody>\n";
     for (std::size_t i = 0; i < c.views.size(); ++i) {
         const DistanceFigures& epipolar = c.figures.epipolarViews[i];
         html += fmt::format(
-            "<tr><th scope=\"row\">{}</th>{}{}<td class=\"number\">{}</td><td class=\"number\">{}</td></tr>\n", i,
-            imageCells(c.views[i].left, c.figures.left.views[i], dashed(blurText(c, i, 0)), poses[i].cameras[0]),
-            imageCells(c.views[i].right, c.figures.right.views[i], dashed(blurText(c, i, 1)), poses[i].cameras[1]),
-            epipolar.count > 0 ? fmt::format("{:.4f}", epipolar.rms) : "–", dashed(lengthText(c, i)));
+            "<tr class=\"first\"><th scope=\"row\" rowspan=\"2\">{}</th>{}<td rowspan=\"2\" class=\"number\">{}</td>"
+            "<td rowspan=\"2\" class=\"number\">{}</td></tr>\n<tr>{}</tr>\n",
+            i,
+            imageCells(c.views[i].left, "left", c.figures.left.views[i], dashed(blurText(c, i, 0)),
+                       poses[i].cameras[0]),
+            epipolar.count > 0 ? fmt::format("{:.4f}", epipolar.rms) : "–", dashed(lengthText(c, i)),
+            imageCells(c.views[i].right, "right", c.figures.right.views[i], dashed(blurText(c, i, 1)),
+                       poses[i].cameras[1]));
     }
     return html + tableEnd() +
            "<p class=\"note\">Blur: standard deviation of the edges' spread, the largest over the smallest where they "
