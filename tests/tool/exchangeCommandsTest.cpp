@@ -71,6 +71,41 @@ TEST_F(ExchangeCommands, RefusalsNameTheFileAndTheRemedy) {
     EXPECT_FALSE(fs::exists(folder / "none.zcal"));
 }
 
+// The unit stands in the summary beside the calibration; --unit goes before it.
+TEST_F(ExchangeCommands, LengthsInMetresAreOfTheCalibrationsUnit) {
+    const auto exported = [&](const std::vector<std::string>& more) {
+        std::vector<std::string> call{"export", rig, "--to", "ros", "-o", inFolder("ros"), "--json"};
+        call.insert(call.end(), more.begin(), more.end());
+        return zelm(call);
+    };
+    const auto metres = [](const CommandResult& run) {
+        return Json::parse(run.output).at("metresPerUnit").get<double>();
+    };
+    const CommandResult unknown = exported({});
+    ASSERT_EQ(unknown.status, 0) << unknown.errors;
+    EXPECT_EQ(metres(unknown), 0.001);
+    EXPECT_TRUE(holds(unknown.errors, "no rig.json of this calibration")) << unknown.errors;
+
+    const Json info = Json::parse(zelm({"info", rig, "--json"}).output);
+    const auto saveUnit = [&](const std::string& unit) {
+        const Json summary{{"units", {{"length", unit}}}, {"left", info.at("left")}, {"right", info.at("right")}};
+        writeFile(folder / "rig.json", summary.dump());
+    };
+    saveUnit("cm");
+    const CommandResult told = exported({});
+    ASSERT_EQ(told.status, 0) << told.errors;
+    EXPECT_EQ(metres(told), 0.01);
+    EXPECT_FALSE(holds(told.errors, "--unit")) << told.errors;
+    const CommandResult other = exported({"--unit", "mm"});
+    EXPECT_EQ(metres(other), 0.001);
+    EXPECT_TRUE(holds(other.errors, "rig.json says that it counts in cm")) << other.errors;
+    EXPECT_FALSE(holds(exported({"--unit", "cm"}).errors, "--unit"));
+    saveUnit("cubit");
+    expectRefused(zelm({"export", rig, "--to", "ros", "-o", inFolder("none")}), 1, "cubit");
+    EXPECT_EQ(Json::parse(zelm({"export", rig, "--to", "numpy", "-o", inFolder("np"), "--json"}).output).at("lengths"),
+              "cubit");
+}
+
 // What an imported pair cannot do is said; a covariance of the file's earlier calibration goes away.
 TEST_F(ExchangeCommands, ImportedPairsSayWhatTheyLack) {
     ASSERT_EQ(zelm({"export", rig, "--to", "kalibr", "-o", inFolder("k"), "--quiet"}).status, 0);
@@ -95,6 +130,7 @@ TEST_F(ExchangeCommands, RowsAreWrittenTogetherOrNotAtAll) {
     Json json = Json::parse(made.output);
     EXPECT_EQ(json.at("status"), "done");
     json.erase("status");
+    json.erase("warnings");
     EXPECT_EQ(json.at("width"), 320);
     EXPECT_EQ(json.at("numDisparities").get<int>() % 16, 0);
     EXPECT_EQ(Json::parse(readFile(folder / "rows" / "rows.json")), json);

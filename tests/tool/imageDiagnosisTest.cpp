@@ -261,4 +261,47 @@ TEST_F(ImageDiagnosis, APlateReadInPartSaysWhy) {
     EXPECT_NE(run.errors.find("of 63 dots read: cut off at the left"), std::string::npos) << run.errors;
 }
 
+// As of calibrate: views with one fault are one line, and their pictures stand beside the outputs.
+TEST_F(ImageDiagnosis, VerifyShowsWhatItCannotRead) {
+    std::vector<std::string> left;
+    std::vector<std::string> right;
+    for (int view = 0; view < 3; ++view) {
+        const std::string number = "_0" + std::to_string(view) + ".pgm";
+        right.push_back(smallRigFile("right" + number));
+        left.push_back(smallRigFile("left" + number));
+        if (view < 2) {
+            left.back() = at("left" + number);
+            writeFile(left.back(), withoutMarker(view, "left"));
+        }
+    }
+    const auto verify = [&](int views) {
+        std::vector<std::string> call{"verify",  (calibratedSmallRig() / "rig.zcal").string(),
+                                      "--plate", smallRigFile("plate.json"),
+                                      "-o",      at("out/lengths.csv")};
+        call.emplace_back("--left");
+        call.insert(call.end(), left.begin(), left.begin() + views);
+        call.emplace_back("--right");
+        call.insert(call.end(), right.begin(), right.begin() + views);
+        return zelm(call);
+    };
+    const CommandResult some = verify(3);
+    EXPECT_EQ(some.status, 0) << some.errors;
+    EXPECT_EQ(some.errors.rfind("zelm: warning: skipping 2 views: " + left[0] + " and " + left[1] + ": ", 0), 0U)
+        << some.errors;
+    EXPECT_EQ(std::count(some.errors.begin(), some.errors.end(), '\n'), 1) << some.errors;
+    for (const char* name : {"left_00_failed.png", "left_01_failed.png"}) {
+        EXPECT_TRUE(fs::exists(folder / "out" / "failed" / name)) << name;
+    }
+    fs::remove_all(folder / "out");
+    const CommandResult none = verify(2);
+    expectOneLine(none, 1, {"none of 2 views can be read: " + left[0], at("out/failed") + " shows what was found"});
+    EXPECT_TRUE(fs::exists(folder / "out" / "failed" / "left_01_failed.png"));
+    EXPECT_FALSE(fs::exists(folder / "out" / "lengths.csv"));
+    // Once the images are read, their pictures go.
+    left[0] = smallRigFile("left_00.pgm");
+    EXPECT_EQ(verify(2).status, 0);
+    EXPECT_FALSE(fs::exists(folder / "out" / "failed" / "left_00_failed.png"));
+    EXPECT_TRUE(fs::exists(folder / "out" / "failed" / "left_01_failed.png"));
+}
+
 }  // namespace

@@ -70,6 +70,20 @@ std::set<std::string> listedSubcommands() {
     return names;
 }
 
+// The warnings that were printed, without what stands before each.
+Json printedWarnings(const CommandResult& run) {
+    const std::string mark = "zelm: warning: ";
+    Json warnings = Json::array();
+    for (std::size_t at = 0; at < run.errors.size();) {
+        const std::size_t end = std::min(run.errors.find('\n', at), run.errors.size());
+        if (run.errors.compare(at, mark.size(), mark) == 0) {
+            warnings.push_back(run.errors.substr(at + mark.size(), end - at - mark.size()));
+        }
+        at = end + 1;
+    }
+    return warnings;
+}
+
 // Not valid JSON, or more than one value, gives null.
 Json whole(const CommandResult& run) {
     const Json json = Json::parse(run.output, nullptr, false);
@@ -85,6 +99,7 @@ void expectFailure(const CommandResult& run, int status, const std::string& caus
     EXPECT_EQ("zelm: " + json.value("message", "") + "\n", run.errors);
     EXPECT_EQ(json.value("cause", ""), cause) << run.output;
     EXPECT_TRUE(json.contains("images") && json["images"].is_array()) << run.output;
+    EXPECT_EQ(json.value("warnings", Json()), printedWarnings(run)) << run.output;
 }
 
 TEST_F(JsonRuns, EverySubcommandPrintsOneObjectWhenItIsDone) {
@@ -97,7 +112,8 @@ TEST_F(JsonRuns, EverySubcommandPrintsOneObjectWhenItIsDone) {
         const Json json = whole(run);
         ASSERT_TRUE(json.is_object()) << arguments.front() << ": " << run.output.substr(0, 200);
         EXPECT_EQ(json.value("status", ""), "done") << arguments.front();
-        EXPECT_GT(json.size(), 1U) << arguments.front() << ": no more than a status";
+        EXPECT_GT(json.size(), 2U) << arguments.front() << ": no more than a status and warnings";
+        EXPECT_EQ(json.value("warnings", Json()), printedWarnings(run)) << arguments.front();
     }
     EXPECT_EQ(seen, listedSubcommands());
 }
@@ -126,6 +142,50 @@ TEST_F(JsonRuns, FilesThatAreMissingAreAnObjectToo) {
         ++tried;
     }
     EXPECT_EQ(tried, 15);
+}
+
+// A calibration that was refused and written all the same; a summary beside it may be of another one, or missing.
+TEST_F(JsonRuns, EveryCommandThatLoadsARefusedCalibrationWarns) {
+    const std::string good = (calibratedSmallRig() / "rig.zcal").string();
+    const std::string rig = file("bad/rig.zcal");
+    fs::create_directory(folder / "bad");
+    for (const char* name : {"rig.zcal", "rig.zcov"}) {
+        fs::copy_file(calibratedSmallRig() / name, folder / "bad" / name);
+    }
+    Json summary = Json::parse(readFile(calibratedSmallRig() / "rig.json"));
+    summary["verdict"] = {{"status", "refused"}, {"sentence", "Refused, not to be measured with: lists shifted"}};
+    const auto warned = [](const CommandResult& run) {
+        return run.errors.find("rig.zcal: rig.json says of this calibration: Refused") != std::string::npos;
+    };
+    std::vector<std::vector<std::string>> commands = runs();
+    commands.push_back({"measure", file("space.csv"), "--plane", "1,2,3", "--rig", good});
+    commands.push_back({"compare", rig, good, "--depths", "300,600"});
+    commands.push_back({"compare", good, good, "--depths", "300,600"});
+    commands.push_back({"rectify", good, smallRigFile("left_00.pgm"), smallRigFile("right_00.pgm"), "--rows",
+                        "--depths", "300,600", "-o", file("o")});
+    std::set<std::string> loading;
+    for (std::vector<std::string> arguments : commands) {
+        if (std::find(arguments.begin(), arguments.end(), good) == arguments.end()) {
+            continue;
+        }
+        std::replace(arguments.begin(), arguments.end(), good, rig);
+        arguments.emplace_back("--json");
+        writeFile(folder / "bad" / "rig.json", summary.dump());
+        const CommandResult run = zelm(arguments);
+        EXPECT_EQ(run.status, 0) << arguments.front() << ": " << run.errors;
+        EXPECT_TRUE(warned(run)) << arguments.front() << ": " << run.errors;
+        EXPECT_EQ(whole(run).value("warnings", Json()), printedWarnings(run)) << arguments.front();
+        loading.insert(arguments.front());
+    }
+    EXPECT_EQ(loading, (std::set<std::string>{"compare", "epiline", "export", "info", "length", "match", "measure",
+                                              "plan", "rectify", "triangulate", "undistort", "verify"}));
+    summary["left"]["alpha"] = 1.0;
+    writeFile(folder / "bad" / "rig.json", summary.dump());
+    EXPECT_EQ(zelm({"info", rig}).errors, "");
+    writeFile(folder / "bad" / "rig.json", "[]");
+    EXPECT_EQ(zelm({"info", rig}).errors, "");
+    fs::remove(folder / "bad" / "rig.json");
+    EXPECT_EQ(zelm({"info", rig}).errors, "");
 }
 
 TEST_F(JsonRuns, AVerdictAgainstTheRigKeepsItsFigures) {

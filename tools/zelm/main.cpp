@@ -18,8 +18,7 @@ using namespace zelm::tool;
 
 namespace {
 
-int run(int argc, char** argv) {
-    Console console;
+int run(int argc, char** argv, Console& console) {
     CommandLine commandLine(console);
     addSubcommands(commandLine, console);
     commandLine.run(argc, argv);
@@ -34,33 +33,34 @@ int checkOutput(int status) {
     return status;
 }
 
-int fail(const Failure& failure, bool asJson) {
+// Says so, with --json also to programs.
+int fail(const Failure& failure, bool asJson, const Console& console) {
     fmt::print(stderr, "zelm: {}\n", oneLine(failure.what()));
     if (asJson && std::ferror(stdout) == 0) {
         // Where this cannot be printed either, the line and the exit code say enough.
-        std::fputs((failureJson(failure) + "\n").c_str(), stdout);
+        std::fputs((failureJson(failure, console.warnings) + "\n").c_str(), stdout);
     }
     return static_cast<int>(failure.code);
-}
-
-int fail(const std::string& cause, const std::string& line, bool asJson) {
-    return fail(Failure(ExitCode::data, line, {cause, {}}), asJson);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
+    Console console;
     const bool asJson = asksForJson(argc, argv);
+    const auto failed = [&](const std::string& cause, const std::string& line) {
+        return fail(Failure(ExitCode::data, line, {cause, {}}), asJson, console);
+    };
     try {
         discardOutputsWhenInterrupted();
-        return checkOutput(run(argc, argv));
+        return checkOutput(run(argc, argv, console));
     } catch (const Failure& failure) {
-        return fail(failure, asJson);
+        return fail(failure, asJson, console);
     } catch (const std::bad_alloc&) {
-        return fail("memory", "out of memory: use smaller images or fewer at a time", asJson);
+        return failed("memory", "out of memory: use smaller images or fewer at a time");
     } catch (const std::system_error& error) {  // of printing
-        return fail("output", fmt::format("standard output: {}: print to another place", error.what()), asJson);
+        return failed("output", fmt::format("standard output: {}: print to another place", error.what()));
     } catch (const std::exception& error) {
-        return fail("", error.what(), asJson);
+        return failed("", error.what());
     }
 }

@@ -129,6 +129,7 @@ private:
             checks.front().size = sizeof(ZelmMeasureCheck);
         }
         if (isDone(zelmMeasureAdjustChecks(adjustment.get(), checks.data(), count, &count))) {
+            nameUnits(checks, plate.units);
             result.report.checks = std::move(checks);
         }
     }

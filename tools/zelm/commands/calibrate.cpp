@@ -282,14 +282,6 @@ Provenance provenanceOf(const Calibration& c, const CalibrateOptions& options, c
     return provenance;
 }
 
-std::vector<ImageTrouble> troublesOf(const std::vector<SkippedView>& views) {
-    std::vector<ImageTrouble> troubles;
-    for (const SkippedView& view : views) {
-        troubles.insert(troubles.end(), view.troubles.begin(), view.troubles.end());
-    }
-    return troubles;
-}
-
 void addPicturesOfSkipped(const Calibration& c, const fs::path& folder, OutputFiles& outputs) {
     const std::vector<ImageTrouble> troubles = troublesOf(c.skipped);
     addFailedPictures(troubles, folder, outputs);
@@ -322,14 +314,14 @@ void runCalibrate(const CalibrateOptions& options, const Console& console) {
     c.verdict.add(qualityDoubts(c.views, c.sharpness, lengths, c.plate.units));
     requireTrust(c.verdict, options.force);
 
-    const std::string summary = jsonText(summaryJson(c));
+    const nlohmann::ordered_json summary = summaryJson(c);
     outputs.add(folder / "rig.zcal", c.block);
     if (c.covariance.empty()) {
         outputs.supersede(folder / "rig.zcov");
     } else {
         outputs.add(folder / "rig.zcov", c.covariance);
     }
-    outputs.add(folder / "rig.json", summary + "\n");
+    outputs.add(folder / "rig.json", jsonText(summary) + "\n");
     outputs.add(folder / "report.html", htmlReport(c, provenanceOf(c, options, console), console));
     addPicturesOfSkipped(c, folder, outputs);
     if (options.overlays) {

@@ -67,40 +67,39 @@ private:
     void readAll(const std::vector<fs::path>& images) {
         Progress progress(console, "reading views", images.size());
         for (const fs::path& image : images) {
-            const std::string reason = read(image);
+            SkippedView view = read(image);
             progress.advance();
-            if (reason.empty()) {
+            if (view.reason.empty()) {
                 continue;
             }
-            progress.erase();
             if (options.strict) {
-                failData("{}", reason);
+                progress.erase();
+                throw ImageFailure(view.reason, causeOf({view}), std::move(view.troubles));
             }
-            console.warn(fmt::format("skipping a view: {}", reason));
-            skipped.push_back({{image, {}}, reason, {}, false});
+            skipped.push_back(std::move(view));
         }
+        progress.erase();
+        warnOfSkipped(skipped, console);
         if (views.size() < kMinViews) {
             if (skipped.empty()) {
                 failUsage("{} views given (the last is {}): at least {} are needed, and ten or more are better",
                           images.size(), images.back().string(), kMinViews);
             }
-            const std::vector<TroubleGroup> groups = groupsOf(troubles);
-            const std::string line = fmt::format(
-                "only {} of {} views can be read and {} are needed: take more images of the plate, or correct this: {}",
-                views.size(), images.size(), kMinViews, groups.empty() ? skipped.front().reason : groups.front().line);
             throw ImageFailure(
-                line, groups.empty() ? FailureCause{} : FailureCause{groups.front().cause, groups.front().images},
-                troubles);
+                fmt::format("only {} of {} views can be read and {} are needed: take more images of the plate, or "
+                            "correct this: {}",
+                            views.size(), images.size(), kMinViews, mainReasonOf(skipped)),
+                causeOf(skipped), troublesOf(skipped));
         }
     }
 
     // Reads an image; gives the reason when it cannot be used.
-    std::string read(const fs::path& image) {
+    SkippedView read(const fs::path& image) {
         std::shared_ptr<const Picture> picture;
         try {
             picture = pictures->get(image);
         } catch (const Failure& failure) {
-            return failure.what();
+            return {{image, {}}, failure.what(), {}, false};
         }
         if (points.left.width == 0) {
             points.left = {options.model, picture->width, picture->height, 0};
@@ -115,12 +114,14 @@ private:
         }
         const DotReading reading = readDots(*picture, plate, region);
         if (reading.status < 0) {
-            troubles.push_back(troubleOf(*picture, image, plate, region));
-            return fmt::format("{}: {}", image.string(), troubles.back().text);
+            return skippedView({image, {}}, {troubleOf(*picture, image, plate, region)});
         }
         if (reading.dots.size() < kFewestDots) {
-            return fmt::format("{}: only {} dots have a place on the plate's grid: is it this plate's file?",
-                               image.string(), reading.dots.size());
+            return {{image, {}},
+                    fmt::format("{}: only {} dots have a place on the plate's grid: is it this plate's file?",
+                                image.string(), reading.dots.size()),
+                    {},
+                    false};
         }
         for (const Dot& dot : reading.dots) {
             points.add(views.size(), 'L', dot.index.x, dot.index.y, dot.pixel);
@@ -156,6 +157,7 @@ private:
     void give() {
         AdjustReport report;
         takeOutcome(adjustment, added, culprit(), report);
+        nameUnits(report.checks, plate.units);
         if (report.summary.refinedDots == 0) {
             for (auto& images : report.images) {
                 images[0].added = 0;
@@ -168,7 +170,8 @@ private:
         for (const fs::path& view : views) {
             c.views.push_back({view, {}});
         }
-        addFailedPictures(troubles, options.folder, outputs);
+        addFailedPictures(troublesOf(skipped), options.folder, outputs);
+        supersedeFailedPictures(views, troublesOf(skipped), options.folder, outputs);
         if (options.overlays) {
             addOverlays(c);
         }
@@ -194,7 +197,6 @@ private:
     fs::path sized;  // the image that gives the size
     std::vector<fs::path> views;
     std::vector<SkippedView> skipped;
-    std::vector<ImageTrouble> troubles;  // of the skipped ones
     std::vector<std::array<int, 2>> added;
     AdjustmentPtr adjustment;
 };

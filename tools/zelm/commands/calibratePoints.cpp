@@ -162,6 +162,7 @@ private:
         requireAdjusted(zelmMeasureAdjustSolve(adjustment.get()), adjustment, options.file);
         report.ofPoints = true;
         takeOutcome(adjustment, {}, options.file, report);
+        nameUnits(report.checks, options.unit);
     }
 
     LoadedRig rigBy(std::int32_t (*make)(ZelmMeasureAdjustment*, ZelmMeasureRig**)) {
@@ -191,10 +192,10 @@ private:
         requireTrust(c.verdict, options.force);
 
         const fs::path folder = options.folder;
-        const std::string summary = jsonText(summaryJson(c));
+        const nlohmann::ordered_json summary = summaryJson(c);
         outputs.add(folder / "rig.zcal", c.block);
         outputs.add(folder / "rig.zcov", c.covariance);
-        outputs.add(folder / "rig.json", summary + "\n");
+        outputs.add(folder / "rig.json", jsonText(summary) + "\n");
         Provenance provenance{console.command, timeOfReport(), hashFiles({{"points", options.file}})};
         provenance.addBytes("result", "rig.zcal", c.block);
         provenance.addBytes("result", "rig.zcov", c.covariance);

@@ -46,8 +46,8 @@ void giveCameraResult(CameraResult& result, const std::string& source, const std
     Calibration& c = result.calibration;
     c.verdict.add(calibrationDoubts(c, source));
     requireTrust(c.verdict, isForced);
-    const std::string summary = jsonText(cameraResultJson(result));
-    outputs.add(folder / "camera.json", summary + "\n");
+    const nlohmann::ordered_json summary = cameraResultJson(result);
+    outputs.add(folder / "camera.json", jsonText(summary) + "\n");
     outputs.add(folder / "report.html", cameraPage(result));
     outputs.commit();
     for (const Doubt& doubt : c.verdict.doubts) {

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <filesystem>
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <numbers>
 #include <vector>
 
@@ -12,14 +13,12 @@
 #include "depthComparison.h"
 #include "failure.h"
 #include "jsonFields.h"
-#include "jsonText.h"
 #include "numberText.h"
 #include "outputFiles.h"
 #include "rigComparison.h"
 #include "rigFile.h"
 #include "sceneComparison.h"
 #include "subcommands.h"
-#include "verdict.h"
 
 namespace zelm::tool {
 namespace {
@@ -146,9 +145,9 @@ void runCompare(const CompareOptions& o, const Console& console) {
     if (!o.depths.empty()) {
         failUsage("--depths {}: of two calibrations alone, and {} is none", o.depths, o.truth);
     }
-    const LoadedRig rig = loadRig(rigPath);
-    if (const auto doubt = savedDoubt(rigPath)) {
-        console.warn(*doubt);
+    const LoadedRig rig = loadRig(rigPath, console);
+    if (rig.summary.isDoubtful()) {
+        console.warn(savedVerdictText(rigPath, rig.summary));
     }
     const nlohmann::json truth = parseCommentedJson(truthPath.string(), bytes);
     if (!o.points.empty()) {
@@ -170,7 +169,7 @@ void runCompare(const CompareOptions& o, const Console& console) {
                         {"truth", c.truth},
                         {"difference", c.difference()}});
     }
-    console.result(jsonText({{"comparisons", json}}));
+    console.result({{"comparisons", json}});
 }
 
 }  // namespace

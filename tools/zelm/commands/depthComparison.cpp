@@ -12,7 +12,6 @@
 
 #include "cameraPicture.h"
 #include "failure.h"
-#include "jsonText.h"
 #include "numberText.h"
 #include "outputFiles.h"
 #include "rigFigures.h"
@@ -190,10 +189,10 @@ void compareDepths(const LoadedRig& rig, const nlohmann::json& truth, const fs::
     text += errorsText("seen by the left one alone", leftOnly, within);
     text += fmt::format("\n{} found where no true depth is known", counted(elsewhere, "point"));
     console.say(text);
-    console.result(jsonText({{"units", rig.units},
-                             {"seenByBoth", errorsJson(both, within)},
-                             {"seenByLeftAlone", errorsJson(leftOnly, within)},
-                             {"withoutTruth", elsewhere}}));
+    console.result({{"units", rig.units},
+                    {"seenByBoth", errorsJson(both, within)},
+                    {"seenByLeftAlone", errorsJson(leftOnly, within)},
+                    {"withoutTruth", elsewhere}});
 }
 
 }  // namespace zelm::tool

@@ -11,7 +11,6 @@
 #include "failure.h"
 #include "imageSet.h"
 #include "imageTrouble.h"
-#include "jsonText.h"
 #include "numberText.h"
 #include "outputFiles.h"
 #include "overlay.h"
@@ -100,11 +99,11 @@ void runDetect(const DetectOptions& options, const Console& console) {
                             {"plane", {dot.plane.x, dot.plane.y}},
                             {"pixel", {dot.pixel.x, dot.pixel.y}}});
         }
-        console.result(jsonText({{"image", options.image},
-                                 {"units", plate.units},
-                                 {"csv", csv.string()},
-                                 {"overlay", png.string()},
-                                 {"dots", list}}));
+        console.result({{"image", options.image},
+                        {"units", plate.units},
+                        {"csv", csv.string()},
+                        {"overlay", png.string()},
+                        {"dots", list}});
     }
 }
 

@@ -10,7 +10,6 @@
 #include "canvas.h"
 #include "epipolarLine.h"
 #include "failure.h"
-#include "jsonText.h"
 #include "letterCase.h"
 #include "numberText.h"
 #include "outputFiles.h"
@@ -98,7 +97,7 @@ void checkOptions(const EpilineOptions& o) {
 
 void runEpiline(const EpilineOptions& o, const Console& console) {
     checkOptions(o);
-    const LoadedRig rig = loadRig(o.rig);
+    const LoadedRig rig = loadRig(o.rig, console);
     const char target = sideOf(o.side) == 'L' ? 'R' : 'L';
     const std::vector<PointLine> lines = linesOf(rig, target, o.points);
     OutputFiles outputs;
@@ -124,7 +123,7 @@ void runEpiline(const EpilineOptions& o, const Console& console) {
         text += fmt::format("\n{}", lineText(line));
     }
     console.say(text + written);
-    console.result(jsonText({{"image", sideName(target)}, {"undistorted", true}, {"lines", linesJson(lines)}}));
+    console.result({{"image", sideName(target)}, {"undistorted", true}, {"lines", linesJson(lines)}});
 }
 
 }  // namespace

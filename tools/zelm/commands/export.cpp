@@ -7,11 +7,9 @@
 
 #include "exchangeFormat.h"
 #include "failure.h"
-#include "jsonText.h"
 #include "outputFiles.h"
 #include "rigFile.h"
 #include "subcommands.h"
-#include "verdict.h"
 
 namespace zelm::tool {
 namespace {
@@ -23,7 +21,7 @@ struct ExportOptions {
     std::string rig;
     std::string format;
     std::string folder = ".";
-    std::string unit = "mm";
+    std::string unit;  // empty: that of the calibration
 };
 
 std::string exportedFile(const LoadedRig& rig, const ZelmMeasureExportOptions& options, std::int32_t side) {
@@ -68,11 +66,43 @@ Json lossJson(const ZelmMeasureExportLoss& loss) {
             {"views", loss.views}};
 }
 
+// What a length of 1 in the calibration is. Only programs that count in metres must know it.
+struct PlateUnit {
+    std::string name;
+    std::string warning;  // where the user may be mistaken; or empty
+};
+
+PlateUnit unitOf(const ExportOptions& o, const ExchangeFormat& format, const LoadedRig& rig) {
+    constexpr const char* kUsual = "mm";
+    const SavedSummary& summary = rig.summary;
+    const bool isUnknown = !summary.hasUnits();
+    if (!o.unit.empty()) {
+        const bool isOther = !isUnknown && knownMetres(summary.units) != metresOfUnit(o.unit);
+        return {o.unit, isOther ? fmt::format("{}: {} says that it counts in {}: --unit {} is taken instead", o.rig,
+                                              summary.file, summary.units, o.unit)
+                                : std::string()};
+    }
+    if (!format.inMetres || knownMetres(summary.units)) {
+        return {rig.units, {}};
+    }
+    if (!isUnknown) {
+        failData("{}: {} says that it counts in {}, and how much of a metre that is, is not known: give --unit", o.rig,
+                 summary.file, summary.units);
+    }
+    return {kUsual,
+            fmt::format("{}: no {} of this calibration stands beside it and tells its unit: taken for {}, which "
+                        "--unit changes",
+                        o.rig, fs::path(o.rig).filename().replace_extension(".json").string(), kUsual)};
+}
+
 void runExport(const ExportOptions& o, const Console& console) {
     const ExchangeFormat& format = exchangeFormat(o.format, "--to");
-    const ZelmMeasureExportOptions options{sizeof(options), format.number, metresOfUnit(o.unit)};
-    const LoadedRig rig = loadRig(o.rig);
-    warnOfRefused(o.rig, console);
+    if (!o.unit.empty()) {
+        static_cast<void>(metresOfUnit(o.unit));
+    }
+    const LoadedRig rig = loadRig(o.rig, console);
+    const auto [unit, warning] = unitOf(o, format, rig);
+    const ZelmMeasureExportOptions options{sizeof(options), format.number, knownMetres(unit).value_or(0.0)};
     OutputFiles outputs;
     outputs.keep(o.rig);
     outputs.keep(covarianceFile(o.rig));
@@ -88,15 +118,17 @@ void runExport(const ExportOptions& o, const Console& console) {
     }
     const ZelmMeasureExportLoss loss = lossOf(rig, options);
     outputs.commit();
+    console.warn(warning);
     if (const std::string lost = lossText(loss); !lost.empty()) {
         console.warn(fmt::format("{}: what {} does not hold: {}", o.rig, format.program, lost));
     }
     console.say(fmt::format("wrote {} for {}, lengths in {}", written, format.program,
-                            format.inMetres ? fmt::format("metres (a plate unit is 1 {})", o.unit) : "plate units"));
+                            format.inMetres ? fmt::format("metres (those of the calibration are in {})", unit) : unit));
     Json json{{"format", format.word}, {"files", names}, {"lost", lossJson(loss)}};
     json["metresPerUnit"] = format.inMetres ? options.metres : 1.0;
-    json["lengths"] = format.inMetres ? "metres" : "plate units";
-    console.result(jsonText(json));
+    json["lengths"] = format.inMetres ? "metres" : unit;
+    json["units"] = unit;  // of the calibration
+    console.result(json);
 }
 
 }  // namespace
@@ -108,8 +140,9 @@ void addExport(CommandLine& commandLine, Console& console) {
     sub.option("rig", o->rig, "The calibration (rig.zcal)").required();
     sub.option("--to", o->format, "The program").required().oneOf(exchangeWords());
     sub.option("-o,--output", o->folder, "Folder for the files").showDefault();
-    sub.option("--unit", o->unit, "What a plate unit is, for programs that count in metres: um, mm, cm, m or in")
-        .showDefault();
+    sub.option("--unit", o->unit,
+               "Unit of the calibration's lengths, for programs that count in metres: um, mm, cm, m, mil or inch; "
+               "default: what the rig.json beside it says");
     sub.does([o, &console] { runExport(*o, console); });
 }
 

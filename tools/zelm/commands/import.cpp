@@ -8,7 +8,6 @@
 
 #include "exchangeFormat.h"
 #include "failure.h"
-#include "jsonText.h"
 #include "numberText.h"
 #include "outputFiles.h"
 #include "rigFile.h"
@@ -132,14 +131,15 @@ void runImport(const ImportOptions& o, const Console& console) {
     outputs.supersede(covarianceFile(o.rig));
     outputs.commit();
     const bool isCameraFrame = imported.facts.isCameraFrame != 0;
-    console.say(rigText(imported.rig.rig, "plate units"));
+    console.say(rigText(imported.rig.rig, format.inMetres ? o.unit : kUnknownUnits));
     console.say(fmt::format("points are in the frame of {}; no dots, no covariance{}\nwrote {}",
                             isCameraFrame ? "the left camera" : "the plate that the file tells",
                             lensText(imported.facts), o.rig));
     Json json{{"format", format.word}, {"rig", o.rig}, {"frame", isCameraFrame ? "left camera" : "plate"}};
+    json["units"] = format.inMetres ? o.unit : kUnknownUnits;
     json["lens"] = {{"left", {{"worst", imported.facts.leftLensWorst}, {"rms", imported.facts.leftLensRms}}},
                     {"right", {{"worst", imported.facts.rightLensWorst}, {"rms", imported.facts.rightLensRms}}}};
-    console.result(jsonText(json));
+    console.result(json);
 }
 
 }  // namespace
@@ -151,7 +151,8 @@ void addImport(CommandLine& commandLine, Console& console) {
     sub.option("files", o->files, "Its files; of a program with a file a camera the left one first").required();
     sub.option("--from", o->format, "The program").required().oneOf(exchangeWords());
     sub.option("-o,--output", o->rig, "The calibration").showDefault();
-    sub.option("--unit", o->unit, "What a plate unit shall be, for programs that count in metres: um, mm, cm, m or in")
+    sub.option("--unit", o->unit,
+               "What a plate unit shall be, for programs that count in metres: um, mm, cm, m, mil or inch")
         .showDefault();
     sub.option("--size", o->size, "Width,height of the images in pixels, where the file does not tell them");
     sub.option("--right-size", o->rightSize, "Likewise of the right images, where they are of another size");

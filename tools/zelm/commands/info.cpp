@@ -5,7 +5,6 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 
-#include "jsonText.h"
 #include "numberText.h"
 #include "rigFile.h"
 #include "rigReport.h"
@@ -19,7 +18,7 @@ std::string freedomText(double freedom) {
 }
 
 void showRig(const std::filesystem::path& path, const Console& console) {
-    const LoadedRig loaded = loadRig(path);
+    const LoadedRig loaded = loadRig(path, console);
     const Rig& rig = loaded.rig;
     const std::string covariance =
         rig.covariance ? fmt::format("covariance in {}: noise of a dot {:.4f} px, {}", covarianceFile(path).string(),
@@ -33,7 +32,7 @@ void showRig(const std::filesystem::path& path, const Console& console) {
     if (console.json) {
         nlohmann::ordered_json json = rigJson(rig);
         json["units"] = loaded.units;
-        console.result(jsonText(json));
+        console.result(json);
     }
 }
 

@@ -11,12 +11,10 @@
 
 #include "dotPairs.h"
 #include "failure.h"
-#include "jsonText.h"
 #include "lengthFile.h"
 #include "outputFiles.h"
 #include "spacePoints.h"
 #include "subcommands.h"
-#include "verdict.h"
 
 namespace zelm::tool {
 namespace {
@@ -320,8 +318,7 @@ void checkResult(const LengthOptions& o, const std::vector<MeasuredLength>& leng
 
 void runLength(const LengthOptions& o, const Console& console) {
     checkNames(o);
-    const LoadedRig rig = loadRig(o.rig);
-    warnOfRefused(o.rig, console);
+    const LoadedRig rig = loadRig(o.rig, console);
     rig.requireCovariance();
     std::vector<PixelPair> pairs = readPairFile(o.pairs);
     std::vector<MeasuredLength> lengths = lengthsOf(o, pairs);
@@ -344,7 +341,7 @@ void runLength(const LengthOptions& o, const Console& console) {
     console.say(table(lengths, pairs));
     console.say(fmt::format("lengths in {}; U95: half the interval that holds the true length at 95 %; noise: {}{}{}",
                             rig.units, noiseText(o.dots, o.noise, rig), o.csv.empty() ? "" : "; wrote ", o.csv));
-    console.result(jsonText(jsonOf(lengths, pairs, o, rig)));
+    console.result(jsonOf(lengths, pairs, o, rig));
 }
 
 }  // namespace

@@ -136,7 +136,7 @@ void makePlate(const PlateCommandOptions& o, const Console& console) {
                                         {"dots", sheet.discs.size()},
                                         {"plate", description},
                                         {"findings", findingsJson(findings, plate, cameras)}};
-    console.result(jsonText(result));
+    console.result(result);
 }
 
 }  // namespace

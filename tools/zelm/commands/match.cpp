@@ -17,7 +17,6 @@
 #include "depthPicture.h"
 #include "failure.h"
 #include "imageSet.h"
-#include "jsonText.h"
 #include "matchCall.h"
 #include "matchFiles.h"
 #include "numberText.h"
@@ -26,7 +25,6 @@
 #include "rigFigures.h"
 #include "spacePoints.h"
 #include "subcommands.h"
-#include "verdict.h"
 
 namespace zelm::tool {
 namespace {
@@ -352,8 +350,7 @@ void completeSearch(MatchOptions& o, const LoadedRig& rig, const Picture& left, 
 
 void runMatch(MatchOptions o, const Console& console) {
     checkNames(o);
-    const LoadedRig rig = loadRig(o.rig);
-    warnOfRefused(o.rig, console);
+    const LoadedRig rig = loadRig(o.rig, console);
     o.unit = o.unit.empty() ? rig.units : o.unit;
     checkWindow(o, rig.rig);
     static_cast<void>(triangulate(rig, o.rig, {}));  // refuses a rig that cannot triangulate
@@ -380,7 +377,7 @@ void runMatch(MatchOptions o, const Console& console) {
     console.warn(o.picture.empty() ? "" : warningOfGlobs({o.left, o.right}, {o.picture}));
     warnOfChance(o, summary, console);
     console.say(summaryText(o, summary, matched.size()));
-    console.result(jsonText(summaryJson(o, summary, matched.size())));
+    console.result(summaryJson(o, summary, matched.size()));
 }
 
 }  // namespace

@@ -11,7 +11,6 @@
 #include "failure.h"
 #include "featureNames.h"
 #include "featureReport.h"
-#include "jsonText.h"
 #include "outputFiles.h"
 #include "rigFile.h"
 #include "subcommands.h"
@@ -79,9 +78,9 @@ public:
     Measurer(const MeasureOptions& options, const MeasuredPoints& measured, const FeatureList& wanted)
         : o(options), points(measured), list(wanted) {}
 
-    MeasuredFeatures measure() {
+    MeasuredFeatures measure(const Console& console) {
         if (!o.rig.empty()) {
-            rig.emplace(loadRig(o.rig));
+            rig.emplace(loadRig(o.rig, console));
             rig->requireCovariance();
         }
         MeasuredFeatures m;
@@ -89,6 +88,7 @@ public:
         m.features = list.features();
         m.relations = list.relations();
         m.hasCalibration = rig.has_value();
+        m.units = rig ? rig->units : kUnknownUnits;
         m.results.resize(m.features.size());
         m.related.resize(m.relations.size());
         m.uses.resize(m.features.size());
@@ -176,7 +176,7 @@ void runMeasure(const MeasureOptions& o, const Console& console) {
     }
     const MeasuredPoints points = readMeasuredPoints(o.points);
     const FeatureList list = listOf(o, points);
-    const MeasuredFeatures measured = Measurer(o, points, list).measure();
+    const MeasuredFeatures measured = Measurer(o, points, list).measure(console);
     requireFound(measured);
     if (!o.csv.empty()) {
         outputs.add(o.csv, featureCsv(measured));
@@ -191,7 +191,7 @@ void runMeasure(const MeasureOptions& o, const Console& console) {
     if (!o.csv.empty()) {
         json["csv"] = o.csv;
     }
-    console.result(jsonText(json));
+    console.result(json);
 }
 
 }  // namespace

@@ -66,14 +66,14 @@ void requireOk(std::int32_t status, const ZelmMeasurePlan* plan, const std::stri
 }
 
 PlanPtr openPlan(const PlanCommandOptions& o, const PlanDescription& description, const Plate& plate,
-                 const ZelmMeasurePlanOptions& options) {
+                 const ZelmMeasurePlanOptions& options, const Console& console) {
     ZelmMeasurePlan* plan = nullptr;
     std::int32_t status = ZELM_OK;
     if (description.pair) {
         const PlannedPair& pair = *description.pair;
         status = zelmMeasurePlanOpen(&pair.left, &pair.right, &pair.relative, &plate.pattern, &options, &plan);
     } else {
-        const LoadedRig rig = loadRig(o.rig);
+        const LoadedRig rig = loadRig(o.rig, console);
         status = zelmMeasurePlanOfRig(rig.handle.get(), &plate.pattern, &options, &plan);
     }
     PlanPtr owner(plan);
@@ -131,7 +131,7 @@ void runPlan(const PlanCommandOptions& o, const Console& console) {
     if (!o.folder.empty()) {
         outputs.prepareFolder(o.folder);
     }
-    const PlanPtr handle = openPlan(o, description, plate, options);
+    const PlanPtr handle = openPlan(o, description, plate, options, console);
     plan(handle.get(), o);
     const PlanList list = listOf(handle.get(), options, plate, o.description);
     nlohmann::ordered_json json = planJson(list);
@@ -149,7 +149,7 @@ void runPlan(const PlanCommandOptions& o, const Console& console) {
     if (!o.folder.empty()) {
         console.say(fmt::format("wrote pictures.txt and plan.json to {}", o.folder));
     }
-    console.result(jsonText(json));
+    console.result(json);
 }
 
 }  // namespace

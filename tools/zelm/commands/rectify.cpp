@@ -13,7 +13,6 @@
 #include "epipolarLine.h"
 #include "failure.h"
 #include "imageSet.h"
-#include "jsonText.h"
 #include "numberText.h"
 #include "outputFiles.h"
 #include "pairFile.h"
@@ -193,7 +192,7 @@ Json resultJson(const RectifyOptions& o, const References& references, const Nam
 }
 
 void runRectify(const RectifyOptions& o, const Console& console) {
-    const LoadedRig rig = loadRig(o.rig);
+    const LoadedRig rig = loadRig(o.rig, console);
     const AnyPicture left = readCameraPicture(o.left, rig, 'L');
     const AnyPicture right = readCameraPicture(o.right, rig, 'R');
     const References references = referencesOf(o, rig);
@@ -222,7 +221,7 @@ void runRectify(const RectifyOptions& o, const Console& console) {
         "reference pixels: left ({:.3f}, {:.3f}), right ({:.3f}, {:.3f}): {}",
         names.left.string(), names.right.string(), names.pair.string(), drawing.lines.size(), references.left.x,
         references.left.y, references.right.x, references.right.y, references.origin));
-    console.result(jsonText(resultJson(o, references, names, drawing)));
+    console.result(resultJson(o, references, names, drawing));
 }
 
 void runAny(const RectifyOptions& o, const Console& console) {

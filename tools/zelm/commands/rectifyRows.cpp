@@ -104,7 +104,7 @@ std::string disparityText(const ZelmMeasureRows& rows) {
 
 void rectifyRows(const RowsOptions& o, const Console& console) {
     const ZelmMeasureRowOptions options = libraryOptions(o);
-    const LoadedRig rig = loadRig(o.rig);
+    const LoadedRig rig = loadRig(o.rig, console);
     ZelmMeasureRows rows{};
     rows.size = sizeof(rows);
     rig.require(zelmMeasureAlignRows(rig.handle.get(), &options, &rows), o.rig);
@@ -127,6 +127,7 @@ void rectifyRows(const RowsOptions& o, const Console& console) {
     outputs.add(leftPath, encodePng(rowsOf(left, leftMap)));
     outputs.add(rightPath, encodePng(rowsOf(right, rightMap)));
     Json json = rowsJson(rows);
+    json["units"] = rig.units;
     json["left"] = leftPath.filename().string();
     json["right"] = rightPath.filename().string();
     outputs.add(folder / "rows.json", jsonText(json) + "\n");
@@ -138,12 +139,12 @@ void rectifyRows(const RowsOptions& o, const Console& console) {
     outputs.commit();
 
     console.say(
-        fmt::format("{} and {}: every point in one row\nfocal length {:.3f} px, baseline {:.4f} plate units, {}\n"
+        fmt::format("{} and {}: every point in one row\nfocal length {:.3f} px, baseline {:.4f} {}, {}\n"
                     "seen by the left camera {}, by the right one {}\nwrote rows.json and rows.yml{} to {}",
-                    leftPath.string(), rightPath.string(), rows.P1[0], std::abs(rows.P2[3] / rows.P2[0]),
+                    leftPath.string(), rightPath.string(), rows.P1[0], std::abs(rows.P2[3] / rows.P2[0]), rig.units,
                     disparityText(rows), seenText(rows.leftSeen), seenText(rows.rightSeen),
                     o.writesMaps ? ", left_map.npy and right_map.npy" : "", o.folder));
-    console.result(jsonText(json));
+    console.result(json);
 }
 
 }  // namespace zelm::tool

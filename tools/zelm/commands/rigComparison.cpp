@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "failure.h"
-#include "jsonText.h"
 #include "numberText.h"
 #include "rigFile.h"
 
@@ -48,13 +47,13 @@ std::string partText(double part) {
     return std::abs(part) > kRounding ? fmt::format("1 : {:.0f}", 1.0 / std::abs(part)) : "none";
 }
 
-std::string volumeText(const ZelmMeasureVolumeDifference& v) {
+std::string volumeText(const ZelmMeasureVolumeDifference& v, const std::string& units) {
     return fmt::format(
         "volume: {} points at depths {:.6g} to {:.6g}, the same pixels by both\n"
-        "points               RMS {:.5f}, worst {:.5f} plate units\n"
+        "points               RMS {:.5f}, worst {:.5f} {}\n"
         "  rigid motion out   RMS {:.5f}, worst {:.5f}, at ({:.1f}, {:.1f}, {:.1f}) before the left camera\n"
         "lengths              {:+.1f} ppm in the mean; RMS {}, worst {}",
-        v.count, v.nearest, v.farthest, v.rms, v.worst, v.alignedRms, v.alignedWorst, v.worstAt[0], v.worstAt[1],
+        v.count, v.nearest, v.farthest, v.rms, v.worst, units, v.alignedRms, v.alignedWorst, v.worstAt[0], v.worstAt[1],
         v.worstAt[2], 1e6 * v.scale, partText(v.lengthRms), partText(v.lengthWorst));
 }
 
@@ -68,23 +67,23 @@ std::string covarianceText(const ZelmMeasureComparison& c) {
                                                        : "no more than they tell of independent calibrations");
 }
 
-std::string comparisonText(const ZelmMeasureComparison& c) {
+std::string comparisonText(const ZelmMeasureComparison& c, const std::string& units) {
     std::string text = fmt::format("{:<12}{:>10}{:>10}  {:<16}{:>12}{:>12}", "image, px", "RMS", "worst", "at",
                                    "before turn", "turn, deg");
     text += imageText("left", c.left) + imageText("right", c.right);
-    text += fmt::format("\nright camera against left one: turned by {:.5f} deg, shifted by {:.5f} plate units\n",
-                        lengthOf(c.pairTurn) * kDegreesPerRadian, lengthOf(c.pairShift));
-    text += fmt::format("baseline {:+.5f} plate units\n", c.baseline);
-    return text + volumeText(c.volume) + "\n" + covarianceText(c);
+    text += fmt::format("\nright camera against left one: turned by {:.5f} deg, shifted by {:.5f} {}\n",
+                        lengthOf(c.pairTurn) * kDegreesPerRadian, lengthOf(c.pairShift), units);
+    text += fmt::format("baseline {:+.5f} {}\n", c.baseline, units);
+    return text + volumeText(c.volume, units) + "\n" + covarianceText(c);
 }
 
 Json imageJson(const ZelmMeasureImageDifference& d) {
     return {{"rms", d.rms}, {"worst", d.worst}, {"worstAt", d.worstAt}, {"beforeTurn", d.unturned}, {"turn", d.turn}};
 }
 
-Json comparisonJson(const ZelmMeasureComparison& c) {
+Json comparisonJson(const ZelmMeasureComparison& c, const std::string& units) {
     const ZelmMeasureVolumeDifference& v = c.volume;
-    Json json{{"left", imageJson(c.left)}, {"right", imageJson(c.right)}};
+    Json json{{"units", units}, {"left", imageJson(c.left)}, {"right", imageJson(c.right)}};
     json["pair"] = {{"turn", c.pairTurn}, {"shift", c.pairShift}, {"baseline", c.baseline}};
     json["volume"] = {{"points", v.count},
                       {"depths", {v.nearest, v.farthest}},
@@ -105,6 +104,15 @@ Json comparisonJson(const ZelmMeasureComparison& c) {
     return json;
 }
 
+// The calibrations count in one unit; where one does not tell it, that of the other.
+std::string unitsOf(const LoadedRig& a, const LoadedRig& b) {
+    if (a.summary.hasUnits() && b.summary.hasUnits() && a.units != b.units) {
+        failData("{} and {}: one counts in {}, the other in {}: calibrate both with one unit to compare them",
+                 a.file.string(), b.file.string(), a.units, b.units);
+    }
+    return a.summary.hasUnits() ? a.units : b.units;
+}
+
 }  // namespace
 
 bool isCalibrationFile(const std::string& bytes) {
@@ -114,8 +122,9 @@ bool isCalibrationFile(const std::string& bytes) {
 void compareRigs(const std::string& first, const std::string& second, const std::string& depths,
                  const Console& console) {
     const ZelmMeasureCompareOptions options = libraryOptions(depths);
-    const LoadedRig a = loadRig(first);
-    const LoadedRig b = loadRig(second);
+    const LoadedRig a = loadRig(first, console);
+    const LoadedRig b = loadRig(second, console);
+    const std::string units = unitsOf(a, b);
     ZelmMeasureComparison c{};
     c.size = sizeof(c);
     const std::int32_t status = zelmMeasureCompare(a.handle.get(), b.handle.get(), &options, &c);
@@ -124,8 +133,8 @@ void compareRigs(const std::string& first, const std::string& second, const std:
         failData("{} and {}: {}{}", first, second, remedy,
                  remedy.ends_with("so name them") ? " with --depths NEAREST,FARTHEST" : "");
     }
-    console.say(fmt::format("{} less {}\n{}", second, first, comparisonText(c)));
-    console.result(jsonText(comparisonJson(c)));
+    console.say(fmt::format("{} less {}\n{}", second, first, comparisonText(c, units)));
+    console.result(comparisonJson(c, units));
 }
 
 }  // namespace zelm::tool

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
+#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <vector>
@@ -12,7 +13,6 @@
 #include "cameraPicture.h"
 #include "dots.h"
 #include "failure.h"
-#include "jsonText.h"
 #include "numberText.h"
 #include "rigFigures.h"
 #include "spacePoints.h"
@@ -306,7 +306,7 @@ void compareScene(const LoadedRig& rig, const fs::path& rigPath, const nlohmann:
     for (const Distances& d : list) {
         json[d.key] = figuresJson(d.figures);
     }
-    console.result(jsonText(json));
+    console.result(json);
 }
 
 }  // namespace zelm::tool

@@ -153,7 +153,7 @@ void simulate(const SimulateOptions& options, const Console& console) {
                                                {"dots", render::plateDots(d.plate).size()},
                                                {"truth", (folder / "truth.json").string()},
                                                {"plate", (folder / "plate.json").string()}};
-        console.result(jsonText(result));
+        console.result(result);
     }
 }
 
@@ -175,8 +175,7 @@ void addSimulate(CommandLine& commandLine, Console& console) {
     sub.flag("--example", options->example, "Print a complete description with comments, and do nothing else");
     sub.does([options, &console] {
         if (options->example && console.json) {
-            console.result(
-                jsonText({{"description", nlohmann::ordered_json::parse(exampleDescription(), nullptr, true, true)}}));
+            console.result({{"description", nlohmann::ordered_json::parse(exampleDescription(), nullptr, true, true)}});
         } else if (options->example) {
             fmt::print("{}", exampleDescription());
         } else if (options->folder.empty()) {

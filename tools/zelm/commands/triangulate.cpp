@@ -12,13 +12,11 @@
 #include "cloudPage.h"
 #include "dotPairs.h"
 #include "failure.h"
-#include "jsonText.h"
 #include "outputFiles.h"
 #include "rigFigures.h"
 #include "spacePoints.h"
 #include "spaceUncertainty.h"
 #include "subcommands.h"
-#include "verdict.h"
 
 namespace zelm::tool {
 namespace {
@@ -257,8 +255,7 @@ void writeFiles(const TriangulateOptions& o, const std::vector<PixelPair>& pairs
 
 void runTriangulate(const TriangulateOptions& o, const Console& console) {
     checkNames(o);
-    const LoadedRig rig = loadRig(o.rig);
-    warnOfRefused(o.rig, console);
+    const LoadedRig rig = loadRig(o.rig, console);
     std::vector<PixelPair> pairs = readPairFile(o.pairs);
     OutputFiles outputs;
     outputs.prepareFolder(fs::path(o.csv).parent_path());
@@ -293,7 +290,7 @@ void runTriangulate(const TriangulateOptions& o, const Console& console) {
         json["units"] = rig.units;
         addUncertainty(json, known, o, rig);
         json["list"] = pointsJson(pairs, points, known);
-        console.result(jsonText(json));
+        console.result(json);
     }
 }
 

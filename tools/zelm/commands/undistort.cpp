@@ -13,7 +13,6 @@
 #include "cameraPicture.h"
 #include "failure.h"
 #include "imageSet.h"
-#include "jsonText.h"
 #include "letterCase.h"
 #include "outputFiles.h"
 #include "subcommands.h"
@@ -68,7 +67,7 @@ std::vector<Job> jobsOf(const UndistortOptions& options) {
 }
 
 void runUndistort(const UndistortOptions& options, const Console& console) {
-    const LoadedRig rig = loadRig(options.rig);
+    const LoadedRig rig = loadRig(options.rig, console);
     const std::vector<Job> jobs = jobsOf(options);
     OutputFiles outputs;
     outputs.keep(options.rig);
@@ -98,7 +97,7 @@ void runUndistort(const UndistortOptions& options, const Console& console) {
         list.push_back(
             {{"image", job.image.string()}, {"camera", sideName(job.side)}, {"undistorted", job.output.string()}});
     }
-    console.result(jsonText({{"images", list}}));
+    console.result({{"images", list}});
 }
 
 }  // namespace

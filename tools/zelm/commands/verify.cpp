@@ -7,13 +7,13 @@
 #include <optional>
 
 #include "driftReport.h"
+#include "failedPictures.h"
 #include "failure.h"
 #include "imageSet.h"
 #include "jsonText.h"
 #include "outputFiles.h"
 #include "plateOptions.h"
 #include "subcommands.h"
-#include "verdict.h"
 #include "verifyLengths.h"
 
 namespace zelm::tool {
@@ -41,6 +41,8 @@ struct VerifyOptions {
     std::string dots = "refined";  // or "reader"
     std::string csv;
 
+    // Pictures of images that cannot be read go beside the CSV.
+    fs::path folder() const { return fs::path(csv).parent_path(); }
     bool hasImages() const { return !left.empty(); }
     bool hasLengths() const { return hasImages() || !lengths.empty(); }
 };
@@ -49,7 +51,7 @@ struct Verification {
     std::string subject;  // the file that a verdict is about
     std::size_t views = 0;
     std::size_t refused = 0;  // dots that their pixels do not confirm
-    std::vector<std::string> skipped;
+    std::vector<SkippedView> skipped;
     std::optional<LengthCheck> lengths;
     DriftCheck drift;
 };
@@ -108,9 +110,22 @@ Verification verifyImages(const VerifyOptions& o, const LoadedRig& rig, const Co
     v.subject = o.rig;
     v.views = reading.views.size();
     v.skipped = std::move(reading.skipped);
+    std::vector<fs::path> read;
     for (const ViewDots& view : reading.views) {
         v.refused += view.refused;
+        read.push_back(view.left);
+        read.push_back(view.right);
     }
+    const std::vector<ImageTrouble> troubles = troublesOf(v.skipped);
+    try {
+        addFailedPictures(troubles, o.folder(), outputs);
+    } catch (const Failure&) {
+        if (!o.csv.empty()) {
+            throw;
+        }
+        // Without -o nothing was asked for, and a verdict matters more than a place that cannot be written to.
+    }
+    supersedeFailedPictures(read, troubles, o.folder(), outputs);
     PointPixels pixels;
     v.lengths = checkPlateLengths(rig, plate, reading.views, console, pixels);
     v.drift = checkDrift(rig, pixels, o);
@@ -144,7 +159,11 @@ Json verificationJson(const Verification& v, const VerifyOptions& o) {
     Json json{{"rig", o.rig}};
     if (o.hasImages()) {
         json["views"] = v.views;
-        json["skipped"] = v.skipped;
+        Json skipped = Json::array();
+        for (const SkippedView& view : v.skipped) {
+            skipped.push_back(view.reason);
+        }
+        json["skipped"] = skipped;
         json["dots"] = o.dots;
         json["dotsNotConfirmed"] = v.refused;
     }
@@ -178,8 +197,7 @@ void giveVerdict(const Verification& v, const std::string& result) {
 
 void runVerify(const VerifyOptions& o, const Console& console) {
     checkOptions(o);
-    const LoadedRig rig = loadRig(o.rig);
-    warnOfRefused(o.rig, console);
+    const LoadedRig rig = loadRig(o.rig, console);
     OutputFiles outputs;
     outputs.keep(o.rig);
     outputs.keep(covarianceFile(o.rig));
@@ -204,8 +222,8 @@ void runVerify(const VerifyOptions& o, const Console& console) {
     if (!o.csv.empty()) {
         console.say(fmt::format("wrote {}", o.csv));
     }
-    const std::string result = jsonText(verificationJson(v, o));
-    giveVerdict(v, result);
+    const Json result = verificationJson(v, o);
+    giveVerdict(v, jsonText(result));
     console.result(result);
 }
 
@@ -236,8 +254,8 @@ void addVerify(CommandLine& commandLine, Console& console) {
     sub.option("--calibration-error", o->calibrationError,
                "RMS epipolar distance in pixels that the calibration itself may have without being told as drift, "
                "beside what its covariance tells; default: 0 with a covariance, else 0.003");
-    sub.option("-o,--output", o->csv, "CSV of all lengths");
-    sub.does([o, &console] { runVerify(*o, console); });
+    sub.option("-o,--output", o->csv, "CSV of all lengths; pictures of images that cannot be read go beside it");
+    sub.does([o, &console] { showingFailures(o->folder(), [&] { runVerify(*o, console); }); });
 }
 
 }  // namespace zelm::tool

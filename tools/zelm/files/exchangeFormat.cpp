@@ -39,15 +39,23 @@ std::vector<std::string> exchangeWords() {
     return words;
 }
 
-double metresOfUnit(const std::string& unit) {
-    constexpr std::array<std::pair<const char*, double>, 5> kUnits{
-        {{"mm", 0.001}, {"cm", 0.01}, {"m", 1.0}, {"um", 1e-6}, {"in", 0.0254}}};
+std::optional<double> knownMetres(const std::string& unit) {
+    constexpr std::array<std::pair<const char*, double>, 7> kUnits{
+        {{"mm", 0.001}, {"cm", 0.01}, {"m", 1.0}, {"um", 1e-6}, {"in", 0.0254}, {"inch", 0.0254}, {"mil", 0.0000254}}};
     for (const auto& [name, metres] : kUnits) {
         if (unit == name) {
             return metres;
         }
     }
-    failUsage("--unit {}: expected um, mm, cm, m or in", unit);
+    return std::nullopt;
+}
+
+double metresOfUnit(const std::string& unit) {
+    const std::optional<double> metres = knownMetres(unit);
+    if (!metres) {
+        failUsage("--unit {}: expected um, mm, cm, m, mil or inch", unit);
+    }
+    return *metres;
 }
 
 }  // namespace zelm::tool

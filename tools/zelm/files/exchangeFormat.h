@@ -4,6 +4,7 @@
 
 #include <zelmMeasure.h>
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -25,7 +26,10 @@ const ExchangeFormat& exchangeFormat(const std::string& word, const std::string&
 // The words, for help and for options.
 std::vector<std::string> exchangeWords();
 
-// Metres in a unit of length, "mm". Throws Failure for an unknown one.
+// Metres in a unit of length, "mm"; nothing for an unknown one.
+std::optional<double> knownMetres(const std::string& unit);
+
+// The same; throws Failure, naming --unit, for an unknown one.
 double metresOfUnit(const std::string& unit);
 
 }  // namespace zelm::tool

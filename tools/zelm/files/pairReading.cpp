@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <map>
 #include <string>
 #include <utility>
 
@@ -61,7 +60,7 @@ public:
 
     PairReading read() {
         readAll(views, true);
-        warnOfSkipped();
+        warnOfSkipped(reading.skipped, console);
         requireEnoughViews();
         // The object's number of views is fixed when it is opened: with some left out it is opened anew.
         if (neededSlots(reading.used.size()) != openedSlots) {
@@ -100,45 +99,6 @@ private:
         }
     }
 
-    // Views whose images have the same fault are one line.
-    void warnOfSkipped() const {
-        std::vector<ImageTrouble> alike;
-        std::map<std::string, std::size_t> counts;  // of the views with that cause
-        for (const SkippedView& view : reading.skipped) {
-            if (isOfOneCause(view)) {
-                alike.insert(alike.end(), view.troubles.begin(), view.troubles.end());
-                ++counts[view.troubles.front().cause];
-            } else {
-                console.warn(fmt::format("skipping a view: {}", view.reason));
-            }
-        }
-        for (const TroubleGroup& group : groupsOf(alike)) {
-            const std::size_t count = counts.at(group.cause);
-            console.warn(count == 1 ? fmt::format("skipping a view: {}", group.line)
-                                    : fmt::format("skipping {} views: {}", count, group.line));
-        }
-    }
-
-    static bool isOfOneCause(const SkippedView& view) {
-        return !view.troubles.empty() &&
-               std::all_of(view.troubles.begin(), view.troubles.end(),
-                           [&](const ImageTrouble& t) { return t.cause == view.troubles.front().cause; });
-    }
-
-    static std::vector<ImageTrouble> troublesOf(const std::vector<SkippedView>& views) {
-        std::vector<ImageTrouble> troubles;
-        for (const SkippedView& view : views) {
-            troubles.insert(troubles.end(), view.troubles.begin(), view.troubles.end());
-        }
-        return troubles;
-    }
-
-    // The cause that most of the images have.
-    static FailureCause causeOf(const std::vector<SkippedView>& views) {
-        const std::vector<TroubleGroup> groups = groupsOf(troublesOf(views));
-        return groups.empty() ? FailureCause{} : FailureCause{groups.front().cause, groups.front().images};
-    }
-
     // Reads a view into the next free place of the object. Gives the reason when it cannot be read.
     SkippedView readView(const ViewFiles& files, std::size_t viewCount) {
         ViewImage left{files.left, {}};
@@ -157,7 +117,7 @@ private:
             zelm2ViewReadPtnImg(reading.calib.get(), static_cast<std::int32_t>(reading.used.size()), images,
                                 settings.leftRegion ? &*settings.leftRegion : nullptr,
                                 settings.rightRegion ? &*settings.rightRegion : nullptr);
-        return status < 0 ? skippedView(files, status, left, right) : SkippedView{};
+        return status < 0 ? whySkipped(files, status, left, right) : SkippedView{};
     }
 
     void load(ViewImage& image) const {
@@ -192,9 +152,9 @@ private:
     }
 
     // The pair's status does not say which image it is about: each is read on its own.
-    SkippedView skippedView(const ViewFiles& files, std::int32_t status, const ViewImage& left,
-                            const ViewImage& right) const {
-        SkippedView view{files, {}, {}};
+    SkippedView whySkipped(const ViewFiles& files, std::int32_t status, const ViewImage& left,
+                           const ViewImage& right) const {
+        std::vector<ImageTrouble> troubles;
         for (const auto& [image, region] :
              {std::pair{&left, &settings.leftRegion}, std::pair{&right, &settings.rightRegion}}) {
             if (image->path.empty()) {
@@ -204,17 +164,15 @@ private:
             if (own >= 0) {
                 continue;
             }
-            view.troubles.push_back(troubleOf(*image->picture, image->path, settings.plate, *region));
+            troubles.push_back(troubleOf(*image->picture, image->path, settings.plate, *region));
             // In a mirror the markers of most plates make no grid with the dots.
             if (own == ZELM_ERR_PATTERN_GRID && !*region &&
                 readDots(mirrored(*image->picture), settings.plate, *region).status >= 0) {
-                view.troubles.back().cause = "mirrored";
-                view.troubles.back().text = "the image is mirrored: mirror it back";
+                troubles.back().cause = "mirrored";
+                troubles.back().text = "the image is mirrored: mirror it back";
             }
-            const ImageTrouble& trouble = view.troubles.back();
-            view.reason +=
-                fmt::format("{}{}: {}", view.reason.empty() ? "" : "; ", trouble.image.string(), trouble.text);
         }
+        SkippedView view = skippedView(files, std::move(troubles));
         if (view.reason.empty()) {
             view.reason =
                 fmt::format("{}: {}", left.path.string(),
@@ -228,14 +186,11 @@ private:
         if (reading.used.size() >= fewest()) {
             return;
         }
-        std::vector<ImageTrouble> troubles = troublesOf(reading.skipped);
-        const std::vector<TroubleGroup> groups = groupsOf(troubles);
         throw ImageFailure(
             fmt::format("only {} of {} views can be read and {} are needed: take more images of the plate, or correct "
                         "this: {}",
-                        reading.used.size(), views.size(), fewest(),
-                        groups.empty() ? reading.skipped.front().reason : groups.front().line),
-            causeOf(reading.skipped), std::move(troubles));
+                        reading.used.size(), views.size(), fewest(), mainReasonOf(reading.skipped)),
+            causeOf(reading.skipped), troublesOf(reading.skipped));
     }
 
     const std::vector<ViewFiles>& views;

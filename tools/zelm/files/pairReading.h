@@ -11,17 +11,12 @@
 
 #include "console.h"
 #include "imageFile.h"
-#include "imageTrouble.h"
 #include "pictureStore.h"
 #include "plateFile.h"
 #include "rigFile.h"
+#include "skippedViews.h"
 
 namespace zelm::tool {
-
-struct ViewFiles {
-    std::filesystem::path left;   // empty: not needed, as for a parallel camera after its first view
-    std::filesystem::path right;  // likewise
-};
 
 struct PairSettings {
     Plate plate;
@@ -30,13 +25,6 @@ struct PairSettings {
     std::optional<ZelmRect> leftRegion;
     std::optional<ZelmRect> rightRegion;
     bool strict = false;  // one view that cannot be read ends it all
-};
-
-struct SkippedView {
-    ViewFiles files;
-    std::string reason;                  // names the image at fault
-    std::vector<ImageTrouble> troubles;  // of its images; none for a file that is no image
-    bool isSetAside = false;             // it was read, but must not take part
 };
 
 struct PairReading {

@@ -1,7 +1,6 @@
 #include "rigFile.h"
 
 #include <algorithm>
-#include <nlohmann/json.hpp>
 #include <utility>
 
 #include "console.h"
@@ -47,7 +46,6 @@ LoadedRig loaded(MeasurePtr handle) {
         rig.rig.covariance = covariance;
     }
     rig.handle = std::move(handle);
-    rig.units = kUnknownUnits;
     return rig;
 }
 
@@ -62,29 +60,6 @@ void loadCovariance(ZelmMeasureRig* handle, const fs::path& rig) {
     if (zelmMeasureCovarianceLoad(handle, bytes.data(), static_cast<std::int64_t>(bytes.size())) < 0) {
         failData("{}: {}", path.string(), zelmMeasureRigError(handle));
     }
-}
-
-// The unit of lengths that the summary beside the rig's file tells, if it is that of the same calibration.
-std::string unitsBeside(const fs::path& path, const Rig& rig) {
-    const fs::path summary = fs::path(path).replace_extension(".json");
-    std::error_code error;
-    if (!fs::is_regular_file(summary, error)) {
-        return kUnknownUnits;
-    }
-    const nlohmann::json json = nlohmann::json::parse(readWholeFile(summary, "a summary"), nullptr, false);
-    const auto at = [&json](const char* pointer) {
-        const nlohmann::json::json_pointer place(pointer);
-        return json.contains(place) ? json.at(place) : nlohmann::json();
-    };
-    const auto isOf = [](const nlohmann::json& value, double parameter) {
-        return value.is_number() && value.get<double>() == parameter;
-    };
-    const nlohmann::json units = at("/units/length");
-    const bool isSame = isOf(at("/left/alpha"), rig.left.intrinsics.alpha) &&
-                        isOf(at("/right/alpha"), rig.right.intrinsics.alpha) &&
-                        isOf(at("/left/cx"), rig.left.intrinsics.cx);
-    const bool isName = units.is_string() && !units.get<std::string>().empty();
-    return isSame && isName ? oneLine(units.get<std::string>()) : kUnknownUnits;
 }
 
 }  // namespace
@@ -149,7 +124,7 @@ std::string blockOf(const Zelm2ViewCalib* calib) {
     return bytes;
 }
 
-LoadedRig loadRig(const fs::path& path) {
+LoadedRig loadRig(const fs::path& path, const Console& console) {
     const std::string bytes = readWholeFile(path, "a calibration");
     ZelmMeasureRig* handle = nullptr;
     const std::int32_t status = zelmMeasureRigOpen(bytes.data(), static_cast<std::int64_t>(bytes.size()), &handle);
@@ -161,7 +136,11 @@ LoadedRig loadRig(const fs::path& path) {
     loadCovariance(handle, path);
     LoadedRig rig = loaded(std::move(owner));
     rig.file = path;
-    rig.units = unitsBeside(path, rig.rig);
+    rig.summary = savedSummary(path, rig.rig);
+    rig.units = rig.summary.units;
+    if (rig.summary.isRefused()) {
+        console.warn(savedVerdictText(path, rig.summary));
+    }
     return rig;
 }
 

@@ -11,7 +11,11 @@
 #include <string>
 #include <vector>
 
+#include "savedSummary.h"
+
 namespace zelm::tool {
+
+struct Console;
 
 // Own handles of the libraries.
 struct CloseCalib {
@@ -50,14 +54,13 @@ struct Rig {
     bool isImported() const { return views() == 1; }
 };
 
-inline constexpr const char* kUnknownUnits = "plate units";
-
 // A calibration ready to measure with: what it says, and the measuring library's handle of it.
 struct LoadedRig {
     Rig rig;
     MeasurePtr handle;
-    std::filesystem::path file;  // it was loaded from; empty for one that was just calibrated
-    std::string units;           // of lengths, in words
+    std::filesystem::path file;         // it was loaded from; empty for one that was just calibrated
+    SavedSummary summary;               // that stands beside the file
+    std::string units = kUnknownUnits;  // of lengths, in words
 
     // For the functions of the core that only read the calibration.
     const Zelm2ViewCalib* calib() const { return zelmMeasureRigCalib(handle.get()); }
@@ -84,10 +87,10 @@ std::string covarianceBytes(const LoadedRig& rig);
 // The file that holds the covariance of a rig: of the same name, but for the ending .zcov.
 std::filesystem::path covarianceFile(const std::filesystem::path& rig);
 
-// Reads and checks a block, the covariance beside it when there is one, and the unit of lengths from the summary beside
-// it (rig.json); a summary of another calibration, or none, leaves the unit unknown. Throws Failure, naming the file,
-// for a block that is truncated, foreign or damaged.
-LoadedRig loadRig(const std::filesystem::path& path);
+// Reads and checks a block, the covariance beside it when there is one, and the summary beside it (rig.json), for the
+// unit of lengths and the verdict. Every command loads its calibration here: one that was refused, and written all the
+// same, is a warning. Throws Failure, naming the file, for a block that is truncated, foreign or damaged.
+LoadedRig loadRig(const std::filesystem::path& path, const Console& console);
 
 }  // namespace zelm::tool
 

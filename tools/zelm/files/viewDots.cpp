@@ -3,25 +3,29 @@
 #include <fmt/format.h>
 
 #include <map>
+#include <utility>
 
 #include "dots.h"
 #include "failure.h"
 #include "imageFile.h"
-#include "imageTrouble.h"
+#include "numberText.h"
 
 namespace zelm::tool {
 namespace {
 
 namespace fs = std::filesystem;
 
-// Throws Failure that the caller may take as a reason to skip the view.
-std::map<GridIndex, Point2d> dotsOf(const Picture& picture, const fs::path& path, const Plate& plate,
-                                    const std::optional<ZelmRect>& region) {
+using DotMap = std::map<GridIndex, Point2d>;
+
+// Adds to the troubles, and gives nothing, for an image that cannot be read.
+DotMap dotsOf(const Picture& picture, const fs::path& path, const Plate& plate, const std::optional<ZelmRect>& region,
+              std::vector<ImageTrouble>& troubles) {
     const DotReading reading = readDots(picture, plate, region);
     if (reading.status < 0) {
-        failImage(troubleOf(picture, path, plate, region));
+        troubles.push_back(troubleOf(picture, path, plate, region));
+        return {};
     }
-    std::map<GridIndex, Point2d> dots;
+    DotMap dots;
     for (const Dot& dot : reading.dots) {
         dots.emplace(dot.index, dot.pixel);
     }
@@ -41,8 +45,7 @@ void checkPicture(const Picture& picture, const fs::path& path, const LoadedRig&
     }
 }
 
-ViewDots common(const fs::path& leftPath, const fs::path& rightPath, const std::map<GridIndex, Point2d>& left,
-                const std::map<GridIndex, Point2d>& right) {
+ViewDots common(const fs::path& leftPath, const fs::path& rightPath, const DotMap& left, const DotMap& right) {
     ViewDots view;
     view.left = leftPath;
     view.right = rightPath;
@@ -82,6 +85,48 @@ void refine(const LoadedRig& rig, const Plate& plate, const Picture& left, const
     view.refused = count - view.count();
 }
 
+class ViewReader {
+public:
+    ViewReader(const ViewImages& viewImages, const Plate& viewPlate, const LoadedRig& viewRig)
+        : images(viewImages), plate(viewPlate), rig(viewRig) {}
+
+    // Into the reading: the dots that both images show, or why there are none.
+    void read(const ViewFiles& files, ViewDotsReading& reading) const {
+        Picture left;
+        Picture right;
+        try {
+            left = readPicture(files.left);
+            right = readPicture(files.right);
+        } catch (const Failure& failure) {
+            reading.skipped.push_back({files, failure.what(), {}, false});
+            return;
+        }
+        checkPicture(left, files.left, rig, 'L', images.leftRegion);
+        checkPicture(right, files.right, rig, 'R', images.rightRegion);
+        std::vector<ImageTrouble> troubles;
+        const DotMap leftDots = dotsOf(left, files.left, plate, images.leftRegion, troubles);
+        const DotMap rightDots = dotsOf(right, files.right, plate, images.rightRegion, troubles);
+        if (!troubles.empty()) {
+            reading.skipped.push_back(skippedView(files, std::move(troubles)));
+            return;
+        }
+        try {
+            ViewDots view = common(files.left, files.right, leftDots, rightDots);
+            if (images.areRefined) {
+                refine(rig, plate, left, right, view);
+            }
+            reading.views.push_back(std::move(view));
+        } catch (const Failure& failure) {
+            reading.skipped.push_back({files, failure.what(), {}, false});
+        }
+    }
+
+private:
+    const ViewImages& images;
+    const Plate& plate;
+    const LoadedRig& rig;
+};
+
 }  // namespace
 
 ViewDotsReading readViewDots(const ViewImages& images, const Plate& plate, const LoadedRig& rig,
@@ -91,41 +136,20 @@ ViewDotsReading readViewDots(const ViewImages& images, const Plate& plate, const
                   images.left.size(), images.right.size(), images.left.back().string(), images.right.back().string());
     }
     ViewDotsReading reading;
-    Progress progress(console, "reading views", images.left.size());
-    for (std::size_t i = 0; i < images.left.size(); ++i) {
-        const fs::path& leftPath = images.left[i];
-        const fs::path& rightPath = images.right[i];
-        std::optional<Picture> left;
-        std::optional<Picture> right;
-        const auto skip = [&](const Failure& failure) {
-            progress.erase();
-            console.warn(fmt::format("skipping a view: {}", failure.what()));
-            reading.skipped.emplace_back(failure.what());
-        };
-        try {
-            left = readPicture(leftPath);
-            right = readPicture(rightPath);
-        } catch (const Failure& failure) {
-            skip(failure);
-            continue;
+    {
+        Progress progress(console, "reading views", images.left.size());
+        const ViewReader reader(images, plate, rig);
+        for (std::size_t i = 0; i < images.left.size(); ++i) {
+            reader.read({images.left[i], images.right[i]}, reading);
+            progress.advance();
         }
-        checkPicture(*left, leftPath, rig, 'L', images.leftRegion);
-        checkPicture(*right, rightPath, rig, 'R', images.rightRegion);
-        try {
-            ViewDots view = common(leftPath, rightPath, dotsOf(*left, leftPath, plate, images.leftRegion),
-                                   dotsOf(*right, rightPath, plate, images.rightRegion));
-            if (images.areRefined) {
-                refine(rig, plate, *left, *right, view);
-            }
-            reading.views.push_back(std::move(view));
-        } catch (const Failure& failure) {
-            skip(failure);
-        }
-        progress.advance();
     }
     if (reading.views.empty()) {
-        failData("none of {} views can be read: {}", images.left.size(), reading.skipped.front());
+        throw ImageFailure(fmt::format("none of {} can be read: {}", counted(images.left.size(), "view"),
+                                       mainReasonOf(reading.skipped)),
+                           causeOf(reading.skipped), troublesOf(reading.skipped));
     }
+    warnOfSkipped(reading.skipped, console);
     return reading;
 }
 

@@ -5,12 +5,12 @@
 #include <cstdint>
 #include <filesystem>
 #include <optional>
-#include <string>
 #include <vector>
 
 #include "console.h"
 #include "plateFile.h"
 #include "rigFile.h"
+#include "skippedViews.h"
 
 namespace zelm::tool {
 
@@ -35,11 +35,11 @@ struct ViewDots {
 
 struct ViewDotsReading {
     std::vector<ViewDots> views;
-    std::vector<std::string> skipped;  // why, naming the image
+    std::vector<SkippedView> skipped;
 };
 
-// Reads the views one after the other; those that cannot be read are told as warnings. Throws Failure when none can,
-// and for images of another size than the rig's.
+// Reads the views one after the other; those that cannot be read are told as warnings. Throws ImageFailure when none
+// can, and Failure for images of another size than the rig's.
 ViewDotsReading readViewDots(const ViewImages& images, const Plate& plate, const LoadedRig& rig,
                              const Console& console);
 

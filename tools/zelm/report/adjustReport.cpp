@@ -158,6 +158,18 @@ std::vector<std::string> adjustRemarks(const AdjustReport& report) {
     return remarks;
 }
 
+void nameUnits(std::vector<ZelmMeasureCheck>& checks, const std::string& units) {
+    const std::string_view general = kUnknownUnits;
+    for (ZelmMeasureCheck& check : checks) {
+        std::string text = check.text;
+        for (std::size_t at = text.find(general); at != std::string::npos; at = text.find(general, at + units.size())) {
+            text.replace(at, general.size(), units);
+        }
+        const std::size_t length = text.copy(check.text, sizeof(check.text) - 1);
+        check.text[length] = '\0';
+    }
+}
+
 const char* verdictWord(std::int32_t verdict) {
     switch (verdict) {
         case ZELM_MEASURE_CHECK_FINE:

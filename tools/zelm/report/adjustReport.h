@@ -46,6 +46,9 @@ double baselineDeviation(const Rig& rig);
 std::string adjustLine(const AdjustReport& report);
 std::vector<std::string> adjustRemarks(const AdjustReport& report);
 
+// The measuring library says "plate units" of lengths: this says what they are.
+void nameUnits(std::vector<ZelmMeasureCheck>& checks, const std::string& units);
+
 // "fine", "notable", "wrong" or "not done".
 const char* verdictWord(std::int32_t verdict);
 // What the self-checks found, a line each of those that are not fine, after a line on how many are.

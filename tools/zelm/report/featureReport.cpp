@@ -125,12 +125,13 @@ std::string featureText(const MeasuredFeatures& m) {
     for (std::size_t i = 0; i < m.features.size(); ++i) {
         text += formText(m, i);
     }
-    return text + fmt::format("plate units; U95: half the interval that holds the truth at 95 %; noise: {}{}",
-                              m.noiseSource,
+    return text + fmt::format("{}; U95: half the interval that holds the truth at 95 %; noise: {}{}",
+                              m.units == kUnknownUnits ? m.units : "lengths in " + m.units, m.noiseSource,
                               m.hasCalibration ? "" : "; the calibration's part is not known: give it with --rig");
 }
 
 std::string featureCsv(const MeasuredFeatures& m) {
+    const std::string length = m.units == kUnknownUnits ? "" : csvField(m.units);
     std::string csv = "name,quantity,unit,value,U95,sigma,noise_sigma,calibration_sigma\n";
     const auto row = [&csv](const std::string& name, const char* quantity, const std::string& rest) {
         csv += fmt::format("{},{},{}\n", csvField(name), quantity, rest);
@@ -139,24 +140,24 @@ std::string featureCsv(const MeasuredFeatures& m) {
         const std::string known =
             f.isKnown ? fmt::format("{:.6g},{:.6g},{:.6g},", f.expanded, f.deviation, f.noise) : ",,,";
         row(f.name, f.quantity,
-            fmt::format("{},{:.10g},{}{}", f.unit, f.value, known,
+            fmt::format("{},{:.10g},{}{}", *f.unit == '\0' ? length : f.unit, f.value, known,
                         f.isKnown && m.hasCalibration ? fmt::format("{:.6g}", f.calibration) : ""));
     }
     for (std::size_t i = 0; i < m.features.size(); ++i) {
         const ZelmMeasureFeatureResult& r = m.results[i];
         const std::string& name = m.features[i].name;
-        const auto plain = [&](const char* quantity, double value) {
-            row(name, quantity, fmt::format(",{:.10g},,,,", value));
+        const auto plain = [&](const char* quantity, double value, const std::string& unit) {
+            row(name, quantity, fmt::format("{},{:.10g},,,,", unit, value));
         };
-        plain("points", static_cast<double>(r.used));
-        plain("left_out", static_cast<double>(r.leftOut));
-        plain("rms", r.rms);
-        plain("worst", r.worst);
+        plain("points", static_cast<double>(r.used), "");
+        plain("left_out", static_cast<double>(r.leftOut), "");
+        plain("rms", r.rms, length);
+        plain("worst", r.worst, length);
         if (m.features[i].kind != ZELM_MEASURE_FEATURE_POINT) {
-            plain(formWord(m.features[i].kind), r.form);
+            plain(formWord(m.features[i].kind), r.form, length);
         }
         if (m.features[i].kind == ZELM_MEASURE_FEATURE_CIRCLE) {
-            plain("flatness", r.flatness);
+            plain("flatness", r.flatness, length);
         }
     }
     return csv;
@@ -227,7 +228,7 @@ Json featureJson(const MeasuredFeatures& m) {
         }
         relations.push_back(json);
     }
-    return {{"features", features}, {"relations", relations}, {"noise", m.noiseSource}};
+    return {{"units", m.units}, {"features", features}, {"relations", relations}, {"noise", m.noiseSource}};
 }
 
 }  // namespace zelm::tool

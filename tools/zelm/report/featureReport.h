@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "featureNames.h"
+#include "savedSummary.h"
 
 namespace zelm::tool {
 
@@ -21,6 +22,7 @@ struct MeasuredFeatures {
     std::vector<std::vector<std::int32_t>> uses;  // of each feature's points
     bool hasCalibration = false;                  // the calibration's part is known
     std::string noiseSource;                      // what the other part is told from
+    std::string units = kUnknownUnits;            // of lengths, in words
 
     std::vector<std::string> leftOut(std::size_t feature) const;
 };

@@ -3,7 +3,6 @@
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <fstream>
 #include <iterator>
 #include <nlohmann/json.hpp>
 #include <utility>
@@ -82,33 +81,6 @@ void requireTrust(const Verdict& verdict, bool isForced) {
                     fmt::format("{}; nothing was written (--force writes it all the same)", doubt->text), cause);
     failure.result = jsonText(nlohmann::ordered_json{{"verdict", verdictJson(verdict)}});
     throw failure;
-}
-
-std::optional<std::string> savedDoubt(const std::filesystem::path& rig) {
-    std::filesystem::path file = rig;
-    file.replace_extension(".json");
-    std::ifstream in(file);
-    const auto json = nlohmann::json::parse(in, nullptr, false);
-    if (!in || json.is_discarded() || !json.is_object() || !json.contains("verdict")) {
-        return std::nullopt;
-    }
-    const auto& verdict = json["verdict"];
-    const auto text = [&](const char* name) {
-        return verdict.is_object() && verdict.contains(name) && verdict[name].is_string()
-                   ? verdict[name].get<std::string>()
-                   : std::string();
-    };
-    if (text("status").empty() || text("status") == statusWord(VerdictStatus::good)) {
-        return std::nullopt;
-    }
-    return fmt::format("{}: {} says of this calibration: {}", rig.string(), file.filename().string(), text("sentence"));
-}
-
-void warnOfRefused(const std::filesystem::path& rig, const Console& console) {
-    const std::optional<std::string> doubt = savedDoubt(rig);
-    if (doubt && doubt->find("says of this calibration: Refused") != std::string::npos) {
-        console.warn(*doubt);
-    }
 }
 
 }  // namespace zelm::tool

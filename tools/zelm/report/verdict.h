@@ -4,11 +4,8 @@
 
 #include <filesystem>
 #include <nlohmann/json_fwd.hpp>
-#include <optional>
 #include <string>
 #include <vector>
-
-#include "console.h"
 
 namespace zelm::tool {
 
@@ -39,12 +36,6 @@ nlohmann::ordered_json verdictJson(const Verdict& verdict);
 
 // Throws Failure for a refused result, unless it is wanted all the same.
 void requireTrust(const Verdict& verdict, bool isForced);
-
-// What the files written beside a calibration say against it; nothing where they are missing or say that it is good.
-std::optional<std::string> savedDoubt(const std::filesystem::path& rig);
-
-// Warns before measuring with a calibration that was refused and written all the same.
-void warnOfRefused(const std::filesystem::path& rig, const Console& console);
 
 }  // namespace zelm::tool
 

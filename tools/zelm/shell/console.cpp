@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "jsonText.h"
+
 namespace zelm::tool {
 namespace {
 
@@ -26,9 +28,12 @@ void Console::say(std::string_view line) const {
     }
 }
 
-void Console::result(std::string_view jsonText) const {
+void Console::result(const nlohmann::ordered_json& result) const {
     if (json) {
-        fmt::print("{{\n  \"status\": \"done\",{}\n", jsonText.substr(1));
+        nlohmann::ordered_json all{{"status", "done"}, {"warnings", nlohmann::ordered_json::array()}};
+        all.update(result);
+        all["warnings"] = warnings;  // where a summary has its own, these are among them
+        fmt::print("{}\n", jsonText(all));
     }
 }
 
@@ -37,7 +42,8 @@ void Console::warn(std::string_view line) const {
         return;
     }
     std::fflush(stdout);
-    fmt::print(stderr, "zelm: warning: {}\n", oneLine(line));
+    warnings.push_back(oneLine(line));
+    fmt::print(stderr, "zelm: warning: {}\n", warnings.back());
 }
 
 Progress::Progress(const Console& console, std::string_view text, std::size_t count)

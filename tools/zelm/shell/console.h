@@ -3,8 +3,10 @@
 #define ZELM_TOOL_CONSOLE_H
 
 #include <cstddef>
+#include <nlohmann/json_fwd.hpp>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace zelm::tool {
 
@@ -12,16 +14,17 @@ namespace zelm::tool {
 std::string oneLine(std::string_view text);
 
 struct Console {
-    bool json = false;    // results as JSON, and nothing else on stdout
-    bool quiet = false;   // no text and no progress; warnings and errors remain
-    std::string command;  // as it was typed, for reports
+    bool json = false;                          // results as JSON, and nothing else on stdout
+    bool quiet = false;                         // no text and no progress; warnings and errors remain
+    std::string command;                        // as it was typed, for reports
+    mutable std::vector<std::string> warnings;  // that were printed so far, for the result
 
     // A line of text for people; nothing with --json or --quiet.
     void say(std::string_view line) const;
-    // The result for machines, a JSON object with fields, which gets "status": "done" in front; written with --json
-    // only.
-    void result(std::string_view jsonText) const;
-    // One line on stderr; nothing for an empty one.
+    // The result for machines, an object, which gets "status": "done" and all warnings so far in front; written with
+    // --json only.
+    void result(const nlohmann::ordered_json& result) const;
+    // One line on stderr, which results and failures tell as well; nothing for an empty one. Not from several threads.
     void warn(std::string_view line) const;
 };
 

@@ -17,13 +17,14 @@ bool asksForJson(int argc, const char* const* argv) {
     return false;
 }
 
-std::string failureJson(const Failure& failure) {
+std::string failureJson(const Failure& failure, const std::vector<std::string>& warnings) {
     const char* const general = failure.code == ExitCode::usage ? "usage" : "data";
     nlohmann::ordered_json json{{"status", "failed"},
                                 {"exitCode", static_cast<int>(failure.code)},
                                 {"message", oneLine(failure.what())},
                                 {"cause", failure.cause.word.empty() ? general : failure.cause.word},
-                                {"images", failure.cause.images}};
+                                {"images", failure.cause.images},
+                                {"warnings", warnings}};
     if (!failure.result.empty()) {
         json.update(nlohmann::ordered_json::parse(failure.result));
     }

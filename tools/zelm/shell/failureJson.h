@@ -3,6 +3,7 @@
 #define ZELM_TOOL_FAILURE_JSON_H
 
 #include <string>
+#include <vector>
 
 #include "failure.h"
 
@@ -11,8 +12,8 @@ namespace zelm::tool {
 // Whether a command line asks for JSON, also one that cannot be parsed.
 bool asksForJson(int argc, const char* const* argv);
 
-// {"status": "failed", "exitCode", "message", "cause", "images"} and what was found out all the same.
-std::string failureJson(const Failure& failure);
+// {"status": "failed", "exitCode", "message", "cause", "images", "warnings"} and what was found out all the same.
+std::string failureJson(const Failure& failure, const std::vector<std::string>& warnings);
 
 }  // namespace zelm::tool
 
