@@ -26,6 +26,10 @@ constexpr double kMovedPixels = 0.02;        // a view's residual that is nobody
 constexpr int kMaxRounds = 8;                // of weights and outliers
 constexpr double kSettledNoise = 0.01;       // relative change
 constexpr double kRayleighMedian = 1.17741;  // median length of a plane normal vector, standard deviations
+// What damps a step is at least one part in so many of each column's own square. Undamped, the normal equations of views
+// that leave a parameter open are singular to rounding; the solver cannot factorise them, and says so on the console
+// whatever it is told. Well determined parameters feel nothing of it.
+constexpr double kMaxTrustRegion = 1e10;
 constexpr std::size_t kMinViews = 3;
 constexpr std::size_t kMinDots = 6;  // of a view: its pose takes three
 
@@ -241,6 +245,7 @@ void Adjuster::solve(bool robust, double tolerance) {
     solver.function_tolerance = tolerance;
     solver.gradient_tolerance = 0.0;
     solver.parameter_tolerance = tolerance;
+    solver.max_trust_region_radius = kMaxTrustRegion;
     solver.num_threads = 1;
     solver.logging_type = ceres::SILENT;
     ceres::Solver::Summary result;
