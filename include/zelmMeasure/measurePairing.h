@@ -44,6 +44,7 @@ enum ZelmMeasureViewFate {
     ZELM_MEASURE_VIEW_OTHER_SESSION = 6,  ///< they agree with other views of this kind, on another pair of cameras
     ZELM_MEASURE_VIEW_NOTHING_FITS = 7,   ///< not at all, nor with any other image
     ZELM_MEASURE_VIEW_UNKNOWN = 8,        ///< too few pairs of images agree to judge by
+    ZELM_MEASURE_VIEW_SAME_IMAGES = 9,    ///< its two images show all dots in the same places, as no two cameras do
 };
 
 /// What was found about a view. Numbers of images are -1 where there is none.
@@ -79,6 +80,7 @@ enum ZelmMeasureSetCauseKind {
     ZELM_MEASURE_SET_OTHER_SESSION = 10,    ///< views of cameras that stood otherwise to each other
     ZELM_MEASURE_SET_NOTHING_FITS = 11,     ///< views in which something moved, or of which an image is foreign
     ZELM_MEASURE_SET_SAME_VIEWS = 12,       ///< views that add nothing to earlier ones
+    ZELM_MEASURE_SET_SAME_IMAGES = 13,      ///< views of which both images are one and the same
 };
 
 /// A cause, once for all views that it explains: those whose `cause` is its number.
@@ -91,6 +93,9 @@ typedef struct ZelmMeasureSetCause {
     int32_t quarterTurns;  ///< of turned images, clockwise
     int32_t views;         ///< that it explains
     int32_t reserved;      ///< 0
+    double turn;           ///< of another session: the right camera's turn against the left one's, from that of the
+                           ///< views which fit, radians; else 0
+    double shift;          ///< likewise of its centre, plate units; the views of a session tell it roughly
 } ZelmMeasureSetCause;
 
 /// What was found about a set.
@@ -108,7 +113,8 @@ typedef struct ZelmMeasurePairing {
 /// cameras. When the pairs as given do not, the relative pose is looked for that most one-to-one combinations of any
 /// left with any right image share. What the rest shows is explained by it: images of other views, copies, images that
 /// are turned or mirrored, left and right exchanged. An explanation holds when an adjustment confirms it to the noise
-/// of the dots.
+/// of the dots; images of other views are one only where the views as given do not fit. Views whose two images show all
+/// dots in the same places, to 0.1 pixel, are taken out before.
 /// A camera that is turned as a whole is no fault. Which of two images of a list have changed places, or which side of
 /// a mirrored pair is the mirrored one, dots alone may not tell: then both are named.
 /// @param images [in] the dots of the set

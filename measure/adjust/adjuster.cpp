@@ -26,9 +26,9 @@ constexpr double kMovedPixels = 0.02;        // a view's residual that is nobody
 constexpr int kMaxRounds = 8;                // of weights and outliers
 constexpr double kSettledNoise = 0.01;       // relative change
 constexpr double kRayleighMedian = 1.17741;  // median length of a plane normal vector, standard deviations
-// What damps a step is at least one part in so many of each column's own square. Undamped, the normal equations of views
-// that leave a parameter open are singular to rounding; the solver cannot factorise them, and says so on the console
-// whatever it is told. Well determined parameters feel nothing of it.
+// What damps a step is at least one part in so many of each column's own square. Undamped, the normal equations of
+// views that leave a parameter open are singular to rounding; the solver cannot factorise them, and says so on the
+// console whatever it is told. Well determined parameters feel nothing of it.
 constexpr double kMaxTrustRegion = 1e10;
 constexpr std::size_t kMinViews = 3;
 constexpr std::size_t kMinDots = 6;  // of a view: its pose takes three

@@ -38,7 +38,8 @@ public:
         tellStored();
         tellCopies();
         add({SetCauseKind::exchangedImages, {true, true}, 0, false, 0, viewsOf(ViewFate::exchanged)});
-        add({SetCauseKind::otherSession, {}, 0, false, 0, viewsOf(ViewFate::otherSession)});
+        add({SetCauseKind::sameImages, {true, true}, 0, false, 0, viewsOf(ViewFate::sameImages)});
+        add({SetCauseKind::otherSession, {}, 0, false, 0, viewsOf(ViewFate::otherSession), judgement.session});
         SetCause nothing{SetCauseKind::nothingFits, {}, 0, false, 0, viewsOf(ViewFate::nothingFits)};
         std::erase_if(nothing.views, [&](std::size_t view) { return isShifted[view]; });
         add(std::move(nothing));

@@ -23,7 +23,8 @@ enum class SetCauseKind {
     exchangedImages,  // left and right images within views
     otherSession,
     nothingFits,
-    sameViews,  // views that show the plate in the same place as an earlier one
+    sameViews,   // views that show the plate in the same place as an earlier one
+    sameImages,  // left and right image are the same
 };
 
 struct SetCause {
@@ -33,6 +34,7 @@ struct SetCause {
     bool isCyclic = false;             // of shifted: and goes on at the other end
     int quarterTurns = 0;              // of turned, clockwise
     std::vector<std::size_t> views;    // that it explains
+    PoseDifference difference{};       // of otherSession
 };
 
 // The causes, those that explain most first; what is merely of no use last.

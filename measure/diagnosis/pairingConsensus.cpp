@@ -69,6 +69,17 @@ std::array<bool, kSides> sidesThatMayBeMirrored(const SetOfImages& images) {
     return lacks[kLeft] != lacks[kRight] ? lacks : std::array<bool, kSides>{true, true};
 }
 
+PoseDifference differenceOf(const PlatePose& a, const PlatePose& b) {
+    const Vector3 from = timesTransposed(a.R, a.t);
+    const Vector3 to = timesTransposed(b.R, b.t);
+    double trace = 0.0;  // of the turn between both
+    for (std::size_t i = 0; i < a.R.size(); ++i) {
+        trace += a.R[i] * b.R[i];
+    }
+    return {std::acos(std::clamp(0.5 * (trace - 1.0), -1.0, 1.0)),
+            std::hypot(to[0] - from[0], to[1] - from[1], to[2] - from[2])};
+}
+
 class Finder {
 public:
     Finder(const SetOfImages& given, const std::vector<std::size_t>& readable, const CamerasAlone& camerasAlone)
@@ -135,9 +146,18 @@ private:
     void find() {
         const CandidatePairing shared = sharedBy(set, cameras[kLeft], cameras[kRight], indicesOf(pairs));
         consensus = adjusted(asGivenPairs(shared), shared.relative, false);
-        if (static_cast<double>(consensus.count()) >= kMinShare * static_cast<double>(pairs.size()) &&
-            consensus.count() >= kMinAgreeing) {
+        if (consensus.count() >= kMinAgreeing &&
+            static_cast<double>(consensus.count()) >= kMinShare * static_cast<double>(pairs.size())) {
             return;
+        }
+        // Few views determine cameras so badly that images which belong together look far apart before both cameras are
+        // adjusted together. No other pairing is looked for while the set as it is may be sound.
+        if (pairs.size() <= kMaxRoughViews) {
+            Consensus all = adjusted(pairs, shared.relative, false);
+            if (all.count() >= kMinAgreeing && all.count() == pairs.size()) {
+                consensus = std::move(all);
+                return;
+            }
         }
         vote(false);
         if (hasMirroredTwin(set.plate) && !agreed.isSideMirrored && 2 * consensus.count() < pairs.size()) {
@@ -148,9 +168,7 @@ private:
             }
         }
         if (consensus.count() < kMinAgreeing) {
-            // Cameras that three views hardly determine may be further off than is usual.
-            consensus =
-                adjusted(pairs, sharedBy(set, cameras[kLeft], cameras[kRight], indicesOf(pairs)).relative, false);
+            consensus = adjusted(pairs, shared.relative, false);
         }
     }
 
@@ -241,19 +259,23 @@ AgreedSet agreedOf(const SetOfImages& set, const std::vector<std::size_t>& reada
     return Finder(set, readable, alone).run();
 }
 
-std::vector<std::size_t> sharedSession(const AgreedSet& agreed, const std::vector<std::size_t>& views) {
+Session sharedSession(const AgreedSet& agreed, const std::vector<std::size_t>& views) {
     const auto& [left, right] = agreed.cameras;
     const CandidatePairing shared = sharedBy(agreed.set, left, right, indicesOf(pairsOfViews(views)));
     const std::vector<ImagePair> pairs = asGivenPairs(shared);
-    std::vector<std::size_t> session;
+    Session session;
     if (pairs.size() < kMinAgreeing) {
         return session;
     }
     const auto fit = PairingFitter(agreed.set, left, right).fitMost(pairs, shared.relative);
     for (std::size_t k = 0; fit && fit->count() >= kMinAgreeing && k < pairs.size(); ++k) {
         if (fit->fits[k]) {
-            session.push_back(pairs[k][kLeft].image);
+            session.views.push_back(pairs[k][kLeft].image);
         }
+    }
+    if (!session.views.empty()) {
+        session.difference =
+            differenceOf(platePoseOf(agreed.consensus.fit.state.relative), platePoseOf(fit->state.relative));
     }
     return session;
 }

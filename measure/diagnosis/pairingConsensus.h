@@ -42,8 +42,18 @@ struct AgreedSet {
 // `readable` are the views of which both images have dots; `alone` is each camera as its images determine it.
 AgreedSet agreedOf(const SetOfImages& set, const std::vector<std::size_t>& readable, const CamerasAlone& alone);
 
-// Those of the views as given that share another relative pose of the cameras; nothing where they are too few.
-std::vector<std::size_t> sharedSession(const AgreedSet& agreed, const std::vector<std::size_t>& views);
+// How otherwise the right camera stands to the left one.
+struct PoseDifference {
+    double turn = 0.0;   // radians
+    double shift = 0.0;  // of its centre, plate units
+};
+
+struct Session {
+    std::vector<std::size_t> views;
+    PoseDifference difference;  // from what the set agrees on
+};
+// Those of the views as given that share another relative pose of the cameras; none where they are too few.
+Session sharedSession(const AgreedSet& agreed, const std::vector<std::size_t>& views);
 
 }  // namespace zelm::measure
 

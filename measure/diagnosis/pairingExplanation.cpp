@@ -22,9 +22,15 @@ public:
     Explainer(AgreedSet& agreed, const PairingFitter& pairingFitter)
         : set(agreed.set), cameras(agreed.cameras), consensus(agreed.consensus), fitter(pairingFitter) {}
 
+    void run() {
+        explain();
+        preferGiven();
+    }
+
+private:
     // Adds the guesses that an adjustment of all confirms. What changes an image may also help to determine the
     // cameras, and so to judge what is left: twice is enough.
-    void run() {
+    void explain() {
         poses = posesOf(consensus.fit.state, fitter, views());
         for (int round = 0; round < 2; ++round) {
             const std::vector<ImagePair> more = withGuesses();
@@ -39,7 +45,44 @@ public:
         }
     }
 
-private:
+    // That images changed places may be said only where the views as given do not fit: of views that are alike, either
+    // order fits to the noise.
+    void preferGiven() {
+        for (const ImagePair& pair : std::vector<ImagePair>(consensus.pairs)) {
+            const bool isStillThere =
+                std::find(consensus.pairs.begin(), consensus.pairs.end(), pair) != consensus.pairs.end();
+            if (!isStillThere || !isOfTwoViews(pair)) {
+                continue;
+            }
+            const std::vector<ImagePair> given = withGiven(pair[kLeft].image, pair[kRight].image);
+            if (given.size() < consensus.count()) {
+                continue;
+            }
+            auto fit = fitter.fit(given, platePoseOf(consensus.fit.state.relative));
+            if (fit && fit->count() == given.size()) {
+                consensus = {given, std::move(*fit), consensus.isSideMirrored};
+            }
+        }
+    }
+
+    // Of two views in one list each, nothing else being changed.
+    static bool isOfTwoViews(const ImagePair& pair) {
+        return pair == asGiven(pair[kLeft].image, pair[kRight].image) && pair[kLeft].image != pair[kRight].image;
+    }
+
+    // The pairs of the consensus, but these views as they are given.
+    std::vector<ImagePair> withGiven(std::size_t a, std::size_t b) const {
+        std::vector<ImagePair> pairs = consensus.pairs;
+        const auto isOfThem = [&](const MeantImage& image) { return image.image == a || image.image == b; };
+        std::erase_if(pairs, [&](const ImagePair& p) { return isOfThem(p[kLeft]) || isOfThem(p[kRight]); });
+        for (const std::size_t view : {a, b}) {
+            if (cameras[kLeft].poses[view] && cameras[kRight].poses[view]) {
+                pairs.push_back(asGiven(view, view));
+            }
+        }
+        return pairs;
+    }
+
     std::size_t views() const { return set.views(); }
     bool isFree(Side side, std::size_t image) const {
         return cameras[side].poses[image].has_value() && !consensus.isCoupled(side, image);

@@ -15,7 +15,7 @@ using PosedImages = std::array<std::vector<PosedImage>, kSides>;
 // The poses of all images before the cameras of a state. They refer to the fitter's dots.
 PosedImages posesOf(const AdjustState& state, const PairingFitter& fitter, std::size_t views);
 
-// Adds to the consensus the pairs of images that an adjustment of all confirms.
+// Adds to the consensus the pairs of images that an adjustment of all confirms. Views that fit as given stay so.
 void explainOthers(AgreedSet& agreed, const PairingFitter& fitter);
 
 }  // namespace zelm::measure

@@ -129,7 +129,8 @@ std::optional<PairingFit> PairingFitter::fit(const std::vector<ImagePair>& pairs
     for (std::size_t i = 0; i < pairs.size(); ++i) {
         const double misfit = std::max(misfitOf(views[i].dots[kLeft]), misfitOf(views[i].dots[kRight]));
         result.misfits.push_back(misfit);
-        result.fits.push_back(views[i].leftOut.empty() && misfit <= result.limit);
+        // Also a view that the adjustment left out for a little: its images show the plate in one place all the same.
+        result.fits.push_back(misfit <= result.limit);
         if (result.fits.back()) {
             good.push_back(misfit);
         }

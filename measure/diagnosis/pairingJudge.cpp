@@ -14,9 +14,10 @@ namespace zelm::measure {
 namespace {
 
 constexpr double kInfinite = std::numeric_limits<double>::infinity();
-constexpr double kLooseLimit = 3.0;        // times the limit: for one that takes no part in the adjustment
-constexpr double kSameNoise = 4.0;         // times the noise, and at least
-constexpr double kSamePixels = 0.1;        // this, by which two images differ that show the plate in the same place
+constexpr double kLooseLimit = 3.0;  // times the limit: for one that takes no part in the adjustment
+constexpr double kSameNoise = 4.0;   // times the noise, and at least
+// this, in pixels, by which two images differ that show the plate in the same place. Two cameras never do.
+constexpr double kSamePixels = 0.1;
 constexpr double kNominalFocal = 1.2;      // of the image's longer side, for tilts where the camera is not determined
 constexpr double kSameWithoutNoise = 0.4;  // pixels; the same where the noise is not known
 // Pixels. Beyond, the plate's file or the camera model are wrong, and single views are not to blame.
@@ -50,6 +51,7 @@ public:
     SetJudgement run() {
         judgement.views.resize(views());
         markUnread();
+        takeOutSameImages();
         const CamerasAlone alone{calibratedAlone(set, kLeft), calibratedAlone(set, kRight)};
         tellTilts(alone);
         agreed = agreedOf(set, readableViews(), alone);
@@ -71,13 +73,27 @@ public:
 
 private:
     std::size_t views() const { return set.views(); }
-    bool isReadable(std::size_t view) const { return judgement.views[view].fate != ViewFate::unread; }
+    bool isReadable(std::size_t view) const {
+        const ViewFate fate = judgement.views[view].fate;
+        return fate != ViewFate::unread && fate != ViewFate::sameImages;
+    }
 
     void markUnread() {
         for (std::size_t i = 0; i < views(); ++i) {
             const bool isRead = set.images[kLeft][i].size() >= kMinShared && set.images[kRight][i].size() >= kMinShared;
             judgement.views[i].fate = isRead ? ViewFate::unknown : ViewFate::unread;
             judgement.views[i].misfit = kInfinite;
+        }
+    }
+
+    // One image given twice tells nothing of a second camera, and would spoil what its other images tell.
+    void takeOutSameImages() {
+        for (std::size_t i = 0; i < views(); ++i) {
+            if (isReadable(i) && differenceOf(set.images[kLeft][i], set.images[kRight][i]) <= kSamePixels) {
+                judgement.views[i].fate = ViewFate::sameImages;
+                set.images[kLeft][i].clear();
+                set.images[kRight][i].clear();
+            }
         }
     }
 
@@ -139,7 +155,7 @@ private:
         judgement.agreeing = consensus.count();
         for (std::size_t i = 0; i < views(); ++i) {
             ViewJudgement& view = judgement.views[i];
-            if (view.fate != ViewFate::unread) {
+            if (isReadable(i)) {
                 view.misfit = transferMisfit(consensus.fit.state, poses[kLeft][i], poses[kRight][i]);
                 view.fate = consensus.fit.typical <= kMaxTypical ? ViewFate::nothingFits : ViewFate::unknown;
             }
@@ -215,7 +231,9 @@ private:
                 others.push_back(i);
             }
         }
-        for (const std::size_t view : sharedSession(agreed, others)) {
+        const Session session = sharedSession(agreed, others);
+        judgement.session = session.difference;
+        for (const std::size_t view : session.views) {
             judgement.views[view].fate = ViewFate::otherSession;
         }
     }

@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <vector>
 
-#include "pairedImages.h"
+#include "pairingConsensus.h"
 
 namespace zelm::measure {
 
@@ -20,7 +20,8 @@ enum class ViewFate {
     exchanged,     // the left camera's image is the right one
     otherSession,  // it agrees with some other views that do not fit, on another pair of cameras
     nothingFits,
-    unknown,  // too few pairs of images agree to judge by
+    unknown,     // too few pairs of images agree to judge by
+    sameImages,  // both images are of one camera at one moment
 };
 
 constexpr std::size_t kNoImage = static_cast<std::size_t>(-1);
@@ -44,6 +45,7 @@ struct SetJudgement {
     std::array<bool, kSides> mayBeMirrored{};  // the side that is; both: the dots do not tell which
     double noise = 0.0;                        // median misfit of what agrees, pixels
     double limit = 0.0;                        // misfit that still passes for noise, pixels
+    PoseDifference session;                    // of the views of another session
 };
 
 SetJudgement judgeSet(const SetOfImages& set);

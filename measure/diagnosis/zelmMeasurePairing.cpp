@@ -88,6 +88,8 @@ ZelmMeasureSetCause causeRecord(const SetCause& cause) {
     r.isCyclic = cause.isCyclic ? 1 : 0;
     r.quarterTurns = cause.quarterTurns;
     r.views = static_cast<std::int32_t>(cause.views.size());
+    r.turn = cause.difference.turn;
+    r.shift = cause.difference.shift;
     return r;
 }
 

@@ -276,6 +276,15 @@ private:
     }
 };
 
+PoseDifference differenceOf(const PlatePose& a, const PlatePose& b) {
+    double trace = 0.0;
+    for (std::size_t i = 0; i < a.R.size(); ++i) {
+        trace += a.R[i] * b.R[i];
+    }
+    const Vector3 between = plus(timesTransposed(a.R, a.t), timesTransposed(b.R, b.t), -1.0);
+    return {std::acos(0.5 * (trace - 1.0)), std::hypot(between[0], between[1], between[2])};
+}
+
 // A fault needs so many views.
 int minViews(SetFault fault) {
     switch (fault) {
@@ -362,6 +371,7 @@ SetTrial makeSetTrial(SetFault fault, std::uint64_t seed, int viewCount) {
                 PlatePose moved = rig.relative;
                 moved.R = product(
                     turnAbout({random.normal(), random.normal(), random.normal()}, random.uniform(0.5, 3.0)), moved.R);
+                trial.session = differenceOf(rig.relative, moved);
                 for (std::size_t i = n - others; i < n; ++i) {
                     views[i].right = after(moved, views[i].left);
                     trial.views.push_back(i);

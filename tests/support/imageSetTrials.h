@@ -40,6 +40,7 @@ struct SetTrial {
     std::vector<std::size_t> partners;  // of the right images of these views, of copied: the view that has it; or empty
     zelm::measure::Side side = zelm::measure::kLeft;  // of copied, turned, mirrored
     bool isSideTold = false;                          // the side is to be named
+    zelm::measure::PoseDifference session;            // of otherSession
 };
 
 // The same for the same seed. `views`: 0 for 3 to 30.
