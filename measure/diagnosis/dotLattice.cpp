@@ -25,6 +25,8 @@ constexpr double kPlaceTolerance = 0.2;     // of a pitch, of spots that are add
 constexpr double kEnough = 0.6;             // of the oval spots: no larger lattice is looked for
 constexpr int kFillRounds = 4;              // of adding spots by the homography
 constexpr double kMinDepth = 0.3;           // of the gray levels that the dots around stand alone at
+constexpr double kMaxMarkerSize = 2.6;      // times a dot's: markers of twice that size and less leave room for dots
+constexpr double kMinNextDepth = 0.2;       // of the gray levels that a dot's neighbour stands alone at
 constexpr double kRobust = 3.0;             // Tukey's constant of the homography
 constexpr std::size_t kSizeNeighbours = 8;  // dots that a dot's size is compared with
 
@@ -98,13 +100,23 @@ bool areAlike(const Spot& a, const Spot& b) {
     return ratio < kMaxSizeRatio && ratio > 1.0 / kMaxSizeRatio;
 }
 
+// Whether a spot may be the next dot after one on the lattice: what noise and shadows make is fainter.
+bool mayFollow(const Spot& spot, const Spot& dot) {
+    return areAlike(spot, dot) && spot.depth >= kMinNextDepth * dot.depth;
+}
+
 struct Basis {
     Point2d column{};
     Point2d row{};
 };
 
-// The two shortest steps from a spot that have an opposite one and are no multiples of each other.
-std::optional<Basis> basisAt(const std::vector<Spot>& spots, const SpotMap& map, std::size_t seed) {
+// Which steps from a spot may be those of the lattice: with an opposite one both, or the first one alone, as where but
+// two rows are seen.
+enum class Opposites { both, first };
+
+// The two shortest such steps that are no multiples of each other.
+std::optional<Basis> basisAt(const std::vector<Spot>& spots, const SpotMap& map, std::size_t seed,
+                             Opposites opposites) {
     std::vector<std::pair<double, std::size_t>> near;
     const Point2d from = spots[seed].ellipse.centre;
     for (const std::size_t i : map.list()) {
@@ -115,15 +127,22 @@ std::optional<Basis> basisAt(const std::vector<Spot>& spots, const SpotMap& map,
     const std::size_t count = std::min(kNeighbours, near.size());
     std::partial_sort(near.begin(), near.begin() + static_cast<std::ptrdiff_t>(count), near.end());
     std::vector<Point2d> steps;
+    std::vector<Point2d> others;
     for (std::size_t k = 0; k < count; ++k) {
         const Point2d step = spots[near[k].second].ellipse.centre - from;
         const auto opposite = map.nearest(from - step, kOpposite * near[k].first);
         if (opposite && *opposite != seed) {
             // The mean of a step and its opposite one is free of perspective to first order.
             steps.push_back(0.5 * (step - (spots[*opposite].ellipse.centre - from)));
+        } else if (opposites == Opposites::first) {
+            others.push_back(step);
         }
     }
-    for (const Point2d& other : steps) {
+    if (steps.empty()) {
+        return std::nullopt;
+    }
+    others.insert(others.begin(), steps.begin(), steps.end());
+    for (const Point2d& other : others) {
         const Point2d& first = steps.front();
         const double cross = first.x * other.y - first.y * other.x;
         if (std::fabs(cross) > kMinSine * lengthOf(first) * lengthOf(other)) {
@@ -175,7 +194,7 @@ private:
         const Point2d from = spots[cell.spot].ellipse.centre;
         const double reach = kReach * std::min(lengthOf(cell.basis.column), lengthOf(cell.basis.row));
         const auto found = map.nearest(from + expected, reach);
-        if (!found || isTaken[*found] || !areAlike(spots[*found], spots[cell.spot])) {
+        if (!found || isTaken[*found] || !mayFollow(spots[*found], spots[cell.spot])) {
             return;
         }
         Basis next = cell.basis;
@@ -219,6 +238,13 @@ bool fitToImage(const std::vector<Spot>& spots, DotLattice& lattice) {
     return true;
 }
 
+// The dot whose place is nearest.
+const LatticeDot& nearestDot(const DotLattice& lattice, int column, int row) {
+    return *std::min_element(lattice.dots.begin(), lattice.dots.end(), [=](const LatticeDot& a, const LatticeDot& b) {
+        return std::hypot(a.column - column, a.row - row) < std::hypot(b.column - column, b.row - row);
+    });
+}
+
 // Adds spots that stand on the lattice beyond gaps, and drops those that the homography does not put there.
 void fill(const std::vector<Spot>& spots, const SpotMap& map, DotLattice& lattice) {
     for (int round = 0; round < kFillRounds; ++round) {
@@ -253,7 +279,11 @@ void fill(const std::vector<Spot>& spots, const SpotMap& map, DotLattice& lattic
             placed.erase({dot.column, dot.row});
         }
         for (const auto& [place, dot] : placed) {
-            if (!grown.contains(dot.spot)) {
+            const Spot& spot = spots[dot.spot];
+            const Spot& nearest = spots[nearestDot(lattice, dot.column, dot.row).spot];
+            const double size = spot.radius() / nearest.radius();
+            if (!grown.contains(dot.spot) && mayFollow(spot, nearest) && size < kMaxMarkerSize &&
+                size > 1.0 / kMaxMarkerSize) {
                 lattice.dots.push_back(dot);
             }
         }
@@ -293,8 +323,33 @@ void measureSizes(const std::vector<Spot>& spots, DotLattice& lattice) {
                        [](const auto& other) { return other.depth; });
         dot.depth = spots[dot.spot].depth / std::max(median(std::move(around)), 1.0);
     }
-    // A stain or a sticker in the place of a dot is none.
-    std::erase_if(lattice.dots, [](const LatticeDot& dot) { return dot.depth < kMinDepth; });
+    // A stain, a sticker or a highlight in the place of a dot is none.
+    std::erase_if(lattice.dots,
+                  [](const LatticeDot& dot) { return dot.depth < kMinDepth || dot.size > kMaxMarkerSize; });
+}
+
+// The largest lattice that grows from any of some spots.
+std::vector<LatticeDot> largestGrowth(const std::vector<Spot>& spots, const SpotMap& map, Opposites opposites) {
+    std::vector<LatticeDot> best;
+    double most = 0.0;
+    const std::vector<std::size_t>& oval = map.list();
+    const std::size_t seeds = std::min(kMaxSeeds, oval.size());
+    for (std::size_t k = 0; k < seeds; ++k) {
+        const std::size_t seed = oval[k * oval.size() / seeds];
+        const auto basis = basisAt(spots, map, seed, opposites);
+        if (!basis) {
+            continue;
+        }
+        std::vector<LatticeDot> dots = Growth(spots, map).from(seed, *basis);
+        if (const double weight = weightOf(spots, dots); weight > most) {
+            most = weight;
+            best = std::move(dots);
+        }
+        if (static_cast<double>(best.size()) > kEnough * static_cast<double>(oval.size())) {
+            break;
+        }
+    }
+    return best;
 }
 
 // The shortest steps (Lagrange's reduction): a spot at the end of a row may have grown the lattice along diagonals.
@@ -328,6 +383,25 @@ const LatticeDot* DotLattice::at(int column, int row) const {
     const auto dot =
         std::find_if(dots.begin(), dots.end(), [&](const LatticeDot& d) { return d.column == column && d.row == row; });
     return dot == dots.end() ? nullptr : &*dot;
+}
+
+double DotLattice::unevenness(const std::vector<Spot>& spots) const {
+    std::map<std::pair<int, int>, Point2d> centres;
+    for (const LatticeDot& dot : dots) {
+        centres[{dot.column, dot.row}] = spots[dot.spot].ellipse.centre;
+    }
+    std::vector<double> errors;
+    for (const auto& [place, centre] : centres) {
+        for (const auto& [columns, rows] : {std::pair{1, 0}, {0, 1}}) {
+            const auto before = centres.find({place.first - columns, place.second - rows});
+            const auto after = centres.find({place.first + columns, place.second + rows});
+            if (before != centres.end() && after != centres.end()) {
+                const Point2d middle = 0.5 * (before->second + after->second);
+                errors.push_back(lengthOf(centre - middle) / (0.5 * lengthOf(after->second - before->second)));
+            }
+        }
+    }
+    return errors.empty() ? 1.0 : median(std::move(errors));
 }
 
 std::array<Point2d, 2> DotLattice::middleSteps() const {
@@ -371,22 +445,9 @@ DotLattice findLattice(const std::vector<Spot>& spots) {
     }
     const SpotMap map(spots, oval);
     DotLattice best;
-    double most = 0.0;
-    const std::size_t seeds = std::min(kMaxSeeds, oval.size());
-    for (std::size_t k = 0; k < seeds; ++k) {
-        const std::size_t seed = oval[k * oval.size() / seeds];
-        const auto basis = basisAt(spots, map, seed);
-        if (!basis) {
-            continue;
-        }
-        std::vector<LatticeDot> dots = Growth(spots, map).from(seed, *basis);
-        if (const double weight = weightOf(spots, dots); weight > most) {
-            most = weight;
-            best.dots = std::move(dots);
-        }
-        if (static_cast<double>(best.dots.size()) > kEnough * static_cast<double>(oval.size())) {
-            break;
-        }
+    best.dots = largestGrowth(spots, map, Opposites::both);
+    if (best.dots.size() < kMinLatticeDots) {
+        best.dots = largestGrowth(spots, map, Opposites::first);
     }
     if (best.dots.size() < kMinLatticeDots || !fitToImage(spots, best)) {
         return {};

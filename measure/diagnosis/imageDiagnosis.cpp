@@ -7,10 +7,10 @@ namespace zelm::measure {
 namespace {
 
 // The figures behind the thresholds are in docs/diagnosis.md: good data on the one side, faulty data on the other.
-constexpr int kMinLattice = 12;              // dots that are no chance
-constexpr double kMinSpots = 3.0;            // pixels: the radius of fewer spots that have no edges
-constexpr int kSureLattice = 30;             // dots that are none however they stand
-constexpr double kMinFilled = 0.5;           // of the places within the bounds of fewer dots
+constexpr int kMinLattice = 8;               // dots that are no chance
+constexpr int kSureLattice = 30;             // dots that are none,
+constexpr double kMaxUnevenness = 0.12;      // pitches, even if they stand so unevenly
+constexpr double kMaxFewUnevenness = 0.06;   // and fewer
 constexpr double kMinRadius = 4.0;           // pixels, of dots
 constexpr double kReadRadius = 5.5;          // of dots that are read whatever else there is
 constexpr double kMaxAxisDifference = 95.0;  // pixels: the reader refuses 100
@@ -24,6 +24,7 @@ constexpr double kMinSignal = 4.0;           // contrast over noise
 constexpr int kDarkLevel = 32;               // a plate so dark has hardly the contrast that dots need
 constexpr double kMinAxisRatio = 0.42;       // cosine of 65 degrees
 constexpr double kMaxSaturated = 0.5;        // share of the pixels
+constexpr double kClippedLevel = 250.0;      // of dots or their ground, from which a part is clipped
 constexpr double kMaxRatioError = 0.2;       // of the diameter over the pitch
 constexpr double kMaxMarkerError = 0.15;     // of a marker's diameter over a dot's
 constexpr double kHighlights = 0.1;          // of the places without a dot
@@ -32,6 +33,8 @@ constexpr double kCoveredShare = 0.08;       // of the places within the bounds
 constexpr double kMinFlatRange = 20.0;       // gray levels between dark and bright
 constexpr double kMinBlurredEdge = 12.0;     // pixels: width of the steepest edges of an image out of focus,
 constexpr double kMaxBlurredEdge = 90.0;     // and of light that just falls off
+constexpr double kMinStep = 0.6;              // of all levels, by which they change across the steepest edges of a plate
+constexpr double kMaxStep = 1.3;             // out of focus: an even slope goes on, and texture and noise come back
 constexpr double kMinEdgeMotion = 2.5;       // of the steepest edges' widths
 
 using enum ZelmMeasureImageCause;
@@ -52,10 +55,11 @@ ZelmMeasureImageCause causeWithoutDots(const ImageEvidence& e) {
     if (l.bright - l.dark < kMinFlatRange) {
         return ZELM_MEASURE_IMAGE_LOW_CONTRAST;
     }
-    if (l.widest > kMinEdgeMotion * l.narrowest && l.widest > 1.5 * kMinBlurredEdge) {
+    const auto isStep = [](double change) { return change > kMinStep && change < kMaxStep; };
+    if (l.widest > kMinEdgeMotion * l.narrowest && l.widest > 1.5 * kMinBlurredEdge && isStep(l.widestStep)) {
         return ZELM_MEASURE_IMAGE_MOTION;
     }
-    if (l.narrowest > kMinBlurredEdge && l.narrowest < kMaxBlurredEdge) {
+    if (l.narrowest > kMinBlurredEdge && l.narrowest < kMaxBlurredEdge && isStep(l.narrowestStep)) {
         return ZELM_MEASURE_IMAGE_OUT_OF_FOCUS;
     }
     return ZELM_MEASURE_IMAGE_NO_PLATE;
@@ -106,6 +110,25 @@ bool isOtherDiameter(const ImageEvidence& e, const Pattern& plate) {
     return std::fabs(seen / described - 1.0) > kMaxRatioError;
 }
 
+// Whether dots or their ground are white. White grows over what is dark beside it, and swallows dots that are nearly so.
+bool isClipped(const ImageEvidence& e) {
+    return e.sharpness.dots > 0 && std::max(e.sharpness.inside, e.sharpness.outside) > kClippedLevel;
+}
+
+// A clipped plate that has lost dots in white, or whose markers differ from its dots by what white takes or adds.
+bool isSwallowed(const ImageEvidence& e, const Pattern& plate) {
+    if (!isClipped(e)) {
+        return false;
+    }
+    const PlaceTraits& places = e.traits.places;
+    const MarkerTraits& m = e.traits.markers;
+    if (places.hidden > 0) {
+        return 2 * places.white >= places.hidden;
+    }
+    const double error = m.ratio / (plate.d3 / plate.d2) - 1.0;
+    return m.isFrame && (plate.polarity == 0 ? error : -error) > kMaxMarkerError;
+}
+
 bool isOtherFrame(const MarkerTraits& m, const Pattern& plate) {
     return m.isFrame && (m.columns != std::lround(plate.d6 / plate.d4) || m.rows != std::lround(plate.d7 / plate.d5));
 }
@@ -113,6 +136,9 @@ bool isOtherFrame(const MarkerTraits& m, const Pattern& plate) {
 ZelmMeasureImageCause causeOfMarkers(const ImageEvidence& e, const Pattern& plate) {
     const MarkerTraits& m = e.traits.markers;
     const PlaceTraits& places = e.traits.places;
+    if (isSwallowed(e, plate)) {
+        return ZELM_MEASURE_IMAGE_SATURATED;
+    }
     if (isOtherFrame(m, plate)) {
         return ZELM_MEASURE_IMAGE_MARKER_DISTANCE;
     }
@@ -122,7 +148,11 @@ ZelmMeasureImageCause causeOfMarkers(const ImageEvidence& e, const Pattern& plat
     if (m.seen >= plate.markers) {
         return m.isFrame ? ZELM_MEASURE_IMAGE_FINE : ZELM_MEASURE_IMAGE_MARKERS;
     }
-    const int least = std::max(2, static_cast<int>(kCoveredShare * places.expected));
+    if (e.traits.isLevelShared && places.highlights == 0) {
+        return ZELM_MEASURE_IMAGE_UNEVEN_LIGHT;  // in the dark, markers are lost
+    }
+    // What covers dots hides neighbours, and a marker that is missing alone is but one place.
+    const int least = places.together >= 2 ? 2 : std::max(2, static_cast<int>(kCoveredShare * places.expected));
     if (const auto cause = causeOfPlaces(places, least); cause != ZELM_MEASURE_IMAGE_FINE) {
         return cause;
     }
@@ -136,20 +166,14 @@ ZelmMeasureImageCause causeOfMarkers(const ImageEvidence& e, const Pattern& plat
                                                                    : ZELM_MEASURE_IMAGE_MARKERS;
 }
 
-// Some spots of any image stand in rows: a few that leave most places of their lattice empty are no plate.
+// Some spots of any image stand in rows: those of noise or of text do so unevenly.
 bool isLattice(const ImageEvidence& e) {
-    const auto dots = static_cast<double>(e.lattice.dots.size());
-    if (dots < kMinLattice) {
-        return false;
-    }
-    const LatticeBounds b = e.lattice.bounds();
-    const bool isStrong = e.strong > 0 || e.traits.radius > kMinSpots;
-    return dots >= kSureLattice || (isStrong && dots > kMinFilled * b.columns() * b.rows());
+    return isEven(e.lattice.dots.size(), e.unevenness);
 }
 
 ZelmMeasureImageCause causeOfFailure(const ImageEvidence& e, const Pattern& plate) {
     const int dots = static_cast<int>(e.lattice.dots.size());
-    if (e.oppositeDots >= kMinLattice && e.oppositeDots > 2 * dots) {
+    if (e.oppositeDots > 2 * (isLattice(e) ? dots : 0)) {
         return ZELM_MEASURE_IMAGE_POLARITY;
     }
     if (e.levels.saturated > kMaxSaturated && 2 * e.strong < dots) {
@@ -184,6 +208,9 @@ ZelmMeasureImageCause causeOfFailure(const ImageEvidence& e, const Pattern& plat
     if (e.traits.isLevelShared) {
         return ZELM_MEASURE_IMAGE_UNEVEN_LIGHT;
     }
+    if (e.traits.places.inner > 0 && e.traits.places.together >= 2) {
+        return causeOfPlaces(e.traits.places, 1);
+    }
     if (e.traits.markerLike > 0) {
         return ZELM_MEASURE_IMAGE_PERSPECTIVE;
     }
@@ -196,7 +223,7 @@ ZelmMeasureImageCause causeOfFailure(const ImageEvidence& e, const Pattern& plat
 // Of an image that is read, why some dots are missing: only what is seen for certain.
 ZelmMeasureImageCause causeOfGaps(const ImageEvidence& e, const Pattern& plate) {
     const PlaceTraits& places = e.traits.places;
-    if (static_cast<int>(e.lattice.dots.size()) < kMinLattice || e.read >= describedDots(plate) ||
+    if (!isLattice(e) || e.read >= describedDots(plate) ||
         !e.traits.markers.isFrame) {
         return ZELM_MEASURE_IMAGE_FINE;
     }
@@ -206,6 +233,10 @@ ZelmMeasureImageCause causeOfGaps(const ImageEvidence& e, const Pattern& plate) 
 }
 
 }  // namespace
+
+bool isEven(std::size_t dots, double unevenness) {
+    return dots >= kMinLattice && unevenness < (dots < kSureLattice ? kMaxFewUnevenness : kMaxUnevenness);
+}
 
 ZelmMeasureImageCause causeOf(const ImageEvidence& evidence, const Pattern& plate) {
     return evidence.status < 0 ? causeOfFailure(evidence, plate) : causeOfGaps(evidence, plate);

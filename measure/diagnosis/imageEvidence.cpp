@@ -15,7 +15,7 @@ constexpr double kRayStart = -3.0;  // pixels
 constexpr double kRayEnd = 2.0;     // radii
 constexpr double kFilter = 1.5;     // pixels: the standard deviation of the reader's derivative filter
 constexpr double kPixelVariance = 1.0 / 12.0;
-constexpr double kMargin = 0.75;  // of a pitch about the outermost dots
+constexpr std::array kMargins{0.75, 0.5};  // of a pitch about the outermost dots: the more the better
 
 // The weakest edge on 20 rays from a spot's centre, gray levels a pixel; 0 when a ray meets none.
 double weakestEdge(const DenseImage& image, const Spot& spot, int polarity) {
@@ -60,14 +60,14 @@ std::vector<SharpnessSpot> sharpnessSpots(const ImageEvidence& e, const Pattern&
     return list;
 }
 
-ZelmRect regionOf(const DenseImage& image, const ImageEvidence& e) {
+ZelmRect regionOf(const DenseImage& image, const ImageEvidence& e, double share) {
     double left = HUGE_VAL;
     double top = HUGE_VAL;
     double right = 0.0;
     double bottom = 0.0;
     for (const LatticeDot& dot : e.lattice.dots) {
         const Point2d p = e.spots[dot.spot].ellipse.centre;
-        const double margin = std::max(kMargin * pitchAt(e.lattice, dot), 2.0);
+        const double margin = std::max(share * pitchAt(e.lattice, dot), 2.0);
         left = std::min(left, p.x - margin);
         right = std::max(right, p.x + margin);
         top = std::min(top, p.y - margin);
@@ -97,16 +97,25 @@ double axisDifference(const ImageEvidence& e) {
 void addLattice(const DenseImage& image, const Pattern& plate, const ZelmRect* region, ImageEvidence& e) {
     e.sharpness = sharpnessOf(image, sharpnessSpots(e, plate), plate.polarity);
     e.traits = traitsOf(image, e.spots, e.lattice, plate, {e.sharpness.inside, e.sharpness.outside});
-    e.dotsRegion = regionOf(image, e);
+    e.dotsRegion = regionOf(image, e, kMargins.front());
     e.axisDifference = axisDifference(e);
     for (const LatticeDot& dot : e.lattice.dots) {
         e.strong += e.strengths[dot.spot] >= plate.minEdgeStrength ? 1 : 0;
     }
-    if (e.status < 0 && region == nullptr) {
-        const DotReading again = readDots(image, plate, &e.dotsRegion);
+    for (std::size_t i = 0; e.status < 0 && region == nullptr && !e.isReadInRegion && i < kMargins.size(); ++i) {
+        const ZelmRect part = regionOf(image, e, kMargins[i]);
+        const DotReading again = readDots(image, plate, &part);
         requireMemory(again.status);
         e.isReadInRegion = again.status >= 0;
+        e.dotsRegion = e.isReadInRegion ? part : e.dotsRegion;
     }
+}
+
+// The dots of a lattice that is no chance; 0 where there is none.
+int evenDots(const std::vector<Spot>& spots) {
+    const DotLattice lattice = findLattice(spots);
+    const bool isOne = !lattice.dots.empty() && isEven(lattice.dots.size(), lattice.unevenness(spots));
+    return isOne ? static_cast<int>(lattice.dots.size()) : 0;
 }
 
 }  // namespace
@@ -128,10 +137,12 @@ ImageEvidence evidenceOf(const DenseImage& image, const Pattern& plate, const Ze
     std::transform(e.spots.begin(), e.spots.end(), e.strengths.begin(),
                    [&](const Spot& spot) { return weakestEdge(image, spot, plate.polarity); });
     if (!e.lattice.dots.empty()) {
+        e.unevenness = e.lattice.unevenness(e.spots);
         addLattice(image, plate, region, e);
     }
     if (e.status < 0) {
-        e.oppositeDots = static_cast<int>(findLattice(findSpots(image, part, 1 - plate.polarity)).dots.size());
+        measureEdges(image, part, e.levels);
+        e.oppositeDots = evenDots(findSpots(image, part, 1 - plate.polarity));
     }
     return e;
 }

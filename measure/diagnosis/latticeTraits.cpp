@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <set>
+#include <utility>
 
 namespace zelm::measure {
 namespace {
@@ -15,6 +17,8 @@ constexpr double kMaxShearedRatio = 0.62;  // of circles: seen from 52 degrees a
 constexpr double kMarkerBand = 1.15;       // dot areas by which a marker may fall short: the reader takes 1.1
 constexpr double kRounder = 1.15;          // times as round as along the shortest steps
 constexpr int kMaxExpected = 20'000;       // places that are looked at
+
+constexpr double kWhiteLevel = 250.0;      // of places that are clipped but for some pixels
 
 double circleRatio(const DotLattice& lattice, const Pattern& plate);
 double meanLevel(const DenseImage& image, Point2d at, double radius);
@@ -136,12 +140,37 @@ bool isHighlight(double level, const DotLevels& levels) {
            (level > brighter + kHighlightShare * contrast || level >= kHighlightLevel);
 }
 
+// The most places that hang together, neighbours across corners among them.
+int mostTogether(std::set<std::pair<int, int>> places) {
+    int most = 0;
+    while (!places.empty()) {
+        std::vector<std::pair<int, int>> open{*places.begin()};
+        places.erase(places.begin());
+        int count = 0;
+        while (!open.empty()) {
+            const auto [column, row] = open.back();
+            open.pop_back();
+            ++count;
+            for (int k = 0; k < 9; ++k) {
+                const auto next = places.find({column + k % 3 - 1, row + k / 3 - 1});
+                if (next != places.end()) {
+                    open.push_back(*next);
+                    places.erase(next);
+                }
+            }
+        }
+        most = std::max(most, count);
+    }
+    return most;
+}
+
 PlaceTraits placeTraits(const DenseImage& image, const DotLattice& lattice, const Pattern& plate,
                         const MarkerTraits& markers, double radius, const DotLevels& levels) {
     const Field field = fieldOf(lattice, plate, markers);
     const LatticeBounds bounds = lattice.bounds();
     const double reach = plate.d3 / plate.d2 * radius;  // a marker that the edge cuts is no spot either
     PlaceTraits traits;
+    std::set<std::pair<int, int>> hidden;
     if (static_cast<double>(field.right - field.left + 1) * (field.bottom - field.top + 1) > kMaxExpected) {
         return traits;
     }
@@ -163,10 +192,14 @@ PlaceTraits placeTraits(const DenseImage& image, const DotLattice& lattice, cons
                 continue;  // what lies beyond the bounds may be the end of the plate
             }
             traits.hidden += 1;
+            hidden.insert({column, row});
             traits.inner += isInner ? 1 : 0;
-            traits.highlights += isHighlight(meanLevel(image, p, radius), levels) ? 1 : 0;
+            const double level = meanLevel(image, p, radius);
+            traits.highlights += isHighlight(level, levels) ? 1 : 0;
+            traits.white += level >= kWhiteLevel ? 1 : 0;
         }
     }
+    traits.together = mostTogether(std::move(hidden));
     return traits;
 }
 
@@ -220,15 +253,24 @@ double circleRatio(const DotLattice& lattice, const Pattern& plate) {
     return std::max(ratio({q * u.x, q * u.y}, v), ratio(u, {q * v.x, q * v.y}));
 }
 
-// Whether no one level parts dots from ground: the dots' middles against the ground between them.
+// Whether no one level parts dots from ground: the dots' middles against the ground in the middle of four of them, where
+// nothing that covers the plate and no edge lies.
 bool sharesLevels(const DenseImage& image, const std::vector<Spot>& spots, const DotLattice& lattice, int polarity) {
+    std::set<std::pair<int, int>> taken;
+    for (const LatticeDot& dot : lattice.dots) {
+        taken.insert({dot.column, dot.row});
+    }
     std::vector<double> dots;
     std::vector<double> grounds;
     for (const LatticeDot& dot : lattice.dots) {
-        const Point2d p = spots[dot.spot].ellipse.centre;
-        const auto [u, v] = lattice.steps(dot.column, dot.row);
-        dots.push_back(meanLevel(image, p, 1.0));
-        grounds.push_back(meanLevel(image, {p.x + 0.5 * (u.x + v.x), p.y + 0.5 * (u.y + v.y)}, 1.0));
+        dots.push_back(meanLevel(image, spots[dot.spot].ellipse.centre, 1.0));
+        if (taken.contains({dot.column + 1, dot.row}) && taken.contains({dot.column, dot.row + 1}) &&
+            taken.contains({dot.column + 1, dot.row + 1})) {
+            grounds.push_back(meanLevel(image, lattice.place(dot.column + 0.5, dot.row + 0.5), 1.0));
+        }
+    }
+    if (grounds.empty()) {
+        return false;
     }
     const auto at = [](std::vector<double>& values, double share) {
         const auto rank = static_cast<std::ptrdiff_t>(share * static_cast<double>(values.size() - 1));

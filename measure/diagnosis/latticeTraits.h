@@ -28,6 +28,8 @@ struct PlaceTraits {
     int hidden = 0;      // places inside the image without a dot
     int highlights = 0;  // of these, how many are brighter than dots and ground
     int inner = 0;       // of these, how many lie within the bounds of the dots that are seen
+    int white = 0;       // of these, how many are at the largest levels
+    int together = 0;    // the most hidden places side by side
     int outside = 0;     // places beyond the image's edge
     unsigned sides = 0;  // ImageSide, of these
 };

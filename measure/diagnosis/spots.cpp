@@ -310,21 +310,72 @@ bool isNear(const Spot& a, const Spot& b) {
            0.7 * std::max(a.radius(), b.radius());
 }
 
+// Kept spots by the square of the image that their centre lies in; the few large ones apart.
+class KeptSpots {
+public:
+    KeptSpots(int width, int height)
+        : columns(width / kCell + 1),
+          rows(height / kCell + 1),
+          cells(static_cast<std::size_t>(columns) * static_cast<std::size_t>(rows)) {}
+
+    bool hasNear(const Spot& spot) const {
+        const auto isTwin = [&](std::size_t i) { return isNear(spot, kept[i]); };
+        if (std::any_of(large.begin(), large.end(), isTwin)) {
+            return true;
+        }
+        const int reach = 1 + static_cast<int>(std::max(spot.radius(), kLarge)) / kCell;
+        const auto [cx, cy] = cellOf(spot);
+        for (int y = std::max(cy - reach, 0); y <= std::min(cy + reach, rows - 1); ++y) {
+            for (int x = std::max(cx - reach, 0); x <= std::min(cx + reach, columns - 1); ++x) {
+                const auto& cell = cells[indexOf(x, y)];
+                if (std::any_of(cell.begin(), cell.end(), isTwin)) {
+                    return true;
+                }
+            }
+        }
+        return false;
+    }
+
+    void add(const Spot& spot) {
+        const auto [cx, cy] = cellOf(spot);
+        (spot.radius() > kLarge ? large : cells[indexOf(cx, cy)]).push_back(kept.size());
+        kept.push_back(spot);
+    }
+
+    std::vector<Spot> kept;
+
+private:
+    static constexpr int kCell = 16;         // pixels
+    static constexpr double kLarge = 24.0;   // pixels
+    std::pair<int, int> cellOf(const Spot& spot) const {
+        return {std::clamp(static_cast<int>(spot.ellipse.centre.x) / kCell, 0, columns - 1),
+                std::clamp(static_cast<int>(spot.ellipse.centre.y) / kCell, 0, rows - 1)};
+    }
+    std::size_t indexOf(int x, int y) const {
+        return static_cast<std::size_t>(y) * static_cast<std::size_t>(columns) + static_cast<std::size_t>(x);
+    }
+
+    int columns;
+    int rows;
+    std::vector<std::vector<std::size_t>> cells;
+    std::vector<std::size_t> large;
+};
+
 // Of spots about one place the one that most thresholds show.
-std::vector<Spot> withoutTwins(std::vector<Spot> spots) {
+std::vector<Spot> withoutTwins(std::vector<Spot> spots, const ZelmRect& region) {
     std::sort(spots.begin(), spots.end(), [](const Spot& a, const Spot& b) {
         return std::tuple(a.isOval, a.levels, a.area) > std::tuple(b.isOval, b.levels, b.area);
     });
-    std::vector<Spot> kept;
+    KeptSpots kept(region.x + region.width, region.y + region.height);
     for (const Spot& spot : spots) {
-        if (kept.size() == kMaxSpots) {
+        if (kept.kept.size() == kMaxSpots) {
             break;
         }
-        if (std::none_of(kept.begin(), kept.end(), [&](const Spot& other) { return isNear(spot, other); })) {
-            kept.push_back(spot);
+        if (!kept.hasNear(spot)) {
+            kept.add(spot);
         }
     }
-    return kept;
+    return std::move(kept.kept);
 }
 
 }  // namespace
@@ -351,7 +402,7 @@ std::vector<Spot> findSpots(const DenseImage& image, const ZelmRect& region, int
             spots.push_back(spotOf(family, region));
         }
     }
-    return withoutTwins(std::move(spots));
+    return withoutTwins(std::move(spots), region);
 }
 
 }  // namespace zelm::measure

@@ -1,209 +1,84 @@
 #include "imageFaultTrials.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
-#include <functional>
+#include <cstring>
 #include <numbers>
 
 #include "imageFaults.h"
-#include "randomSource.h"
+#include "platelessScenes.h"
 
 namespace zelm::accuracy {
 namespace {
 
+using render::LevelImage;
 using render::RandomSource;
 
-int between(RandomSource& random, int low, int high) {
-    return low + std::min(static_cast<int>(random.uniform() * (high - low + 1)), high - low);
-}
-
-bool chance(RandomSource& random, double share) {
-    return random.uniform() < share;
-}
-
-// A plate, a camera that sees it, and what the image suffers.
-struct Station {
-    render::Plate plate;
-    render::Camera camera;
-    render::Aim aim;
-    render::Optics optics;
-    double radius = 0.0;  // of the dots, pixels
-};
-
-render::Plate randomPlate(RandomSource& random) {
-    render::Plate plate;
-    plate.maxX = between(random, 3, 8);
-    plate.maxY = between(random, 3, 7);
-    plate.minX = -plate.maxX;
-    plate.minY = -plate.maxY;
-    plate.pitchX = random.uniform(2.0, 20.0);
-    plate.pitchY = chance(random, 0.7) ? plate.pitchX : plate.pitchX * random.uniform(0.8, 1.25);
-    const double pitch = std::min(plate.pitchX, plate.pitchY);
-    plate.dotDiameter = pitch * random.uniform(0.35, 0.5);
-    plate.markerDiameter = plate.dotDiameter * random.uniform(1.6, 1.85);
-    // The reader takes markers whose distances from the corner differ by less than 100 pixels, and that are no next
-    // neighbours.
-    plate.markerX = between(random, 2, std::min({plate.maxX, plate.maxY, 5}) - 1);
-    plate.markerY = plate.markerX;
-    plate.marginX = plate.marginY = plate.pitchX * random.uniform(1.0, 1.6);
-    plate.polarity = chance(random, 0.7) ? render::Polarity::darkDots : render::Polarity::lightDots;
-    return plate;
-}
-
-// Half the plate's diagonal, plate units.
-double reachOf(const render::Plate& plate) {
-    const render::PlateBounds b = render::plateBounds(plate);
-    return 0.5 * std::hypot(b.right - b.left, b.bottom - b.top);
-}
-
-Station randomStation(RandomSource& random) {
-    Station s;
-    s.plate = randomPlate(random);
-    const int sizes[][2] = {{640, 480}, {640, 480}, {800, 600}, {1024, 768}};
-    const auto& size = sizes[between(random, 0, 3)];
-    s.camera.width = size[0];
-    s.camera.height = size[1];
-    s.camera.fx = size[0] * random.uniform(1.5, 3.0);
-    s.camera.fy = s.camera.fx * random.uniform(0.99, 1.01);
-    s.camera.cx = 0.5 * (size[0] - 1) + random.uniform(-10.0, 10.0);
-    s.camera.cy = 0.5 * (size[1] - 1) + random.uniform(-10.0, 10.0);
-    s.camera.k1 = random.uniform(-0.12, 0.05);
-    s.aim.rollDegrees = random.uniform(-180.0, 180.0);
-    s.aim.tiltDegrees = random.uniform(0.0, 35.0);
-    s.aim.tiltAxisDegrees = random.uniform(0.0, 360.0);
-    // The plate's diagonal takes most of the image's height.
-    s.aim.scale = random.uniform(0.68, 0.98) * 0.5 * size[1] / reachOf(s.plate);
-    s.aim.pixel = {s.camera.cx, s.camera.cy};
-    s.radius = 0.5 * s.plate.dotDiameter * s.aim.scale;
-    const double dark = random.uniform(8.0, 50.0);
-    const double bright = dark + random.uniform(70.0, 180.0);
-    const bool isLight = s.plate.polarity == render::Polarity::lightDots;
-    s.optics.levels = {isLight ? bright : dark, isLight ? dark : bright, isLight ? bright : dark};
-    if (chance(random, 0.5)) {  // a ground of a level of its own
-        s.optics.levels.ground += (isLight ? -1.0 : 1.0) * random.uniform(0.0, 0.25) * (bright - dark);
-    }
-    s.optics.light = {random.uniform(-0.12, 0.12), random.uniform(-0.12, 0.12), random.uniform(0.0, 0.1)};
-    s.optics.blurSigma = std::min(random.uniform(0.4, 1.1), 0.16 * s.radius);
-    s.optics.noiseSigma = random.uniform(0.3, 3.0);
-    return s;
-}
-
-Zelm2ViewPatternDesc describe(const render::Plate& plate) {
-    Zelm2ViewPatternDesc d{};
-    d.d0 = render::fieldExtentX(plate);
-    d.d1 = render::fieldExtentY(plate);
-    d.d2 = plate.dotDiameter;
-    d.d3 = plate.markerDiameter;
-    d.d4 = plate.pitchX;
-    d.d5 = plate.pitchY;
-    d.d6 = plate.markerX * plate.pitchX;
-    d.d7 = plate.markerY * plate.pitchY;
-    d.markers = 3;
-    d.polarity = plate.polarity == render::Polarity::lightDots ? 1 : 0;
-    d.minDotArea = 20;
-    d.minEdgeStrength = 3.0;
-    d.minDots = (plate.maxX - plate.minX + 1) * (plate.maxY - plate.minY + 1) / 2;
-    return d;
-}
-
-using Change = std::function<void(render::LevelImage&)>;
-
-TrialImage shoot(const Station& s, RandomSource& random, const Change& change = {}) {
-    const render::Pose pose = render::aimedPose(s.camera, s.aim);
-    render::LevelImage levels = render::renderLevels(s.plate, s.camera, pose, s.optics);
-    if (change) {
-        change(levels);
-    }
-    TrialImage trial;
-    trial.image =
-        render::digitise(levels, s.optics.noiseSigma, static_cast<std::uint64_t>(random.uniform() * 1e15) + 1);
-    trial.pattern = describe(s.plate);
-    trial.radius = s.radius;
-    trial.noise = s.optics.noiseSigma;
-    trial.blur = s.optics.blurSigma;
-    return trial;
-}
-
-// A station whose dots have at least that radius.
-Station stationOf(RandomSource& random, double minRadius) {
-    Station s = randomStation(random);
-    while (s.radius * std::cos(s.aim.tiltDegrees * std::numbers::pi / 180.0) < minRadius) {
-        s = randomStation(random);
-    }
-    return s;
-}
-
-double& levelOf(render::LevelImage& image, int x, int y) {
-    return image
-        .levels[static_cast<std::size_t>(y) * static_cast<std::size_t>(image.width) + static_cast<std::size_t>(x)];
-}
-
-void forEach(render::LevelImage& image, const std::function<void(int, int, double&)>& change) {
-    for (int y = 0; y < image.height; ++y) {
-        for (int x = 0; x < image.width; ++x) {
-            change(x, y, levelOf(image, x, y));
-        }
-    }
-}
-
-render::Pixel pixelOf(const Station& s, int column, int row) {
-    return render::project(s.camera, render::aimedPose(s.camera, s.aim),
-                           {column * s.plate.pitchX, row * s.plate.pitchY})
-        .pixel;
-}
+constexpr double kMinRadius = 5.0;  // pixels, of dots
 
 render::Pixel randomMarker(const Station& s, RandomSource& random) {
     const int which = between(random, 0, 2);
     return pixelOf(s, which == 1 ? s.plate.markerX : 0, which == 2 ? s.plate.markerY : 0);
 }
 
-// Random bright and dark shapes that are no dots of a plate.
-void clutter(render::LevelImage& image, RandomSource& random) {
-    const double base = random.uniform(30.0, 180.0);
-    forEach(image, [&](int, int, double& level) { level = base; });
-    const int shapes = between(random, 6, 25);
-    for (int k = 0; k < shapes; ++k) {
-        const double x = random.uniform(0.0, image.width);
-        const double y = random.uniform(0.0, image.height);
-        const double a = random.uniform(3.0, 0.2 * image.width);
-        const double b = a * random.uniform(0.2, 1.0);
-        const double turn = random.uniform(0.0, 3.14);
-        const double gray = random.uniform(10.0, 230.0);
-        const bool isRound = chance(random, 0.5);
-        forEach(image, [&](int px, int py, double& level) {
-            const double u = ((px - x) * std::cos(turn) + (py - y) * std::sin(turn)) / a;
-            const double v = ((py - y) * std::cos(turn) - (px - x) * std::sin(turn)) / b;
-            if (isRound ? u * u + v * v < 1.0 : std::max(std::fabs(u), std::fabs(v)) < 1.0) {
-                level = gray;
-            }
-        });
-    }
-    image = zelmtest::smeared(image, 1.2, random.uniform(0.0, 3.0));  // edges of images are not sharp to the pixel
+// Levels that a part of the image takes.
+template <class IsInside, class Level>
+Change painted(IsInside isInside, Level level) {
+    return [=](LevelImage& image) {
+        changeLevels(image, [&](int x, int y, double old) { return isInside(x, y) ? level(x, y) : old; });
+    };
+}
+
+Change scaled(double base, double gain) {
+    return [=](LevelImage& image) { changeLevels(image, [&](int, int, double level) { return base + gain * level; }); };
 }
 
 TrialImage noPlate(RandomSource& random) {
-    Station s = stationOf(random, 5.0);
-    return shoot(s, random, [&](render::LevelImage& image) { clutter(image, random); });
+    const Station s = randomStation(random, kMinRadius);
+    const auto scene = static_cast<Scene>(chance(random, 0.4) ? 0 : between(random, 1, kScenes - 1));
+    return shoot(s, random,
+                 [&](LevelImage& image) { image = platelessScene(scene, image.width, image.height, random); });
 }
 
+// One marker painted over, printed as an ordinary dot, or one too many.
 TrialImage hiddenMarker(RandomSource& random) {
-    Station s = stationOf(random, 5.0);
-    if (chance(random, 0.3)) {
+    Station s = randomStation(random, kMinRadius);
+    if (chance(random, 0.2)) {
         s.plate.shrunkMarkers = {{0, 0}};
+        return shoot(s, random);
+    }
+    if (chance(random, 0.2)) {
+        s.plate.extraMarkers = {{-s.plate.markerX, -1}};
         return shoot(s, random);
     }
     const render::Pixel p = randomMarker(s, random);
     const double reach = s.radius * random.uniform(1.9, 2.3);
     const double gray = s.optics.levels.plate + random.uniform(-20.0, 6.0);
-    return shoot(s, random, [&](render::LevelImage& image) {
-        forEach(image,
-                [&](int x, int y, double& level) { level = std::hypot(x - p.x, y - p.y) < reach ? gray : level; });
-    });
+    return shoot(s, random,
+                 painted([=](int x, int y) { return std::hypot(x - p.x, y - p.y) < reach; },
+                         [=](int, int) { return gray; }));
+}
+
+// The sides over which dots of the plate hang.
+int sidesOf(const Station& s) {
+    int sides = 0;
+    for (int row = s.plate.minY; row <= s.plate.maxY; ++row) {
+        for (int column = s.plate.minX; column <= s.plate.maxX; ++column) {
+            const render::Pixel p = pixelOf(s, column, row);
+            const double reach = 2.0 * s.radius;
+            sides |= p.x < reach ? ZELM_MEASURE_SIDE_LEFT : 0;
+            sides |= p.x > s.camera.width - 1 - reach ? ZELM_MEASURE_SIDE_RIGHT : 0;
+            sides |= p.y < reach ? ZELM_MEASURE_SIDE_TOP : 0;
+            sides |= p.y > s.camera.height - 1 - reach ? ZELM_MEASURE_SIDE_BOTTOM : 0;
+        }
+    }
+    return sides;
 }
 
 // The plate moved over an edge or a corner of the image, so far that a marker is lost.
 TrialImage cutOff(RandomSource& random) {
-    Station s = stationOf(random, 5.0);
+    Station s = randomStation(random, kMinRadius);
     const double angle = random.uniform(0.0, 2.0 * std::numbers::pi);
     const double step = 0.02 * s.camera.width;
     const auto out = [&](render::Pixel p) {
@@ -216,87 +91,124 @@ TrialImage cutOff(RandomSource& random) {
         s.aim.pixel.x += step * std::cos(angle);
         s.aim.pixel.y += step * std::sin(angle);
     }
-    return shoot(s, random);
+    TrialImage trial = shoot(s, random);
+    trial.sides = sidesOf(s);
+    return trial;
 }
 
 TrialImage outOfFocus(RandomSource& random) {
-    Station s = stationOf(random, 5.0);
+    Station s = randomStation(random, kMinRadius);
     s.optics.blurSigma = std::max(s.radius * random.uniform(0.36, 1.1), 1.8);
     return shoot(s, random);
 }
 
 TrialImage motion(RandomSource& random) {
-    Station s = stationOf(random, 5.0);
+    const Station s = randomStation(random, kMinRadius);
     const double length = s.radius * random.uniform(1.5, 4.0);
     const double direction = random.uniform(-1.57, 1.57);
-    return shoot(s, random, [&](render::LevelImage& image) { image = zelmtest::smeared(image, length, direction); });
+    TrialImage trial =
+        shoot(s, random, [&](LevelImage& image) { image = zelmtest::smeared(image, length, direction); });
+    trial.direction = direction;
+    return trial;
 }
 
+// All of the plate at white, or as much of it as loses dots.
 TrialImage saturated(RandomSource& random) {
-    Station s = stationOf(random, 5.0);
+    const Station s = randomStation(random, kMinRadius);
     const double darkest = std::min({s.optics.levels.dots, s.optics.levels.plate});
-    const double gain = 255.0 / darkest * random.uniform(1.0, 2.0);
-    return shoot(s, random,
-                 [&](render::LevelImage& image) { forEach(image, [&](int, int, double& level) { level *= gain; }); });
+    const double gain = chance(random, 0.5) ? 255.0 / darkest * random.uniform(1.0, 2.0) : random.uniform(3.0, 16.0);
+    return shoot(s, random, scaled(0.0, gain));
 }
 
 TrialImage dark(RandomSource& random) {
-    Station s = stationOf(random, 5.0);
-    const double gain = random.uniform(4.0, 14.0) / std::max(s.optics.levels.dots, s.optics.levels.plate);
+    Station s = randomStation(random, kMinRadius);
     s.optics.noiseSigma = random.uniform(0.3, 1.2);
     return shoot(s, random,
-                 [&](render::LevelImage& image) { forEach(image, [&](int, int, double& level) { level *= gain; }); });
+                 scaled(0.0, random.uniform(4.0, 14.0) / std::max(s.optics.levels.dots, s.optics.levels.plate)));
+}
+
+// A camera of 10 or 12 bits whose levels stand at the foot of 16: what is left of them in 8 bits.
+TrialImage fewBits(RandomSource& random) {
+    Station s = randomStation(random, kMinRadius);
+    const double gain = chance(random, 0.5) ? 1.0 / 16.0 : 1.0 / 64.0;
+    s.optics.noiseSigma *= gain;
+    return shoot(s, random, scaled(0.0, gain));
 }
 
 TrialImage lowContrast(RandomSource& random) {
-    Station s = stationOf(random, 5.0);
+    Station s = randomStation(random, kMinRadius);
     const double contrast = std::fabs(s.optics.levels.dots - s.optics.levels.plate);
-    const double gain = random.uniform(3.0, 11.0) / contrast;
-    const double base = random.uniform(80.0, 200.0);
     s.optics.noiseSigma = random.uniform(0.3, 1.5);
-    return shoot(s, random, [&](render::LevelImage& image) {
-        forEach(image, [&](int, int, double& level) { level = base + gain * level; });
-    });
+    return shoot(s, random, scaled(random.uniform(80.0, 200.0), random.uniform(3.0, 11.0) / contrast));
+}
+
+// Whether enough of the dots are left to tell that there is a plate: a third, and 12.
+template <class IsHidden>
+bool leavesDots(const Station& s, IsHidden isHidden) {
+    int left = 0;
+    int all = 0;
+    for (int row = s.plate.minY; row <= s.plate.maxY; ++row) {
+        for (int column = s.plate.minX; column <= s.plate.maxX; ++column) {
+            const render::Pixel p = pixelOf(s, column, row);
+            left += isHidden(p.x, p.y) ? 0 : 1;
+            ++all;
+        }
+    }
+    return left >= std::max(all / 3, 12);
 }
 
 TrialImage reflection(RandomSource& random) {
-    Station s = stationOf(random, 5.0);
+    const Station s = randomStation(random, kMinRadius);
     const render::Pixel p = randomMarker(s, random);
     const double reach = s.radius * random.uniform(5.0, 14.0);
     const double x = p.x + random.uniform(-0.4, 0.4) * reach;
     const double y = p.y + random.uniform(-0.4, 0.4) * reach;
-    return shoot(s, random, [&](render::LevelImage& image) {
-        forEach(image, [&](int px, int py, double& level) {
+    if (!leavesDots(s, [&](double px, double py) { return std::hypot(px - x, py - y) < reach + 2.0 * s.radius; })) {
+        return reflection(random);
+    }
+    return shoot(s, random, [&](LevelImage& image) {
+        changeLevels(image, [&](int px, int py, double level) {
             const double r = std::hypot(px - x, py - y) / reach;
-            level += 500.0 / (1.0 + std::exp(12.0 * (r - 1.0)));
+            return level + 500.0 / (1.0 + std::exp(12.0 * (r - 1.0)));
         });
     });
 }
 
+// A straight edge or something round before a marker, darker than the bright parts of the plate: what is brighter can
+// be a reflection as well.
 TrialImage covered(RandomSource& random) {
-    Station s = stationOf(random, 5.0);
+    const Station s = randomStation(random, kMinRadius);
     const double turn = random.uniform(0.0, 2.0 * std::numbers::pi);
     const render::Pixel p = randomMarker(s, random);
-    const double gray = random.uniform(10.0, 110.0);
-    const double slope = random.uniform(-0.1, 0.1);
+    const double gray =
+        random.uniform(10.0, std::min(110.0, std::max(s.optics.levels.dots, s.optics.levels.plate) - 15.0));
+    const double slope = random.uniform(-0.1, 0.1) * 640.0 / s.camera.width;
     const double cover = s.radius * random.uniform(2.2, 6.0);
-    return shoot(s, random, [&](render::LevelImage& image) {
-        forEach(image, [&](int x, int y, double& level) {
-            const double across = (x - p.x) * std::cos(turn) + (y - p.y) * std::sin(turn);
-            const double along = (y - p.y) * std::cos(turn) - (x - p.x) * std::sin(turn);
-            level = across > -cover ? gray + slope * along : level;
-        });
-    });
+    const double length = s.radius * random.uniform(5.0, 12.0);
+    const bool isRound = chance(random, 0.4);
+    const auto across = [=](double x, double y) { return (x - p.x) * std::cos(turn) + (y - p.y) * std::sin(turn); };
+    const auto along = [=](double x, double y) { return (y - p.y) * std::cos(turn) - (x - p.x) * std::sin(turn); };
+    // What is round takes more than a marker alone.
+    const double width = 1.25 * std::max(s.plate.pitchX, s.plate.pitchY) * s.aim.scale;
+    const auto isHidden = [=](double x, double y) {
+        return isRound ? std::hypot(across(x, y) / width, along(x, y) / std::max(width, length)) < 1.0
+                       : across(x, y) > -cover;
+    };
+    if (!leavesDots(s, isHidden)) {
+        return covered(random);
+    }
+    return shoot(s, random, painted(isHidden, [=](int x, int y) { return gray + slope * along(x, y); }));
 }
 
 TrialImage otherPolarity(RandomSource& random) {
-    TrialImage trial = shoot(stationOf(random, 5.0), random);
+    TrialImage trial = shoot(randomStation(random, kMinRadius), random);
     trial.pattern.polarity = 1 - trial.pattern.polarity;
     return trial;
 }
 
+// Without larger dots, with smaller markers than described, or with many fewer dots.
 TrialImage otherPlate(RandomSource& random) {
-    Station s = stationOf(random, 5.0);
+    Station s = randomStation(random, kMinRadius);
     const int kind = between(random, 0, 2);
     if (kind == 0) {
         s.plate.shrunkMarkers = {{0, 0}, {s.plate.markerX, 0}, {0, s.plate.markerY}};
@@ -305,7 +217,7 @@ TrialImage otherPlate(RandomSource& random) {
     if (kind == 1) {
         trial.pattern.d3 *= random.uniform(1.3, 1.7);
     }
-    if (kind == 2) {  // of many more dots
+    if (kind == 2) {
         const int more = between(random, 4, 8);
         trial.pattern.d0 += 2 * more * trial.pattern.d4;
         trial.pattern.d1 += 2 * more * trial.pattern.d5;
@@ -316,7 +228,7 @@ TrialImage otherPlate(RandomSource& random) {
 }
 
 TrialImage markerDistance(RandomSource& random) {
-    TrialImage trial = shoot(stationOf(random, 5.0), random);
+    TrialImage trial = shoot(randomStation(random, kMinRadius), random);
     const bool isX = chance(random, 0.5);
     const double more = (chance(random, 0.5) ? 1.0 : 2.0) * (isX ? trial.pattern.d4 : trial.pattern.d5);
     double& distance = isX ? trial.pattern.d6 : trial.pattern.d7;
@@ -324,9 +236,13 @@ TrialImage markerDistance(RandomSource& random) {
     return trial;
 }
 
+// In an image of which the plate takes a hundredth and more.
 TrialImage smallDots(RandomSource& random) {
-    Station s = stationOf(random, 5.0);
-    const double factor = random.uniform(1.5, 2.4) / s.radius;
+    Station s = randomStation(random, kMinRadius);
+    while (s.radius > 15.0) {
+        s = randomStation(random, kMinRadius);
+    }
+    const double factor = random.uniform(1.5, 3.0) / s.radius;
     s.aim.scale *= factor;
     s.radius *= factor;
     s.optics.blurSigma = random.uniform(0.35, 0.55);
@@ -335,15 +251,15 @@ TrialImage smallDots(RandomSource& random) {
 }
 
 TrialImage tilted(RandomSource& random) {
-    Station s = stationOf(random, 7.0);
-    s.aim.tiltDegrees = random.uniform(72.0, 77.0);
+    Station s = randomStation(random, 7.0);
+    s.aim.tiltDegrees = random.uniform(69.0, 77.0);
     return shoot(s, random);
 }
 
-// A small plate in a large image, as bright a ground elsewhere.
+// A plate that takes little of the image.
 TrialImage notSeparate(RandomSource& random) {
-    Station s = stationOf(random, 10.0);
-    const double factor = 5.8 / s.radius;
+    Station s = randomStation(random, 10.0);
+    const double factor = random.uniform(5.8, 7.0) / s.radius;
     s.aim.scale *= factor;
     s.radius *= factor;
     s.optics.blurSigma = random.uniform(0.4, 0.7);
@@ -352,45 +268,72 @@ TrialImage notSeparate(RandomSource& random) {
 
 // Light that falls off so far that the ground here is darker than the dots there.
 TrialImage unevenLight(RandomSource& random) {
-    Station s = stationOf(random, 6.0);
+    Station s = randomStation(random, 6.0);
     const double angle = random.uniform(0.0, 2.0 * std::numbers::pi);
     const bool isLight = s.plate.polarity == render::Polarity::lightDots;
     s.optics.levels = {isLight ? 230.0 : 100.0, isLight ? 100.0 : 230.0, isLight ? 230.0 : 100.0};
     s.optics.light = {};
     s.optics.noiseSigma = random.uniform(0.3, 1.0);
     const double reach = reachOf(s.plate) * s.aim.scale;
-    return shoot(s, random, [&](render::LevelImage& image) {
-        forEach(image, [&](int x, int y, double& level) {
+    const double fall = random.uniform(1.2, 1.6);
+    return shoot(s, random, [&](LevelImage& image) {
+        changeLevels(image, [&](int x, int y, double level) {
             const double along = ((x - s.camera.cx) * std::cos(angle) + (y - s.camera.cy) * std::sin(angle)) / reach;
-            level *= std::exp(-1.4 * (std::clamp(along, -1.0, 1.0) + 1.0));
+            return level * std::exp(-fall * (std::clamp(along, -1.0, 1.0) + 1.0));
         });
     });
 }
 
-struct Fault {
-    ZelmMeasureImageCause cause;
-    TrialImage (*make)(RandomSource&);
-};
+// A plate whose x and y marker stand so differently far from the corner that the reader refuses them.
+TrialImage markerAxes(RandomSource& random) {
+    for (;;) {
+        Station s = randomStation(random, 8.0);
+        s.plate.markerX = std::min(s.plate.maxX, 7);
+        s.plate.markerY = std::min(s.plate.maxY, 2);
+        const render::Pixel corner = pixelOf(s, 0, 0);
+        const render::Pixel x = pixelOf(s, s.plate.markerX, 0);
+        const render::Pixel y = pixelOf(s, 0, s.plate.markerY);
+        if (std::hypot(x.x - corner.x, x.y - corner.y) - std::hypot(y.x - corner.x, y.y - corner.y) > 103.0) {
+            return shoot(s, random);
+        }
+    }
+}
 
-const std::vector<Fault>& faults() {
-    static const std::vector<Fault> list{{ZELM_MEASURE_IMAGE_NO_PLATE, noPlate},
-                                         {ZELM_MEASURE_IMAGE_MARKERS, hiddenMarker},
-                                         {ZELM_MEASURE_IMAGE_CUT_OFF, cutOff},
-                                         {ZELM_MEASURE_IMAGE_OUT_OF_FOCUS, outOfFocus},
-                                         {ZELM_MEASURE_IMAGE_MOTION, motion},
-                                         {ZELM_MEASURE_IMAGE_SATURATED, saturated},
-                                         {ZELM_MEASURE_IMAGE_DARK, dark},
-                                         {ZELM_MEASURE_IMAGE_LOW_CONTRAST, lowContrast},
-                                         {ZELM_MEASURE_IMAGE_REFLECTION, reflection},
-                                         {ZELM_MEASURE_IMAGE_COVERED, covered},
-                                         {ZELM_MEASURE_IMAGE_POLARITY, otherPolarity},
-                                         {ZELM_MEASURE_IMAGE_OTHER_PLATE, otherPlate},
-                                         {ZELM_MEASURE_IMAGE_MARKER_DISTANCE, markerDistance},
-                                         {ZELM_MEASURE_IMAGE_SMALL_DOTS, smallDots},
-                                         {ZELM_MEASURE_IMAGE_TILTED, tilted},
-                                         {ZELM_MEASURE_IMAGE_NOT_SEPARATE, notSeparate},
-                                         {ZELM_MEASURE_IMAGE_UNEVEN_LIGHT, unevenLight}};
-    return list;
+// The image area of a dot, but for a factor.
+double areaOf(const Station& s, int column, int row) {
+    const render::ProjectedPoint p = render::project(s.camera, render::aimedPose(s.camera, s.aim),
+                                                     {column * s.plate.pitchX, row * s.plate.pitchY});
+    return std::fabs(p.dxdX * p.dydY - p.dxdY * p.dydX);
+}
+
+// A short lens before a tilted plate: its nearest dots look as large as a marker does in the middle.
+TrialImage perspective(RandomSource& random) {
+    for (;;) {
+        Station s = randomStation(random, 7.0);
+        s.camera.fx = s.camera.fy = s.camera.width * random.uniform(0.65, 0.9);
+        s.camera.k1 = random.uniform(-0.03, 0.0);
+        s.aim.tiltDegrees = random.uniform(33.0, 48.0);
+        s.aim.scale *= 0.75;
+        s.radius *= 0.75;
+        s.optics.blurSigma = random.uniform(0.4, 0.9);
+        const render::Pose pose = render::aimedPose(s.camera, s.aim);
+        if (!render::seesWholePlate(s.plate, s.camera, pose, 3.0)) {
+            continue;
+        }
+        double nearest = 0.0;
+        double farthest = 1e300;
+        for (const int column : {s.plate.minX, s.plate.maxX}) {
+            for (const int row : {s.plate.minY, s.plate.maxY}) {
+                nearest = std::max(nearest, areaOf(s, column, row));
+                farthest = std::min(farthest, areaOf(s, column, row));
+            }
+        }
+        const double middle = areaOf(s, 0, 0);
+        const double q = s.plate.markerDiameter / s.plate.dotDiameter;
+        if (nearest > (q * q - 0.8) * middle && s.radius * std::sqrt(farthest / middle) > kMinRadius) {
+            return shoot(s, random);
+        }
+    }
 }
 
 ZelmMeasureImage recordOf(const TrialImage& trial) {
@@ -403,29 +346,50 @@ bool isRead(const TrialImage& trial) {
     return zelmMeasurePlateDots(&image, &trial.pattern, nullptr, nullptr, &placed, nullptr) >= 0;
 }
 
+// Each fault draws its own numbers, wherever it stands in the list.
+std::uint64_t seedOf(const char* name, std::uint64_t seed) {
+    std::uint64_t hash = 1469598103934665603ULL;  // FNV-1a
+    for (const char* c = name; *c != 0; ++c) {
+        hash = (hash ^ static_cast<unsigned char>(*c)) * 1099511628211ULL;
+    }
+    return hash + seed;
+}
+
 }  // namespace
 
-const std::vector<ZelmMeasureImageCause>& trialCauses() {
-    static const std::vector<ZelmMeasureImageCause> causes = [] {
-        std::vector<ZelmMeasureImageCause> list;
-        list.reserve(faults().size());
-        std::transform(faults().begin(), faults().end(), std::back_inserter(list),
-                       [](const Fault& fault) { return fault.cause; });
-        return list;
-    }();
-    return causes;
+const std::vector<TrialFault>& trialFaults() {
+    static const std::vector<TrialFault> list{{"no plate", ZELM_MEASURE_IMAGE_NO_PLATE, noPlate},
+                                              {"a marker is missing", ZELM_MEASURE_IMAGE_MARKERS, hiddenMarker},
+                                              {"cut off", ZELM_MEASURE_IMAGE_CUT_OFF, cutOff},
+                                              {"out of focus", ZELM_MEASURE_IMAGE_OUT_OF_FOCUS, outOfFocus},
+                                              {"motion blur", ZELM_MEASURE_IMAGE_MOTION, motion},
+                                              {"saturated", ZELM_MEASURE_IMAGE_SATURATED, saturated},
+                                              {"too dark", ZELM_MEASURE_IMAGE_DARK, dark},
+                                              {"10 or 12 bits in 16", ZELM_MEASURE_IMAGE_DARK, fewBits},
+                                              {"low contrast", ZELM_MEASURE_IMAGE_LOW_CONTRAST, lowContrast},
+                                              {"reflection", ZELM_MEASURE_IMAGE_REFLECTION, reflection},
+                                              {"covered", ZELM_MEASURE_IMAGE_COVERED, covered},
+                                              {"wrong polarity", ZELM_MEASURE_IMAGE_POLARITY, otherPolarity},
+                                              {"another plate", ZELM_MEASURE_IMAGE_OTHER_PLATE, otherPlate},
+                                              {"wrong marker distance", ZELM_MEASURE_IMAGE_MARKER_DISTANCE,
+                                               markerDistance},
+                                              {"small dots", ZELM_MEASURE_IMAGE_SMALL_DOTS, smallDots},
+                                              {"tilted", ZELM_MEASURE_IMAGE_TILTED, tilted},
+                                              {"not separate", ZELM_MEASURE_IMAGE_NOT_SEPARATE, notSeparate},
+                                              {"uneven light", ZELM_MEASURE_IMAGE_UNEVEN_LIGHT, unevenLight},
+                                              {"unequal marker axes", ZELM_MEASURE_IMAGE_MARKER_AXES, markerAxes},
+                                              {"strong perspective", ZELM_MEASURE_IMAGE_PERSPECTIVE, perspective}};
+    return list;
 }
 
 TrialImage goodImage(std::uint64_t seed) {
     RandomSource random(seed);
-    return shoot(stationOf(random, 5.0), random);
+    return shoot(randomStation(random, kMinRadius), random);
 }
 
-std::optional<TrialImage> faultyImage(ZelmMeasureImageCause cause, std::uint64_t seed) {
-    RandomSource random(seed * 1000 + static_cast<std::uint64_t>(cause));
-    const auto fault =
-        std::find_if(faults().begin(), faults().end(), [cause](const Fault& f) { return f.cause == cause; });
-    TrialImage trial = fault->make(random);
+std::optional<TrialImage> faultyImage(const TrialFault& fault, std::uint64_t seed) {
+    RandomSource random(seedOf(fault.name, seed));
+    TrialImage trial = fault.make(random);
     return isRead(trial) ? std::nullopt : std::optional(std::move(trial));
 }
 
@@ -435,6 +399,23 @@ ZelmMeasureImageDiagnosis diagnosisOf(const TrialImage& trial) {
     const ZelmMeasureImage image = recordOf(trial);
     zelmMeasureDiagnoseImage(&image, &trial.pattern, nullptr, &diagnosis, nullptr);
     return diagnosis;
+}
+
+double directionError(const TrialImage& trial, const ZelmMeasureImageDiagnosis& diagnosis) {
+    return std::fabs(std::remainder(diagnosis.direction - trial.direction, std::numbers::pi)) * 180.0 /
+           std::numbers::pi;
+}
+
+bool isNamed(const TrialFault& fault, const TrialImage& trial, const ZelmMeasureImageDiagnosis& diagnosis) {
+    constexpr double kMaxDirectionError = 15.0;  // degrees
+    if (diagnosis.cause != fault.cause) {
+        return false;
+    }
+    if (fault.cause == ZELM_MEASURE_IMAGE_MOTION) {
+        return directionError(trial, diagnosis) <= kMaxDirectionError;
+    }
+    return fault.cause != ZELM_MEASURE_IMAGE_CUT_OFF ||
+           (diagnosis.sides != 0 && (diagnosis.sides & ~trial.sides) == 0);
 }
 
 }  // namespace zelm::accuracy

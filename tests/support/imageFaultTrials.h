@@ -8,29 +8,33 @@
 #include <optional>
 #include <vector>
 
-#include "renderView.h"
+#include "trialStations.h"
 
 namespace zelm::accuracy {
 
-// An image with the description that a user gives of its plate.
-struct TrialImage {
-    render::GrayImage image;
-    Zelm2ViewPatternDesc pattern{};
-    double radius = 0.0;  // median of the dots', pixels
-    double noise = 0.0;   // gray levels
-    double blur = 0.0;    // pixels
+// A fault that images can be made with.
+struct TrialFault {
+    const char* name;             // for people
+    ZelmMeasureImageCause cause;  // what has to be named
+    TrialImage (*make)(render::RandomSource&);
 };
 
-// The causes that there are faulty images of.
-const std::vector<ZelmMeasureImageCause>& trialCauses();
+const std::vector<TrialFault>& trialFaults();
 
 // A whole, sharp, evenly lit plate, wholly in view.
 TrialImage goodImage(std::uint64_t seed);
 
 // An image with that fault, which the reader refuses; nothing where it reads it all the same.
-std::optional<TrialImage> faultyImage(ZelmMeasureImageCause cause, std::uint64_t seed);
+std::optional<TrialImage> faultyImage(const TrialFault& fault, std::uint64_t seed);
 
 ZelmMeasureImageDiagnosis diagnosisOf(const TrialImage& trial);
+
+// Whether cause and figures are those of the fault: a smear's direction to 15 degrees, no side but those over which
+// the plate hangs.
+bool isNamed(const TrialFault& fault, const TrialImage& trial, const ZelmMeasureImageDiagnosis& diagnosis);
+
+// Degrees between the smear of an image and the one that was found.
+double directionError(const TrialImage& trial, const ZelmMeasureImageDiagnosis& diagnosis);
 
 }  // namespace zelm::accuracy
 

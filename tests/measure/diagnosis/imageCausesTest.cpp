@@ -5,6 +5,7 @@
 #include "imageFaultTrials.h"
 #include "measureRigs.h"
 #include "patternReading.h"
+#include "platelessScenes.h"
 
 namespace zelmtest {
 namespace {
@@ -14,18 +15,18 @@ using namespace zelm::accuracy;
 constexpr std::uint64_t kFirst = 5000;  // seeds that the thresholds were not chosen by
 
 TEST(MeasureImageCauses, AreNamed) {
-    constexpr int kImages = 4;
+    constexpr int kImages = 3;
     int right = 0;
     int made = 0;
-    for (const ZelmMeasureImageCause cause : trialCauses()) {
-        SCOPED_TRACE(zelmMeasureImageCauseName(cause));
+    for (const TrialFault& fault : trialFaults()) {
+        SCOPED_TRACE(fault.name);
         int named = 0;
         int tried = 0;
         for (std::uint64_t seed = kFirst; tried < kImages && seed < kFirst + 80; ++seed) {
-            if (const auto image = faultyImage(cause, seed)) {
+            if (const auto image = faultyImage(fault, seed)) {
                 const ZelmMeasureImageDiagnosis d = diagnosisOf(*image);
                 EXPECT_LT(d.status, 0);
-                named += d.cause == cause ? 1 : 0;
+                named += isNamed(fault, *image, d) ? 1 : 0;
                 ++tried;
             }
         }
@@ -38,11 +39,52 @@ TEST(MeasureImageCauses, AreNamed) {
 }
 
 TEST(MeasureImageCauses, GoodImagesAreNotAccused) {
-    for (std::uint64_t seed = kFirst; seed < kFirst + 25; ++seed) {
+    for (std::uint64_t seed = kFirst; seed < kFirst + 15; ++seed) {
         const ZelmMeasureImageDiagnosis d = diagnosisOf(goodImage(seed));
         EXPECT_EQ(d.cause, ZELM_MEASURE_IMAGE_FINE) << zelmMeasureImageCauseName(d.cause) << ", seed " << seed;
         EXPECT_GE(d.status, 0) << seed;
         EXPECT_EQ(d.dots, d.expected) << seed;
+    }
+}
+
+// Noise makes thousands of spots, some of which stand in rows by chance; slopes have no edges.
+TEST(MeasureImageCauses, ImagesWithoutAPlateAreToldAsSuch) {
+    const Zelm2ViewPatternDesc pattern = describe(smallPlate());
+    for (int scene = 0; scene < kScenes; ++scene) {
+        SCOPED_TRACE(sceneName(static_cast<Scene>(scene)));
+        for (std::uint64_t seed = 1; seed <= 3; ++seed) {
+            render::RandomSource random(seed + kFirst);
+            TrialImage trial;
+            trial.image = render::digitise(platelessScene(static_cast<Scene>(scene), 500, 400, random), 1.0, seed);
+            trial.pattern = pattern;
+            EXPECT_EQ(diagnosisOf(trial).cause, ZELM_MEASURE_IMAGE_NO_PLATE) << seed;
+        }
+    }
+}
+
+// The plate's ground is white, and dots are lost in it one after the other as the light grows.
+TEST(MeasureImageCauses, ClippedPlatesAreSaturated) {
+    for (const double gain : {4.0, 8.0, 12.0}) {
+        render::Camera camera;
+        camera.width = 640;
+        camera.height = 480;
+        camera.cx = 319.5;
+        camera.cy = 239.5;
+        render::Aim aim;
+        aim.pixel = {320.0, 240.0};
+        aim.scale = 3.2;
+        aim.tiltDegrees = 15.0;
+        render::Optics optics;
+        optics.levels = {31.5, 150.0, 90.0};
+        optics.light = {0.15, 0.1, 0.1};
+        render::LevelImage levels = render::renderLevels({}, camera, render::aimedPose(camera, aim), optics);
+        changeLevels(levels, [=](int, int, double level) { return gain * level; });
+        TrialImage trial;
+        trial.image = render::digitise(levels, 2.0, 3);
+        trial.pattern = describe(render::Plate{});
+        const ZelmMeasureImageDiagnosis d = diagnosisOf(trial);
+        EXPECT_TRUE(d.cause == ZELM_MEASURE_IMAGE_SATURATED || d.status >= 0)
+            << gain << " " << zelmMeasureImageCauseName(d.cause);
     }
 }
 
