@@ -401,7 +401,19 @@ double DotLattice::unevenness(const std::vector<Spot>& spots) const {
             }
         }
     }
-    return errors.empty() ? 1.0 : median(std::move(errors));
+    if (errors.empty()) {
+        return 1.0;
+    }
+    // Of a plate seen from the side the pitches shrink from dot to dot: there the homography knows better. A lens
+    // bends what the homography keeps straight.
+    std::vector<double> residuals;
+    residuals.reserve(dots.size());
+    for (const LatticeDot& dot : dots) {
+        const auto [u, v] = steps(dot.column, dot.row);
+        const double pitch = std::max(std::min(lengthOf(u), lengthOf(v)), 1e-6);
+        residuals.push_back(lengthOf(spots[dot.spot].ellipse.centre - place(dot.column, dot.row)) / pitch);
+    }
+    return std::min(median(std::move(errors)), median(std::move(residuals)));
 }
 
 std::array<Point2d, 2> DotLattice::middleSteps() const {

@@ -41,8 +41,9 @@ struct DotLattice {
     Point2d place(double column, double row) const { return apply(toImage, {column, row}); }
     // The dot at a place; NULL where there is none.
     const LatticeDot* at(int column, int row) const;
-    // How far a dot is from the middle of its two neighbours in a row or column, median, in pitches: 0 of a lattice
-    // whatever its perspective; 0.3 of spots that stand anywhere. 1 where no three stand side by side.
+    // How far dots are from the middle of their two neighbours in a row or column, or from where the homography puts
+    // them, median, in pitches: below 0.05 of a plate; 0.15 and more of spots that stand anywhere. 1 where no three
+    // stand side by side.
     double unevenness(const std::vector<Spot>& spots) const;
     // The steps in the middle of the dots.
     std::array<Point2d, 2> middleSteps() const;

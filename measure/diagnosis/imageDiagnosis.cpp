@@ -7,10 +7,7 @@ namespace zelm::measure {
 namespace {
 
 // The figures behind the thresholds are in docs/diagnosis.md: good data on the one side, faulty data on the other.
-constexpr int kMinLattice = 8;               // dots that are no chance
-constexpr int kSureLattice = 30;             // dots that are none,
-constexpr double kMaxUnevenness = 0.12;      // pitches, even if they stand so unevenly
-constexpr double kMaxFewUnevenness = 0.06;   // and fewer
+constexpr double kMinRoundFill = 0.972;      // pixels over those of the ellipse: dots have 0.98 and more, squares 0.96
 constexpr double kMinRadius = 4.0;           // pixels, of dots
 constexpr double kReadRadius = 5.5;          // of dots that are read whatever else there is
 constexpr double kMaxAxisDifference = 95.0;  // pixels: the reader refuses 100
@@ -18,7 +15,8 @@ constexpr double kMaxBlur = 0.30;            // of a dot's radius
 constexpr double kMinBlur = 1.6;             // pixels: less is taken for blur by small dots alone
 constexpr double kMinMotion = 1.35;          // the largest blur over the smallest
 constexpr double kWideBlur = 0.35;           // of the radius: dots so blurred run into each other,
-constexpr double kMinWideMotion = 1.8;       // and the two blurs are told less surely
+constexpr double kMinWideMotion = 1.8;       // and the two blurs are told less surely:
+constexpr double kMinWideEdges = 1.5;        // the widest edges of the image over the narrowest have to say the same
 constexpr double kMinContrast = 16.0;        // gray levels between dots and ground
 constexpr double kMinSignal = 4.0;           // contrast over noise
 constexpr int kDarkLevel = 32;               // a plate so dark has hardly the contrast that dots need
@@ -76,8 +74,10 @@ ZelmMeasureImageCause causeOfDots(const ImageEvidence& e, const Pattern& plate) 
     const bool isSmall = radius < kMinRadius || radius * radius * 3.14 < plate.minDotArea;
     const double blur = e.sharpness.spread.largest;
     const double smallest = e.sharpness.spread.smallest;
-    const double least = smallest > kWideBlur * radius ? kMinWideMotion : kMinMotion;
-    const auto blurred = blur > least * smallest ? ZELM_MEASURE_IMAGE_MOTION : ZELM_MEASURE_IMAGE_OUT_OF_FOCUS;
+    const bool isWide = smallest > kWideBlur * radius;
+    const bool isMotion = blur > (isWide ? kMinWideMotion : kMinMotion) * smallest &&
+                          (!isWide || e.levels.widest > kMinWideEdges * e.levels.narrowest);
+    const auto blurred = isMotion ? ZELM_MEASURE_IMAGE_MOTION : ZELM_MEASURE_IMAGE_OUT_OF_FOCUS;
     if (blur > kMaxBlur * radius && blur > kMinBlur) {
         return blurred;
     }
@@ -166,24 +166,22 @@ ZelmMeasureImageCause causeOfMarkers(const ImageEvidence& e, const Pattern& plat
                                                                    : ZELM_MEASURE_IMAGE_MARKERS;
 }
 
-// Some spots of any image stand in rows: those of noise or of text do so unevenly.
-bool isLattice(const ImageEvidence& e) {
-    return isEven(e.lattice.dots.size(), e.unevenness);
-}
-
 ZelmMeasureImageCause causeOfFailure(const ImageEvidence& e, const Pattern& plate) {
     const int dots = static_cast<int>(e.lattice.dots.size());
-    if (e.oppositeDots > 2 * (isLattice(e) ? dots : 0)) {
-        return ZELM_MEASURE_IMAGE_POLARITY;
+    if (e.oppositeDots > 2 * dots) {
+        return e.oppositeFill > kMinRoundFill ? ZELM_MEASURE_IMAGE_POLARITY : ZELM_MEASURE_IMAGE_OTHER_PLATE;
     }
     if (e.levels.saturated > kMaxSaturated && 2 * e.strong < dots) {
         return ZELM_MEASURE_IMAGE_SATURATED;  // what is left of the dots are remains
     }
-    if (!isLattice(e)) {
+    if (e.lattice.dots.empty()) {
         return causeWithoutDots(e);
     }
     if (const auto cause = causeOfDots(e, plate); cause != ZELM_MEASURE_IMAGE_FINE) {
         return cause;
+    }
+    if (3 * e.oppositeDots > dots) {
+        return ZELM_MEASURE_IMAGE_OTHER_PLATE;  // squares: what lies between sharp dots is one ground
     }
     if (const auto cause = causeOfMarkers(e, plate); cause != ZELM_MEASURE_IMAGE_FINE) {
         return cause;
@@ -223,7 +221,7 @@ ZelmMeasureImageCause causeOfFailure(const ImageEvidence& e, const Pattern& plat
 // Of an image that is read, why some dots are missing: only what is seen for certain.
 ZelmMeasureImageCause causeOfGaps(const ImageEvidence& e, const Pattern& plate) {
     const PlaceTraits& places = e.traits.places;
-    if (!isLattice(e) || e.read >= describedDots(plate) ||
+    if (e.lattice.dots.empty() || e.read >= describedDots(plate) ||
         !e.traits.markers.isFrame) {
         return ZELM_MEASURE_IMAGE_FINE;
     }
@@ -233,10 +231,6 @@ ZelmMeasureImageCause causeOfGaps(const ImageEvidence& e, const Pattern& plate) 
 }
 
 }  // namespace
-
-bool isEven(std::size_t dots, double unevenness) {
-    return dots >= kMinLattice && unevenness < (dots < kSureLattice ? kMaxFewUnevenness : kMaxUnevenness);
-}
 
 ZelmMeasureImageCause causeOf(const ImageEvidence& evidence, const Pattern& plate) {
     return evidence.status < 0 ? causeOfFailure(evidence, plate) : causeOfGaps(evidence, plate);

@@ -19,20 +19,17 @@ struct ImageEvidence {
     int read = 0;                   // dots
     ImageLevels levels;
     std::vector<Spot> spots;
-    DotLattice lattice;
-    double unevenness = 1.0;  // of the lattice
+    DotLattice lattice;             // an even one, or empty
     Sharpness sharpness;
     LatticeTraits traits;
     std::vector<double> strengths;  // weakest edge of each spot, as the reader sees it
     int strong = 0;                 // dots of the lattice whose edges are strong enough all round
-    int oppositeDots = 0;           // of an even lattice of the other polarity
+    int oppositeDots = 0;           // of a lattice of the other polarity
+    double oppositeFill = 1.0;      // median of their pixels over those of their ellipses: 0.96 of squares
     ZelmRect dotsRegion{};          // about the dots of the lattice
     double axisDifference = 0.0;  // pixels between the distances of the x and the y marker from the corner, of a frame
     bool isReadInRegion = false;  // the reader finds the plate when it is told that region
 };
-
-// Whether dots stand so evenly that it is no chance.
-bool isEven(std::size_t dots, double unevenness);
 
 ImageEvidence evidenceOf(const DenseImage& image, const Pattern& plate, const ZelmRect* region);
 

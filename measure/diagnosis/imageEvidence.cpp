@@ -15,6 +15,10 @@ constexpr double kRayStart = -3.0;  // pixels
 constexpr double kRayEnd = 2.0;     // radii
 constexpr double kFilter = 1.5;     // pixels: the standard deviation of the reader's derivative filter
 constexpr double kPixelVariance = 1.0 / 12.0;
+constexpr std::size_t kMinLattice = 8;       // dots that are no chance
+constexpr std::size_t kSureLattice = 30;     // dots that are none,
+constexpr double kMaxUnevenness = 0.12;      // pitches, even if they stand so unevenly
+constexpr double kMaxFewUnevenness = 0.06;   // and fewer
 constexpr std::array kMargins{0.75, 0.5};  // of a pitch about the outermost dots: the more the better
 
 // The weakest edge on 20 rays from a spot's centre, gray levels a pixel; 0 when a ray meets none.
@@ -111,11 +115,26 @@ void addLattice(const DenseImage& image, const Pattern& plate, const ZelmRect* r
     }
 }
 
-// The dots of a lattice that is no chance; 0 where there is none.
-int evenDots(const std::vector<Spot>& spots) {
-    const DotLattice lattice = findLattice(spots);
-    const bool isOne = !lattice.dots.empty() && isEven(lattice.dots.size(), lattice.unevenness(spots));
-    return isOne ? static_cast<int>(lattice.dots.size()) : 0;
+// The lattice of the spots, empty where it may be chance: some spots of any image stand in rows, those of noise or text
+// unevenly.
+DotLattice evenLattice(const std::vector<Spot>& spots) {
+    DotLattice lattice = findLattice(spots);
+    const std::size_t dots = lattice.dots.size();
+    const double most = dots < kSureLattice ? kMaxFewUnevenness : kMaxUnevenness;
+    return dots >= kMinLattice && lattice.unevenness(spots) < most ? lattice : DotLattice{};
+}
+
+// What a lattice of the other polarity shows.
+void addOpposite(const std::vector<Spot>& spots, ImageEvidence& e) {
+    const DotLattice lattice = evenLattice(spots);
+    if (lattice.dots.empty()) {
+        return;
+    }
+    std::vector<double> fills(lattice.dots.size());
+    std::transform(lattice.dots.begin(), lattice.dots.end(), fills.begin(),
+                   [&](const LatticeDot& dot) { return spots[dot.spot].fill; });
+    e.oppositeDots = static_cast<int>(lattice.dots.size());
+    e.oppositeFill = median(std::move(fills));
 }
 
 }  // namespace
@@ -132,17 +151,16 @@ ImageEvidence evidenceOf(const DenseImage& image, const Pattern& plate, const Ze
     }
     e.levels = levelsOf(image, part);
     e.spots = findSpots(image, part, plate.polarity);
-    e.lattice = findLattice(e.spots);
+    e.lattice = evenLattice(e.spots);
     e.strengths.resize(e.spots.size());
     std::transform(e.spots.begin(), e.spots.end(), e.strengths.begin(),
                    [&](const Spot& spot) { return weakestEdge(image, spot, plate.polarity); });
     if (!e.lattice.dots.empty()) {
-        e.unevenness = e.lattice.unevenness(e.spots);
         addLattice(image, plate, region, e);
     }
     if (e.status < 0) {
         measureEdges(image, part, e.levels);
-        e.oppositeDots = evenDots(findSpots(image, part, 1 - plate.polarity));
+        addOpposite(findSpots(image, part, 1 - plate.polarity), e);
     }
     return e;
 }

@@ -206,10 +206,13 @@ TrialImage otherPolarity(RandomSource& random) {
     return trial;
 }
 
-// Without larger dots, with smaller markers than described, or with many fewer dots.
+// Without larger dots, with smaller markers than described, with many fewer dots, or of squares.
 TrialImage otherPlate(RandomSource& random) {
     Station s = randomStation(random, kMinRadius);
-    const int kind = between(random, 0, 2);
+    const int kind = between(random, 0, 3);
+    if (kind == 3) {
+        return shoot(s, random, [&](LevelImage& image) { image = checkerboard(image.width, image.height, random); });
+    }
     if (kind == 0) {
         s.plate.shrunkMarkers = {{0, 0}, {s.plate.markerX, 0}, {0, s.plate.markerY}};
     }
