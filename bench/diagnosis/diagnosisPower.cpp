@@ -20,6 +20,7 @@
 #include <sstream>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "imageFaultTrials.h"
@@ -71,8 +72,8 @@ void judge(TrialImage trial, const TrialFault* fault, const std::string& folder,
     judged.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     judged.megapixels = 1e-6 * trial.image.width * trial.image.height;
     judged.isMade = true;
-    judged.isRight = fault != nullptr ? isNamed(*fault, trial, judged.diagnosis)
-                                      : judged.diagnosis.cause == ZELM_MEASURE_IMAGE_FINE;
+    judged.isRight =
+        fault != nullptr ? isNamed(*fault, trial, judged.diagnosis) : judged.diagnosis.cause == ZELM_MEASURE_IMAGE_FINE;
     judged.directionError = directionError(trial, judged.diagnosis);
     if (!judged.isRight && !folder.empty()) {
         std::ostringstream file;
@@ -167,17 +168,14 @@ const Figure kFigures[] = {
          return ifMeasured(j.diagnosis, j.diagnosis.largest / std::max(j.diagnosis.smallest, 0.05));
      }},
     {"motion blur", "error of the direction, degrees",
-     [](const Judged& j) {
-         return j.trial.direction != 0.0 ? std::optional(j.directionError) : std::nullopt;
-     }},
+     [](const Judged& j) { return j.trial.direction != 0.0 ? std::optional(j.directionError) : std::nullopt; }},
     {"saturated", "share at the largest levels", [](const Judged& j) { return std::optional(j.diagnosis.saturated); }},
     {"too dark", "bright level", [](const Judged& j) { return std::optional<double>(j.diagnosis.brightLevel); }},
     {"10 or 12 bits in 16", "bright level",
      [](const Judged& j) { return std::optional<double>(j.diagnosis.brightLevel); }},
     {"low contrast", "levels between dots and ground",
      [](const Judged& j) { return ifMeasured(j.diagnosis, std::fabs(j.diagnosis.ground - j.diagnosis.inside)); }},
-    {"tilted", "width of a circle",
-     [](const Judged& j) { return ifMeasured(j.diagnosis, j.diagnosis.axisRatio); }},
+    {"tilted", "width of a circle", [](const Judged& j) { return ifMeasured(j.diagnosis, j.diagnosis.axisRatio); }},
     {"small dots", "radius, pixels", [](const Judged& j) { return ifMeasured(j.diagnosis, j.diagnosis.radius); }},
     {"another plate", "size of the markers over the described one",
      [](const Judged& j) {
@@ -192,9 +190,8 @@ const Figure kFigures[] = {
     {"cut off", "places outside", [](const Judged& j) { return std::optional<double>(j.diagnosis.outside); }},
     {"reflection", "bright places over hidden ones",
      [](const Judged& j) {
-         return j.diagnosis.hidden > 0
-                    ? std::optional(static_cast<double>(j.diagnosis.highlights) / j.diagnosis.hidden)
-                    : std::nullopt;
+         return j.diagnosis.hidden > 0 ? std::optional(static_cast<double>(j.diagnosis.highlights) / j.diagnosis.hidden)
+                                       : std::nullopt;
      }},
     {"covered", "hidden places", [](const Judged& j) { return std::optional<double>(j.diagnosis.hidden); }},
     {"a marker is missing", "markers", [](const Judged& j) { return std::optional<double>(j.diagnosis.markers); }},
@@ -208,28 +205,56 @@ void printSpread(const std::vector<Judged>& list, const Figure& figure) {
         }
     }
     std::sort(values.begin(), values.end());
-    if (values.empty()) {
-        std::printf(" |");
-        return;
-    }
-    for (const double share : {0.0, 0.01, 0.05, 0.5, 0.95, 0.99, 1.0}) {
-        std::printf(" %.4g", values[static_cast<std::size_t>(share * static_cast<double>(values.size() - 1) + 0.5)]);
+    for (const double share : {0.0, 0.01, 0.5, 0.99, 1.0}) {
+        if (!values.empty()) {
+            const auto rank = static_cast<std::size_t>(share * static_cast<double>(values.size() - 1) + 0.5);
+            std::printf(" %.3g", values[rank]);
+        }
     }
     std::printf(" |");
 }
 
-void printFigures(const TrialFault& fault, const std::vector<Judged>& good, const std::vector<Judged>& faulty,
-                  std::string& text) {
+void printFigures(const TrialFault& fault, const std::vector<Judged>& good, const std::vector<Judged>& faulty) {
     for (const Figure& figure : kFigures) {
         if (std::string(figure.fault) == fault.name) {
-            std::printf("|- %s | %s |", fault.name, figure.name);
+            std::printf("| %s | %s |", fault.name, figure.name);
             printSpread(good, figure);
             printSpread(faulty, figure);
             std::printf("\n");
         }
     }
-    (void)text;
 }
+
+void printGood(const std::vector<Judged>& good) {
+    std::size_t unread = 0;
+    std::size_t accused = 0;
+    for (const Judged& judged : good) {
+        unread += judged.diagnosis.status < 0 ? 1U : 0U;
+        accused += judged.isRight ? 0U : 1U;
+        if (!judged.isRight || judged.diagnosis.status < 0) {
+            std::fprintf(stderr, "good %llu: %s\n", static_cast<unsigned long long>(judged.seed),
+                         zelmMeasureImageCauseName(judged.diagnosis.cause));
+        }
+    }
+    std::printf("good images: %zu, not read: %zu, accused: %zu\n\n", good.size(), unread, accused);
+}
+
+// Sums over all faults.
+struct Total {
+    std::size_t images = 0;
+    std::size_t right = 0;
+    double seconds = 0.0;
+    double megapixels = 0.0;
+
+    void add(const std::vector<Judged>& list) {
+        for (const Judged& judged : list) {
+            ++images;
+            right += judged.isRight ? 1U : 0U;
+            seconds += judged.seconds;
+            megapixels += judged.megapixels;
+        }
+    }
+};
 
 }  // namespace
 
@@ -239,34 +264,33 @@ int main(int argc, char** argv) {
     const auto first = static_cast<std::uint64_t>(argc > 3 ? std::atoll(argv[3]) : 1);
     const std::string folder = argc > 4 ? argv[4] : "";
     const std::string only = argc > 5 ? argv[5] : "";
+    if (count < 0 || goods < 0) {
+        std::fprintf(stderr, "zelm_diagnosis_power: numbers of images must be 0 or more\n");
+        return 2;
+    }
     const std::vector<Judged> good = judgeGood(goods, first, folder);
-    const auto unread = std::count_if(good.begin(), good.end(), [](const Judged& j) { return j.diagnosis.status < 0; });
-    const auto accused = std::count_if(good.begin(), good.end(), [](const Judged& j) { return !j.isRight; });
-    std::printf("good images: %d, not read: %d, accused: %d\n", goods, static_cast<int>(unread),
-                static_cast<int>(accused));
-    for (const Judged& j : good) {
-        if (!j.isRight || j.diagnosis.status < 0) {
-            std::fprintf(stderr, "good %llu: %s\n", static_cast<unsigned long long>(j.seed),
-                         zelmMeasureImageCauseName(j.diagnosis.cause));
-        }
-    }
-    std::string text;
-    double seconds = 0.0, mega = 0.0, slowest = 0.0;
-    int right = 0, made = 0;
+    printGood(good);
+    std::printf(
+        "| fault | cause | read all the same | images | named rightly | share | taken for |\n"
+        "|---|---|---:|---:|---:|---:|---|\n");
+    std::vector<std::pair<const TrialFault*, std::vector<Judged>>> all;
+    Total total;
     for (const TrialFault& fault : trialFaults()) {
-        if (!only.empty() && only != fault.name) continue;
-        int read = 0;
-        const std::vector<Judged> list = judgeFaulty(fault, count, first, folder, read);
-        printFaulty(fault, list, read);
-        printFigures(fault, good, list, text);
-        for (const Judged& j : list) {
-            right += j.isRight ? 1 : 0;
-            ++made;
-            seconds += j.seconds;
-            mega += j.megapixels;
-            slowest = std::max(slowest, j.seconds / std::max(j.megapixels, 0.2));
+        if (only.empty() || only == fault.name) {
+            int read = 0;
+            all.emplace_back(&fault, judgeFaulty(fault, count, first, folder, read));
+            printFaulty(fault, all.back().second, read);
+            total.add(all.back().second);
         }
     }
-    std::printf("\nall: %d of %d, %.1f %%; %.2f s a megapixel, slowest %.2f\n", right, made, 100.0 * right / made, seconds / mega, slowest);
+    std::printf("\nall: %zu of %zu, %.1f %%; %.2f s a megapixel\n\n", total.right, total.images,
+                100.0 * static_cast<double>(total.right) / static_cast<double>(std::max<std::size_t>(total.images, 1)),
+                total.seconds / std::max(total.megapixels, 1e-9));
+    std::printf(
+        "Minimum, 1 %%, median, 99 %%, maximum:\n\n| fault | figure | good images | faulty images |\n"
+        "|---|---|---|---|\n");
+    for (const auto& [fault, list] : all) {
+        printFigures(*fault, good, list);
+    }
     return 0;
 }

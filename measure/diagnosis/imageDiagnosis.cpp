@@ -31,7 +31,7 @@ constexpr double kCoveredShare = 0.08;       // of the places within the bounds
 constexpr double kMinFlatRange = 20.0;       // gray levels between dark and bright
 constexpr double kMinBlurredEdge = 12.0;     // pixels: width of the steepest edges of an image out of focus,
 constexpr double kMaxBlurredEdge = 90.0;     // and of light that just falls off
-constexpr double kMinStep = 0.6;              // of all levels, by which they change across the steepest edges of a plate
+constexpr double kMinStep = 0.6;             // of all levels, by which they change across the steepest edges of a plate
 constexpr double kMaxStep = 1.3;             // out of focus: an even slope goes on, and texture and noise come back
 constexpr double kMinEdgeMotion = 2.5;       // of the steepest edges' widths
 
@@ -221,8 +221,7 @@ ZelmMeasureImageCause causeOfFailure(const ImageEvidence& e, const Pattern& plat
 // Of an image that is read, why some dots are missing: only what is seen for certain.
 ZelmMeasureImageCause causeOfGaps(const ImageEvidence& e, const Pattern& plate) {
     const PlaceTraits& places = e.traits.places;
-    if (e.lattice.dots.empty() || e.read >= describedDots(plate) ||
-        !e.traits.markers.isFrame) {
+    if (e.lattice.dots.empty() || e.read >= describedDots(plate) || !e.traits.markers.isFrame) {
         return ZELM_MEASURE_IMAGE_FINE;
     }
     PlaceTraits certain = places;

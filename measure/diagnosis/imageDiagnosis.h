@@ -19,7 +19,7 @@ struct ImageEvidence {
     int read = 0;                   // dots
     ImageLevels levels;
     std::vector<Spot> spots;
-    DotLattice lattice;             // an even one, or empty
+    DotLattice lattice;  // an even one, or empty
     Sharpness sharpness;
     LatticeTraits traits;
     std::vector<double> strengths;  // weakest edge of each spot, as the reader sees it

@@ -15,11 +15,11 @@ constexpr double kRayStart = -3.0;  // pixels
 constexpr double kRayEnd = 2.0;     // radii
 constexpr double kFilter = 1.5;     // pixels: the standard deviation of the reader's derivative filter
 constexpr double kPixelVariance = 1.0 / 12.0;
-constexpr std::size_t kMinLattice = 8;       // dots that are no chance
-constexpr std::size_t kSureLattice = 30;     // dots that are none,
-constexpr double kMaxUnevenness = 0.12;      // pitches, even if they stand so unevenly
-constexpr double kMaxFewUnevenness = 0.06;   // and fewer
-constexpr std::array kMargins{0.75, 0.5};  // of a pitch about the outermost dots: the more the better
+constexpr std::size_t kMinLattice = 8;      // dots that are no chance
+constexpr std::size_t kSureLattice = 30;    // dots that are none,
+constexpr double kMaxUnevenness = 0.12;     // pitches, even if they stand so unevenly
+constexpr double kMaxFewUnevenness = 0.06;  // and fewer
+constexpr std::array kMargins{0.75, 0.5};   // of a pitch about the outermost dots: the more the better
 
 // The weakest edge on 20 rays from a spot's centre, gray levels a pixel; 0 when a ray meets none.
 double weakestEdge(const DenseImage& image, const Spot& spot, int polarity) {

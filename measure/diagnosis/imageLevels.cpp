@@ -90,8 +90,7 @@ double changeAcross(const DenseImage& image, const ZelmRect& region, const Edges
         }
         ++all;
         if (isInside(x - wayX, y - wayY) && isInside(x + wayX, y + wayY)) {
-            changes.push_back(
-                std::fabs(levelMean(image, x + wayX, y + wayY) - levelMean(image, x - wayX, y - wayY)));
+            changes.push_back(std::fabs(levelMean(image, x + wayX, y + wayY) - levelMean(image, x - wayX, y - wayY)));
         }
     });
     return 2 * changes.size() < all || changes.empty() ? 0.0 : median(std::move(changes));

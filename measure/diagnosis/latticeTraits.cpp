@@ -18,7 +18,7 @@ constexpr double kMarkerBand = 1.15;       // dot areas by which a marker may fa
 constexpr double kRounder = 1.15;          // times as round as along the shortest steps
 constexpr int kMaxExpected = 20'000;       // places that are looked at
 
-constexpr double kWhiteLevel = 250.0;      // of places that are clipped but for some pixels
+constexpr double kWhiteLevel = 250.0;  // of places that are clipped but for some pixels
 
 double circleRatio(const DotLattice& lattice, const Pattern& plate);
 double meanLevel(const DenseImage& image, Point2d at, double radius);

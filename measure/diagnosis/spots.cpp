@@ -345,8 +345,8 @@ public:
     std::vector<Spot> kept;
 
 private:
-    static constexpr int kCell = 16;         // pixels
-    static constexpr double kLarge = 24.0;   // pixels
+    static constexpr int kCell = 16;        // pixels
+    static constexpr double kLarge = 24.0;  // pixels
     std::pair<int, int> cellOf(const Spot& spot) const {
         return {std::clamp(static_cast<int>(spot.ellipse.centre.x) / kCell, 0, columns - 1),
                 std::clamp(static_cast<int>(spot.ellipse.centre.y) / kCell, 0, rows - 1)};

@@ -55,9 +55,9 @@ TrialImage hiddenMarker(RandomSource& random) {
     const render::Pixel p = randomMarker(s, random);
     const double reach = s.radius * random.uniform(1.9, 2.3);
     const double gray = s.optics.levels.plate + random.uniform(-20.0, 6.0);
-    return shoot(s, random,
-                 painted([=](int x, int y) { return std::hypot(x - p.x, y - p.y) < reach; },
-                         [=](int, int) { return gray; }));
+    return shoot(
+        s, random,
+        painted([=](int x, int y) { return std::hypot(x - p.x, y - p.y) < reach; }, [=](int, int) { return gray; }));
 }
 
 // The sides over which dots of the plate hang.
@@ -304,8 +304,8 @@ TrialImage markerAxes(RandomSource& random) {
 
 // The image area of a dot, but for a factor.
 double areaOf(const Station& s, int column, int row) {
-    const render::ProjectedPoint p = render::project(s.camera, render::aimedPose(s.camera, s.aim),
-                                                     {column * s.plate.pitchX, row * s.plate.pitchY});
+    const render::ProjectedPoint p =
+        render::project(s.camera, render::aimedPose(s.camera, s.aim), {column * s.plate.pitchX, row * s.plate.pitchY});
     return std::fabs(p.dxdX * p.dydY - p.dxdY * p.dydX);
 }
 
@@ -361,27 +361,27 @@ std::uint64_t seedOf(const char* name, std::uint64_t seed) {
 }  // namespace
 
 const std::vector<TrialFault>& trialFaults() {
-    static const std::vector<TrialFault> list{{"no plate", ZELM_MEASURE_IMAGE_NO_PLATE, noPlate},
-                                              {"a marker is missing", ZELM_MEASURE_IMAGE_MARKERS, hiddenMarker},
-                                              {"cut off", ZELM_MEASURE_IMAGE_CUT_OFF, cutOff},
-                                              {"out of focus", ZELM_MEASURE_IMAGE_OUT_OF_FOCUS, outOfFocus},
-                                              {"motion blur", ZELM_MEASURE_IMAGE_MOTION, motion},
-                                              {"saturated", ZELM_MEASURE_IMAGE_SATURATED, saturated},
-                                              {"too dark", ZELM_MEASURE_IMAGE_DARK, dark},
-                                              {"10 or 12 bits in 16", ZELM_MEASURE_IMAGE_DARK, fewBits},
-                                              {"low contrast", ZELM_MEASURE_IMAGE_LOW_CONTRAST, lowContrast},
-                                              {"reflection", ZELM_MEASURE_IMAGE_REFLECTION, reflection},
-                                              {"covered", ZELM_MEASURE_IMAGE_COVERED, covered},
-                                              {"wrong polarity", ZELM_MEASURE_IMAGE_POLARITY, otherPolarity},
-                                              {"another plate", ZELM_MEASURE_IMAGE_OTHER_PLATE, otherPlate},
-                                              {"wrong marker distance", ZELM_MEASURE_IMAGE_MARKER_DISTANCE,
-                                               markerDistance},
-                                              {"small dots", ZELM_MEASURE_IMAGE_SMALL_DOTS, smallDots},
-                                              {"tilted", ZELM_MEASURE_IMAGE_TILTED, tilted},
-                                              {"not separate", ZELM_MEASURE_IMAGE_NOT_SEPARATE, notSeparate},
-                                              {"uneven light", ZELM_MEASURE_IMAGE_UNEVEN_LIGHT, unevenLight},
-                                              {"unequal marker axes", ZELM_MEASURE_IMAGE_MARKER_AXES, markerAxes},
-                                              {"strong perspective", ZELM_MEASURE_IMAGE_PERSPECTIVE, perspective}};
+    static const std::vector<TrialFault> list{
+        {"no plate", ZELM_MEASURE_IMAGE_NO_PLATE, noPlate},
+        {"a marker is missing", ZELM_MEASURE_IMAGE_MARKERS, hiddenMarker},
+        {"cut off", ZELM_MEASURE_IMAGE_CUT_OFF, cutOff},
+        {"out of focus", ZELM_MEASURE_IMAGE_OUT_OF_FOCUS, outOfFocus},
+        {"motion blur", ZELM_MEASURE_IMAGE_MOTION, motion},
+        {"saturated", ZELM_MEASURE_IMAGE_SATURATED, saturated},
+        {"too dark", ZELM_MEASURE_IMAGE_DARK, dark},
+        {"10 or 12 bits in 16", ZELM_MEASURE_IMAGE_DARK, fewBits},
+        {"low contrast", ZELM_MEASURE_IMAGE_LOW_CONTRAST, lowContrast},
+        {"reflection", ZELM_MEASURE_IMAGE_REFLECTION, reflection},
+        {"covered", ZELM_MEASURE_IMAGE_COVERED, covered},
+        {"wrong polarity", ZELM_MEASURE_IMAGE_POLARITY, otherPolarity},
+        {"another plate", ZELM_MEASURE_IMAGE_OTHER_PLATE, otherPlate},
+        {"wrong marker distance", ZELM_MEASURE_IMAGE_MARKER_DISTANCE, markerDistance},
+        {"small dots", ZELM_MEASURE_IMAGE_SMALL_DOTS, smallDots},
+        {"tilted", ZELM_MEASURE_IMAGE_TILTED, tilted},
+        {"not separate", ZELM_MEASURE_IMAGE_NOT_SEPARATE, notSeparate},
+        {"uneven light", ZELM_MEASURE_IMAGE_UNEVEN_LIGHT, unevenLight},
+        {"unequal marker axes", ZELM_MEASURE_IMAGE_MARKER_AXES, markerAxes},
+        {"strong perspective", ZELM_MEASURE_IMAGE_PERSPECTIVE, perspective}};
     return list;
 }
 
@@ -417,8 +417,7 @@ bool isNamed(const TrialFault& fault, const TrialImage& trial, const ZelmMeasure
     if (fault.cause == ZELM_MEASURE_IMAGE_MOTION) {
         return directionError(trial, diagnosis) <= kMaxDirectionError;
     }
-    return fault.cause != ZELM_MEASURE_IMAGE_CUT_OFF ||
-           (diagnosis.sides != 0 && (diagnosis.sides & ~trial.sides) == 0);
+    return fault.cause != ZELM_MEASURE_IMAGE_CUT_OFF || (diagnosis.sides != 0 && (diagnosis.sides & ~trial.sides) == 0);
 }
 
 }  // namespace zelm::accuracy

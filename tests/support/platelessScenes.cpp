@@ -15,7 +15,8 @@ using render::LevelImage;
 using render::RandomSource;
 
 LevelImage flat(int width, int height, double level) {
-    return {width, height, std::vector<double>(static_cast<std::size_t>(width) * static_cast<std::size_t>(height), level)};
+    return {width, height,
+            std::vector<double>(static_cast<std::size_t>(width) * static_cast<std::size_t>(height), level)};
 }
 
 // Edges of images are not sharp to the pixel.
@@ -145,8 +146,10 @@ LevelImage stars(int width, int height, RandomSource& random) {
         const double y = random.uniform(0.0, height);
         const double radius = random.uniform(3.0, 9.0) * width / 640.0;
         const double peak = (isBright ? 1.0 : -1.0) * random.uniform(40.0, 150.0);
-        for (int py = std::max(0, static_cast<int>(y - radius - 2)); py < std::min<double>(height, y + radius + 2); ++py) {
-            for (int px = std::max(0, static_cast<int>(x - radius - 2)); px < std::min<double>(width, x + radius + 2); ++px) {
+        for (int py = std::max(0, static_cast<int>(y - radius - 2)); py < std::min<double>(height, y + radius + 2);
+             ++py) {
+            for (int px = std::max(0, static_cast<int>(x - radius - 2)); px < std::min<double>(width, x + radius + 2);
+                 ++px) {
                 levelOf(image, px, py) += peak * std::clamp(radius - std::hypot(px - x, py - y) + 0.5, 0.0, 1.0);
             }
         }
