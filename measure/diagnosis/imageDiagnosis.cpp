@@ -63,11 +63,29 @@ ZelmMeasureImageCause causeWithoutDots(const ImageEvidence& e) {
     return ZELM_MEASURE_IMAGE_NO_PLATE;
 }
 
+// Whether dots or their ground are white. White grows over what is dark beside it, and swallows dots that are nearly so.
+bool isClipped(const ImageEvidence& e) {
+    return e.sharpness.dots > 0 && std::max(e.sharpness.inside, e.sharpness.outside) > kClippedLevel;
+}
+
+// Diameter over pitch, seen over described, less 1.
+double diameterError(const ImageEvidence& e, const Pattern& plate) {
+    const double seen = std::sqrt(e.traits.dotRatioX * e.traits.dotRatioY);
+    return seen / (plate.d2 / std::sqrt(plate.d4 * plate.d5)) - 1.0;
+}
+
+bool isOtherDiameter(const ImageEvidence& e, const Pattern& plate) {
+    return std::fabs(diameterError(e, plate)) > kMaxRatioError;
+}
+
 // Whether the dots are told well enough for their lattice to be judged.
 ZelmMeasureImageCause causeOfDots(const ImageEvidence& e, const Pattern& plate) {
     const double radius = e.sharpness.dots > 0 ? e.sharpness.radius : e.traits.radius;
     const double contrast = contrastOf(e);
     const bool isFaint = e.sharpness.dots > 0 && (contrast < kMinContrast || contrast < kMinSignal * e.sharpness.noise);
+    if (isFaint && isClipped(e)) {
+        return ZELM_MEASURE_IMAGE_SATURATED;
+    }
     if (isFaint) {
         return e.levels.bright < 2 * kDarkLevel ? ZELM_MEASURE_IMAGE_DARK : ZELM_MEASURE_IMAGE_LOW_CONTRAST;
     }
@@ -80,6 +98,9 @@ ZelmMeasureImageCause causeOfDots(const ImageEvidence& e, const Pattern& plate) 
     const auto blurred = isMotion ? ZELM_MEASURE_IMAGE_MOTION : ZELM_MEASURE_IMAGE_OUT_OF_FOCUS;
     if (blur > kMaxBlur * radius && blur > kMinBlur) {
         return blurred;
+    }
+    if (isClipped(e) && (plate.polarity == 0 ? -1.0 : 1.0) * diameterError(e, plate) > kMaxRatioError) {
+        return ZELM_MEASURE_IMAGE_SATURATED;  // white has grown
     }
     if (e.traits.axisRatio < kMinAxisRatio) {
         return ZELM_MEASURE_IMAGE_TILTED;
@@ -102,17 +123,6 @@ ZelmMeasureImageCause causeOfPlaces(const PlaceTraits& places, int least) {
         return ZELM_MEASURE_IMAGE_FINE;
     }
     return places.highlights > kHighlights * places.hidden ? ZELM_MEASURE_IMAGE_REFLECTION : ZELM_MEASURE_IMAGE_COVERED;
-}
-
-bool isOtherDiameter(const ImageEvidence& e, const Pattern& plate) {
-    const double seen = std::sqrt(e.traits.dotRatioX * e.traits.dotRatioY);
-    const double described = plate.d2 / std::sqrt(plate.d4 * plate.d5);
-    return std::fabs(seen / described - 1.0) > kMaxRatioError;
-}
-
-// Whether dots or their ground are white. White grows over what is dark beside it, and swallows dots that are nearly so.
-bool isClipped(const ImageEvidence& e) {
-    return e.sharpness.dots > 0 && std::max(e.sharpness.inside, e.sharpness.outside) > kClippedLevel;
 }
 
 // A clipped plate that has lost dots in white, or whose markers differ from its dots by what white takes or adds.
@@ -194,6 +204,9 @@ ZelmMeasureImageCause causeOfFailure(const ImageEvidence& e, const Pattern& plat
         }
         return causeOfPlaces(places, 1);
     }
+    if (e.traits.isLevelShared) {
+        return ZELM_MEASURE_IMAGE_UNEVEN_LIGHT;
+    }
     if (e.isReadInRegion) {
         return ZELM_MEASURE_IMAGE_NOT_SEPARATE;
     }
@@ -202,9 +215,6 @@ ZelmMeasureImageCause causeOfFailure(const ImageEvidence& e, const Pattern& plat
     }
     if (isOtherDiameter(e, plate)) {
         return ZELM_MEASURE_IMAGE_OTHER_PLATE;
-    }
-    if (e.traits.isLevelShared) {
-        return ZELM_MEASURE_IMAGE_UNEVEN_LIGHT;
     }
     if (e.traits.places.inner > 0 && e.traits.places.together >= 2) {
         return causeOfPlaces(e.traits.places, 1);

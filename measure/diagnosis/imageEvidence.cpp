@@ -19,6 +19,8 @@ constexpr std::size_t kMinLattice = 8;      // dots that are no chance
 constexpr std::size_t kSureLattice = 30;    // dots that are none,
 constexpr double kMaxUnevenness = 0.12;     // pitches, even if they stand so unevenly
 constexpr double kMaxFewUnevenness = 0.06;  // and fewer
+constexpr double kSureEvenness = 0.05;      // pitches: so even are dots alone,
+constexpr double kMaxSizeSpread = 0.08;     // otherwise their sizes have to be alike: text has 0.1 and more, dots 0.03
 constexpr std::array kMargins{0.75, 0.5};   // of a pitch about the outermost dots: the more the better
 
 // The weakest edge on 20 rays from a spot's centre, gray levels a pixel; 0 when a ray meets none.
@@ -115,13 +117,26 @@ void addLattice(const DenseImage& image, const Pattern& plate, const ZelmRect* r
     }
 }
 
-// The lattice of the spots, empty where it may be chance: some spots of any image stand in rows, those of noise or text
-// unevenly.
+// How much the sizes of neighbours differ, median.
+double sizeSpread(const DotLattice& lattice) {
+    std::vector<double> spreads(lattice.dots.size());
+    std::transform(lattice.dots.begin(), lattice.dots.end(), spreads.begin(),
+                   [](const LatticeDot& dot) { return std::fabs(std::log(dot.size)); });
+    return median(std::move(spreads));
+}
+
+// The lattice of the spots, empty where it may be chance: some spots of any image stand in rows, those of noise and
+// text unevenly, or of sizes that differ.
 DotLattice evenLattice(const std::vector<Spot>& spots) {
     DotLattice lattice = findLattice(spots);
     const std::size_t dots = lattice.dots.size();
-    const double most = dots < kSureLattice ? kMaxFewUnevenness : kMaxUnevenness;
-    return dots >= kMinLattice && lattice.unevenness(spots) < most ? lattice : DotLattice{};
+    if (dots < kMinLattice) {
+        return {};
+    }
+    const double unevenness = lattice.unevenness(spots);
+    const bool isEven = unevenness < (dots < kSureLattice ? kMaxFewUnevenness : kMaxUnevenness);
+    const bool isAlike = unevenness < kSureEvenness || sizeSpread(lattice) < kMaxSizeSpread;
+    return isEven && isAlike ? lattice : DotLattice{};
 }
 
 // What a lattice of the other polarity shows.

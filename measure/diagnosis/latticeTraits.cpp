@@ -18,7 +18,8 @@ constexpr double kMarkerBand = 1.15;       // dot areas by which a marker may fa
 constexpr double kRounder = 1.15;          // times as round as along the shortest steps
 constexpr int kMaxExpected = 20'000;       // places that are looked at
 
-constexpr double kWhiteLevel = 250.0;  // of places that are clipped but for some pixels
+constexpr double kMaxLightRatio = 1.6;  // of the light over the plate, 5 to 95 % of it: what is evenly lit has 1.4
+constexpr double kWhiteLevel = 250.0;   // of places that are clipped but for some pixels
 
 double circleRatio(const DotLattice& lattice, const Pattern& plate);
 double meanLevel(const DenseImage& image, Point2d at, double radius);
@@ -253,7 +254,8 @@ double circleRatio(const DotLattice& lattice, const Pattern& plate) {
     return std::max(ratio({q * u.x, q * u.y}, v), ratio(u, {q * v.x, q * v.y}));
 }
 
-// Whether no one level parts dots from ground: the dots' middles against the ground in the middle of four of them, where
+// Whether no one level parts dots from ground, or the light differs so much that none parts the plate from what is
+// around it: the dots' middles against the ground in the middle of four of them, where
 // nothing that covers the plate and no edge lies.
 bool sharesLevels(const DenseImage& image, const std::vector<Spot>& spots, const DotLattice& lattice, int polarity) {
     std::set<std::pair<int, int>> taken;
@@ -277,6 +279,10 @@ bool sharesLevels(const DenseImage& image, const std::vector<Spot>& spots, const
         std::nth_element(values.begin(), values.begin() + rank, values.end());
         return values[static_cast<std::size_t>(rank)];
     };
+    std::vector<double>& brighter = polarity == 0 ? grounds : dots;
+    if (at(brighter, 0.95) > kMaxLightRatio * at(brighter, 0.05)) {
+        return true;
+    }
     return polarity == 0 ? at(dots, 0.95) > at(grounds, 0.05) : at(dots, 0.05) < at(grounds, 0.95);
 }
 
