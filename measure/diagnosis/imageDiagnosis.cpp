@@ -63,7 +63,8 @@ ZelmMeasureImageCause causeWithoutDots(const ImageEvidence& e) {
     return ZELM_MEASURE_IMAGE_NO_PLATE;
 }
 
-// Whether dots or their ground are white. White grows over what is dark beside it, and swallows dots that are nearly so.
+// Whether dots or their ground are white. White grows over what is dark beside it, and swallows dots that are nearly
+// white.
 bool isClipped(const ImageEvidence& e) {
     return e.sharpness.dots > 0 && std::max(e.sharpness.inside, e.sharpness.outside) > kClippedLevel;
 }

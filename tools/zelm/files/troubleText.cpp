@@ -193,9 +193,9 @@ std::string troubleText(const Figures& f, const Plate& plate) {
                 f.dots, regionText(f.region));
         case ZELM_MEASURE_IMAGE_UNEVEN_LIGHT:
             return fmt::format(
-                "uneven light: some of the {} dots are {} than the ground of others: light the plate "
-                "evenly",
-                f.dots, p.polarity == 0 ? "brighter" : "darker");
+                "uneven light: so much brighter on one side of the {} dots than on the other that no one level parts "
+                "all {} dots from their ground, or the plate from what is around it: light the plate evenly",
+                f.dots, polarityWord(p.polarity));
         case ZELM_MEASURE_IMAGE_MARKER_AXES:
             return "the x and the y marker stand 100 pixels and more nearer to the corner marker than each other: take "
                    "the plate from farther away, or one whose markers are equally far";
