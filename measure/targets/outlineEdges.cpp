@@ -15,9 +15,10 @@ constexpr int kRounds = 2;              // the ellipse through the edges of the 
 constexpr double kTukey = 3.5;          // robust constant of the ellipse
 constexpr double kMaxDeviations = 4.0;  // of an edge from the ellipse
 constexpr double kMinDeviation = 0.02;  // pixels that edges are off the ellipse without any noise
-constexpr std::size_t kMinEdges = 8;    // an ellipse has five unknowns
-constexpr double kMinShare = 0.4;       // of the outline that must be seen
-constexpr double kWholeShare = 0.65;    // from which it tells its ellipse better than it was found
+constexpr double kEllipseUnknowns = 5.0;
+constexpr std::size_t kMinEdges = 8;
+constexpr double kMinShare = 0.4;     // of the outline that must be seen
+constexpr double kWholeShare = 0.65;  // from which it tells its ellipse better than it was found
 
 // Edges are seen where a step is, near the ellipse; 0.5 pixel is more than any lens bends an outline.
 double shareOf(const std::vector<SectorStep>& steps) {
@@ -58,7 +59,8 @@ bool fitRobustly(const std::vector<OutlineEdge>& edges, Ellipse2d& ellipse) {
            std::isfinite(ellipse.a) && std::isfinite(ellipse.angle);
 }
 
-// Leaves out the edges that are off the ellipse by more than the others.
+// Leaves out the edges that are off the ellipse by more than the others and than their own noise: the median of the few
+// that a dot has is often small by chance, and without the ends of their spread edges tell too little of it.
 void dropStrays(std::vector<OutlineEdge>& edges, const Ellipse2d& ellipse) {
     std::vector<double> distances;
     distances.reserve(edges.size());
@@ -68,10 +70,11 @@ void dropStrays(std::vector<OutlineEdge>& edges, const Ellipse2d& ellipse) {
     std::vector<double> sorted = distances;
     const auto middle = sorted.begin() + static_cast<std::ptrdiff_t>(sorted.size() / 2);
     std::nth_element(sorted.begin(), middle, sorted.end());
-    const double limit = kMaxDeviations * std::max(1.4826 * *middle, kMinDeviation);
+    const auto count = static_cast<double>(edges.size());
+    const double usual = 1.4826 * *middle * std::sqrt(count / (count - kEllipseUnknowns));
     std::vector<OutlineEdge> kept;
     for (std::size_t i = 0; i < edges.size(); ++i) {
-        if (distances[i] <= limit) {
+        if (distances[i] <= kMaxDeviations * std::max({usual, edges[i].deviation, kMinDeviation})) {
             kept.push_back(edges[i]);
         }
     }
