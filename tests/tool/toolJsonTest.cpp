@@ -188,6 +188,24 @@ TEST_F(JsonRuns, EveryCommandThatLoadsARefusedCalibrationWarns) {
     EXPECT_EQ(zelm({"info", rig}).errors, "");
 }
 
+// One file for both cameras shows nothing in space.
+TEST_F(JsonRuns, OneImageForBothCamerasIsAWarning) {
+    const std::string left = smallRigFile("left_00.pgm");
+    for (std::vector<std::string> arguments : runs()) {
+        if (arguments.front() != "rectify") {
+            continue;
+        }
+        arguments.emplace_back("--json");
+        EXPECT_EQ(zelm(arguments).errors.find("given as the left"), std::string::npos);
+        *std::find(arguments.begin(), arguments.end(), smallRigFile("right_00.pgm")) = left;
+        const CommandResult run = zelm(arguments);
+        EXPECT_EQ(run.status, 0) << run.errors;
+        EXPECT_NE(run.errors.find("left_00.pgm: given as the left and as the right image"), std::string::npos);
+        EXPECT_EQ(whole(run).value("warnings", Json()), printedWarnings(run));
+        EXPECT_EQ(printedWarnings(run).size(), 1U) << run.errors;
+    }
+}
+
 TEST_F(JsonRuns, AVerdictAgainstTheRigKeepsItsFigures) {
     const CommandResult run =
         zelm({"verify", (calibratedSmallRig() / "rig.zcal").string(), "--plate", smallRigFile("plate.json"), "--left",

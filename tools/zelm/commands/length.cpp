@@ -9,6 +9,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "cameraPicture.h"
 #include "dotPairs.h"
 #include "failure.h"
 #include "lengthFile.h"
@@ -332,6 +333,9 @@ void runLength(const LengthOptions& o, const Console& console) {
     checkResult(o, lengths, console);
     if (const std::string mismatch = mismatchText(points, maxErrorOf(o.dots, noise), o.rig); !mismatch.empty()) {
         console.warn(fmt::format("{}: {}", o.pairs, mismatch));
+    }
+    if (o.dots.areGiven()) {
+        console.warn(warningOfOneImage(o.dots.images[0], o.dots.images[1]));
     }
     warnOfMisses(o.pairs, pairs, points, {noise, o.dots.areGiven()}, console);
     if (!o.csv.empty()) {

@@ -374,6 +374,7 @@ void runMatch(MatchOptions o, const Console& console) {
     summary.seconds = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
     checkResult(o, summary, matched.size(), points.size());
     writeFiles(o, matched, left, rig.rig, console, outputs);
+    console.warn(warningOfOneImage(o.left, o.right));
     console.warn(o.picture.empty() ? "" : warningOfGlobs({o.left, o.right}, {o.picture}));
     warnOfChance(o, summary, console);
     console.say(summaryText(o, summary, matched.size()));

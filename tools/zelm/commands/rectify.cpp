@@ -213,6 +213,7 @@ void runRectify(const RectifyOptions& o, const Console& console) {
     outputs.add(names.right, encodePng(rectifiedRight));
     outputs.add(names.pair, drawPair(rectifiedLeft, undistorted(rig, 'R', right), drawing, rig.rig.left.width));
     outputs.commit();
+    console.warn(warningOfOneImage(o.left, o.right));
     console.warn(warningOfGlobs({o.left, o.right}, {names.left, names.right, names.pair}));
 
     console.say(fmt::format(

@@ -137,6 +137,7 @@ void rectifyRows(const RowsOptions& o, const Console& console) {
         outputs.add(folder / "right_map.npy", npyOf(rightMap));
     }
     outputs.commit();
+    console.warn(warningOfOneImage(o.left, o.right));
 
     console.say(
         fmt::format("{} and {}: every point in one row\nfocal length {:.3f} px, baseline {:.4f} {}, {}\n"

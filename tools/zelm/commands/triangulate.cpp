@@ -9,6 +9,7 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 
+#include "cameraPicture.h"
 #include "cloudPage.h"
 #include "dotPairs.h"
 #include "failure.h"
@@ -281,6 +282,9 @@ void runTriangulate(const TriangulateOptions& o, const Console& console) {
     }
     if (!mismatch.empty()) {
         console.warn(fmt::format("{}: {}", o.pairs, mismatch));
+    }
+    if (o.dots.areGiven()) {
+        console.warn(warningOfOneImage(o.dots.images[0], o.dots.images[1]));
     }
     warnOfMisses(o.pairs, pairs, points, {noiseOf(o, rig), o.dots.areGiven()}, console);
     console.say(summaryText(summary, pairs.size(), o, rig.units));

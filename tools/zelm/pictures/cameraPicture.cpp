@@ -1,5 +1,9 @@
 #include "cameraPicture.h"
 
+#include <fmt/format.h>
+
+#include <system_error>
+
 #include "canvas.h"
 #include "failure.h"
 
@@ -64,6 +68,15 @@ char sideOf(const std::string& name) {
 
 bool isInside(const RigCamera& camera, Point2d pixel) {
     return pixel.x >= 0.0 && pixel.y >= 0.0 && pixel.x <= camera.width - 1 && pixel.y <= camera.height - 1;
+}
+
+std::string warningOfOneImage(const fs::path& left, const fs::path& right) {
+    std::error_code error;
+    if (!fs::equivalent(left, right, error)) {
+        return {};
+    }
+    return fmt::format("{}: given as the left and as the right image: give those of both cameras, the left one first",
+                       left.string());
 }
 
 AnyPicture readCameraPicture(const fs::path& path, const LoadedRig& rig, char side) {

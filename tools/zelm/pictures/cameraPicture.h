@@ -24,6 +24,9 @@ bool isInside(const RigCamera& camera, Point2d pixel);
 AnyPicture readCameraPicture(const std::filesystem::path& path, const LoadedRig& rig, char side);
 Picture readGrayCameraPicture(const std::filesystem::path& path, const LoadedRig& rig, char side);
 
+// A warning where one file is given as the image of both cameras; else empty.
+std::string warningOfOneImage(const std::filesystem::path& left, const std::filesystem::path& right);
+
 // The picture without lens distortion; black where the camera did not look.
 AnyPicture undistorted(const LoadedRig& rig, char side, const AnyPicture& picture);
 

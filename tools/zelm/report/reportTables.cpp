@@ -62,7 +62,12 @@ std::string imageCells(const std::filesystem::path& path, const char* side, cons
     cells += number(fmt::format("{}", image.found)) + number(fmt::format("{:.4f}", image.distances.rms)) +
              number(fmt::format("{:.4f}", image.distances.max)) + number(blur);
     cells += number(pose ? fmt::format("{:.1f}", pose->tilt * kDegreesPerRadian) : "–");
-    return cells + number(pose && pose->distance > 0.0 ? fmt::format("{:.4g}", pose->distance) : "–");
+    if (!pose || !(pose->distance > 0.0)) {
+        return cells + number("–");
+    }
+    // Zeros at the end stay, so that a column lines up.
+    return cells + number(pose->distance < 1000.0 ? fmt::format("{:#.4g}", pose->distance)
+                                                  : fmt::format("{:.4g}", pose->distance));
 }
 
 std::string movedTable(const AdjustReport& report, const Calibration& c) {
