@@ -1,6 +1,7 @@
 #include "pairingExplanation.h"
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 #include <utility>
 
@@ -51,7 +52,8 @@ private:
         for (const ImagePair& pair : std::vector<ImagePair>(consensus.pairs)) {
             const bool isStillThere =
                 std::find(consensus.pairs.begin(), consensus.pairs.end(), pair) != consensus.pairs.end();
-            if (!isStillThere || !isOfTwoViews(pair)) {
+            if (!isStillThere || !isOfTwoViews(pair) || !mayFitAsGiven(pair[kLeft].image) ||
+                !mayFitAsGiven(pair[kRight].image)) {
                 continue;
             }
             const std::vector<ImagePair> given = withGiven(pair[kLeft].image, pair[kRight].image);
@@ -64,6 +66,14 @@ private:
             }
         }
     }
+
+    // Where its images are too far apart, an adjustment need not be asked. Views that cannot be read are no hindrance.
+    bool mayFitAsGiven(std::size_t view) const {
+        const double misfit = transferMisfit(consensus.fit.state, poses[kLeft][view], poses[kRight][view]);
+        return misfit < maxGuess() || !std::isfinite(misfit);
+    }
+
+    double maxGuess() const { return kMaxGuess * std::max(set.sizes[kLeft].width, set.sizes[kRight].width); }
 
     // Of two views in one list each, nothing else being changed.
     static bool isOfTwoViews(const ImagePair& pair) {
@@ -149,7 +159,7 @@ private:
     // Pairs of images of which none is taken, and views with a changed image, that may agree with the consensus.
     std::vector<Guess> guesses() const {
         std::vector<Guess> list;
-        const double most = kMaxGuess * std::max(set.sizes[kLeft].width, set.sizes[kRight].width);
+        const double most = maxGuess();
         for (std::size_t i = 0; i < views(); ++i) {
             if (!isFree(kLeft, i)) {
                 continue;

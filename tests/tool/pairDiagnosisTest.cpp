@@ -208,6 +208,65 @@ TEST_F(PairDiagnosis, TheSameImagesOnBothSides) {
     expectRefused(run(images("left"), right), {image("left", 2), "the same image as " + at("again.pgm")});
 }
 
+// As a file written anew has them: the bytes differ, the dots do not.
+TEST_F(PairDiagnosis, TheSamePictureInOtherFiles) {
+    const auto again = [&](int view) {
+        return changed(image("left", view), "again_" + std::to_string(view) + ".pgm",
+                       [](Pgm& pgm) { pgm.pixels.front() = static_cast<char>(pgm.pixels.front() ^ 1); });
+    };
+    Images right = images("right");
+    right[2] = again(2);
+    expectDoubt(run(images("left"), right), "same-images",
+                {image("left", 2) + " and " + at("again_2.pgm"), "the same picture twice", "takes no part"});
+    fs::remove_all(at("out"));
+    for (int view = 0; view < 6; ++view) {
+        right[static_cast<std::size_t>(view)] = again(view);
+    }
+    expectRefused(run(images("left"), right), {image("left", 0) + " and " + at("again_0.pgm"),
+                                               "the same picture twice, and so are all other views", "--right"});
+}
+
+// The right camera is turned a little after some views: its image moves by six rows.
+TEST_F(PairDiagnosis, ACameraThatWasMovedInBetween) {
+    const auto withMoved = [&](int count) {
+        Images right = images("right");
+        for (int view = 6 - count; view < 6; ++view) {
+            right[static_cast<std::size_t>(view)] =
+                changed(image("right", view), "moved_" + std::to_string(view) + ".pgm", [](Pgm& pgm) {
+                    std::rotate(pgm.pixels.begin(), pgm.pixels.begin() + 6 * pgm.width, pgm.pixels.end());
+                });
+        }
+        return right;
+    };
+    expectDoubt(run(images("left"), withMoved(2)), "other-session",
+                {image("left", 4) + " and " + at("moved_4.pgm"), "the 2 views of left_04.pgm, left_05.pgm",
+                 "not with the other 4", " mm and ", "degrees", "these views take no part"});
+    EXPECT_EQ(saved()["views"].size(), 4U);
+    fs::remove_all(at("out"));
+    expectRefused(run(images("left"), withMoved(3)), {"the 3 views of", "not with the other 3", "degrees", "--force"});
+}
+
+// A plate that moves downwards while the left shutter is open, not while the right one is.
+TEST_F(PairDiagnosis, ASmearedImageIsToldForItsSmear) {
+    Images left = images("left");
+    left[2] = changed(image("left", 2), "smeared.pgm", [](Pgm& pgm) {
+        constexpr int kSmear = 9;  // pixels
+        const Pgm sharp = pgm;
+        for (int y = 0; y + kSmear <= pgm.height; ++y) {
+            for (int x = 0; x < pgm.width; ++x) {
+                int sum = 0;
+                for (int k = 0; k < kSmear; ++k) {
+                    sum += static_cast<unsigned char>(sharp.pixels[static_cast<std::size_t>((y + k) * pgm.width + x)]);
+                }
+                pgm.pixels[static_cast<std::size_t>(y * pgm.width + x)] = static_cast<char>(sum / kSmear);
+            }
+        }
+    });
+    const CommandResult result = run(left, images("right"));
+    expectDoubt(result, "blurred-view", {at("smeared.pgm") + ": view 2 left: smeared by", "this view takes no part"});
+    EXPECT_EQ(result.errors.find("different poses"), std::string::npos) << result.errors;
+}
+
 TEST_F(PairDiagnosis, AnImageOfAnotherSize) {
     Images right = images("right");
     right[2] = changed(image("right", 2), "upright.pgm", [](Pgm& pgm) {

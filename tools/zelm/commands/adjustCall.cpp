@@ -88,12 +88,23 @@ private:
                 still.push_back(std::move(view));
                 continue;
             }
-            console.warn(fmt::format("{} and {}: used all the same, with {} and {} dots completed from the prediction",
-                                     view.files.left.string(), view.files.right.string(), counts[0], counts[1]));
+            console.warn(completionText(view.files, counts));
             reading.used.push_back(view.files);
             added.push_back({counts[0], counts[1]});
         }
         reading.skipped = std::move(still);
+    }
+
+    static std::string completionText(const ViewFiles& files, const std::array<std::int32_t, 2>& counts) {
+        if (counts[0] > 0 && counts[1] > 0) {
+            return fmt::format(
+                "{} and {}: used all the same: {} and {} dots were found where the calibration expects them",
+                files.left.string(), files.right.string(), counts[0], counts[1]);
+        }
+        const bool isLeft = counts[0] > 0;
+        return fmt::format("{}: used for its own camera alone, with {} dots: none were found in {}",
+                           (isLeft ? files.left : files.right).string(), counts[isLeft ? 0 : 1],
+                           (isLeft ? files.right : files.left).string());
     }
 
     bool complete(const SkippedView& view, std::array<std::int32_t, 2>& counts) {

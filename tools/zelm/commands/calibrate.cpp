@@ -24,6 +24,7 @@
 #include "parallel.h"
 #include "pitchCause.h"
 #include "plateOptions.h"
+#include "plateTilts.h"
 #include "referenceView.h"
 #include "subcommands.h"
 
@@ -169,7 +170,7 @@ Calibration calibrate(const CalibrateOptions& options, const PairSettings& setti
     const std::optional<ImageSetFindings> findings = examineImages(reading, settings.plate);
     Verdict verdict;
     if (findings) {
-        ImageSetFaults faults = faultsOf(*findings, reading.used);
+        ImageSetFaults faults = faultsOf(*findings, reading.used, reference.sharpness(), settings.plate.units);
         verdict.add(std::move(faults.doubts));
         requireTrust(verdict, options.force);
         if (verdict.fatal() == nullptr) {
@@ -311,7 +312,8 @@ void runCalibrate(const CalibrateOptions& options, const Console& console) {
     // Where nothing fits, no view is worse than the others.
     constexpr double kMaxEpipolar = 2.0;  // pixels, RMS
     const PlateLengths lengths = c.figures.epipolar.rms > kMaxEpipolar ? PlateLengths{} : c.lengths;
-    c.verdict.add(qualityDoubts(c.views, c.sharpness, lengths, c.plate.units));
+    const std::vector<std::string> leftOut = c.adjustment ? c.adjustment->leftOut : std::vector<std::string>();
+    c.verdict.add(qualityDoubts(c.views, c.sharpness, leftOut, lengths, c.plate.units));
     requireTrust(c.verdict, options.force);
 
     const nlohmann::ordered_json summary = summaryJson(c);

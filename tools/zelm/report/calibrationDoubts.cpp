@@ -4,10 +4,12 @@
 
 #include <algorithm>
 #include <cmath>
+#include <set>
 #include <tuple>
 #include <utility>
 
 #include "imageNames.h"
+#include "viewQuality.h"
 
 namespace zelm::tool {
 namespace {
@@ -81,11 +83,16 @@ std::vector<Doubt> wrongScale(const Calibration& c, const std::string& plateFile
              false}};
 }
 
+// Those with an image that is less sharp than the others are told for that.
 std::vector<Doubt> leftOutViews(const Calibration& c) {
     std::vector<Doubt> lines;
+    std::set<std::size_t> blurred;
+    for (const BlurredImage& image : blurredImages(c.sharpness)) {
+        blurred.insert(image.view);
+    }
     if (isAdjusted(c)) {
         for (std::size_t view = 0; view < c.adjustment->leftOut.size(); ++view) {
-            if (const std::string& reason = c.adjustment->leftOut[view]; !reason.empty()) {
+            if (const std::string& reason = c.adjustment->leftOut[view]; !reason.empty() && !blurred.contains(view)) {
                 lines.push_back(
                     ofView("view-left-out", c.views[view],
                            fmt::format("{}: view {} takes no part: {}", filesOf(c.views[view]), view, reason)));

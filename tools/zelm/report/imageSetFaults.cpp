@@ -8,6 +8,7 @@
 
 #include "imageNames.h"
 #include "numberText.h"
+#include "plateTilts.h"
 
 namespace zelm::tool {
 namespace {
@@ -16,7 +17,8 @@ namespace fs = std::filesystem;
 
 // Degrees. Up to here the views tell focal lengths so badly that a result is worth a warning (docs/diagnosis.md).
 constexpr double kMinMaxTilt = 10.0;
-constexpr std::size_t kMaxListed = 6;  // names in a line
+constexpr std::size_t kMaxListed = 6;    // names in a line
+constexpr std::size_t kMinMajority = 2;  // times as many views as of another session, that count for the set
 
 std::string nameOf(const fs::path& path) {
     return path.filename().string();
@@ -24,11 +26,12 @@ std::string nameOf(const fs::path& path) {
 
 class FaultWriter {
 public:
-    FaultWriter(const ImageSetFindings& given, const std::vector<ViewFiles>& files) : findings(given), views(files) {}
+    FaultWriter(const ImageSetFindings& given, const std::vector<ViewFiles>& files,
+                const std::vector<ViewSharpness>& sharpnessOfViews, const std::string& unitsOfPlate)
+        : findings(given), views(files), sharpness(sharpnessOfViews), units(unitsOfPlate) {}
 
     ImageSetFaults run() {
         faults.setAside.resize(views.size());
-        std::size_t good = 0;
         for (const ZelmMeasurePairedView& view : findings.views) {
             good += view.fate == ZELM_MEASURE_VIEW_FITS ? 1U : 0U;
         }
@@ -37,7 +40,7 @@ public:
         for (std::size_t i = 0; i < findings.causes.size(); ++i) {
             tell(findings.causes[i], viewsOf(i));
         }
-        tellTilts(good);
+        tellTilts();
         return std::move(faults);
     }
 
@@ -94,12 +97,11 @@ private:
                            fmt::format("{}: left and right image are exchanged{}: exchange them", both(list.front()),
                                        moreViews(list)));
             case ZELM_MEASURE_SET_OTHER_SESSION:
-                return add("other-session", list, !isEnoughLeft, true,
-                           fmt::format("{}: {} agree with each other, but not with the other views: were the cameras "
-                                       "moved in between? Calibrate each session by itself",
-                                       both(list.front()), viewWords(list)));
+                return tellSession(cause, list);
             case ZELM_MEASURE_SET_NOTHING_FITS:
-                return add("nothing-fits", list, !isEnoughLeft, true, nothingText(list));
+                return tellNothing(list);
+            case ZELM_MEASURE_SET_SAME_IMAGES:
+                return add("same-images", list, !isEnoughLeft, list.size() < views.size(), sameText(list));
             case ZELM_MEASURE_SET_SAME_VIEWS:
                 return tellSameViews();
             default:
@@ -217,9 +219,61 @@ private:
             both(list.front()), listed(fitting(list)), numbersHint(list));
     }
 
+    std::string sameText(const std::vector<std::size_t>& list) const {
+        return fmt::format(
+            "{}: the same picture twice{}: every dot lies in the same place in both, which no two cameras see: give "
+            "--left the images of one camera and --right those of the other one",
+            both(list.front()),
+            list.size() == views.size() ? ", and so are all other views"
+            : list.size() > 1           ? fmt::format(" (so in {} of {} views)", list.size(), views.size())
+                                        : "");
+    }
+
+    // Either session may be the one that shows the cameras as they stand now, unless it is far the larger one.
+    void tellSession(const ZelmMeasureSetCause& cause, const std::vector<std::size_t>& list) {
+        const bool isClear = isEnoughLeft && good >= kMinMajority * list.size();
+        add("other-session", list, !isClear, isClear,
+            fmt::format("{}: {} agree with each other, but not with the other {}: in them the right camera stands "
+                        "otherwise to the left one, by about {:.2g} {} and {:.2f} degrees, so that a camera was moved "
+                        "in between. Calibrate each session by itself, and measure with that of the cameras as they "
+                        "stand now",
+                        both(list.front()), viewWords(list), good, cause.shift, units, kDegreesPerRadian * cause.turn));
+    }
+
+    // A smear, or a blur, moves dots by no more than its width: then it is the cause.
+    const BlurredImage* blurThatExplains(std::size_t view) const {
+        for (const BlurredImage& image : blurred) {
+            if (image.view == view && findings.views[view].misfit >= 0.0) {
+                const ZelmMeasureSharpness& s = *sharpness[view][image.side];
+                if (findings.views[view].misfit <= (image.isSmeared ? s.smear : s.largest)) {
+                    return &image;
+                }
+            }
+        }
+        return nullptr;
+    }
+
+    void tellNothing(const std::vector<std::size_t>& list) {
+        std::vector<std::size_t> others;
+        for (const std::size_t view : list) {
+            const BlurredImage* const image = blurThatExplains(view);
+            if (image == nullptr) {
+                others.push_back(view);
+                continue;
+            }
+            const fs::path& file = image->side == 0 ? views[view].left : views[view].right;
+            finish({"blurred-view", blurText(*image, *sharpness[view][image->side], file), {file}, !isEnoughLeft},
+                   {view}, true);
+        }
+        if (!others.empty()) {
+            add("nothing-fits", others, !isEnoughLeft, true, nothingText(others));
+        }
+    }
+
     std::string nothingText(const std::vector<std::size_t>& list) const {
         const double misfit = findings.views[list.front()].misfit;
-        const std::string apart = misfit >= 0.0 && misfit < 1e4 ? fmt::format(", {:.1f} px apart", misfit) : "";
+        const bool isTold = misfit > findings.pairing.limit && misfit < 1e4;  // less is no reason
+        const std::string apart = isTold ? fmt::format(", {:.1f} px apart", misfit) : "";
         return fmt::format(
             "{}: the images of this pair show different poses{}, and fit no other image either{}: did "
             "the plate or a camera move between the two exposures, or is an image from another session? "
@@ -299,7 +353,7 @@ private:
         faults.doubts.push_back(std::move(doubt));
     }
 
-    void tellTilts(std::size_t good) {
+    void tellTilts() {
         if (findings.pairing.isDetermined == 0 || good < kMinViews || maxTilt(findings) >= kMinMaxTilt) {
             return;
         }
@@ -314,39 +368,19 @@ private:
 
     const ImageSetFindings& findings;
     const std::vector<ViewFiles>& views;
+    const std::vector<ViewSharpness>& sharpness;
+    const std::string& units;
+    std::vector<BlurredImage> blurred = blurredImages(sharpness);
+    std::size_t good = 0;  // views that fit
     bool isEnoughLeft = true;
     ImageSetFaults faults;
 };
 
 }  // namespace
 
-ImageSetFaults faultsOf(const ImageSetFindings& findings, const std::vector<ViewFiles>& views) {
-    return FaultWriter(findings, views).run();
-}
-
-std::string tiltList(const ImageSetFindings& findings) {
-    constexpr std::size_t kMaxTilts = 12;
-    const auto side = [&](double ZelmMeasurePairedView::*tilt) {
-        std::vector<std::string> list;
-        for (const ZelmMeasurePairedView& view : findings.views) {
-            list.push_back(view.*tilt < 0.0 ? "?" : fmt::format("{:.0f}", kDegreesPerRadian * view.*tilt));
-        }
-        if (list.size() > kMaxTilts) {
-            list.resize(kMaxTilts);
-            list.emplace_back("...");
-        }
-        return fmt::format("{}", fmt::join(list, ", "));
-    };
-    return fmt::format("left {}, right {} degrees", side(&ZelmMeasurePairedView::leftTilt),
-                       side(&ZelmMeasurePairedView::rightTilt));
-}
-
-double maxTilt(const ImageSetFindings& findings) {
-    double most = 0.0;
-    for (const ZelmMeasurePairedView& view : findings.views) {
-        most = std::max({most, view.leftTilt, view.rightTilt});
-    }
-    return kDegreesPerRadian * most;
+ImageSetFaults faultsOf(const ImageSetFindings& findings, const std::vector<ViewFiles>& views,
+                        const std::vector<ViewSharpness>& sharpness, const std::string& units) {
+    return FaultWriter(findings, views, sharpness, units).run();
 }
 
 }  // namespace zelm::tool

@@ -10,6 +10,7 @@
 
 #include "pairReading.h"
 #include "verdict.h"
+#include "viewQuality.h"
 
 namespace zelm::tool {
 
@@ -25,13 +26,10 @@ struct ImageSetFaults {
     std::vector<std::string> setAside;  // of each view, why it must not take part; empty: it may
 };
 
-// `views` are those of the findings. Fatal are faults of a whole list, and such that leave too few views.
-ImageSetFaults faultsOf(const ImageSetFindings& findings, const std::vector<ViewFiles>& views);
-
-// The tilts of the plate in both images of every view, for a message: "left 3, 5, 4, right 2, 6, 4 degrees".
-std::string tiltList(const ImageSetFindings& findings);
-// The largest of them, degrees; 0 where none is known.
-double maxTilt(const ImageSetFindings& findings);
+// `views` are those of the findings, and `sharpness` is theirs. Fatal are faults of a whole list, such that leave too
+// few views, and another session of more than half as many views as fit. `units` are those of the plate.
+ImageSetFaults faultsOf(const ImageSetFindings& findings, const std::vector<ViewFiles>& views,
+                        const std::vector<ViewSharpness>& sharpness, const std::string& units);
 
 }  // namespace zelm::tool
 

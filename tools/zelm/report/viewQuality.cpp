@@ -115,21 +115,6 @@ std::optional<ZelmMeasureLengthFigures> lengthsOf(const LoadedRig& rig, const Pl
     return status < 0 || summary.all.count == 0 ? std::nullopt : std::optional(summary.all);
 }
 
-std::string blurText(const BlurredImage& blurred, const ZelmMeasureSharpness& s, const std::string& file) {
-    if (blurred.isSmeared) {
-        return fmt::format(
-            "{}: view {} {}: smeared by {:.1f} px at {:.0f} deg from the rows (blur {:.2f} px along it, {:.2f} across, "
-            "{:.2f} usual): plate or camera moved during the exposure, which shifts its dots along that direction: "
-            "take the view anew with plate and cameras at rest, or a shorter exposure",
-            file, blurred.view, blurred.side == 0 ? "left" : "right", s.smear, s.direction * kDegreesPerRadian,
-            s.largest, s.smallest, blurred.usual);
-    }
-    return fmt::format(
-        "{}: view {} {}: out of focus, blur {:.2f} px against {:.2f} usual: its dots are known less well: take it anew "
-        "where the lens is sharp, or stop the lens down",
-        file, blurred.view, blurred.side == 0 ? "left" : "right", s.largest, blurred.usual);
-}
-
 }  // namespace
 
 std::vector<ViewSharpness> sharpnessOf(const PairReading& reading, const Plate& plate, const Console& console) {
@@ -175,6 +160,21 @@ std::vector<BlurredImage> blurredImages(const std::vector<ViewSharpness>& views)
     return found;
 }
 
+std::string blurText(const BlurredImage& blurred, const ZelmMeasureSharpness& s, const fs::path& file) {
+    if (blurred.isSmeared) {
+        return fmt::format(
+            "{}: view {} {}: smeared by {:.1f} px at {:.0f} deg from the rows (blur {:.2f} px along it, {:.2f} across, "
+            "{:.2f} usual): plate or camera moved during the exposure, which shifts its dots along that direction: "
+            "take the view anew with plate and cameras at rest, or a shorter exposure",
+            file.string(), blurred.view, blurred.side == 0 ? "left" : "right", s.smear, s.direction * kDegreesPerRadian,
+            s.largest, s.smallest, blurred.usual);
+    }
+    return fmt::format(
+        "{}: view {} {}: out of focus, blur {:.2f} px against {:.2f} usual: its dots are known less well: take it anew "
+        "where the lens is sharp, or stop the lens down",
+        file.string(), blurred.view, blurred.side == 0 ? "left" : "right", s.largest, blurred.usual);
+}
+
 PlateLengths plateLengthsOf(const LoadedRig& rig, const Plate& plate, const RigFigures& figures) {
     PlateLengths lengths;
     double squares = 0.0;
@@ -199,13 +199,18 @@ PlateLengths plateLengthsOf(const LoadedRig& rig, const Plate& plate, const RigF
 }
 
 std::vector<Doubt> qualityDoubts(const std::vector<ViewFiles>& views, const std::vector<ViewSharpness>& sharpness,
-                                 const PlateLengths& lengths, const std::string& units) {
+                                 const std::vector<std::string>& leftOut, const PlateLengths& lengths,
+                                 const std::string& units) {
     constexpr double kMinFactor = 3.0;  // of the others' median: good sets stay below 2
     std::vector<Doubt> doubts;
     for (const BlurredImage& blurred : blurredImages(sharpness)) {
         const ZelmMeasureSharpness& s = *sharpness[blurred.view][blurred.side];
         const std::filesystem::path& image = pathOf(views[blurred.view], blurred.side);
-        doubts.push_back({"blurred-view", blurText(blurred, s, image.string()), {image}, false});
+        const bool isOut = blurred.view < leftOut.size() && !leftOut[blurred.view].empty();
+        doubts.push_back({"blurred-view",
+                          fmt::format("{}{}", blurText(blurred, s, image), isOut ? "; this view takes no part" : ""),
+                          {image},
+                          false});
     }
     for (std::size_t view = 0; view < lengths.views.size(); ++view) {
         std::vector<double> others;

@@ -37,6 +37,10 @@ struct BlurredImage {
 };
 std::vector<BlurredImage> blurredImages(const std::vector<ViewSharpness>& views);
 
+// What is told of it: its figures, and what to do.
+std::string blurText(const BlurredImage& blurred, const ZelmMeasureSharpness& sharpness,
+                     const std::filesystem::path& file);
+
 // Errors of lengths between the dots of the plate, triangulated with the rig: measured less nominal.
 struct PlateLengths {
     std::vector<std::optional<ZelmMeasureLengthFigures>> views;  // none where no lengths could be measured
@@ -45,9 +49,11 @@ struct PlateLengths {
 };
 PlateLengths plateLengthsOf(const LoadedRig& rig, const Plate& plate, const RigFigures& figures);
 
-// In words, a line each: images that are less sharp than the others, and views whose lengths are much worse.
+// In words, a line each: images that are less sharp than the others, and views whose lengths are much worse. `leftOut`
+// says why the adjustment left a view out; empty: it takes part.
 std::vector<Doubt> qualityDoubts(const std::vector<ViewFiles>& views, const std::vector<ViewSharpness>& sharpness,
-                                 const PlateLengths& lengths, const std::string& units);
+                                 const std::vector<std::string>& leftOut, const PlateLengths& lengths,
+                                 const std::string& units);
 
 }  // namespace zelm::tool
 
