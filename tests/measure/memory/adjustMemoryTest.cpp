@@ -11,8 +11,6 @@ namespace zelmtest {
 namespace {
 
 constexpr std::int32_t kViews = 3;
-// Ceres is not written for memory that fails: its own structures stay behind.
-constexpr long kLostByCeres = 1000;
 
 render::Camera halved(render::Camera camera) {
     camera.width /= 2;

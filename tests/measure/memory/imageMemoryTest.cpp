@@ -343,7 +343,8 @@ TEST(MeasureMemory, SetsOfImages) {
                                       },
                                   .canDoWithout = true,
                                   .everyOf = 30,
-                                  .growth = 0.5});
+                                  .growth = 0.5,
+                                  .lost = kLostByCeres});
     EXPECT_GE(failures.own, 40);
     EXPECT_GE(failures.core, 5);
 }
