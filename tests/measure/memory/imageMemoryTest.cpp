@@ -342,8 +342,8 @@ TEST(MeasureMemory, SetsOfImages) {
                                           return status;
                                       },
                                   .canDoWithout = true,
-                                  .everyOf = 30,
-                                  .growth = 0.5,
+                                  .everyOf = 40,
+                                  .growth = 2.0,
                                   .lost = kLostByCeres});
     EXPECT_GE(failures.own, 40);
     EXPECT_GE(failures.core, 5);
