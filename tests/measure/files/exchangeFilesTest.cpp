@@ -179,7 +179,7 @@ TEST(ExchangeFiles, ChangedBytesDoNotBreakTheReaders) {
         for (int round = 0; round < 150; ++round) {
             std::vector<std::string> changed = files;
             const auto at = static_cast<std::size_t>(random.uniform(0.0, static_cast<double>(files[0].size() - 1)));
-            changed[0][at] = static_cast<char>(random.uniform(0.0, 255.0));
+            changed[0][at] = static_cast<char>(static_cast<unsigned char>(random.uniform(0.0, 255.0)));
             const Imported back(changed, importOptions(format));
             EXPECT_TRUE(back.status == ZELM_OK || (back.status == ZELM_MEASURE_ERR_DATA && !back.words().empty()))
                 << format << ": " << back.status;
