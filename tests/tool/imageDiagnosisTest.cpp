@@ -185,7 +185,8 @@ TEST_F(ImageDiagnosis, DotsThatAreTooSmall) {
             for (int k = 0; k < 16; ++k) {
                 sum += levelAt(whole, 4 * x + k % 4, 4 * y + k / 4);
             }
-            small.pixels[static_cast<std::size_t>(640 * (y + 150) + x + 200)] = static_cast<char>(static_cast<unsigned char>(sum / 16.0));
+            small.pixels[static_cast<std::size_t>(640 * (y + 150) + x + 200)] =
+                static_cast<char>(static_cast<unsigned char>(sum / 16.0));
         }
     }
     expectDiagnosis(write("small.pgm", small), {"the dots are too small", "pixels wide, where 10 are needed"});
