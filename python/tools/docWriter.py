@@ -91,6 +91,18 @@ def typeWords(item: Item) -> str:
     return f"array of {item.type}{dims}" if item.dims else item.type
 
 
+def defaultWords(item: Item) -> str:
+    """What a default comes to, for readers who do not know the table's helpers."""
+    text = item.default or ""
+    if text.startswith("whole("):
+        return f"all of {text[6:-1]}"
+    if text.startswith(("like(", "zeros(", "ofMap(")):
+        return "a new black image"
+    if text.startswith("newMap("):
+        return "new maps"
+    return "a record of zeros" if text.endswith("()") else text.strip("()")
+
+
 def describe(function: Function, entry: Entry) -> str:
     comment = Comment(function.doc)
     parts = [comment.prose()]
@@ -99,7 +111,7 @@ def describe(function: Function, entry: Entry) -> str:
         extra = ", or None" if item.optional and item.type != "object" else ""
         extra += ", written in place" if item.inOut and not item.type.startswith("Zelm2ViewCalib") else ""
         if item.default is not None:
-            extra += f", default {item.default if item.isConstant else 'made by ' + item.default}"
+            extra += f", default {defaultWords(item)}"
         lines += [f"{item.name} : {typeWords(item)}{extra}"]
         text = comment.parameters.get(item.name, "")
         lines += wrap(text, "    ") if text else []
@@ -176,7 +188,7 @@ def statusComments(headers: Headers) -> Dict[str, str]:
 def literal(text: str) -> str:
     """A string literal over several lines."""
     text = text.replace("\\", "\\\\").replace('"""', '\\"\\"\\"')
-    return f'"""{text}\n"""' if "\n" in text or len(text) > 80 else repr(text).replace("'", '"')
+    return f'"""\\\n{text}\n"""' if "\n" in text or len(text) > 80 else repr(text).replace("'", '"')
 
 
 def writeDocs(headers: Headers) -> str:

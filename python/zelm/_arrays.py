@@ -166,6 +166,11 @@ def checkShape(array: np.ndarray, wanted: Tuple[Any, ...], function: str, name: 
     refuse(function, f"{name} has the shape {shape}, ({form}) is wanted")
 
 
+def wrongType(value: Any, wanted: str, function: str, name: str) -> None:
+    """Refuses an argument that is of another class."""
+    raise TypeError(f"{function}: {name} is {_kind(value)}, {wanted} is wanted")
+
+
 def size(number: int, function: str, name: str) -> int:
     """A dimension of a result."""
     if not 0 <= number <= INT32:

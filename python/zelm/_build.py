@@ -82,8 +82,7 @@ class _Writer:
         if handle:
             enter = "_enterAlone" if handle.inOut else "_enter"
             self.put(f"if not isinstance({handle.name}, Zelm2ViewCalib):")
-            self.put(f"    raise TypeError('{self.function}: {handle.name} is of type ' + type({handle.name}).__name__ + "
-                     "', Zelm2ViewCalib is wanted')")
+            self.put(f"    wrongType({handle.name}, 'Zelm2ViewCalib', '{self.function}', '{handle.name}')")
             self.put(f"{handle.name}.{enter}()")
             self.put("try:")
             self.depth = 2
@@ -205,8 +204,7 @@ class _Writer:
             test = f"{name} is not None and {test}"
         self.put(f"if {test}:")
         if item.inOut:
-            self.put(f"    raise TypeError('{self.function}: {name} is of type ' + type({name}).__name__ + "
-                     f"'; it is written, so {item.type} is wanted')")
+            self.put(f"    wrongType({name}, '{item.type}, which is written,', {where})")
         else:
             self.put(f"    {name} = toRecord({item.type}, {name}, {where})")
         self.passed[name] = f"byref({name})" if not item.optional else f"None if {name} is None else byref({name})"

@@ -894,7 +894,8 @@ WORDS = {
 }
 
 DOCS = {
-    "zelmBinOtsuThresholdHistogram": """Threshold that splits a histogram into the two classes with the largest variance between them (Otsu,
+    "zelmBinOtsuThresholdHistogram": """\
+Threshold that splits a histogram into the two classes with the largest variance between them (Otsu,
 IEEE Trans. SMC 9, 1979): the lowest level of the upper class, so that values at or above it are
 foreground. Of equally good splits the lowest is taken. A histogram of one level, or of none, gives
 1. Counts are summed in unsigned 32-bit arithmetic.
@@ -919,13 +920,14 @@ Notes
 -----
 In C: int32_t zelmBinOtsuThresholdHistogram(int32_t iBins, const uint32_t* uaHistogram)
 """,
-    "zelmBinOtsuThresholdImage": """Otsu threshold over the gray levels of a region.
+    "zelmBinOtsuThresholdImage": """\
+Otsu threshold over the gray levels of a region.
 
 Parameters
 ----------
 tImage : array of uint8, shape (height, width)
     gray image
-tRegion : ZelmRect, default made by whole(tImage)
+tRegion : ZelmRect, default all of tImage
     region, kept inside the image by the caller; without pixels (a size below 1) the result is 1
 
 Returns
@@ -943,7 +945,8 @@ Notes
 -----
 In C: int32_t zelmBinOtsuThresholdImage(const ZelmImage* tImage, const ZelmRect* tRegion)
 """,
-    "zelmBinOtsuThresholdGray": """Otsu threshold over a list of gray levels, each rounded half up to a level and clamped to 0..255.
+    "zelmBinOtsuThresholdGray": """\
+Otsu threshold over a list of gray levels, each rounded half up to a level and clamped to 0..255.
 Infinite and huge values are clamped like all others; values that are not numbers are left out.
 
 Parameters
@@ -966,7 +969,8 @@ Notes
 -----
 In C: int32_t zelmBinOtsuThresholdGray(int32_t iCount, const double* daValues)
 """,
-    "zelmBinBinaryImage": """Makes each pixel of a region 255 if it is at or above the threshold, else 0. Pixels outside the
+    "zelmBinBinaryImage": """\
+Makes each pixel of a region 255 if it is at or above the threshold, else 0. Pixels outside the
 region are left.
 
 The region's far edges are checked against the destination alone, its near edges not at all
@@ -978,9 +982,9 @@ tSrc : array of uint8, shape (height, width)
     gray image
 iThreshold : int
     any value; 0 and below: all foreground, 256 and above: none
-tRegion : ZelmRect, default made by whole(tSrc)
+tRegion : ZelmRect, default all of tSrc
     region of both images; width and height may be 0
-tDst : array of uint8, shape (height, width), written in place, default made by like(tSrc)
+tDst : array of uint8, shape (height, width), written in place, default a new black image
     its pixels are written; its record is only read
 
 Returns
@@ -1000,7 +1004,8 @@ Notes
 In C: int32_t zelmBinBinaryImage(const ZelmImage* tSrc, const ZelmRect* tRegion, int32_t iThreshold,
 ZelmImage* tDst)
 """,
-    "zelmBinDilation": """Dilates the foreground of a region with a 3 x 3 square, repeatedly: a pixel becomes 255 when any
+    "zelmBinDilation": """\
+Dilates the foreground of a region with a 3 x 3 square, repeatedly: a pixel becomes 255 when any
 pixel of its neighbourhood inside the region is foreground, else 0.
 
 The region is checked as in zelmBinBinaryImage(). Source and destination regions must not overlap.
@@ -1011,11 +1016,11 @@ tSrc : array of uint8, shape (height, width)
     gray image
 iThreshold : int
     clamped to 0..255
-tRegion : ZelmRect, default made by whole(tSrc)
+tRegion : ZelmRect, default all of tSrc
     region of both images, wider and higher than iIterations
 iIterations : int, default 1
     number of dilations, >= 1
-tDst : array of uint8, shape (height, width), written in place, default made by like(tSrc)
+tDst : array of uint8, shape (height, width), written in place, default a new black image
     its pixels inside the region are written; its record is only read
 
 Returns
@@ -1036,7 +1041,8 @@ Notes
 In C: int32_t zelmBinDilation(const ZelmImage* tSrc, const ZelmRect* tRegion, int32_t iThreshold,
 int32_t iIterations, ZelmImage* tDst)
 """,
-    "zelmBinErosion": """Erodes the foreground of a region with a 3 x 3 square, repeatedly: a pixel stays 255 when all pixels
+    "zelmBinErosion": """\
+Erodes the foreground of a region with a 3 x 3 square, repeatedly: a pixel stays 255 when all pixels
 of its neighbourhood inside the region are foreground, so a region that is all foreground stays so
 up to its border. Arguments and statuses as of zelmBinDilation().
 
@@ -1046,11 +1052,11 @@ tSrc : array of uint8, shape (height, width)
     gray image
 iThreshold : int
     clamped to 0..255
-tRegion : ZelmRect, default made by whole(tSrc)
+tRegion : ZelmRect, default all of tSrc
     region of both images, wider and higher than iIterations
 iIterations : int, default 1
     number of erosions, >= 1
-tDst : array of uint8, shape (height, width), written in place, default made by like(tSrc)
+tDst : array of uint8, shape (height, width), written in place, default a new black image
     its pixels inside the region are written; its record is only read
 
 Returns
@@ -1068,7 +1074,8 @@ Notes
 In C: int32_t zelmBinErosion(const ZelmImage* tSrc, const ZelmRect* tRegion, int32_t iThreshold,
 int32_t iIterations, ZelmImage* tDst)
 """,
-    "zelmBinOpening": """Erosions followed by as many dilations: removes what is narrower than 2 * iIterations + 1 pixels.
+    "zelmBinOpening": """\
+Erosions followed by as many dilations: removes what is narrower than 2 * iIterations + 1 pixels.
 
 The region must start at x = 0, y = 0 (`docs/decisions.md#opening-origin`).
 
@@ -1078,11 +1085,11 @@ tSrc : array of uint8, shape (height, width)
     gray image
 iThreshold : int
     clamped to 0..255
-tRegion : ZelmRect, default made by whole(tSrc)
+tRegion : ZelmRect, default all of tSrc
     region of both images at the origin, wider and higher than iIterations
 iIterations : int, default 1
     number of erosions and of dilations, >= 1
-tDst : array of uint8, shape (height, width), written in place, default made by like(tSrc)
+tDst : array of uint8, shape (height, width), written in place, default a new black image
     its pixels inside the region are written; its record is only read; may be the source
 
 Returns
@@ -1102,7 +1109,8 @@ Notes
 In C: int32_t zelmBinOpening(const ZelmImage* tSrc, const ZelmRect* tRegion, int32_t iThreshold,
 int32_t iIterations, ZelmImage* tDst)
 """,
-    "zelmBinClosing": """Dilations followed by as many erosions: fills what is narrower than 2 * iIterations + 1 pixels. The
+    "zelmBinClosing": """\
+Dilations followed by as many erosions: fills what is narrower than 2 * iIterations + 1 pixels. The
 region as in zelmBinOpening().
 
 Parameters
@@ -1111,11 +1119,11 @@ tSrc : array of uint8, shape (height, width)
     gray image
 iThreshold : int
     clamped to 0..255
-tRegion : ZelmRect, default made by whole(tSrc)
+tRegion : ZelmRect, default all of tSrc
     region of both images at the origin, wider and higher than iIterations
 iIterations : int, default 1
     number of dilations and of erosions, >= 1
-tDst : array of uint8, shape (height, width), written in place, default made by like(tSrc)
+tDst : array of uint8, shape (height, width), written in place, default a new black image
     its pixels inside the region are written; its record is only read; may be the source
 
 Returns
@@ -1133,7 +1141,8 @@ Notes
 In C: int32_t zelmBinClosing(const ZelmImage* tSrc, const ZelmRect* tRegion, int32_t iThreshold,
 int32_t iIterations, ZelmImage* tDst)
 """,
-    "zelmBinBlob": """Finds the connected regions (eight neighbours) of foreground pixels that do not touch the region's
+    "zelmBinBlob": """\
+Finds the connected regions (eight neighbours) of foreground pixels that do not touch the region's
 edge, in one pass over the horizontal runs of each row.
 
 A run takes the smallest label that the runs it touches in the row above stand for, which is looked
@@ -1186,7 +1195,8 @@ not copied.
 In C: int32_t zelmBinBlob(const ZelmImage* tImage, const ZelmRect* tRegion, int32_t iThreshold,
 int32_t iPolarity, int32_t iClearEdge, int32_t iMinArea, ZelmBlob** taBlobs, int32_t* iCount)
 """,
-    "zelmBinFree": """Releases an array of zelmBinBlob() and sets the pointer to NULL.
+    "zelmBinFree": """\
+Releases an array of zelmBinBlob() and sets the pointer to NULL.
 
 Parameters
 ----------
@@ -1197,7 +1207,8 @@ Notes
 -----
 In C: void zelmBinFree(ZelmBlob** taBlobs)
 """,
-    "zelmCalibNormalizeData": """Centres points on their mean and scales them so that their mean distance from it is sqrt(2) (Hartley
+    "zelmCalibNormalizeData": """\
+Centres points on their mean and scales them so that their mean distance from it is sqrt(2) (Hartley
 1997). With m the mean and d the mean distance, s = sqrt(2) / d for points in space too
 (`docs/decisions.md#mean-distance`), and T = [s I, -s m; 0, 1]. Identical points have d = 0: the
 scale is infinite and the results are not finite.
@@ -1230,7 +1241,8 @@ Cost O(iN). Allocates nothing.
 In C: int32_t zelmCalibNormalizeData(int32_t iDim, int32_t iN, const double* daSrc, double* daDst,
 double* daT, double* daTinv)
 """,
-    "zelmCalibCalcHomography": """Homography between two planes: (x, y) maps to (h0 x + h1 y + h2, h3 x + h4 y + h5) / (h6 x + h7 y +
+    "zelmCalibCalcHomography": """\
+Homography between two planes: (x, y) maps to (h0 x + h1 y + h2, h3 x + h4 y + h5) / (h6 x + h7 y +
 h8). A linear estimate on normalised points (Hartley 1997) is refined by damped steps (Levenberg
 1944, Marquardt 1963) on the distances in the destination plane. A step is taken only if it lowers
 the mean squared distance; the right-hand side weights each pair by its distance once more than a
@@ -1278,7 +1290,8 @@ Cost O(iN) a step, O(iN log iN) at most when robust. Memory for 22 doubles a pai
 In C: int32_t zelmCalibCalcHomography(int32_t iN, const Point2d* taSrc, const Point2d* taDst, double
 dRobustK, double* daH)
 """,
-    "zelmCalibCameraMatrix": """Projection matrix P = A S [R t; 0 0 0 1] of one camera and pose. S drops the fourth row of the pose
+    "zelmCalibCameraMatrix": """\
+Projection matrix P = A S [R t; 0 0 0 1] of one camera and pose. S drops the fourth row of the pose
 under models 0 and 1 (perspective) and its third, the depth, under model 2 (parallel projection).
 When |P[2][3]| > 1e-9 all entries are divided by it.
 
@@ -1309,7 +1322,8 @@ Allocates nothing.
 In C: int32_t zelmCalibCameraMatrix(const double* daA, const ZelmCameraExtrinsics* tExt, double*
 daP, int32_t iModel)
 """,
-    "zelmCalibChange3Dto2D": """Projects a point in space into the distorted image: zelmCalibCameraMatrix, then the lens of
+    "zelmCalibChange3Dto2D": """\
+Projects a point in space into the distorted image: zelmCalibCameraMatrix, then the lens of
 zelmCalibDistortPoint. Under models 0 and 2 the lens is taken with theta = 0, whatever the record
 holds. A point in the camera's own plane (depth 0) gives coordinates that are not finite; points
 behind the camera are projected like any other.
@@ -1343,7 +1357,8 @@ Allocates nothing.
 In C: int32_t zelmCalibChange3Dto2D(const Point3d* tX, const ZelmCameraIntrinsics* tCam, const
 ZelmCameraExtrinsics* tExt, Point2d* tP, int32_t iModel)
 """,
-    "zelmCalibDistortPoint": """Moves an undistorted pixel to where the lens images it. With (dx, dy) the offset from the principal
+    "zelmCalibDistortPoint": """\
+Moves an undistorted pixel to where the lens images it. With (dx, dy) the offset from the principal
 point in pixels, xn = (dx - (gamma / beta) dy) / alpha, yn = (dy / beta) cos(theta), r^2 = xn^2 +
 yn^2 and D = (k2 r^2 + k1) r^2, the point moves by D * (dx, dy). The stored theta always takes part;
 records of models 0 and 2 hold 0. A zero alpha or beta is not guarded.
@@ -1378,7 +1393,8 @@ Allocates nothing.
 In C: int32_t zelmCalibDistortPoint(const ZelmCameraIntrinsics* tCam, double dX, double dY, double*
 dXd, double* dYd)
 """,
-    "zelmCalibUnDistortPoint": """Removes the lens distortion from a pixel: Newton's method on zelmCalibDistortPoint, started at the
+    "zelmCalibUnDistortPoint": """\
+Removes the lens distortion from a pixel: Newton's method on zelmCalibDistortPoint, started at the
 given pixel. It ends after a step of at most 0.0001 pixel in x and in y. The steps converge
 quadratically, so the result is as a rule far closer: within 1e-9 pixel of the exact inverse for
 lenses that move no pixel by more than a tenth of its radius. A pixel beyond the radius where the
@@ -1416,7 +1432,8 @@ Allocates nothing.
 In C: int32_t zelmCalibUnDistortPoint(const ZelmCameraIntrinsics* tCam, double dXd, double dYd,
 double* dX, double* dY)
 """,
-    "zelmCalibRodrigues": """Converts between a rotation vector (axis * angle in radians) and a rotation matrix (Rodrigues 1840).
+    "zelmCalibRodrigues": """\
+Converts between a rotation vector (axis * angle in radians) and a rotation matrix (Rodrigues 1840).
 From vector to matrix: R = cos(a) I + (1 - cos(a)) u u^T + sin(a) [u]x; shorter vectors than 1e-15
 give the identity. From matrix to vector: the axis is the null direction of R - I, found by singular
 value decomposition; the angle atan2(u . w, trace(R) - 1) with w = (R21 - R12, R02 - R20, R10 - R01)
@@ -1449,7 +1466,8 @@ Allocates nothing.
 
 In C: int32_t zelmCalibRodrigues(int32_t iDirection, double* daRvec, double* daRmat)
 """,
-    "zelmCalibCameraParam": """Estimates one camera's intrinsic parameters, its radial distortion and its pose in every view from
+    "zelmCalibCameraParam": """\
+Estimates one camera's intrinsic parameters, its radial distortion and its pose in every view from
 the dots of a flat plate.
 
 Start values come from the homographies of the views: under models 0 and 1 in closed form (Z. Zhang,
@@ -1488,7 +1506,7 @@ taViews : sequence of pairs of arrays, plane and image points, shape (n, 2) each
     iViews entries of at least 4 dots each, the plate coordinates in any unit, the image in pixels
 dRobustThreshold : float, default 0
     0 or less (or not a number): plain least squares; else the cut-off, usually 3.5
-tIntrinsics : ZelmCameraIntrinsics, written in place, default made by ZelmCameraIntrinsics()
+tIntrinsics : ZelmCameraIntrinsics, written in place, default a record of zeros
     the camera; read under model 2 only; reserved is neither read nor written
 iModel : int, default 0
     0 perspective, 1 tilted, 2 parallel
@@ -1525,7 +1543,8 @@ In C: int32_t zelmCalibCameraParam(int32_t iViews, const Zelm2ViewPtnEntry* taVi
 dRobustThreshold, ZelmCameraIntrinsics* tIntrinsics, ZelmCameraExtrinsics* taExtrinsics, double*
 dError, int32_t iModel)
 """,
-    "zelmCgSortByArgument": """Sorts points by polar angle about the lowest one (smallest y, then smallest x), nearer first on a
+    "zelmCgSortByArgument": """\
+Sorts points by polar angle about the lowest one (smallest y, then smallest x), nearer first on a
 ray; that pivot comes first. Heap sort, O(n log n), nothing allocated; the order of equal points is
 fixed by the sort.
 
@@ -1549,7 +1568,8 @@ Notes
 -----
 In C: int32_t zelmCgSortByArgument(int32_t iN, const Point2d* taPoints, Point2d* taSorted)
 """,
-    "zelmCgConvexHull": """Convex hull (Graham 1972), counter-clockwise in a y-up frame from the lowest point. O(n log n),
+    "zelmCgConvexHull": """\
+Convex hull (Graham 1972), counter-clockwise in a y-up frame from the lowest point. O(n log n),
 nothing allocated.
 
 Parameters
@@ -1573,7 +1593,8 @@ Notes
 In C: int32_t zelmCgConvexHull(int32_t iN, const Point2d* taPoints, int32_t* iCount, Point2d*
 taHull)
 """,
-    "zelmCgSmallestEnclosingCircle": """An approximation of the smallest enclosing circle: the centre walks towards the farthest hull vertex
+    "zelmCgSmallestEnclosingCircle": """\
+An approximation of the smallest enclosing circle: the centre walks towards the farthest hull vertex
 with a step that is halved every five moves (in the manner of Badoiu and Clarkson, 2003). The radius
 is measured from the centre before its last move.
 
@@ -1601,7 +1622,8 @@ Notes
 In C: int32_t zelmCgSmallestEnclosingCircle(int32_t iN, const Point2d* taPoints, Point2d* tCentre,
 double* dRadius)
 """,
-    "zelmCgIntersectionOfTwoSegments": """Classifies how the segments A = A1A2 and B = B1B2 meet.
+    "zelmCgIntersectionOfTwoSegments": """\
+Classifies how the segments A = A1A2 and B = B1B2 meet.
 
 Parameters
 ----------
@@ -1632,7 +1654,8 @@ Notes
 In C: int32_t zelmCgIntersectionOfTwoSegments(const Point2d* tA1, const Point2d* tA2, const Point2d*
 tB1, const Point2d* tB2, int32_t* iKind, Point2d* tPoint)
 """,
-    "zelmCgPointInConvexPolygon": """Where a point lies relative to a convex polygon. O(n).
+    "zelmCgPointInConvexPolygon": """\
+Where a point lies relative to a convex polygon. O(n).
 
 Parameters
 ----------
@@ -1657,7 +1680,8 @@ Notes
 In C: int32_t zelmCgPointInConvexPolygon(int32_t iN, const Point2d* taPolygon, const Point2d* tP,
 int32_t* iResult)
 """,
-    "zelmCgIntersectionLineAndConvexPolygon": """Where a line crosses the boundary of a convex polygon. A line along an edge gives 0 points, even
+    "zelmCgIntersectionLineAndConvexPolygon": """\
+Where a line crosses the boundary of a convex polygon. A line along an edge gives 0 points, even
 when one was found before (`docs/decisions.md#edge-along-line`). O(n).
 
 Parameters
@@ -1683,7 +1707,8 @@ Notes
 In C: int32_t zelmCgIntersectionLineAndConvexPolygon(int32_t iN, const Point2d* taPolygon, const
 Line2d* tLine, Point2d* taPoints)
 """,
-    "zelmCgIntersectionSegmentAndConvexPolygon": """Where a segment crosses the boundary of a convex polygon. A segment along an edge gives 0 points.
+    "zelmCgIntersectionSegmentAndConvexPolygon": """\
+Where a segment crosses the boundary of a convex polygon. A segment along an edge gives 0 points.
 O(n).
 
 Parameters
@@ -1711,7 +1736,8 @@ Notes
 In C: int32_t zelmCgIntersectionSegmentAndConvexPolygon(int32_t iN, const Point2d* taPolygon, const
 Point2d* tS1, const Point2d* tS2, Point2d* taPoints)
 """,
-    "zelmClp2dDistanceTwoPoints": """Distance of two points.
+    "zelmClp2dDistanceTwoPoints": """\
+Distance of two points.
 
 Parameters
 ----------
@@ -1729,7 +1755,8 @@ Notes
 -----
 In C: void zelmClp2dDistanceTwoPoints(const Point2d* tP1, const Point2d* tP2, double* dDistance)
 """,
-    "zelmClp2dCenterTwoPoints": """Midpoint of two points.
+    "zelmClp2dCenterTwoPoints": """\
+Midpoint of two points.
 
 Parameters
 ----------
@@ -1747,7 +1774,8 @@ Notes
 -----
 In C: void zelmClp2dCenterTwoPoints(const Point2d* tP1, const Point2d* tP2, Point2d* tCenter)
 """,
-    "zelmClp2dLineTwoPoints": """The line through two points, directed from the first to the second. With direction (dx, dy) the unit
+    "zelmClp2dLineTwoPoints": """\
+The line through two points, directed from the first to the second. With direction (dx, dy) the unit
 normal is (-dy, dx) / length, the left-hand side in a y-up frame.
 
 Parameters
@@ -1772,7 +1800,8 @@ Notes
 -----
 In C: int32_t zelmClp2dLineTwoPoints(const Point2d* tP1, const Point2d* tP2, Line2d* tLine)
 """,
-    "zelmClp2dMidperpendicularTwoPoints": """The perpendicular bisector of two points; its normal points from the first to the second.
+    "zelmClp2dMidperpendicularTwoPoints": """\
+The perpendicular bisector of two points; its normal points from the first to the second.
 
 Parameters
 ----------
@@ -1797,7 +1826,8 @@ Notes
 In C: int32_t zelmClp2dMidperpendicularTwoPoints(const Point2d* tP1, const Point2d* tP2, Line2d*
 tLine)
 """,
-    "zelmClp2dVerticalLinePointAndLine": """The line through a point perpendicular to a line; its normal is the given one turned by -90 degrees:
+    "zelmClp2dVerticalLinePointAndLine": """\
+The line through a point perpendicular to a line; its normal is the given one turned by -90 degrees:
 (b, -a).
 
 Parameters
@@ -1823,7 +1853,8 @@ Notes
 In C: int32_t zelmClp2dVerticalLinePointAndLine(const Point2d* tP, const Line2d* tLine, Line2d*
 tOut)
 """,
-    "zelmClp2dLinePointAndSlope": """The line through a point with a given direction.
+    "zelmClp2dLinePointAndSlope": """\
+The line through a point with a given direction.
 
 Parameters
 ----------
@@ -1841,7 +1872,8 @@ Notes
 -----
 In C: void zelmClp2dLinePointAndSlope(const Point2d* tP, double dAngle, Line2d* tLine)
 """,
-    "zelmClp2dIntersectionTwoLines": """The intersection of two lines.
+    "zelmClp2dIntersectionTwoLines": """\
+The intersection of two lines.
 
 Parameters
 ----------
@@ -1866,7 +1898,8 @@ Notes
 In C: int32_t zelmClp2dIntersectionTwoLines(const Line2d* tLine1, const Line2d* tLine2, Point2d*
 tPoint)
 """,
-    "zelmClp2dAngleTwoLines": """The acute angle between two lines.
+    "zelmClp2dAngleTwoLines": """\
+The acute angle between two lines.
 
 Parameters
 ----------
@@ -1890,7 +1923,8 @@ Notes
 -----
 In C: int32_t zelmClp2dAngleTwoLines(const Line2d* tLine1, const Line2d* tLine2, double* dAngle)
 """,
-    "zelmClp2dCenterLineOfTwoLines": """The bisector of two lines whose normals are turned to one side first (the second line is negated
+    "zelmClp2dCenterLineOfTwoLines": """\
+The bisector of two lines whose normals are turned to one side first (the second line is negated
 when its unit normal has a negative dot product with the first's); for parallel lines the middle
 line.
 
@@ -1917,7 +1951,8 @@ Notes
 In C: int32_t zelmClp2dCenterLineOfTwoLines(const Line2d* tLine1, const Line2d* tLine2, Line2d*
 tOut)
 """,
-    "zelmClp2dDistancePointToLine": """Distance of a point from a line.
+    "zelmClp2dDistancePointToLine": """\
+Distance of a point from a line.
 
 Parameters
 ----------
@@ -1942,7 +1977,8 @@ Notes
 In C: int32_t zelmClp2dDistancePointToLine(const Point2d* tP, const Line2d* tLine, double*
 dDistance)
 """,
-    "zelmClp2dFootOfPerpendicularToLine": """The foot of the perpendicular from a point to a line.
+    "zelmClp2dFootOfPerpendicularToLine": """\
+The foot of the perpendicular from a point to a line.
 
 Parameters
 ----------
@@ -1967,7 +2003,8 @@ Notes
 In C: int32_t zelmClp2dFootOfPerpendicularToLine(const Point2d* tP, const Line2d* tLine, Point2d*
 tFoot)
 """,
-    "zelmClp2dTranslationOfLine": """A line moved by a vector; a and b are copied, not normalised.
+    "zelmClp2dTranslationOfLine": """\
+A line moved by a vector; a and b are copied, not normalised.
 
 Parameters
 ----------
@@ -1991,7 +2028,8 @@ Notes
 -----
 In C: int32_t zelmClp2dTranslationOfLine(const Line2d* tLine, const Point2d* tShift, Line2d* tOut)
 """,
-    "zelmClp2dAreaTriangle": """Area of a triangle.
+    "zelmClp2dAreaTriangle": """\
+Area of a triangle.
 
 Parameters
 ----------
@@ -2012,7 +2050,8 @@ Notes
 In C: void zelmClp2dAreaTriangle(const Point2d* tP1, const Point2d* tP2, const Point2d* tP3, double*
 dArea)
 """,
-    "zelmClp2dSignAreaTriangle": """Signed area of a triangle, positive when P1, P2, P3 turn counter-clockwise in a y-up frame
+    "zelmClp2dSignAreaTriangle": """\
+Signed area of a triangle, positive when P1, P2, P3 turn counter-clockwise in a y-up frame
 (clockwise as seen in an image, whose y points down).
 
 Parameters
@@ -2034,7 +2073,8 @@ Notes
 In C: void zelmClp2dSignAreaTriangle(const Point2d* tP1, const Point2d* tP2, const Point2d* tP3,
 double* dArea)
 """,
-    "zelmClp2dCircleThreePoints": """The circle through three points.
+    "zelmClp2dCircleThreePoints": """\
+The circle through three points.
 
 Parameters
 ----------
@@ -2061,7 +2101,8 @@ Notes
 In C: int32_t zelmClp2dCircleThreePoints(const Point2d* tP1, const Point2d* tP2, const Point2d* tP3,
 Circle2d* tCircle)
 """,
-    "zelmClp2dCircleTwoPoints": """The circle with two points as a diameter.
+    "zelmClp2dCircleTwoPoints": """\
+The circle with two points as a diameter.
 
 Parameters
 ----------
@@ -2079,7 +2120,8 @@ Notes
 -----
 In C: void zelmClp2dCircleTwoPoints(const Point2d* tP1, const Point2d* tP2, Circle2d* tCircle)
 """,
-    "zelmClp2dIntersectionLineAndCircle": """The intersections of a line and a circle. The line is taken as normalised, as every line of this
+    "zelmClp2dIntersectionLineAndCircle": """\
+The intersections of a line and a circle. The line is taken as normalised, as every line of this
 library is; another scale gives wrong points (`docs/decisions.md#circle-line-scale`).
 
 Parameters
@@ -2110,7 +2152,8 @@ Notes
 In C: int32_t zelmClp2dIntersectionLineAndCircle(const Line2d* tLine, const Circle2d* tCircle,
 Point2d* tQ1, Point2d* tQ2)
 """,
-    "zelmClp2dTangentPointToCircle": """The two tangents from a point to a circle.
+    "zelmClp2dTangentPointToCircle": """\
+The two tangents from a point to a circle.
 
 Parameters
 ----------
@@ -2142,7 +2185,8 @@ Notes
 In C: int32_t zelmClp2dTangentPointToCircle(const Point2d* tP, const Circle2d* tCircle, Line2d*
 tLine1, Point2d* tPoint1, Line2d* tLine2, Point2d* tPoint2)
 """,
-    "zelmClp2dClosestToCircle": """The point of a circle closest to a given point. A point at the centre gives non-finite outputs; this
+    "zelmClp2dClosestToCircle": """\
+The point of a circle closest to a given point. A point at the centre gives non-finite outputs; this
 is not guarded.
 
 Parameters
@@ -2171,7 +2215,8 @@ Notes
 In C: int32_t zelmClp2dClosestToCircle(const Point2d* tP, const Circle2d* tCircle, Point2d* tPoint,
 double* dDistance)
 """,
-    "zelmClp3dDistanceTwoPoints": """Distance of two points.
+    "zelmClp3dDistanceTwoPoints": """\
+Distance of two points.
 
 Parameters
 ----------
@@ -2189,7 +2234,8 @@ Notes
 -----
 In C: void zelmClp3dDistanceTwoPoints(const Point3d* tP1, const Point3d* tP2, double* dDistance)
 """,
-    "zelmClp3dCenterTwoPoints": """Midpoint of two points.
+    "zelmClp3dCenterTwoPoints": """\
+Midpoint of two points.
 
 Parameters
 ----------
@@ -2207,7 +2253,8 @@ Notes
 -----
 In C: void zelmClp3dCenterTwoPoints(const Point3d* tP1, const Point3d* tP2, Point3d* tCenter)
 """,
-    "zelmClp3dLineTwoPoints": """The line through two points.
+    "zelmClp3dLineTwoPoints": """\
+The line through two points.
 
 Parameters
 ----------
@@ -2231,7 +2278,8 @@ Notes
 -----
 In C: int32_t zelmClp3dLineTwoPoints(const Point3d* tP1, const Point3d* tP2, Line3d* tLine)
 """,
-    "zelmClp3dFootOfPerpendicularToLine": """The foot of the perpendicular from a point to a line.
+    "zelmClp3dFootOfPerpendicularToLine": """\
+The foot of the perpendicular from a point to a line.
 
 Parameters
 ----------
@@ -2256,7 +2304,8 @@ Notes
 In C: int32_t zelmClp3dFootOfPerpendicularToLine(const Point3d* tP, const Line3d* tLine, Point3d*
 tFoot)
 """,
-    "zelmClp3dVerticalLinePointAndLine": """The perpendicular from a point to a line, as a line.
+    "zelmClp3dVerticalLinePointAndLine": """\
+The perpendicular from a point to a line, as a line.
 
 Parameters
 ----------
@@ -2282,7 +2331,8 @@ Notes
 In C: int32_t zelmClp3dVerticalLinePointAndLine(const Point3d* tP, const Line3d* tLine, Line3d*
 tOut)
 """,
-    "zelmClp3dDistancePointToLine": """Distance of a point from a line.
+    "zelmClp3dDistancePointToLine": """\
+Distance of a point from a line.
 
 Parameters
 ----------
@@ -2307,7 +2357,8 @@ Notes
 In C: int32_t zelmClp3dDistancePointToLine(const Point3d* tP, const Line3d* tLine, double*
 dDistance)
 """,
-    "zelmClp3dDistanceTwoLines": """Distance of two lines.
+    "zelmClp3dDistanceTwoLines": """\
+Distance of two lines.
 
 Parameters
 ----------
@@ -2333,7 +2384,8 @@ Notes
 In C: int32_t zelmClp3dDistanceTwoLines(const Line3d* tLine1, const Line3d* tLine2, double*
 dDistance)
 """,
-    "zelmClp3dPlaneThreePoints": """The plane through three points; its normal is that of the turn P1, P2, P3 by the right-hand rule.
+    "zelmClp3dPlaneThreePoints": """\
+The plane through three points; its normal is that of the turn P1, P2, P3 by the right-hand rule.
 
 Parameters
 ----------
@@ -2361,7 +2413,8 @@ Notes
 In C: int32_t zelmClp3dPlaneThreePoints(const Point3d* tP1, const Point3d* tP2, const Point3d* tP3,
 Plane3d* tPlane)
 """,
-    "zelmClp3dVerticalPlanePointAndVector": """The plane through a point with a given normal.
+    "zelmClp3dVerticalPlanePointAndVector": """\
+The plane through a point with a given normal.
 
 Parameters
 ----------
@@ -2386,7 +2439,8 @@ Notes
 In C: int32_t zelmClp3dVerticalPlanePointAndVector(const Point3d* tP, const Point3d* tVector,
 Plane3d* tPlane)
 """,
-    "zelmClp3dVerticalLinePointAndPlane": """The line through a point perpendicular to a plane.
+    "zelmClp3dVerticalLinePointAndPlane": """\
+The line through a point perpendicular to a plane.
 
 Parameters
 ----------
@@ -2411,7 +2465,8 @@ Notes
 In C: int32_t zelmClp3dVerticalLinePointAndPlane(const Point3d* tP, const Plane3d* tPlane, Line3d*
 tLine)
 """,
-    "zelmClp3dDistancePointToPlane": """Distance of a point from a plane.
+    "zelmClp3dDistancePointToPlane": """\
+Distance of a point from a plane.
 
 Parameters
 ----------
@@ -2436,7 +2491,8 @@ Notes
 In C: int32_t zelmClp3dDistancePointToPlane(const Point3d* tP, const Plane3d* tPlane, double*
 dDistance)
 """,
-    "zelmClp3dIntersectionLineAndPlane": """The intersection of a line and a plane.
+    "zelmClp3dIntersectionLineAndPlane": """\
+The intersection of a line and a plane.
 
 Parameters
 ----------
@@ -2462,7 +2518,8 @@ Notes
 In C: int32_t zelmClp3dIntersectionLineAndPlane(const Line3d* tLine, const Plane3d* tPlane, Point3d*
 tPoint)
 """,
-    "zelmClp3dFootOfPerpendicularToPlane": """The foot of the perpendicular from a point to a plane: where the line through P along the normal, as
+    "zelmClp3dFootOfPerpendicularToPlane": """\
+The foot of the perpendicular from a point to a plane: where the line through P along the normal, as
 it is given, meets the plane.
 
 Parameters
@@ -2488,7 +2545,8 @@ Notes
 In C: int32_t zelmClp3dFootOfPerpendicularToPlane(const Point3d* tP, const Plane3d* tPlane, Point3d*
 tFoot)
 """,
-    "zelmClp3dAngleLineAndPlane": """The angle between a line and a plane.
+    "zelmClp3dAngleLineAndPlane": """\
+The angle between a line and a plane.
 
 Parameters
 ----------
@@ -2514,7 +2572,8 @@ Notes
 -----
 In C: int32_t zelmClp3dAngleLineAndPlane(const Line3d* tLine, const Plane3d* tPlane, double* dAngle)
 """,
-    "zelmClp3dIntersectionTwoPlanes": """The intersection of two planes.
+    "zelmClp3dIntersectionTwoPlanes": """\
+The intersection of two planes.
 
 Parameters
 ----------
@@ -2539,7 +2598,8 @@ Notes
 In C: int32_t zelmClp3dIntersectionTwoPlanes(const Plane3d* tPlane1, const Plane3d* tPlane2, Line3d*
 tLine)
 """,
-    "zelmClp3dAngleTwoPlanes": """The acute angle between two planes.
+    "zelmClp3dAngleTwoPlanes": """\
+The acute angle between two planes.
 
 Parameters
 ----------
@@ -2564,7 +2624,8 @@ Notes
 In C: int32_t zelmClp3dAngleTwoPlanes(const Plane3d* tPlane1, const Plane3d* tPlane2, double*
 dAngle)
 """,
-    "zelmMiscChangeRectToRect2": """A rectangle by its inclusive corners.
+    "zelmMiscChangeRectToRect2": """\
+A rectangle by its inclusive corners.
 
 Parameters
 ----------
@@ -2585,7 +2646,8 @@ Notes
 -----
 In C: int32_t zelmMiscChangeRectToRect2(const ZelmRect* tRect, ZelmRect2* tRect2)
 """,
-    "zelmMiscChangeRect2ToRect": """A rectangle by its corner and size.
+    "zelmMiscChangeRect2ToRect": """\
+A rectangle by its corner and size.
 
 Parameters
 ----------
@@ -2606,7 +2668,8 @@ Notes
 -----
 In C: int32_t zelmMiscChangeRect2ToRect(const ZelmRect2* tRect2, ZelmRect* tRect)
 """,
-    "zelmMiscBilinearGrayLevel": """Bilinear gray level at a real position. Between the last column (row) and the image's border the
+    "zelmMiscBilinearGrayLevel": """\
+Bilinear gray level at a real position. Between the last column (row) and the image's border the
 edge pixel serves as its own neighbour.
 
 Parameters
@@ -2628,7 +2691,8 @@ Notes
 -----
 In C: double zelmMiscBilinearGrayLevel(const ZelmImage* tImage, double dX, double dY)
 """,
-    "zelmMiscPlotPointsOfLine": """The pixels of a straight line (Bresenham 1965, symmetric error term).
+    "zelmMiscPlotPointsOfLine": """\
+The pixels of a straight line (Bresenham 1965, symmetric error term).
 
 Parameters
 ----------
@@ -2652,7 +2716,8 @@ Notes
 -----
 In C: int32_t zelmMiscPlotPointsOfLine(const Point2i* tP0, const Point2i* tP1, Point2i* taPoints)
 """,
-    "zelm2ViewCalibOpen": """Opens an object for a new calibration.
+    "zelm2ViewCalibOpen": """\
+Opens an object for a new calibration.
 
 Parameters
 ----------
@@ -2685,7 +2750,8 @@ The calibration block starts as zeros but for its first 28 bytes.
 In C: int32_t zelm2ViewCalibOpen(int32_t iViews, const Zelm2ViewPatternDesc* tPattern, const
 Zelm2ViewCameraDesc* tCameras, Zelm2ViewCalib** tHandle)
 """,
-    "zelm2ViewGetCalibDataSize": """Size of the calibration block in bytes.
+    "zelm2ViewGetCalibDataSize": """\
+Size of the calibration block in bytes.
 
 Parameters
 ----------
@@ -2708,7 +2774,8 @@ Notes
 -----
 In C: int32_t zelm2ViewGetCalibDataSize(const Zelm2ViewCalib* tHandle)
 """,
-    "zelm2ViewSaveCalibData": """Copies the calibration block out. The dots that were read are not part of it.
+    "zelm2ViewSaveCalibData": """\
+Copies the calibration block out. The dots that were read are not part of it.
 
 Parameters
 ----------
@@ -2730,7 +2797,8 @@ Notes
 -----
 In C: int32_t zelm2ViewSaveCalibData(const Zelm2ViewCalib* tHandle, unsigned char* ucBuffer)
 """,
-    "zelm2ViewLoadCalibData": """Makes an object from a saved calibration block. It serves everything that reads only the block;
+    "zelm2ViewLoadCalibData": """\
+Makes an object from a saved calibration block. It serves everything that reads only the block;
 reading, calibration, zelm2ViewGetPtnNum and zelm2ViewGetPattern refuse it.
 
 Parameters
@@ -2754,7 +2822,8 @@ Notes
 In C: int32_t zelm2ViewLoadCalibData(int32_t iSize, const unsigned char* ucBuffer, Zelm2ViewCalib**
 tHandle)
 """,
-    "zelm2ViewCalibClose": """Frees an object with all it holds and sets the handle to NULL. A NULL pointer or handle is accepted.
+    "zelm2ViewCalibClose": """\
+Frees an object with all it holds and sets the handle to NULL. A NULL pointer or handle is accepted.
 
 Parameters
 ----------
@@ -2765,7 +2834,8 @@ Notes
 -----
 In C: void zelm2ViewCalibClose(Zelm2ViewCalib** tHandle)
 """,
-    "zelm2ViewGetCamHomMat": """The rectifying pair of a camera: M, row-major, then its inverse.
+    "zelm2ViewGetCamHomMat": """\
+The rectifying pair of a camera: M, row-major, then its inverse.
 
 In a pair of perspective cameras M is the left 3x3 block (K * R) of the 3x4 projection matrix of
 view 0. In a pair with a camera of model 2, whose left block has a zero third row and no inverse,
@@ -2794,7 +2864,8 @@ Notes
 -----
 In C: int32_t zelm2ViewGetCamHomMat(const Zelm2ViewCalib* tHandle, int32_t iCamera, double* daOut)
 """,
-    "zelm2ViewGetCamFndMat": """The fundamental matrix F, row-major, then its transpose: xL' * F * xR = 0 for undistorted
+    "zelm2ViewGetCamFndMat": """\
+The fundamental matrix F, row-major, then its transpose: xL' * F * xR = 0 for undistorted
 homogeneous pixels.
 
 Parameters
@@ -2816,7 +2887,8 @@ Notes
 -----
 In C: int32_t zelm2ViewGetCamFndMat(const Zelm2ViewCalib* tHandle, double* daOut)
 """,
-    "zelm2ViewGetCamIntParam": """The intrinsic parameters of a camera.
+    "zelm2ViewGetCamIntParam": """\
+The intrinsic parameters of a camera.
 
 Parameters
 ----------
@@ -2841,7 +2913,8 @@ Notes
 In C: int32_t zelm2ViewGetCamIntParam(const Zelm2ViewCalib* tHandle, int32_t iCamera,
 ZelmCameraIntrinsics* tOut)
 """,
-    "zelm2ViewGetCamExtParam": """The pose of a camera relative to the plate of a view; all zeros for a camera of model 2 in views
+    "zelm2ViewGetCamExtParam": """\
+The pose of a camera relative to the plate of a view; all zeros for a camera of model 2 in views
 from 1 on.
 
 Parameters
@@ -2869,7 +2942,8 @@ Notes
 In C: int32_t zelm2ViewGetCamExtParam(const Zelm2ViewCalib* tHandle, int32_t iCamera, int32_t iView,
 ZelmCameraExtrinsics* tOut)
 """,
-    "zelm2ViewGetPtnNum": """How many dots were read for a camera and view; 0 before reading.
+    "zelm2ViewGetPtnNum": """\
+How many dots were read for a camera and view; 0 before reading.
 
 Parameters
 ----------
@@ -2896,7 +2970,8 @@ Notes
 In C: int32_t zelm2ViewGetPtnNum(const Zelm2ViewCalib* tHandle, int32_t iCamera, int32_t iView,
 int32_t* iCount)
 """,
-    "zelm2ViewGetPattern": """The image points (not the plane points) of the dots that were read, in the order in which they were
+    "zelm2ViewGetPattern": """\
+The image points (not the plane points) of the dots that were read, in the order in which they were
 found.
 
 Parameters
@@ -2924,7 +2999,8 @@ Notes
 In C: int32_t zelm2ViewGetPattern(const Zelm2ViewCalib* tHandle, int32_t iCamera, int32_t iView,
 Point2d* taOut)
 """,
-    "zelm2ViewReadPtnImg": """Finds the dots of the plate in the two images of a view and keeps them in the object, in place of
+    "zelm2ViewReadPtnImg": """\
+Finds the dots of the plate in the two images of a view and keeps them in the object, in place of
 the dots that an earlier reading of the view found.
 
 In each image: the plate is the largest blob, at Otsu's threshold, of the polarity opposite to the
@@ -2981,7 +3057,8 @@ too few lie on the grid, with those that do.
 In C: int32_t zelm2ViewReadPtnImg(Zelm2ViewCalib* tHandle, int32_t iView, const unsigned char*
 const* ucaImages, const ZelmRect* tRegionLeft, const ZelmRect* tRegionRight)
 """,
-    "zelm2ViewReadPtnImg_vImagePlanar8": """The same for gray platform buffers. Rows without padding are read in place, others are packed first.
+    "zelm2ViewReadPtnImg_vImagePlanar8": """\
+The same for gray platform buffers. Rows without padding are read in place, others are packed first.
 
 Parameters
 ----------
@@ -3012,7 +3089,8 @@ In C: int32_t zelm2ViewReadPtnImg_vImagePlanar8(Zelm2ViewCalib* tHandle, int32_t
 vImage_Buffer* tLeft, const vImage_Buffer* tRight, const ZelmRect* tRegionLeft, const ZelmRect*
 tRegionRight)
 """,
-    "zelm2ViewReadPtnImg_vImageARGB8888": """The same for colour platform buffers; a pixel's gray is the truncated mean of its R, G and B.
+    "zelm2ViewReadPtnImg_vImageARGB8888": """\
+The same for colour platform buffers; a pixel's gray is the truncated mean of its R, G and B.
 
 Parameters
 ----------
@@ -3041,7 +3119,8 @@ In C: int32_t zelm2ViewReadPtnImg_vImageARGB8888(Zelm2ViewCalib* tHandle, int32_
 vImage_Buffer* tLeft, const vImage_Buffer* tRight, const ZelmRect* tRegionLeft, const ZelmRect*
 tRegionRight)
 """,
-    "zelm2ViewCalibCameraParam": """Calibrates the pair from the dots that were read: each camera on its own (zelmCalibCameraParam,
+    "zelm2ViewCalibCameraParam": """\
+Calibrates the pair from the dots that were read: each camera on its own (zelmCalibCameraParam,
 robust threshold 3.5), then the fundamental matrix and the rectifying pairs. The two cameras are not
 refined together.
 
@@ -3086,7 +3165,8 @@ fundamental matrix, left and right rectifying pair, in this order.
 
 In C: int32_t zelm2ViewCalibCameraParam(Zelm2ViewCalib* tHandle, Zelm2ViewCalibResult* tResult)
 """,
-    "zelm2ViewChange2Dto3D": """The 3-D point of a raw pixel pair: the lens distortion is removed, the pair is moved to satisfy the
+    "zelm2ViewChange2Dto3D": """\
+The 3-D point of a raw pixel pair: the lens distortion is removed, the pair is moved to satisfy the
 epipolar constraint by first-order optimal correction (Kanatani, Sugaya and Niitsuma, 2008; at most
 20 rounds, else the points are used as they are), and the point is found by linear least squares.
 
@@ -3116,7 +3196,8 @@ Notes
 In C: int32_t zelm2ViewChange2Dto3D(const Zelm2ViewCalib* tHandle, const Point2d* tLeft, const
 Point2d* tRight, Point3d* tOut)
 """,
-    "zelm2ViewChange3Dto2D": """The raw pixel at which a camera sees a 3-D point.
+    "zelm2ViewChange3Dto2D": """\
+The raw pixel at which a camera sees a 3-D point.
 
 Parameters
 ----------
@@ -3143,7 +3224,8 @@ Notes
 In C: int32_t zelm2ViewChange3Dto2D(const Zelm2ViewCalib* tHandle, int32_t iCamera, const Point3d*
 tIn, Point2d* tOut)
 """,
-    "zelm2ViewCalcEpiLine": """The epipolar line, in one image, of a raw pixel of the other one. It is a line of the undistorted
+    "zelm2ViewCalcEpiLine": """\
+The epipolar line, in one image, of a raw pixel of the other one. It is a line of the undistorted
 image.
 
 Parameters
@@ -3172,7 +3254,8 @@ Notes
 In C: int32_t zelm2ViewCalcEpiLine(const Zelm2ViewCalib* tHandle, int32_t iCamera, const Point2d*
 tPoint, Zelm2ViewEpiLine* tOut)
 """,
-    "zelm2ViewChangeHomEpiLine": """Carries a line of a camera's undistorted image into its rectified image.
+    "zelm2ViewChangeHomEpiLine": """\
+Carries a line of a camera's undistorted image into its rectified image.
 
 Parameters
 ----------
@@ -3201,7 +3284,8 @@ Notes
 In C: int32_t zelm2ViewChangeHomEpiLine(const Zelm2ViewCalib* tHandle, int32_t iCamera, const
 Zelm2ViewHomParam* tParams, const double* daLine, Zelm2ViewEpiLine* tOut)
 """,
-    "zelm2ViewMakeHomImage": """Renders a camera's raw gray image as the other camera would see it (rectified image): every
+    "zelm2ViewMakeHomImage": """\
+Renders a camera's raw gray image as the other camera would see it (rectified image): every
 rectified pixel is mapped into the undistorted image, distorted with the camera model and sampled
 bilinearly; 0 where there is no source.
 
@@ -3232,7 +3316,8 @@ Notes
 In C: int32_t zelm2ViewMakeHomImage(const Zelm2ViewCalib* tHandle, int32_t iCamera, const unsigned
 char* ucSrc, const Zelm2ViewHomParam* tParams, unsigned char* ucDst)
 """,
-    "zelm2ViewMakeHomImage_vImageARGB8888": """As zelm2ViewMakeHomImage for ARGB8888 buffers; all four bytes of a pixel are treated alike.
+    "zelm2ViewMakeHomImage_vImageARGB8888": """\
+As zelm2ViewMakeHomImage for ARGB8888 buffers; all four bytes of a pixel are treated alike.
 
 Parameters
 ----------
@@ -3261,7 +3346,8 @@ Notes
 In C: int32_t zelm2ViewMakeHomImage_vImageARGB8888(const Zelm2ViewCalib* tHandle, int32_t iCamera,
 const vImage_Buffer* tSrc, const Zelm2ViewHomParam* tParams, const vImage_Buffer* tDst)
 """,
-    "zelm2ViewCalcHomImgPoint": """Maps a raw pixel into the rectified image.
+    "zelm2ViewCalcHomImgPoint": """\
+Maps a raw pixel into the rectified image.
 
 Parameters
 ----------
@@ -3291,7 +3377,8 @@ Notes
 In C: int32_t zelm2ViewCalcHomImgPoint(const Zelm2ViewCalib* tHandle, int32_t iCamera, const
 Point2d* tIn, const Zelm2ViewHomParam* tParams, Point2d* tOut)
 """,
-    "zelm2ViewInvHomImgPoint": """Maps a rectified pixel back to the raw image.
+    "zelm2ViewInvHomImgPoint": """\
+Maps a rectified pixel back to the raw image.
 
 Parameters
 ----------
@@ -3320,7 +3407,8 @@ Notes
 In C: int32_t zelm2ViewInvHomImgPoint(const Zelm2ViewCalib* tHandle, int32_t iCamera, const Point2d*
 tIn, const Zelm2ViewHomParam* tParams, Point2d* tOut)
 """,
-    "zelm2ViewUnDistortImage": """Removes the lens distortion from a raw gray image of the camera's size W x H. Every pixel is the
+    "zelm2ViewUnDistortImage": """\
+Removes the lens distortion from a raw gray image of the camera's size W x H. Every pixel is the
 bilinear gray level of the source at its distorted position, rounded half up; 0 outside the source.
 
 Parameters
@@ -3348,7 +3436,8 @@ Notes
 In C: int32_t zelm2ViewUnDistortImage(const Zelm2ViewCalib* tHandle, int32_t iCamera, const unsigned
 char* ucSrc, unsigned char* ucDst)
 """,
-    "zelm2ViewUnDistortImage_vImageARGB8888": """As zelm2ViewUnDistortImage for ARGB8888 buffers; alpha becomes 255 everywhere. A position beyond the
+    "zelm2ViewUnDistortImage_vImageARGB8888": """\
+As zelm2ViewUnDistortImage for ARGB8888 buffers; alpha becomes 255 everywhere. A position beyond the
 centre of the last column or row gives R = G = B = 0.
 
 Parameters
@@ -3376,7 +3465,8 @@ Notes
 In C: int32_t zelm2ViewUnDistortImage_vImageARGB8888(const Zelm2ViewCalib* tHandle, int32_t iCamera,
 const vImage_Buffer* tSrc, const vImage_Buffer* tDst)
 """,
-    "zelm2ViewDistortPoint": """Applies a camera's lens distortion to an undistorted pixel.
+    "zelm2ViewDistortPoint": """\
+Applies a camera's lens distortion to an undistorted pixel.
 
 Parameters
 ----------
@@ -3403,7 +3493,8 @@ Notes
 In C: int32_t zelm2ViewDistortPoint(const Zelm2ViewCalib* tHandle, int32_t iCamera, const Point2d*
 tIn, Point2d* tOut)
 """,
-    "zelm2ViewUnDistortPoint": """Removes a camera's lens distortion from a raw pixel.
+    "zelm2ViewUnDistortPoint": """\
+Removes a camera's lens distortion from a raw pixel.
 
 Parameters
 ----------
@@ -3430,7 +3521,8 @@ Notes
 In C: int32_t zelm2ViewUnDistortPoint(const Zelm2ViewCalib* tHandle, int32_t iCamera, const Point2d*
 tIn, Point2d* tOut)
 """,
-    "zelmCstmDrovnCalcMagnification": """How many image pixels a unit of the plate's plane measures in each image, at a given height: the
+    "zelmCstmDrovnCalcMagnification": """\
+How many image pixels a unit of the plate's plane measures in each image, at a given height: the
 image length of the segment from (0, 0, Z) to (X, 0, Z) of the world frame, seen by a camera's
 view-0 pose without lens distortion, divided by |X|. The ratio of the two values tells how much
 larger one camera sees the object than the other, and so which magnification makes their images
@@ -3470,7 +3562,8 @@ Notes
 In C: int32_t zelmCstmDrovnCalcMagnification(const Zelm2ViewCalib* tHandle, double dLengthA, double
 dLengthB, double* dOutL, double* dOutR)
 """,
-    "zelmCstmDrovnCalcHomImgMemSize": """The size of the expanded image that a region of the raw image needs, and where to centre it. The
+    "zelmCstmDrovnCalcHomImgMemSize": """\
+The size of the expanded image that a region of the raw image needs, and where to centre it. The
 corners of the region are undistorted and transferred with the region's middle as reference point;
 the box around them, rounded up to multiples of 4, is the size.
 
@@ -3512,7 +3605,8 @@ In C: int32_t zelmCstmDrovnCalcHomImgMemSize(const Zelm2ViewCalib* tHandle, int3
 ZelmRect* tRoi, const ZelmCstmExpPrm* tExpPrm, int32_t* iWidth, int32_t* iHeight, Point2d* tCentre,
 double dD)
 """,
-    "zelmCstmDrovnChangeOrg2DtoExp2D": """Maps a source point into a magnified image (zelmCstmDrovnExpandImage), without transfer: (iWidth / 2
+    "zelmCstmDrovnChangeOrg2DtoExp2D": """\
+Maps a source point into a magnified image (zelmCstmDrovnExpandImage), without transfer: (iWidth / 2
 + (x - dX) * dVal, iHeight / 2 + (y - dY) * dVal), integer halves.
 
 Parameters
@@ -3538,7 +3632,8 @@ Notes
 In C: int32_t zelmCstmDrovnChangeOrg2DtoExp2D(const ZelmCstmExpPrm* tExpPrm, const Point2d* tIn,
 Point2d* tOut)
 """,
-    "zelmCstmDrovnChangeOrg2DtoHom2D": """Maps a raw pixel into the expanded image of magnification 1.
+    "zelmCstmDrovnChangeOrg2DtoHom2D": """\
+Maps a raw pixel into the expanded image of magnification 1.
 
 Parameters
 ----------
@@ -3568,7 +3663,8 @@ Notes
 In C: int32_t zelmCstmDrovnChangeOrg2DtoHom2D(const Zelm2ViewCalib* tHandle, int32_t iCamera, const
 ZelmCstmExpPrm* tHomPrm, const Point2d* tIn, Point2d* tOut)
 """,
-    "zelmCstmDrovnChangeOrg2DtoHom2DExp": """Maps a raw pixel into the expanded image.
+    "zelmCstmDrovnChangeOrg2DtoHom2DExp": """\
+Maps a raw pixel into the expanded image.
 
 Parameters
 ----------
@@ -3598,7 +3694,8 @@ Notes
 In C: int32_t zelmCstmDrovnChangeOrg2DtoHom2DExp(const Zelm2ViewCalib* tHandle, int32_t iCamera,
 const ZelmCstmExpPrm* tHomPrm, const ZelmCstmExpPrm* tExpPrm, const Point2d* tIn, Point2d* tOut)
 """,
-    "zelmCstmDrovnInvHomImgPointExp": """Maps a pixel of the expanded image back to the raw image.
+    "zelmCstmDrovnInvHomImgPointExp": """\
+Maps a pixel of the expanded image back to the raw image.
 
 Parameters
 ----------
@@ -3629,7 +3726,8 @@ Notes
 In C: int32_t zelmCstmDrovnInvHomImgPointExp(const Zelm2ViewCalib* tHandle, int32_t iCamera, const
 Point2d* tIn, const ZelmCstmExpPrm* tHomPrm, const ZelmCstmExpPrm* tExpPrm, Point2d* tOut)
 """,
-    "zelmCstmDrovnChangeHomEpiLineExp": """Carries a line of the undistorted source image into the expanded image and clips it to that image
+    "zelmCstmDrovnChangeHomEpiLineExp": """\
+Carries a line of the undistorted source image into the expanded image and clips it to that image
 inset by one pixel on every side, so that sampling on it keeps its neighbours.
 
 Parameters
@@ -3663,7 +3761,8 @@ Notes
 In C: int32_t zelmCstmDrovnChangeHomEpiLineExp(const Zelm2ViewCalib* tHandle, int32_t iCamera, const
 ZelmCstmExpPrm* tHomPrm, const ZelmCstmExpPrm* tExpPrm, const Line2d* tLine, Zelm2ViewEpiLine* tOut)
 """,
-    "zelmCstmDrovnMakeHomImageExp": """Renders the expanded image of a raw gray image in one pass: every pixel is carried into the
+    "zelmCstmDrovnMakeHomImageExp": """\
+Renders the expanded image of a raw gray image in one pass: every pixel is carried into the
 undistorted source, distorted with the camera model and sampled bilinearly
 (perspectiveTransAndDistortImage_8uC1); 0 where there is no source.
 
@@ -3698,7 +3797,8 @@ In C: int32_t zelmCstmDrovnMakeHomImageExp(const Zelm2ViewCalib* tHandle, int32_
 unsigned char* ucSrc, const ZelmCstmExpPrm* tHomPrm, const ZelmCstmExpPrm* tExpPrm, unsigned char*
 ucDst)
 """,
-    "zelmCstmDrovnMakeHomImageExp_vImagePlanar8": """As zelmCstmDrovnMakeHomImageExp for Planar8 buffers.
+    "zelmCstmDrovnMakeHomImageExp_vImagePlanar8": """\
+As zelmCstmDrovnMakeHomImageExp for Planar8 buffers.
 
 Parameters
 ----------
@@ -3730,7 +3830,8 @@ In C: int32_t zelmCstmDrovnMakeHomImageExp_vImagePlanar8(const Zelm2ViewCalib* t
 iCamera, const vImage_Buffer* tSrc, const ZelmCstmExpPrm* tHomPrm, const ZelmCstmExpPrm* tExpPrm,
 const vImage_Buffer* tDst)
 """,
-    "zelmCstmDrovnMakeHomImageExp_vImageARGB8888": """As zelmCstmDrovnMakeHomImageExp for ARGB8888 buffers; all four bytes of a pixel are treated alike.
+    "zelmCstmDrovnMakeHomImageExp_vImageARGB8888": """\
+As zelmCstmDrovnMakeHomImageExp for ARGB8888 buffers; all four bytes of a pixel are treated alike.
 
 Parameters
 ----------
@@ -3761,7 +3862,8 @@ In C: int32_t zelmCstmDrovnMakeHomImageExp_vImageARGB8888(const Zelm2ViewCalib* 
 iCamera, const vImage_Buffer* tSrc, const ZelmCstmExpPrm* tHomPrm, const ZelmCstmExpPrm* tExpPrm,
 const vImage_Buffer* tDst)
 """,
-    "zelmCstmDrovnMakeHomImageMap": """Computes the source position of every pixel of the expanded image once, for zelmCstmDrovnRemapImage
+    "zelmCstmDrovnMakeHomImageMap": """\
+Computes the source position of every pixel of the expanded image once, for zelmCstmDrovnRemapImage
 on every frame.
 
 Parameters
@@ -3774,7 +3876,7 @@ tHomPrm : ZelmCstmExpPrm
     destination; its size fixes the centre, not the extent of the maps
 tExpPrm : ZelmCstmExpPrm
     expansion; size >= 0 and dVal >= 1, of which dVal is used
-tMap : ZelmCstmHomMap, written in place, default made by newMap(tHomPrm)
+tMap : ZelmCstmHomMap, written in place, default new maps
     size, planes and strides are read; the planes' contents and the box are written
 
 Returns
@@ -3793,7 +3895,8 @@ Notes
 In C: int32_t zelmCstmDrovnMakeHomImageMap(const Zelm2ViewCalib* tHandle, int32_t iCamera, const
 ZelmCstmExpPrm* tHomPrm, const ZelmCstmExpPrm* tExpPrm, ZelmCstmHomMap* tMap)
 """,
-    "zelmCstmDrovnRemapImage": """Applies maps to a raw gray image. Pixels of the destination outside the map's box are left as they
+    "zelmCstmDrovnRemapImage": """\
+Applies maps to a raw gray image. Pixels of the destination outside the map's box are left as they
 were: clear the destination first.
 
 Parameters
@@ -3802,7 +3905,7 @@ tMap : ZelmCstmHomMap
     maps and box. An empty box, or maps of no size, write nothing
 ucSrc : array of uint8, shape (iSrcHeight, iSrcWidth)
     source, iSrcHeight rows of iSrcWidth bytes; the size of the camera's image
-ucDst : array of uint8, shape (iDstHeight, iDstWidth), written in place, default made by ofMap(tMap)
+ucDst : array of uint8, shape (iDstHeight, iDstWidth), written in place, default a new black image
     destination, iDstHeight rows of iDstWidth bytes; must not overlap the source
 
 Returns
@@ -3821,7 +3924,8 @@ Notes
 In C: int32_t zelmCstmDrovnRemapImage(const ZelmCstmHomMap* tMap, const unsigned char* ucSrc,
 int32_t iSrcWidth, int32_t iSrcHeight, unsigned char* ucDst, int32_t iDstWidth, int32_t iDstHeight)
 """,
-    "zelmCstmDrovnRemapImage_vImagePlanar8": """As zelmCstmDrovnRemapImage for Planar8 buffers.
+    "zelmCstmDrovnRemapImage_vImagePlanar8": """\
+As zelmCstmDrovnRemapImage for Planar8 buffers.
 
 Parameters
 ----------
@@ -3829,7 +3933,7 @@ tMap : ZelmCstmHomMap
     maps and box
 tSrc : array of uint8, shape (height, width)
     source, of the size of the camera's image
-tDst : array of uint8, shape (height, width), written in place, default made by ofMap(tMap)
+tDst : array of uint8, shape (height, width), written in place, default a new black image
     destination; its data is written
 
 Returns
@@ -3848,7 +3952,8 @@ Notes
 In C: int32_t zelmCstmDrovnRemapImage_vImagePlanar8(const ZelmCstmHomMap* tMap, const vImage_Buffer*
 tSrc, const vImage_Buffer* tDst)
 """,
-    "zelmCstmDrovnRemapImage_vImageARGB8888": """As zelmCstmDrovnRemapImage for ARGB8888 buffers; all four bytes of a pixel are treated alike.
+    "zelmCstmDrovnRemapImage_vImageARGB8888": """\
+As zelmCstmDrovnRemapImage for ARGB8888 buffers; all four bytes of a pixel are treated alike.
 
 Parameters
 ----------
@@ -3856,7 +3961,7 @@ tMap : ZelmCstmHomMap
     maps and box
 tSrc : array of uint8, shape (height, width, 4), in the order A, R, G, B
     source, of the size of the camera's image
-tDst : array of uint8, shape (height, width, 4), in the order A, R, G, B, written in place, default made by ofMap(tMap, 4)
+tDst : array of uint8, shape (height, width, 4), in the order A, R, G, B, written in place, default a new black image
     destination; its data is written
 
 Returns
@@ -3874,7 +3979,8 @@ Notes
 In C: int32_t zelmCstmDrovnRemapImage_vImageARGB8888(const ZelmCstmHomMap* tMap, const
 vImage_Buffer* tSrc, const vImage_Buffer* tDst)
 """,
-    "zelmCstmDrovnExpandImage": """Magnifies a raw gray image about a point, without transfer: the image counterpart of
+    "zelmCstmDrovnExpandImage": """\
+Magnifies a raw gray image about a point, without transfer: the image counterpart of
 zelmCstmDrovnChangeOrg2DtoExp2D. Pixel (c, r) is the bilinear gray level (zelmMiscBilinearGrayLevel)
 of the source at (dX - (iWidth / 2) / dVal + c / dVal, dY - (iHeight / 2) / dVal + r / dVal),
 integer halves, rounded half up; 0 outside the source.
@@ -3906,7 +4012,8 @@ Notes
 In C: int32_t zelmCstmDrovnExpandImage(const Zelm2ViewCalib* tHandle, int32_t iCamera, const
 unsigned char* ucSrc, const ZelmCstmExpPrm* tExpPrm, unsigned char* ucDst)
 """,
-    "zelmCstmDrovnExpandImage_vImagePlanar8": """As zelmCstmDrovnExpandImage for Planar8 buffers.
+    "zelmCstmDrovnExpandImage_vImagePlanar8": """\
+As zelmCstmDrovnExpandImage for Planar8 buffers.
 
 Parameters
 ----------
@@ -3935,7 +4042,8 @@ Notes
 In C: int32_t zelmCstmDrovnExpandImage_vImagePlanar8(const Zelm2ViewCalib* tHandle, int32_t iCamera,
 const vImage_Buffer* tSrc, const ZelmCstmExpPrm* tExpPrm, const vImage_Buffer* tDst)
 """,
-    "zelmCstmDrovnExpandImage_vImageARGB8888": """As zelmCstmDrovnExpandImage for ARGB8888 buffers; alpha becomes 255 everywhere. A position beyond
+    "zelmCstmDrovnExpandImage_vImageARGB8888": """\
+As zelmCstmDrovnExpandImage for ARGB8888 buffers; alpha becomes 255 everywhere. A position beyond
 the centre of the last column or row gives R = G = B = 0.
 
 Parameters
@@ -3964,7 +4072,8 @@ Notes
 In C: int32_t zelmCstmDrovnExpandImage_vImageARGB8888(const Zelm2ViewCalib* tHandle, int32_t
 iCamera, const vImage_Buffer* tSrc, const ZelmCstmExpPrm* tExpPrm, const vImage_Buffer* tDst)
 """,
-    "zelmCstmDrovnGetPixelOnEpiLine": """The pixels of a line inside a rectangle, in order along the line: the lattice on which the search
+    "zelmCstmDrovnGetPixelOnEpiLine": """\
+The pixels of a line inside a rectangle, in order along the line: the lattice on which the search
 walks.
 
 Parameters
@@ -3991,7 +4100,8 @@ Notes
 In C: int32_t zelmCstmDrovnGetPixelOnEpiLine(const ZelmRect* tRect, const Line2d* tLine, int32_t*
 iCount, Point2i* taPoints)
 """,
-    "zelmCstmDrovnCalcBasicStatisticsOfRefImg": """Mean and standard deviation of a template over each sampling pattern, and over its mask when it has
+    "zelmCstmDrovnCalcBasicStatisticsOfRefImg": """\
+Mean and standard deviation of a template over each sampling pattern, and over its mask when it has
 one. They are sums of 32-bit integers (mod 2^32) divided in doubles; O(width * height), nothing is
 allocated.
 
@@ -4016,7 +4126,8 @@ Notes
 -----
 In C: int32_t zelmCstmDrovnCalcBasicStatisticsOfRefImg(ZelmCstmRefImg* tRef)
 """,
-    "zelmCstmDrovnCalcBasicStatisticsOfRefImg_vImagePlanar8": """As zelmCstmDrovnCalcBasicStatisticsOfRefImg for a template held in a Planar8 buffer.
+    "zelmCstmDrovnCalcBasicStatisticsOfRefImg_vImagePlanar8": """\
+As zelmCstmDrovnCalcBasicStatisticsOfRefImg for a template held in a Planar8 buffer.
 
 Parameters
 ----------
@@ -4024,7 +4135,7 @@ tImage : array of uint8, shape (height, width)
     template
 tMask : array of uint8, shape (height, width), or None, default None
     its mask, of the same width and height; NULL for none
-tRef : ZelmCstmRefImg, written in place, default made by ZelmCstmRefImg()
+tRef : ZelmCstmRefImg, written in place, default a record of zeros
     mean and sigma are written on success; nothing else is read or written
 
 Returns
@@ -4044,7 +4155,8 @@ Notes
 In C: int32_t zelmCstmDrovnCalcBasicStatisticsOfRefImg_vImagePlanar8(const vImage_Buffer* tImage,
 const vImage_Buffer* tMask, ZelmCstmRefImg* tRef)
 """,
-    "zelmCstmDrovnSearchOnEpiLine": """The places on a line where a template matches.
+    "zelmCstmDrovnSearchOnEpiLine": """\
+The places on a line where a template matches.
 
 1. The line is clipped to the rectangle through the centres of the region's outer pixels, and its pixels between the
    rounded end points are walked (Bresenham 1965).
@@ -4097,7 +4209,8 @@ Notes
 In C: int32_t zelmCstmDrovnSearchOnEpiLine(const ZelmCstmRefImg* tRef, const ZelmCstmSearchPrm*
 tPrm, int32_t* iCount, ZelmCstmMatch* taMatches)
 """,
-    "zelmCstmDrovnSearchOnEpiLine_vImagePlanar8": """As zelmCstmDrovnSearchOnEpiLine for images held in Planar8 buffers; no image is copied. Each buffer
+    "zelmCstmDrovnSearchOnEpiLine_vImagePlanar8": """\
+As zelmCstmDrovnSearchOnEpiLine for images held in Planar8 buffers; no image is copied. Each buffer
 keeps its own row length.
 
 Parameters
@@ -4133,7 +4246,8 @@ In C: int32_t zelmCstmDrovnSearchOnEpiLine_vImagePlanar8(const ZelmCstmRefImg* t
 vImage_Buffer* tRefImage, const vImage_Buffer* tRefMask, const ZelmCstmSearchPrm* tPrm, const
 vImage_Buffer* tImage, const vImage_Buffer* tMask, int32_t* iCount, ZelmCstmMatch* taMatches)
 """,
-    "zelmEdge1dDiffMax": """Finds the edge of the largest difference, by the gray values at the very ends of the two plateaus.
+    "zelmEdge1dDiffMax": """\
+Finds the edge of the largest difference, by the gray values at the very ends of the two plateaus.
 
 The parameters of this and the next four functions are the usual ones: halfWidth 1, contrastPercent
 30, minContrast 5, flatTolerance 1, minFlatRun 2, filterSize 7. Among candidates that the rule holds
@@ -4185,7 +4299,8 @@ Reentrant: yes.
 In C: int32_t zelmEdge1dDiffMax(const ZelmImage* tImage, const Point2d* tP1, const Point2d* tP2,
 int32_t iSign, Point2d* tEdgePoint, double* dStrength)
 """,
-    "zelmEdge1dGenDiffMax": """Finds the edge of the largest difference between the levels of its plateaus. All else as
+    "zelmEdge1dGenDiffMax": """\
+Finds the edge of the largest difference between the levels of its plateaus. All else as
 zelmEdge1dDiffMax.
 
 Parameters
@@ -4219,7 +4334,8 @@ Notes
 In C: int32_t zelmEdge1dGenDiffMax(const ZelmImage* tImage, const Point2d* tP1, const Point2d* tP2,
 int32_t iSign, Point2d* tEdgePoint, double* dStrength)
 """,
-    "zelmEdge1dGenNearest": """Finds the first edge from p1. All else as zelmEdge1dDiffMax.
+    "zelmEdge1dGenNearest": """\
+Finds the first edge from p1. All else as zelmEdge1dDiffMax.
 
 Parameters
 ----------
@@ -4252,7 +4368,8 @@ Notes
 In C: int32_t zelmEdge1dGenNearest(const ZelmImage* tImage, const Point2d* tP1, const Point2d* tP2,
 int32_t iSign, Point2d* tEdgePoint, double* dStrength)
 """,
-    "zelmEdge1dGenGradMax": """Finds the steepest edge: the largest difference of levels divided by the distance between the
+    "zelmEdge1dGenGradMax": """\
+Finds the steepest edge: the largest difference of levels divided by the distance between the
 plateaus. All else as zelmEdge1dDiffMax.
 
 Parameters
@@ -4286,7 +4403,8 @@ Notes
 In C: int32_t zelmEdge1dGenGradMax(const ZelmImage* tImage, const Point2d* tP1, const Point2d* tP2,
 int32_t iSign, Point2d* tEdgePoint, double* dStrength)
 """,
-    "zelmEdge1dGenNearestC": """Finds the edge whose middle lies closest to the middle of the segment. All else as
+    "zelmEdge1dGenNearestC": """\
+Finds the edge whose middle lies closest to the middle of the segment. All else as
 zelmEdge1dDiffMax.
 
 Parameters
@@ -4320,7 +4438,8 @@ Notes
 In C: int32_t zelmEdge1dGenNearestC(const ZelmImage* tImage, const Point2d* tP1, const Point2d* tP2,
 int32_t iSign, Point2d* tEdgePoint, double* dStrength)
 """,
-    "zelmEdge1dManual": """Finds an edge by the caller's own parameters. Selectors 0 to 4 choose as zelmEdge1dDiffMax,
+    "zelmEdge1dManual": """\
+Finds an edge by the caller's own parameters. Selectors 0 to 4 choose as zelmEdge1dDiffMax,
 GenDiffMax, GenNearest, GenGradMax and GenNearestC do.
 
 Parameters
@@ -4357,7 +4476,8 @@ Notes
 In C: int32_t zelmEdge1dManual(const ZelmImage* tImage, const Point2d* tP1, const Point2d* tP2,
 int32_t iSign, const ZelmEdge1dParam* tParam, Point2d* tEdgePoint, double* dStrength)
 """,
-    "zelmFitMean1dim": """Mean of numbers; residual |x - mean|. At least 2. Numbers that all coincide are their own mean.
+    "zelmFitMean1dim": """\
+Mean of numbers; residual |x - mean|. At least 2. Numbers that all coincide are their own mean.
 
 Parameters
 ----------
@@ -4383,7 +4503,8 @@ Notes
 In C: int32_t zelmFitMean1dim(int32_t iN, const double* daPoints, int32_t iRobust, double
 dThreshold, double* dResult)
 """,
-    "zelmFitMean2dim": """Mean point in the plane; residual: distance from the mean. At least 2 points.
+    "zelmFitMean2dim": """\
+Mean point in the plane; residual: distance from the mean. At least 2 points.
 
 Parameters
 ----------
@@ -4409,7 +4530,8 @@ Notes
 In C: int32_t zelmFitMean2dim(int32_t iN, const Point2d* taPoints, int32_t iRobust, double
 dThreshold, Point2d* tResult)
 """,
-    "zelmFitMean3dim": """Mean point in space; residual: distance from the mean. At least 2 points.
+    "zelmFitMean3dim": """\
+Mean point in space; residual: distance from the mean. At least 2 points.
 
 Parameters
 ----------
@@ -4435,7 +4557,8 @@ Notes
 In C: int32_t zelmFitMean3dim(int32_t iN, const Point3d* taPoints, int32_t iRobust, double
 dThreshold, Point3d* tResult)
 """,
-    "zelmFitLine": """Line in the plane by total least squares (Pearson 1901): the perpendicular distances count, so no
+    "zelmFitLine": """\
+Line in the plane by total least squares (Pearson 1901): the perpendicular distances count, so no
 slope is special. At least 2 points. A plain fit reaches the Cramér-Rao bound. Points that all
 coincide have no direction and end in ZELM_ERR_EIGEN_NOT_CONVERGED; where the rounding of their mean
 sets them apart from it, a line through them of arbitrary direction may come out.
@@ -4464,7 +4587,8 @@ Notes
 In C: int32_t zelmFitLine(int32_t iN, const Point2d* taPoints, int32_t iRobust, double dThreshold,
 Line2d* tResult)
 """,
-    "zelmFitLineIn3d": """Line in space by total least squares (Pearson 1901). At least 2 points; points that all coincide as
+    "zelmFitLineIn3d": """\
+Line in space by total least squares (Pearson 1901). At least 2 points; points that all coincide as
 in zelmFitLine().
 
 Parameters
@@ -4491,7 +4615,8 @@ Notes
 In C: int32_t zelmFitLineIn3d(int32_t iN, const Point3d* taPoints, int32_t iRobust, double
 dThreshold, double* daResult)
 """,
-    "zelmFitPlane": """Plane by total least squares (Pearson 1901). At least 3 points. Points on one line give a plane
+    "zelmFitPlane": """\
+Plane by total least squares (Pearson 1901). At least 3 points. Points on one line give a plane
 through it, points that all coincide what they give in zelmFitLine().
 
 Parameters
@@ -4518,7 +4643,8 @@ Notes
 In C: int32_t zelmFitPlane(int32_t iN, const Point3d* taPoints, int32_t iRobust, double dThreshold,
 double* daResult)
 """,
-    "zelmFitEllipse": """Ellipse by direct least squares with the constraint 4AC - B^2 > 0 (Fitzgibbon, Pilu and Fisher, IEEE
+    "zelmFitEllipse": """\
+Ellipse by direct least squares with the constraint 4AC - B^2 > 0 (Fitzgibbon, Pilu and Fisher, IEEE
 Trans. PAMI 21, 1999); residual: the algebraic distance. At least 5 points.
 
 On the full outline of a dot the centre reaches the Cramér-Rao bound to a few percent without
@@ -4556,7 +4682,8 @@ Notes
 In C: int32_t zelmFitEllipse(int32_t iN, const Point2d* taPoints, int32_t iRobust, double
 dThreshold, Ellipse2d* tResult)
 """,
-    "zelmFitEllipseC": """The ellipse of zelmFitEllipse() by its coefficients.
+    "zelmFitEllipseC": """\
+The ellipse of zelmFitEllipse() by its coefficients.
 
 They are divided by the norm that they have in the normalised frame, so their own norm is in general
 not 1 (`docs/decisions.md#conic-norm`).
@@ -4585,7 +4712,8 @@ Notes
 In C: int32_t zelmFitEllipseC(int32_t iN, const Point2d* taPoints, int32_t iRobust, double
 dThreshold, double* daResult)
 """,
-    "zelmFitConics": """Conic of any kind: the coefficients that have unit norm in the normalised frame and the least
+    "zelmFitConics": """\
+Conic of any kind: the coefficients that have unit norm in the normalised frame and the least
 algebraic distance there (Bookstein, Computer Graphics and Image Processing 9, 1979, compares such
 norms). At least 5 points.
 
@@ -4614,7 +4742,8 @@ Notes
 In C: int32_t zelmFitConics(int32_t iN, const Point2d* taPoints, int32_t iRobust, double dThreshold,
 double* daResult)
 """,
-    "zelmFitCircle": """Circle by its algebraic equation x^2 + y^2 = p0*x + p1*y + p2 (Kasa 1976), solved by pivoted QR with
+    "zelmFitCircle": """\
+Circle by its algebraic equation x^2 + y^2 = p0*x + p1*y + p2 (Kasa 1976), solved by pivoted QR with
 iterative refinement. At least 3 points; 3 give the circle through them and are never re-weighted.
 
 A robust fit differs from the others: weights |1 - (r / k)^2|, which enter the cost squared, and at
@@ -4647,7 +4776,8 @@ Notes
 In C: int32_t zelmFitCircle(int32_t iN, const Point2d* taPoints, int32_t iRobust, double dThreshold,
 Circle2d* tResult)
 """,
-    "zelmFitEllipsoid": """Ellipsoid by direct least squares (as zelmFitEllipse(), with 10 coefficients): the sum of the
+    "zelmFitEllipsoid": """\
+Ellipsoid by direct least squares (as zelmFitEllipse(), with 10 coefficients): the sum of the
 principal minors of the quadratic part is held positive, the constraint of Li and Griffiths, "Least
 squares ellipsoid specific fitting" (Geometric Modeling and Processing 2004), without its term in
 the trace; residual: the algebraic distance. At least 9 points.
@@ -4683,7 +4813,8 @@ Notes
 In C: int32_t zelmFitEllipsoid(int32_t iN, const Point3d* taPoints, int32_t iRobust, double
 dThreshold, Ellipsoid3d* tResult)
 """,
-    "zelmFitCone": """Cone of any cross section: the quadric of least algebraic distance among those whose coefficients
+    "zelmFitCone": """\
+Cone of any cross section: the quadric of least algebraic distance among those whose coefficients
 have unit norm in the normalised frame, if its quadratic part is that of a cone, that is indefinite
 and not singular. At least 9 points.
 
@@ -4719,7 +4850,8 @@ Notes
 In C: int32_t zelmFitCone(int32_t iN, const Point3d* taPoints, int32_t iRobust, double dThreshold,
 double* daResult)
 """,
-    "zelmConvertColorToGray_vImageARGB8888toPlanar8": """Converts an ARGB8888 buffer to weighted gray.
+    "zelmConvertColorToGray_vImageARGB8888toPlanar8": """\
+Converts an ARGB8888 buffer to weighted gray.
 
 gray = (77 R + 150 G + 29 B) >> 8 in integers, the luma weights of ITU-R BT.601 in 1/256, truncated;
 alpha is ignored. White gives 255. The plate readers use another gray, the truncated mean of R, G
@@ -4750,7 +4882,8 @@ Memory: none. Reentrant: yes.
 In C: int32_t zelmConvertColorToGray_vImageARGB8888toPlanar8(const vImage_Buffer* tSrc, const
 vImage_Buffer* tDst)
 """,
-    "perspectiveTransAndDistortImage_8uC1": """Warps an 8-bit image: every destination pixel is carried by the homography to its undistorted source
+    "perspectiveTransAndDistortImage_8uC1": """\
+Warps an 8-bit image: every destination pixel is carried by the homography to its undistorted source
 position, pushed through the camera's radial distortion and sampled there bilinearly.
 
 Parameters
@@ -4778,7 +4911,8 @@ In C: void perspectiveTransAndDistortImage_8uC1(const double* daHom, const doubl
 uint8_t* ucSrc, int32_t iSrcStride, int32_t iSrcWidth, int32_t iSrcHeight, uint8_t* ucDst, int32_t
 iDstStride, int32_t iDstWidth, int32_t iDstHeight)
 """,
-    "perspectiveTransAndDistortImage_8uC4": """As perspectiveTransAndDistortImage_8uC1 with four interleaved channels, all treated alike; strides
+    "perspectiveTransAndDistortImage_8uC4": """\
+As perspectiveTransAndDistortImage_8uC1 with four interleaved channels, all treated alike; strides
 >= 4 x width.
 
 Parameters
@@ -4805,7 +4939,8 @@ In C: void perspectiveTransAndDistortImage_8uC4(const double* daHom, const doubl
 uint8_t* ucSrc, int32_t iSrcStride, int32_t iSrcWidth, int32_t iSrcHeight, uint8_t* ucDst, int32_t
 iDstStride, int32_t iDstWidth, int32_t iDstHeight)
 """,
-    "remapImage_8uC1": """Samples an 8-bit image bilinearly at the positions held in two maps, inside a rectangle of the
+    "remapImage_8uC1": """\
+Samples an 8-bit image bilinearly at the positions held in two maps, inside a rectangle of the
 destination.
 
 Parameters
@@ -4816,15 +4951,15 @@ faMapX : array of float32, shape (iDstHeight, iDstWidth)
     source column of each destination pixel; a pixel is valid by the rule above
 faMapY : array of float32, shape (iDstHeight, iDstWidth)
     source row of each destination pixel
-ucDst : array of uint8, shape (iDstHeight, iDstWidth), written in place, default made by zeros(iDstHeight, iDstWidth)
+ucDst : array of uint8, shape (iDstHeight, iDstWidth), written in place, default a new black image
     destination; pixels outside the rectangle are not touched
 iX0 : int, default 0
     rectangle, inclusive; empty when iX0 > iX1 or iY0 > iY1
 iY0 : int, default 0
     rectangle, inclusive; empty when iX0 > iX1 or iY0 > iY1
-iX1 : int, default made by (iDstWidth-1)
+iX1 : int, default iDstWidth-1
     rectangle, inclusive; empty when iX0 > iX1 or iY0 > iY1
-iY1 : int, default made by (iDstHeight-1)
+iY1 : int, default iDstHeight-1
     rectangle, inclusive; empty when iX0 > iX1 or iY0 > iY1
 
 Returns
@@ -4839,7 +4974,8 @@ iSrcHeight, uint8_t* ucDst, int32_t iDstStride, int32_t iDstWidth, int32_t iDstH
 faMapX, int32_t iMapXStride, const float* faMapY, int32_t iMapYStride, int32_t iX0, int32_t iY0,
 int32_t iX1, int32_t iY1)
 """,
-    "remapImage_8uC4": """As remapImage_8uC1 with four interleaved channels.
+    "remapImage_8uC4": """\
+As remapImage_8uC1 with four interleaved channels.
 
 Parameters
 ----------
@@ -4849,15 +4985,15 @@ faMapX : array of float32, shape (iDstHeight, iDstWidth)
     source column of each destination pixel
 faMapY : array of float32, shape (iDstHeight, iDstWidth)
     source row of each destination pixel
-ucDst : array of uint8, shape (iDstHeight, iDstWidth, 4), written in place, default made by zeros(iDstHeight, iDstWidth, 4)
+ucDst : array of uint8, shape (iDstHeight, iDstWidth, 4), written in place, default a new black image
     destination, four bytes a pixel
 iX0 : int, default 0
     rectangle, inclusive
 iY0 : int, default 0
     rectangle, inclusive
-iX1 : int, default made by (iDstWidth-1)
+iX1 : int, default iDstWidth-1
     rectangle, inclusive
-iY1 : int, default made by (iDstHeight-1)
+iY1 : int, default iDstHeight-1
     rectangle, inclusive
 
 Returns
@@ -4872,7 +5008,8 @@ iSrcHeight, uint8_t* ucDst, int32_t iDstStride, int32_t iDstWidth, int32_t iDstH
 faMapX, int32_t iMapXStride, const float* faMapY, int32_t iMapYStride, int32_t iX0, int32_t iY0,
 int32_t iX1, int32_t iY1)
 """,
-    "zelmMatMallocVector": """Allocates a vector of iN doubles, uninitialised.
+    "zelmMatMallocVector": """\
+Allocates a vector of iN doubles, uninitialised.
 
 Parameters
 ----------
@@ -4887,7 +5024,8 @@ Notes
 -----
 In C: double* zelmMatMallocVector(int32_t iN)
 """,
-    "zelmMatFreeVector": """Frees a vector of zelmMatMallocVector; NULL is allowed.
+    "zelmMatFreeVector": """\
+Frees a vector of zelmMatMallocVector; NULL is allowed.
 
 Parameters
 ----------
@@ -4898,7 +5036,8 @@ Notes
 -----
 In C: void zelmMatFreeVector(double* daV)
 """,
-    "zelmMatMallocMatrix": """Allocates an iRows x iCols matrix, uninitialised, with an array of pointers to its rows.
+    "zelmMatMallocMatrix": """\
+Allocates an iRows x iCols matrix, uninitialised, with an array of pointers to its rows.
 
 The result M can be indexed as M[i][j], and M[0] is the flat block that every other function takes.
 
@@ -4917,7 +5056,8 @@ Notes
 -----
 In C: double** zelmMatMallocMatrix(int32_t iRows, int32_t iCols)
 """,
-    "zelmMatFreeMatrix": """Frees a matrix of zelmMatMallocMatrix, the block that its first row pointer names and the pointers;
+    "zelmMatFreeMatrix": """\
+Frees a matrix of zelmMatMallocMatrix, the block that its first row pointer names and the pointers;
 NULL is allowed.
 
 Parameters
@@ -4929,7 +5069,8 @@ Notes
 -----
 In C: void zelmMatFreeMatrix(double** daM)
 """,
-    "zelmMatZero": """A = 0, iRows x iCols.
+    "zelmMatZero": """\
+A = 0, iRows x iCols.
 
 Parameters
 ----------
@@ -4947,7 +5088,8 @@ Notes
 -----
 In C: void zelmMatZero(int32_t iRows, int32_t iCols, double* daA)
 """,
-    "zelmMatDiagonal": """A = dValue * identity, iN x iN. Note that the scalar comes first.
+    "zelmMatDiagonal": """\
+A = dValue * identity, iN x iN. Note that the scalar comes first.
 
 Parameters
 ----------
@@ -4965,7 +5107,8 @@ Notes
 -----
 In C: void zelmMatDiagonal(double dValue, int32_t iN, double* daA)
 """,
-    "zelmMatCopy": """Dst = Src, iRows x iCols.
+    "zelmMatCopy": """\
+Dst = Src, iRows x iCols.
 
 Parameters
 ----------
@@ -4981,7 +5124,8 @@ Notes
 -----
 In C: void zelmMatCopy(int32_t iRows, int32_t iCols, const double* daSrc, double* daDst)
 """,
-    "zelmMatAdd": """C = A + B, iRows x iCols.
+    "zelmMatAdd": """\
+C = A + B, iRows x iCols.
 
 Parameters
 ----------
@@ -5000,7 +5144,8 @@ Notes
 In C: void zelmMatAdd(int32_t iRows, int32_t iCols, const double* daA, const double* daB, double*
 daC)
 """,
-    "zelmMatSub": """C = A - B, iRows x iCols.
+    "zelmMatSub": """\
+C = A - B, iRows x iCols.
 
 Parameters
 ----------
@@ -5019,7 +5164,8 @@ Notes
 In C: void zelmMatSub(int32_t iRows, int32_t iCols, const double* daA, const double* daB, double*
 daC)
 """,
-    "zelmMatMulScalar": """B = dS * A, iRows x iCols. Note that the scalar comes first.
+    "zelmMatMulScalar": """\
+B = dS * A, iRows x iCols. Note that the scalar comes first.
 
 Parameters
 ----------
@@ -5037,7 +5183,8 @@ Notes
 -----
 In C: void zelmMatMulScalar(double dS, int32_t iRows, int32_t iCols, const double* daA, double* daB)
 """,
-    "zelmMatTranspose": """B (iCols x iRows) = transpose of A (iRows x iCols); they must not overlap.
+    "zelmMatTranspose": """\
+B (iCols x iRows) = transpose of A (iRows x iCols); they must not overlap.
 
 Parameters
 ----------
@@ -5053,7 +5200,8 @@ Notes
 -----
 In C: void zelmMatTranspose(int32_t iRows, int32_t iCols, const double* daA, double* daB)
 """,
-    "zelmMatTrace": """The sum of the diagonal of A (iN x iN), from 0.0 in increasing order; 0.0 for iN below 1.
+    "zelmMatTrace": """\
+The sum of the diagonal of A (iN x iN), from 0.0 in increasing order; 0.0 for iN below 1.
 
 Parameters
 ----------
@@ -5069,7 +5217,8 @@ Notes
 -----
 In C: double zelmMatTrace(int32_t iN, const double* daA)
 """,
-    "zelmMatMul": """C = A * B.
+    "zelmMatMul": """\
+C = A * B.
 
 Parameters
 ----------
@@ -5093,7 +5242,8 @@ Notes
 In C: int32_t zelmMatMul(int32_t iM, int32_t iN, const double* daA, int32_t iNB, int32_t iP, const
 double* daB, double* daC)
 """,
-    "zelmMatGenMul": """D = alpha * (A * B) + beta * C, each entry as C * beta + (finished sum) * alpha.
+    "zelmMatGenMul": """\
+D = alpha * (A * B) + beta * C, each entry as C * beta + (finished sum) * alpha.
 
 Parameters
 ----------
@@ -5123,7 +5273,8 @@ Notes
 In C: int32_t zelmMatGenMul(double dAlpha, int32_t iM, int32_t iN, const double* daA, int32_t iNB,
 int32_t iP, const double* daB, double dBeta, const double* daC, double* daD)
 """,
-    "zelmMatMulTransposed": """The product of A with its own transpose; with a flag, the normal matrix of a design matrix.
+    "zelmMatMulTransposed": """\
+The product of A with its own transpose; with a flag, the normal matrix of a design matrix.
 
 Parameters
 ----------
@@ -5142,7 +5293,8 @@ Notes
 In C: void zelmMatMulTransposed(int32_t iFlag, int32_t iM, int32_t iN, const double* daA, double*
 daC)
 """,
-    "zelmMatMulTransposed2": """The product of one matrix with the transpose of another.
+    "zelmMatMulTransposed2": """\
+The product of one matrix with the transpose of another.
 
 Parameters
 ----------
@@ -5169,7 +5321,8 @@ Notes
 In C: int32_t zelmMatMulTransposed2(int32_t iFlag, int32_t iM, int32_t iN, const double* daA,
 int32_t iP, int32_t iQ, const double* daB, double* daC)
 """,
-    "zelmMatInvert": """The inverse of a square matrix.
+    "zelmMatInvert": """\
+The inverse of a square matrix.
 
 LU factorisation with implicitly scaled partial pivoting (Forsythe and Moler, 1967): a pivot
 candidate is weighed by the largest magnitude of its row as given; the first of equals wins.
@@ -5198,7 +5351,8 @@ Notes
 -----
 In C: int32_t zelmMatInvert(int32_t iN, const double* daA, double* daAinv)
 """,
-    "zelmMatSolveLU": """Solves A * x = b for a square A, by the factorisation of zelmMatInvert and with the same refusals.
+    "zelmMatSolveLU": """\
+Solves A * x = b for a square A, by the factorisation of zelmMatInvert and with the same refusals.
 
 Parameters
 ----------
@@ -5221,7 +5375,8 @@ Notes
 -----
 In C: int32_t zelmMatSolveLU(int32_t iN, const double* daA, const double* daB, double* daX)
 """,
-    "zelmMatCholeskyDecomp": """Factors a symmetric positive definite A into U^T * U with an upper triangular U (Cholesky, Crout's
+    "zelmMatCholeskyDecomp": """\
+Factors a symmetric positive definite A into U^T * U with an upper triangular U (Cholesky, Crout's
 order: row by row).
 
 Parameters
@@ -5248,7 +5403,8 @@ Memory: none.
 
 In C: int32_t zelmMatCholeskyDecomp(int32_t iN, const double* daA, double* daU)
 """,
-    "zelmMatSVD": """The singular value decomposition A = U * diag(w) * V of a tall or square matrix.
+    "zelmMatSVD": """\
+The singular value decomposition A = U * diag(w) * V of a tall or square matrix.
 
 Householder bidiagonalisation and implicitly shifted QR steps (Golub and Reinsch, 1970), whose
 formulas also set the signs of the vectors. Relative residual and orthogonality stay below 1e-13, at
@@ -5284,7 +5440,8 @@ Notes
 In C: int32_t zelmMatSVD(int32_t iM, int32_t iN, const double* daA, double* daU, double* daW,
 double* daV)
 """,
-    "zelmMatSolveSVD": """Solves A * x = b in the least-squares sense through zelmMatSVD; of all solutions the one of least
+    "zelmMatSolveSVD": """\
+Solves A * x = b in the least-squares sense through zelmMatSVD; of all solutions the one of least
 norm.
 
 A singular value w[j] with iM * 2.220446049250313e-16 > w[j] / w[0] counts as zero. A matrix with
@@ -5314,7 +5471,8 @@ Notes
 In C: int32_t zelmMatSolveSVD(int32_t iM, int32_t iN, const double* daA, const double* daB, double*
 daX)
 """,
-    "zelmMatJacobiEigen": """Eigenvalues and eigenvectors of a symmetric matrix, A = V^T * diag(values) * V.
+    "zelmMatJacobiEigen": """\
+Eigenvalues and eigenvectors of a symmetric matrix, A = V^T * diag(values) * V.
 
 Cyclic Jacobi rotations (Jacobi, 1846; rotation formulas of Rutishauser, 1966). With S the sum of
 squares of the upper triangle, the diagonal's halved, sweeps end before a sweep when the
@@ -5350,7 +5508,8 @@ Notes
 -----
 In C: int32_t zelmMatJacobiEigen(int32_t iN, const double* daA, double* daValues, double* daVectors)
 """,
-    "zelmMatchBasic": """Estimates the motion of the model points onto the reference points.
+    "zelmMatchBasic": """\
+Estimates the motion of the model points onto the reference points.
 
 All modes start with the closed form of least squares (planar case of Horn, J. Opt. Soc. Am. A 4,
 1987; its scale is the one of Umeyama 1991). A model without extent (n * sum |m|^2 - |sum m|^2 below
@@ -5374,7 +5533,7 @@ taRef : array of float64, shape (iN, 2)
     iN reference points
 taModel : array of float64, shape (iN, 2)
     iN model points
-tModelPose : ZelmMatchPose, default made by ZelmMatchPose()
+tModelPose : ZelmMatchPose, default a record of zeros
     the model points count relative to its position; its angle is added to that of the result
 iMode : int, default 0
     ZELM_MATCH_...
@@ -5404,7 +5563,8 @@ Notes
 In C: int32_t zelmMatchBasic(int32_t iN, const Point2d* taRef, const Point2d* taModel, const
 ZelmMatchPose* tModelPose, int32_t iMode, double dThreshold, ZelmMatchPose* tResult)
 """,
-    "zelmMatchPoints": """Applies a result of zelmMatchBasic() to the model points and measures what remains.
+    "zelmMatchPoints": """\
+Applies a result of zelmMatchBasic() to the model points and measures what remains.
 
 Parameters
 ----------
@@ -5436,7 +5596,8 @@ Notes
 In C: int32_t zelmMatchPoints(int32_t iN, const Point2d* taRef, const Point2d* taModel, const
 ZelmMatchPose* tModelPose, const ZelmMatchPose* tResult, Point2d* taMoved, double* daDistance)
 """,
-    "zelmMatchDelta": """The difference of two poses.
+    "zelmMatchDelta": """\
+The difference of two poses.
 
 Parameters
 ----------
@@ -5467,7 +5628,8 @@ Notes
 In C: int32_t zelmMatchDelta(const ZelmMatchPose* tA, const ZelmMatchPose* tB, double* dDx, double*
 dDy, double* dAngle, double* dScale)
 """,
-    "zelmMathCalcInnerProduct": """The sum of u[i] * v[i], from 0.0 in increasing i; 0.0 for iN below 1.
+    "zelmMathCalcInnerProduct": """\
+The sum of u[i] * v[i], from 0.0 in increasing i; 0.0 for iN below 1.
 
 Parameters
 ----------
@@ -5485,7 +5647,8 @@ Notes
 -----
 In C: double zelmMathCalcInnerProduct(int32_t iN, const double* daU, const double* daV)
 """,
-    "zelmMathCalcOuterProduct": """Out = u x v for vectors of 3; Out may be u or v.
+    "zelmMathCalcOuterProduct": """\
+Out = u x v for vectors of 3; Out may be u or v.
 
 Parameters
 ----------
@@ -5503,7 +5666,8 @@ Notes
 -----
 In C: void zelmMathCalcOuterProduct(const double* daU, const double* daV, double* daOut)
 """,
-    "zelmMathCalcNorm": """The Euclidean length of v; 0.0 for iN below 1. Squares of entries beyond 1e154 overflow.
+    "zelmMathCalcNorm": """\
+The Euclidean length of v; 0.0 for iN below 1. Squares of entries beyond 1e154 overflow.
 
 Parameters
 ----------
@@ -5519,7 +5683,8 @@ Notes
 -----
 In C: double zelmMathCalcNorm(int32_t iN, const double* daV)
 """,
-    "zelmMathCalcArgument": """The direction of a point from the origin, atan2(y, x), in [-pi, pi].
+    "zelmMathCalcArgument": """\
+The direction of a point from the origin, atan2(y, x), in [-pi, pi].
 
 Parameters
 ----------
@@ -5535,7 +5700,8 @@ Notes
 -----
 In C: double zelmMathCalcArgument(const Point2d* tP)
 """,
-    "zelmMathNormalization": """Divides a vector by its length.
+    "zelmMathNormalization": """\
+Divides a vector by its length.
 
 Parameters
 ----------
@@ -5557,7 +5723,8 @@ Notes
 -----
 In C: int32_t zelmMathNormalization(int32_t iN, double* daV)
 """,
-    "zelmMathCalcAngle": """The angle between two vectors.
+    "zelmMathCalcAngle": """\
+The angle between two vectors.
 
 Parameters
 ----------
@@ -5582,7 +5749,8 @@ Notes
 -----
 In C: int32_t zelmMathCalcAngle(int32_t iN, const double* daU, const double* daV, double* dAngle)
 """,
-    "zelmMathStat": """Mean, variance and standard deviation of a sample, in two passes.
+    "zelmMathStat": """\
+Mean, variance and standard deviation of a sample, in two passes.
 
 Parameters
 ----------
@@ -5609,7 +5777,8 @@ Notes
 In C: int32_t zelmMathStat(int32_t iN, const double* daData, double* dMean, double* dVariance,
 double* dDeviation)
 """,
-    "zelmMathAreaTriangle": """The area of a triangle, never negative.
+    "zelmMathAreaTriangle": """\
+The area of a triangle, never negative.
 
 Parameters
 ----------
@@ -5636,7 +5805,8 @@ Notes
 In C: double zelmMathAreaTriangle(double dX1, double dY1, double dX2, double dY2, double dX3, double
 dY3)
 """,
-    "zelmMathSignAreaTriangle": """The signed area ((y3-y1)(x2-x1) - (x3-x1)(y2-y1)) / 2: positive when the corners run
+    "zelmMathSignAreaTriangle": """\
+The signed area ((y3-y1)(x2-x1) - (x3-x1)(y2-y1)) / 2: positive when the corners run
 counter-clockwise with y upwards, that is clockwise on the screen.
 
 Parameters
@@ -5664,7 +5834,8 @@ Notes
 In C: double zelmMathSignAreaTriangle(double dX1, double dY1, double dX2, double dY2, double dX3,
 double dY3)
 """,
-    "zelmMathInvMatrixOfSyn3X3": """The inverse of a 3 x 3 matrix by its adjugate. Despite its name it assumes no symmetry.
+    "zelmMathInvMatrixOfSyn3X3": """\
+The inverse of a 3 x 3 matrix by its adjugate. Despite its name it assumes no symmetry.
 
 Parameters
 ----------
@@ -5680,7 +5851,8 @@ Notes
 -----
 In C: void zelmMathInvMatrixOfSyn3X3(const double* daM, double* daOut)
 """,
-    "zelmMathRotatePoint": """Turns (x, y) about (cx, cy) by theta.
+    "zelmMathRotatePoint": """\
+Turns (x, y) about (cx, cy) by theta.
 
 Parameters
 ----------
@@ -5708,7 +5880,8 @@ Notes
 In C: void zelmMathRotatePoint(double dCx, double dCy, double dTheta, double dX, double dY, double*
 dXOut, double* dYOut)
 """,
-    "zelmMathCreateTransParam": """The frame whose x axis points from (x1, y1) towards (x2, y2).
+    "zelmMathCreateTransParam": """\
+The frame whose x axis points from (x1, y1) towards (x2, y2).
 
 Parameters
 ----------
@@ -5738,7 +5911,8 @@ Notes
 In C: void zelmMathCreateTransParam(int32_t iMode, double dX1, double dY1, double dX2, double dY2,
 double* dOx, double* dOy, double* dTheta)
 """,
-    "zelmMathTransCoordOfPoint": """Local to global: (ox + x cos theta - y sin theta, oy + x sin theta + y cos theta).
+    "zelmMathTransCoordOfPoint": """\
+Local to global: (ox + x cos theta - y sin theta, oy + x sin theta + y cos theta).
 
 Parameters
 ----------
@@ -5766,7 +5940,8 @@ Notes
 In C: void zelmMathTransCoordOfPoint(double dOx, double dOy, double dTheta, double dX, double dY,
 double* dXOut, double* dYOut)
 """,
-    "zelmMathTransCoord": """The same as zelmMathTransCoordOfPoint.
+    "zelmMathTransCoord": """\
+The same as zelmMathTransCoordOfPoint.
 
 Parameters
 ----------
@@ -5794,7 +5969,8 @@ Notes
 In C: void zelmMathTransCoord(double dOx, double dOy, double dTheta, double dX, double dY, double*
 dXOut, double* dYOut)
 """,
-    "zelmMathInvTransCoordOfPoint": """Global to local, the inverse of zelmMathTransCoordOfPoint.
+    "zelmMathInvTransCoordOfPoint": """\
+Global to local, the inverse of zelmMathTransCoordOfPoint.
 
 Parameters
 ----------
@@ -5822,7 +5998,8 @@ Notes
 In C: void zelmMathInvTransCoordOfPoint(double dOx, double dOy, double dTheta, double dX, double dY,
 double* dXOut, double* dYOut)
 """,
-    "zelmMathInvCoord": """The inverse frame: its local-to-global transform undoes that of the given frame. Its angle is
+    "zelmMathInvCoord": """\
+The inverse frame: its local-to-global transform undoes that of the given frame. Its angle is
 -theta, not wrapped.
 
 Parameters
@@ -5849,7 +6026,8 @@ Notes
 In C: void zelmMathInvCoord(double dOx, double dOy, double dTheta, double* dOxOut, double* dOyOut,
 double* dThetaOut)
 """,
-    "zelmMathComposeCoord": """Frame 2, given within frame 1, as a global frame. Its angle is zelmMathAddAngle(1, 0, theta1,
+    "zelmMathComposeCoord": """\
+Frame 2, given within frame 1, as a global frame. Its angle is zelmMathAddAngle(1, 0, theta1,
 theta2).
 
 Parameters
@@ -5882,7 +6060,8 @@ Notes
 In C: void zelmMathComposeCoord(double dOx1, double dOy1, double dTheta1, double dOx2, double dOy2,
 double dTheta2, double* dOx, double* dOy, double* dTheta)
 """,
-    "zelmMathAddAngle": """The sum of two angles, wrapped.
+    "zelmMathAddAngle": """\
+The sum of two angles, wrapped.
 
 The first operand is wrapped into (-h, h], the second into [-h, h], then their sum into [-h, h]. So
 in degrees (-180, 0) gives 180, (0, -180) gives -180 (`docs/decisions.md#add-angle-end`).
@@ -5907,7 +6086,8 @@ Notes
 -----
 In C: double zelmMathAddAngle(int32_t iFull, int32_t iDegrees, double dA, double dB)
 """,
-    "zelmMathPrimeAngle": """An angle wrapped into (-h, h]; NaN if it is not finite.
+    "zelmMathPrimeAngle": """\
+An angle wrapped into (-h, h]; NaN if it is not finite.
 
 Parameters
 ----------
@@ -5927,7 +6107,8 @@ Notes
 -----
 In C: double zelmMathPrimeAngle(int32_t iFull, int32_t iDegrees, double dA)
 """,
-    "zelmMathCheckAngle": """Whether two directions (radians, period 2 pi) differ by at most the tolerance.
+    "zelmMathCheckAngle": """\
+Whether two directions (radians, period 2 pi) differ by at most the tolerance.
 
 Parameters
 ----------
@@ -5953,7 +6134,8 @@ Notes
 -----
 In C: int32_t zelmMathCheckAngle(double dA, double dB, double dTolerance)
 """,
-    "zelmMathCrossAngle": """The acute angle between two lines.
+    "zelmMathCrossAngle": """\
+The acute angle between two lines.
 
 Taken between the feet of the perpendiculars from the origin, (r, q) of zelmMathTransAbcToRq; where
 a foot is within 1e-9 of the origin, between the normals, which is the same angle.
@@ -5983,7 +6165,8 @@ Notes
 In C: double zelmMathCrossAngle(double dA1, double dB1, double dC1, double dA2, double dB2, double
 dC2)
 """,
-    "zelmMathGetDistFromPointToPoint": """The distance of two points.
+    "zelmMathGetDistFromPointToPoint": """\
+The distance of two points.
 
 Parameters
 ----------
@@ -6005,7 +6188,8 @@ Notes
 -----
 In C: double zelmMathGetDistFromPointToPoint(double dX1, double dY1, double dX2, double dY2)
 """,
-    "zelmMathGetDistFromPointToLine": """The distance |a x + b y + c| / sqrt(a^2 + b^2) of a point from a line; not finite for a = b = 0.
+    "zelmMathGetDistFromPointToLine": """\
+The distance |a x + b y + c| / sqrt(a^2 + b^2) of a point from a line; not finite for a = b = 0.
 
 Parameters
 ----------
@@ -6029,7 +6213,8 @@ Notes
 -----
 In C: double zelmMathGetDistFromPointToLine(double dA, double dB, double dC, double dX, double dY)
 """,
-    "zelmMathGetDistAndCrossPointFromPointToLine": """The distance of a point from a line, and the foot of its perpendicular.
+    "zelmMathGetDistAndCrossPointFromPointToLine": """\
+The distance of a point from a line, and the foot of its perpendicular.
 
 Parameters
 ----------
@@ -6059,7 +6244,8 @@ Notes
 In C: double zelmMathGetDistAndCrossPointFromPointToLine(double dA, double dB, double dC, double dX,
 double dY, double* dFx, double* dFy)
 """,
-    "zelmMathCrossPoint": """The point where two lines cross.
+    "zelmMathCrossPoint": """\
+The point where two lines cross.
 
 Parameters
 ----------
@@ -6095,7 +6281,8 @@ Notes
 In C: int32_t zelmMathCrossPoint(double dA1, double dB1, double dC1, double dA2, double dB2, double
 dC2, double* dX, double* dY)
 """,
-    "zelmMathGetLineFrom2Points": """The normalised line through two points, its normal ((y2 - y1), (x1 - x2)) / distance: the opposite
+    "zelmMathGetLineFrom2Points": """\
+The normalised line through two points, its normal ((y2 - y1), (x1 - x2)) / distance: the opposite
 of the normal that the Clp2d family gives (`docs/decisions.md#line-normals`).
 
 Parameters
@@ -6130,7 +6317,8 @@ Notes
 In C: int32_t zelmMathGetLineFrom2Points(double dX1, double dY1, double dX2, double dY2, double* dA,
 double* dB, double* dC)
 """,
-    "zelmMathGetOrthogonalLineFromLineAndPoint": """The line through a point at right angles to a line: (b, -a, a y - b x), not normalised. c is not
+    "zelmMathGetOrthogonalLineFromLineAndPoint": """\
+The line through a point at right angles to a line: (b, -a, a y - b x), not normalised. c is not
 used.
 
 Parameters
@@ -6161,7 +6349,8 @@ Notes
 In C: void zelmMathGetOrthogonalLineFromLineAndPoint(double dA, double dB, double dC, double dX,
 double dY, double* dAOut, double* dBOut, double* dCOut)
 """,
-    "zelmMathTransAbcToRq": """The line in the form (r, q): with m the larger of a and b in magnitude (a on a tie), sign kept, r =
+    "zelmMathTransAbcToRq": """\
+The line in the form (r, q): with m the larger of a and b in magnitude (a on a tie), sign kept, r =
 -c / m and q the direction atan2(b / m, a / m) of the normal. r is the distance from the origin
 times sqrt(a^2 + b^2) / |m|, with a sign. Not finite for a = b = 0.
 
@@ -6186,7 +6375,8 @@ Notes
 -----
 In C: void zelmMathTransAbcToRq(double dA, double dB, double dC, double* dR, double* dQ)
 """,
-    "zelmMathGetDistFromPointToCircle": """The distance of a point from a circle, and the circle's nearest point. From the centre that is the
+    "zelmMathGetDistFromPointToCircle": """\
+The distance of a point from a circle, and the circle's nearest point. From the centre that is the
 point in the direction of the x axis.
 
 Parameters
@@ -6217,7 +6407,8 @@ Notes
 In C: double zelmMathGetDistFromPointToCircle(double dCx, double dCy, double dR, double dX, double
 dY, double* dPx, double* dPy)
 """,
-    "zelmMathExtremumOfQuadraticCurves": """The extremum of a x^2 + b x + c.
+    "zelmMathExtremumOfQuadraticCurves": """\
+The extremum of a x^2 + b x + c.
 
 Parameters
 ----------
@@ -6240,7 +6431,8 @@ Notes
 -----
 In C: double zelmMathExtremumOfQuadraticCurves(double dA, double dB, double dC, double* dX)
 """,
-    "zelmMathExtremumOfQuadraticSurface": """The stationary point of a x^2 + b x y + c y^2 + d x + e y + f.
+    "zelmMathExtremumOfQuadraticSurface": """\
+The stationary point of a x^2 + b x y + c y^2 + d x + e y + f.
 
 Parameters
 ----------
@@ -6272,7 +6464,8 @@ Notes
 In C: double zelmMathExtremumOfQuadraticSurface(double dA, double dB, double dC, double dD, double
 dE, double dF, double* dX, double* dY)
 """,
-    "zelmMathCrossCorrelation": """The sum of u[i] * v[i]; 0.0 for iN below 1.
+    "zelmMathCrossCorrelation": """\
+The sum of u[i] * v[i]; 0.0 for iN below 1.
 
 Parameters
 ----------
@@ -6290,7 +6483,8 @@ Notes
 -----
 In C: double zelmMathCrossCorrelation(int32_t iN, const double* daU, const double* daV)
 """,
-    "zelmMathNormCorrelation": """The cosine (u . v) / (|u| |v|) of two signals. Their means are not taken off.
+    "zelmMathNormCorrelation": """\
+The cosine (u . v) / (|u| |v|) of two signals. Their means are not taken off.
 
 Parameters
 ----------
@@ -6308,7 +6502,8 @@ Notes
 -----
 In C: double zelmMathNormCorrelation(int32_t iN, const double* daU, const double* daV)
 """,
-    "zelmMathAutoCorrelation": """The circular auto-correlation: out[k] = sum over i of data[i] * data[(i + k) mod iN]. Takes iN * iM
+    "zelmMathAutoCorrelation": """\
+The circular auto-correlation: out[k] = sum over i of data[i] * data[(i + k) mod iN]. Takes iN * iM
 products.
 
 Parameters
@@ -6334,7 +6529,8 @@ Notes
 -----
 In C: int32_t zelmMathAutoCorrelation(int32_t iN, const double* daData, int32_t iM, double* daOut)
 """,
-    "zelmMathNormAutoCorrelation": """The circular auto-correlation as cosines: out[k] is zelmMathNormCorrelation of the signal and itself
+    "zelmMathNormAutoCorrelation": """\
+The circular auto-correlation as cosines: out[k] is zelmMathNormCorrelation of the signal and itself
 shifted by k. Takes twice iN * iM products.
 
 Parameters
@@ -6360,7 +6556,8 @@ Notes
 In C: int32_t zelmMathNormAutoCorrelation(int32_t iN, const double* daData, int32_t iM, double*
 daOut)
 """,
-    "zelmMathSearchOf1DWithNormCorrelation": """Where in a signal a template correlates best, by zelmMathNormCorrelation at every offset from 0 to
+    "zelmMathSearchOf1DWithNormCorrelation": """\
+Where in a signal a template correlates best, by zelmMathNormCorrelation at every offset from 0 to
 iN - iM. Takes about 2 iM (iN - iM + 1) products; allocates nothing.
 
 Parameters
@@ -6388,7 +6585,8 @@ Notes
 In C: int32_t zelmMathSearchOf1DWithNormCorrelation(int32_t iN, const double* daSignal, int32_t iM,
 const double* daTemplate, int32_t* iIndex, double* dScore)
 """,
-    "zelmMathOtsuThreshold1d": """The threshold that parts a list of values in two classes of the greatest variance between them (Otsu
+    "zelmMathOtsuThreshold1d": """\
+The threshold that parts a list of values in two classes of the greatest variance between them (Otsu
 1979), taken over the values themselves rather than a histogram. Sorts a copy: O(n log n).
 
 Parameters
@@ -6414,7 +6612,8 @@ Notes
 -----
 In C: int32_t zelmMathOtsuThreshold1d(int32_t iN, const double* daData, double* dThreshold)
 """,
-    "zelmMathQuadraticRoots": """The real roots of a x^2 + b x + c, without cancellation between b and the root of the discriminant.
+    "zelmMathQuadraticRoots": """\
+The real roots of a x^2 + b x + c, without cancellation between b and the root of the discriminant.
 
 Order of the roots: 0 and -b/a where c is 0 (0 alone where b is, too); otherwise q/a and c/q with q
 = -(b + sign(b) sqrt(D)) / 2, the larger in magnitude first (sign(0) = +1). A double root (D exactly
@@ -6443,7 +6642,8 @@ Notes
 -----
 In C: int32_t zelmMathQuadraticRoots(const double* daCoef, double* daRoots)
 """,
-    "zelmMathCubicRoots": """The real roots of a x^3 + b x^2 + c x + d, by Cardano's and Viete's formulas.
+    "zelmMathCubicRoots": """\
+The real roots of a x^3 + b x^2 + c x + d, by Cardano's and Viete's formulas.
 
 With p = b/a, Q = (p^2 - 3 c/a) / 9 and R the usual cubic form: where R^2 <= Q^3 three roots -2
 sqrt(Q) cos((phi + 2 pi k) / 3) - p/3 for k = 0, 1, 2 and phi = arccos(R / sqrt(Q^3)): the smallest,
@@ -6476,7 +6676,8 @@ Notes
 -----
 In C: int32_t zelmMathCubicRoots(const double* daCoef, double* daRoots)
 """,
-    "zelmMathQuarticRoots": """The real roots of a x^4 + b x^3 + c x^2 + d x + e, by Ferrari's method.
+    "zelmMathQuarticRoots": """\
+The real roots of a x^4 + b x^3 + c x^2 + d x + e, by Ferrari's method.
 
 With y = x + b/(4a) the quartic is y^4 + p y^2 + q y + r. From the largest real root z of its
 resolvent cubic z^3 - p z^2 - 4 r z + (4 p r - q^2) follow, with S = sqrt(z - p) and t = q/(2 S),
@@ -6510,7 +6711,8 @@ Notes
 -----
 In C: int32_t zelmMathQuarticRoots(const double* daCoef, double* daRoots)
 """,
-    "zelmMathGetDistFromPointToEllipse": """The distance from a point to an ellipse, and the ellipse's nearest point.
+    "zelmMathGetDistFromPointToEllipse": """\
+The distance from a point to an ellipse, and the ellipse's nearest point.
 
 Let (X, Y) be the point in the ellipse's own frame and k = b^2 - a^2. The ellipse stands at right
 angles to the line to the point where the sine of its parameter is a root of a quartic, solved by

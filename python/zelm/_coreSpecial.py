@@ -35,7 +35,11 @@ def zelmBinBlob(tImage, iThreshold, tRegion=None, iPolarity=1, iClearEdge=0, iMi
     library = _library.core()
     try:
         status = library.zelmBinBlob(
-            ctypes.byref(_arrays.imageOf(tImage)), ctypes.byref(tRegion), *options, ctypes.byref(blobs), ctypes.byref(count)
+            ctypes.byref(_arrays.imageOf(tImage)),
+            ctypes.byref(tRegion),
+            *options,
+            ctypes.byref(blobs),
+            ctypes.byref(count),
         )
         if status < 0:
             fail(name, status)

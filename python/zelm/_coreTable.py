@@ -8,7 +8,8 @@ appears exactly once:
                       passed where the prototype has an argument of that name; other dimensions are expressions
 ``dX:float iK:int``   scalars; ``iCamera:camera`` takes 'L' and 'R' too
 ``tP:Point2d``        a record, or its numbers; ``taV:ZelmBlob[iN]`` an array of records
-``tI:image[h,w]``     a gray image, uint8 (height, width); ``planar`` and ``argb`` are platform buffers of one and four bytes
+``tI:image[h,w]``     a gray image, uint8 (height, width); ``planar`` and ``argb`` are platform buffers of one
+                      and of four bytes a pixel
 ``tHandle:Class``     a handle; with ``!`` the call changes the object, so no other call may use it meanwhile
 ``iA=expression``     an argument that follows from others
 ``name:type?``        may be None
@@ -226,7 +227,8 @@ TABLE = {
     # image.h
     "zelmConvertColorToGray_vImageARGB8888toPlanar8": "tSrc:argb[h,w] -> tDst:planar[h,w]",
     # kernels.h
-    "perspectiveTransAndDistortImage_8uC1": """daHom:f8[3,3] daCamera:ZelmCameraIntrinsics ucSrc:u1[iSrcHeight,iSrcWidth]
+    "perspectiveTransAndDistortImage_8uC1": """daHom:f8[3,3] daCamera:ZelmCameraIntrinsics
+        ucSrc:u1[iSrcHeight,iSrcWidth]
         iSrcStride=iSrcWidth iDstStride=iDstWidth iDstWidth:int iDstHeight:int -> ucDst:u1[iDstHeight,iDstWidth]""",
     "perspectiveTransAndDistortImage_8uC4": """daHom:f8[3,3] daCamera:ZelmCameraIntrinsics
         ucSrc:u1[iSrcHeight,iSrcWidth,4] iSrcStride=4*iSrcWidth iDstStride=4*iDstWidth iDstWidth:int iDstHeight:int

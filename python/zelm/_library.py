@@ -51,14 +51,13 @@ def _load(which: str) -> ctypes.CDLL:
 
 
 def open_(soname: str) -> ctypes.CDLL:
-    """Loads from the package's own folder, then from that of ZELM_LIBRARY_PATH, then as the system does.
+    """Loads from the package's own folder, then from those of ZELM_LIBRARY_PATH, then as the system does.
 
     A folder that has the library is the end of the search: when it does not load from there, no other one is taken.
     """
     looked: List[str] = []
     folders = [Path(__file__).resolve().parent / "_libs"]
-    if os.environ.get(FOLDER_VARIABLE):
-        folders.append(Path(os.environ[FOLDER_VARIABLE]))
+    folders += [Path(folder) for folder in os.environ.get(FOLDER_VARIABLE, "").split(os.pathsep) if folder]
     for folder in folders:
         path = folder / soname
         if path.exists():

@@ -1,4 +1,4 @@
-"""What all records share: keyword construction, checked fields, arrays as numpy views, pointers that keep their arrays."""
+"""What all records share: checked fields, arrays as numpy views, pointers that keep their arrays."""
 
 import ctypes
 from typing import Any, ClassVar, Dict, Iterator, Tuple, Type, TypeVar

@@ -106,5 +106,7 @@ def declaredNames(entry: Entry) -> List[str]:
         if item.limit and item.limit != "return":
             names.append(item.limit)
     for item in entry.arguments + entry.results:
-        names += [dim for dim in item.dims if dim.isidentifier() and dim not in names]
+        for dim in item.dims:
+            if dim.isidentifier() and dim not in names:
+                names.append(dim)
     return names
