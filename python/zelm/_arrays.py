@@ -11,6 +11,7 @@ from ._record import Record, dtypeOf
 INT32 = 2**31 - 1
 _fromBuffer = ctypes.c_char.from_buffer
 _byref = ctypes.byref
+_initialise = ctypes.Structure.__init__
 
 
 class RawImage(ctypes.Structure):
@@ -57,14 +58,19 @@ def toCamera(value: Any, function: str, name: str) -> int:
 
 
 def toFloat(value: Any, function: str, name: str) -> float:
+    if value.__class__ is int and -(2**53) <= value <= 2**53:
+        return float(value)
     if isinstance(value, (str, bytes, bytearray, complex, np.complexfloating)) or getattr(value, "ndim", 0):
         raise TypeError(f"{function}: {name} is {_kind(value)}, a number is wanted")
     try:
-        return float(value)
+        number = float(value)
     except (TypeError, ValueError):
         raise TypeError(f"{function}: {name} is {_kind(value)}, a number is wanted") from None
     except OverflowError:
         return refuse(function, f"{name} is beyond the range of a double")
+    if isinstance(value, (int, np.integer)) and int(number) != value:
+        refuse(function, f"{name} is {value}, which a double would round")
+    return number
 
 
 def toRecord(cls: Type[Record], value: Any, function: str, name: str) -> Record:
@@ -83,10 +89,12 @@ def toRecord(cls: Type[Record], value: Any, function: str, name: str) -> Record:
         ) from None
     if len(numbers) != len(cls._names_):
         refuse(function, f"{name} has {len(numbers)} numbers, {cls.__name__} has {len(cls._names_)}")
+    for at, number in enumerate(numbers):
+        if number.__class__ is not float or cls._ranges_:
+            convert = toInt if cls._names_[at] in cls._ranges_ else toFloat
+            numbers[at] = convert(number, function, f"{name}.{cls._names_[at]}")
     made = cls.__new__(cls)
-    for field, number in zip(cls._names_, numbers):
-        convert = toInt if field in cls._ranges_ else toFloat
-        setattr(made, field, convert(number, function, f"{name}.{field}"))
+    _initialise(made, *numbers)
     return made
 
 
@@ -108,7 +116,7 @@ def toArray(value: Any, dtype: np.dtype, function: str, name: str) -> np.ndarray
         return np.zeros(given.shape, dtype)
     if given.dtype.kind not in ("iu" if dtype.kind in "iu" else "biuf"):
         raise TypeError(f"{function}: {name} holds {given.dtype}, {dtype} is wanted")
-    if np.can_cast(given.dtype, dtype, "safe"):
+    if np.can_cast(given.dtype, dtype, "safe") and given.dtype.kind + dtype.kind not in ("if", "uf"):
         return np.require(given, dtype, ["C", "A"])
     if given.dtype.kind == "f":
         raise TypeError(f"{function}: {name} holds {given.dtype}, which {dtype} would round: convert it yourself")
@@ -123,7 +131,7 @@ def _exact(given: np.ndarray, dtype: np.dtype, function: str, name: str) -> np.n
         return np.require(given, dtype, ["C", "A"])
     largest = 2 ** (np.finfo(dtype).nmant + 1)
     if given.size and (int(given.max()) > largest or int(given.min()) < -largest):
-        refuse(function, f"{name} has integers beyond 2^{np.finfo(dtype).nmant + 1}, which {dtype} would round")
+        refuse(function, f"{name} has integers beyond 2^{np.finfo(dtype).nmant + 1}, which {dtype} may round")
     return np.require(given, dtype, ["C", "A"])
 
 

@@ -152,11 +152,21 @@ def _pointerProperty(name: str, code: str) -> property:
     return property(read, write, doc=f"The array that {name} points to, or None")
 
 
+def _formatOf(kind: Any) -> Any:
+    if issubclass(kind, Record):
+        return dtypeOf(kind)
+    if issubclass(kind, ctypes.Array) and kind._type_ is not ctypes.c_char:
+        return _formatOf(kind._type_), (kind._length_,)
+    if issubclass(kind, ctypes._CFuncPtr):  # type: ignore[attr-defined]
+        return np.dtype(np.uintp)
+    return np.dtype(f"S{kind._length_}") if issubclass(kind, ctypes.Array) else np.dtype(kind)
+
+
 def dtypeOf(cls: Type[Record]) -> np.dtype:
     """The numpy dtype of an array of records, with the names of the record's fields."""
     names, formats, offsets = [], [], []
     for name, kind in cls._fields_:  # type: ignore[misc]
         names.append(name.lstrip("_"))
-        formats.append(dtypeOf(kind) if isinstance(kind, type) and issubclass(kind, Record) else np.dtype(kind))
+        formats.append(_formatOf(kind))
         offsets.append(getattr(cls, name).offset)
     return np.dtype({"names": names, "formats": formats, "offsets": offsets, "itemsize": ctypes.sizeof(cls)})
