@@ -9,7 +9,7 @@ from ._errors import refuse
 from ._record import Record, dtypeOf
 
 INT32 = 2**31 - 1
-_fromBuffer = ctypes.c_char.from_buffer
+_fromBuffer: Any = ctypes.c_char.from_buffer
 _byref = ctypes.byref
 _initialise = ctypes.Structure.__init__
 
@@ -60,7 +60,7 @@ def toCamera(value: Any, function: str, name: str) -> int:
 def toFloat(value: Any, function: str, name: str) -> float:
     if value.__class__ is int and -(2**53) <= value <= 2**53:
         return float(value)
-    if isinstance(value, (str, bytes, bytearray, complex, np.complexfloating)) or getattr(value, "ndim", 0):
+    if isinstance(value, (str, bytes, bytearray, complex, np.complexfloating)) or getattr(value, "ndim", None):
         raise TypeError(f"{function}: {name} is {_kind(value)}, a number is wanted")
     try:
         number = float(value)

@@ -1,14 +1,14 @@
 """Functions of the core that the table cannot describe: those that make and free objects, and a few of odd shape."""
 
 import ctypes
-from typing import Any, Optional, Tuple
+from typing import Any, Optional, Tuple, Type
 
 import numpy as np
 
 from . import _arrays, _library
 from ._coreChecks import inside, whole
 from ._errors import fail, refuse
-from ._handles import Zelm2ViewCalib, ZelmMatrix, ZelmVector
+from ._handles import Handle, Zelm2ViewCalib, ZelmMatrix, ZelmVector
 from ._record import dtypeOf
 from ._records import Zelm2ViewCameraDesc, Zelm2ViewPatternDesc, ZelmBlob, ZelmRect
 
@@ -201,7 +201,7 @@ def _allocated(address: Optional[int], function: str, least: int) -> int:
     return address
 
 
-def _close(handle: Any, cls: type, function: str, name: str) -> None:
+def _close(handle: Any, cls: Type[Handle], function: str, name: str) -> None:
     if handle is not None:
         if not isinstance(handle, cls):
             raise TypeError(f"{function}: {name} is of type {type(handle).__name__}, {cls.__name__} is wanted")

@@ -121,8 +121,8 @@ class _Block(Handle):
         """The numbers, as an array that shares the library's memory; uninitialised at first."""
         self._refuseClosed()
         count = int(np.prod(self.shape))
-        memory = (ctypes.c_double * count).from_address(self._data)
-        memory._owner = self  # type: ignore[attr-defined]
+        memory: Any = (ctypes.c_double * count).from_address(self._data)
+        memory._owner = self
         with self._state:
             self._views = [view for view in self._views if view() is not None] + [weakref.ref(memory)]
         return np.frombuffer(memory, dtype=np.float64).reshape(self.shape)

@@ -5,14 +5,14 @@ from typing import Any, ClassVar, Dict, Iterator, Tuple, Type, TypeVar
 
 import numpy as np
 
-_IntegerRanges = {
+_IntegerRanges: Dict[Any, Tuple[int, int]] = {
     ctypes.c_int32: (-(2**31), 2**31 - 1),
     ctypes.c_int64: (-(2**63), 2**63 - 1),
     ctypes.c_uint8: (0, 2**8 - 1),
     ctypes.c_uint32: (0, 2**32 - 1),
     ctypes.c_size_t: (0, 2 ** (8 * ctypes.sizeof(ctypes.c_size_t)) - 1),
 }
-_ArrayTypes = {ctypes.c_double: np.float64, ctypes.c_int32: np.int32, ctypes.c_int64: np.int64}
+_ArrayTypes: Dict[Any, Any] = {ctypes.c_double: np.float64, ctypes.c_int32: np.int32, ctypes.c_int64: np.int64}
 
 RecordType = TypeVar("RecordType", bound="Type[Record]")
 
@@ -102,7 +102,7 @@ def _short(value: Any) -> str:
 def record(cls: RecordType) -> RecordType:
     """Completes a generated class: ranges of its integers, properties for its arrays and pointers."""
     names, ranges, arrays, flat = [], {}, {}, True
-    for name, kind in cls._fields_:  # type: ignore[misc]
+    for name, kind in list[Any](cls._fields_):
         plain = name.lstrip("_")
         names.append(plain)
         if kind in _IntegerRanges:

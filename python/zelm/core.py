@@ -6,6 +6,7 @@ be.
 """
 
 import sys
+import threading
 from typing import Any, Dict, List
 
 from . import _build, _coreSpecial, _library, _records
@@ -30,10 +31,18 @@ __all__: List[str] = ["ZelmError", "ZelmMemoryError", "ZelmParamError", "Zelm2Vi
 __all__ += [*_records_of_core, *TABLE, "library"]
 
 _names: Dict[str, Any] = {}
+_lock = threading.RLock()
 
 
 def __getattr__(name: str) -> Any:
     """Makes a function when it is first asked for."""
+    with _lock:
+        return _made(name)
+
+
+def _made(name: str) -> Any:
+    if name in globals():  # by another thread, meanwhile
+        return globals()[name]
     base = name[: -len("Result")] if name.endswith("Result") else name
     if base not in TABLE:
         raise AttributeError(f"module {__name__!r} has no attribute {name!r}")
