@@ -39,6 +39,14 @@ def pointer(array: np.ndarray) -> Any:
         return array.ctypes.data
 
 
+def address(array: np.ndarray) -> int:
+    """The address of an array, for a record."""
+    try:
+        return ctypes.addressof(_fromBuffer(array))
+    except (TypeError, ValueError, BufferError):
+        return array.ctypes.data
+
+
 def toInt(value: Any, function: str, name: str) -> int:
     try:
         number = value.__index__()
@@ -186,10 +194,10 @@ def size(number: int, function: str, name: str) -> int:
     return number
 
 
-def imageOf(array: Optional[np.ndarray]) -> Any:
+def imageOf(array: np.ndarray) -> Any:
     """ZelmImage of an array."""
-    height, width = array.shape  # type: ignore[union-attr]
-    return RawImage(array.ctypes.data, width, height)  # type: ignore[union-attr]
+    height, width = array.shape
+    return RawImage(address(array), width, height)
 
 
 def bufferOf(array: Optional[np.ndarray]) -> Any:
@@ -197,7 +205,7 @@ def bufferOf(array: Optional[np.ndarray]) -> Any:
     if array is None:
         return None
     row = array.strides[0] if array.size else array.shape[1] * (array.shape[2] if array.ndim == 3 else 1)
-    return _byref(RawBuffer(array.ctypes.data, array.shape[0], array.shape[1], row))
+    return _byref(RawBuffer(address(array), array.shape[0], array.shape[1], row))
 
 
 def _kind(value: Any) -> str:
