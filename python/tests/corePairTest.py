@@ -103,6 +103,19 @@ def testOneCameraIsCalibratedFromExactDots():
         core.zelmCalibCameraParam([views[0], (plane, plane[1:])])
 
 
+def testAFailedCallTellsHowFarItCame():
+    camera = core.ZelmCameraIntrinsics(A=np.eye(3), alpha=100, beta=100, k1=-1)  # folds at a radius of 58 pixels
+    with pytest.raises(core.ZelmError, match="ZELM_ERR_UNDISTORT") as caught:
+        core.zelmCalibUnDistortPoint(camera, 90, 0)
+    assert set(caught.value.partial) == {"dX", "dY"} and math.isfinite(caught.value.partial["dX"])
+    with pytest.raises(core.ZelmError, match="NOT_POSITIVE_DEFINITE") as caught:
+        core.zelmMatCholeskyDecomp([[4.0, 2], [2, -1]])
+    assert caught.value.partial["daU"][0].tolist() == [2, 1]
+    with pytest.raises(core.ZelmError, match="ZELM_ERR_SINGULAR") as caught:
+        core.zelmMatInvert(np.zeros((2, 2)))
+    assert caught.value.partial == {}
+
+
 def testAPairIsCalibratedFromDrawnPlates():
     left, right = truth.pair(0, 0)
     pattern = core.Zelm2ViewPatternDesc(

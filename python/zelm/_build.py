@@ -226,7 +226,7 @@ class _Writer:
                 self._resultArray(item)
             else:
                 self.put(f"{name} = new({item.type})")
-                if item.nan:
+                if item.nan and not getattr(_records, item.type)._ranges_:
                     self.put(f"for _field in {item.type}._names_:")
                     self.put(f"    setattr({name}, _field, nan)")
 
@@ -257,7 +257,9 @@ class _Writer:
             self.put(f"_status = _call({arguments})")
             if self.returns == "int32_t":
                 self.put("if _status < 0:")
-                self.put(f"    fail('{self.function}', _status)")
+                partial = [f"'{i.name}': {self._value(i, own)}" for i in self.entry.results if i.failing]
+                rest = f", {{{', '.join(partial)}}}" if partial else ""
+                self.put(f"    fail('{self.function}', _status{rest})")
         values = [self._value(item, own) for item in self.entry.results]
         if len(values) > 1:
             self.put(f"return _Result({', '.join(values)})")

@@ -16,6 +16,7 @@ appears exactly once:
 ``name:type!``        is read and written in place
 ``name:type=value``   has a default: a number, or an expression that is evaluated when nothing is given
 ``name:type~``        a result that is not always written: NaN then
+``name:type^``        a result that is written on failure too: the error has it in ``partial``; NaN where it is not
 ``name:type[:iN]``    a result of which only the first iN entries are given; ``return`` is the function's own result
 ``name=return``       the function's own result is one of the results; a count of steps is not
 ``custom``            ahead of the entry: the function is written in _coreSpecial.py, the entry describes it
@@ -50,7 +51,7 @@ TABLE = {
     "zelmCalibChange3Dto2D": """tX:Point3d tCam:ZelmCameraIntrinsics tExt:ZelmCameraExtrinsics iModel:int=0
         -> tP:Point2d""",
     "zelmCalibDistortPoint": "tCam:ZelmCameraIntrinsics dX:float dY:float -> dXd:float dYd:float",
-    "zelmCalibUnDistortPoint": "tCam:ZelmCameraIntrinsics dXd:float dYd:float -> dX:float dY:float",
+    "zelmCalibUnDistortPoint": "tCam:ZelmCameraIntrinsics dXd:float dYd:float -> dX:float^ dY:float^",
     "zelmCalibRodrigues": "custom iDirection:int daRvec:f8[3]?=None daRmat:f8[3,3]?=None -> daOut:f8",
     "zelmCalibCameraParam": """taViews:views[iViews] dRobustThreshold:float=0
         tIntrinsics:ZelmCameraIntrinsics!=ZelmCameraIntrinsics() iModel:int=0
@@ -128,7 +129,7 @@ TABLE = {
         tRegionLeft:ZelmRect?=None tRegionRight:ZelmRect?=None ->""",
     "zelm2ViewReadPtnImg_vImageARGB8888": """tHandle:Zelm2ViewCalib! iView:int tLeft:argb[h,w]? tRight:argb[h2,w2]?
         tRegionLeft:ZelmRect?=None tRegionRight:ZelmRect?=None ->""",
-    "zelm2ViewCalibCameraParam": "tHandle:Zelm2ViewCalib! -> tResult:Zelm2ViewCalibResult",
+    "zelm2ViewCalibCameraParam": "tHandle:Zelm2ViewCalib! -> tResult:Zelm2ViewCalibResult^",
     # twoViewGeometry.h
     "zelm2ViewChange2Dto3D": "tHandle:Zelm2ViewCalib tLeft:Point2d tRight:Point2d -> tOut:Point3d",
     "zelm2ViewChange3Dto2D": "tHandle:Zelm2ViewCalib iCamera:camera tIn:Point3d -> tOut:Point2d",
@@ -150,7 +151,7 @@ TABLE = {
     "zelm2ViewUnDistortImage_vImageARGB8888": """tHandle:Zelm2ViewCalib iCamera:camera tSrc:argb[h,w]
         -> tDst:argb[height(tHandle, iCamera),width(tHandle, iCamera)]""",
     "zelm2ViewDistortPoint": "tHandle:Zelm2ViewCalib iCamera:camera tIn:Point2d -> tOut:Point2d",
-    "zelm2ViewUnDistortPoint": "tHandle:Zelm2ViewCalib iCamera:camera tIn:Point2d -> tOut:Point2d",
+    "zelm2ViewUnDistortPoint": "tHandle:Zelm2ViewCalib iCamera:camera tIn:Point2d -> tOut:Point2d^",
     # cstmGeometry.h
     "zelmCstmDrovnCalcMagnification": """tHandle:Zelm2ViewCalib dLengthA:float dLengthB:float
         -> dOutL:float dOutR:float""",
@@ -223,7 +224,7 @@ TABLE = {
     "zelmFitConics": "taPoints:f8[iN,2] iRobust:int=0 dThreshold:float=3.5 -> daResult:f8[6]",
     "zelmFitCircle": "taPoints:f8[iN,2] iRobust:int=0 dThreshold:float=3.5 -> tResult:Circle2d",
     "zelmFitEllipsoid": "taPoints:f8[iN,3] iRobust:int=0 dThreshold:float=3.5 -> tResult:Ellipsoid3d",
-    "zelmFitCone": "taPoints:f8[iN,3] iRobust:int=0 dThreshold:float=3.5 -> daResult:f8[10]",
+    "zelmFitCone": "taPoints:f8[iN,3] iRobust:int=0 dThreshold:float=3.5 -> daResult:f8[10]^",
     # image.h
     "zelmConvertColorToGray_vImageARGB8888toPlanar8": "tSrc:argb[h,w] -> tDst:planar[h,w]",
     # kernels.h
@@ -265,13 +266,13 @@ TABLE = {
         -> daC:f8[(iN if iFlag else iM),(iQ if iFlag else iP)]""",
     "zelmMatInvert": "daA:f8[iN,iN] -> daAinv:f8[iN,iN]",
     "zelmMatSolveLU": "daA:f8[iN,iN] daB:f8[iN] -> daX:f8[iN]",
-    "zelmMatCholeskyDecomp": "daA:f8[iN,iN] -> daU:f8[iN,iN]",
+    "zelmMatCholeskyDecomp": "daA:f8[iN,iN] -> daU:f8[iN,iN]^",
     "zelmMatSVD": "daA:f8[iM,iN] -> daU:f8[iM,iN] daW:f8[iN] daV:f8[iN,iN]",
     "zelmMatSolveSVD": "daA:f8[iM,iN] daB:f8[iM] -> daX:f8[iN]",
-    "zelmMatJacobiEigen": "daA:f8[iN,iN] -> daValues:f8[iN] daVectors:f8[iN,iN]",
+    "zelmMatJacobiEigen": "daA:f8[iN,iN] -> daValues:f8[iN] daVectors:f8[iN,iN]^",
     # match.h
     "zelmMatchBasic": """taRef:f8[iN,2] taModel:f8[iN,2] tModelPose:ZelmMatchPose=ZelmMatchPose() iMode:int=0
-        dThreshold:float=4 -> tResult:ZelmMatchPose""",
+        dThreshold:float=4 -> tResult:ZelmMatchPose^""",
     "zelmMatchPoints": """taRef:f8[iN,2] taModel:f8[iN,2] tModelPose:ZelmMatchPose tResult:ZelmMatchPose
         -> taMoved:f8[iN,2] daDistance:f8[iN]""",
     "zelmMatchDelta": "tA:ZelmMatchPose tB:ZelmMatchPose -> dDx:float dDy:float dAngle:float dScale:float",

@@ -1,6 +1,6 @@
 """What failing calls raise."""
 
-from typing import Dict, NoReturn, Type
+from typing import Any, Dict, NoReturn, Optional, Type
 
 from ._records import ZelmStatus
 
@@ -16,16 +16,22 @@ class ZelmError(Exception):
         Its name in the C headers, such as ``"ZELM_ERR_FIT_DATA"``.
     function : str
         The C function that failed.
+    partial : dict
+        By name, the results that this function writes on failure too, such as the latest estimate of an iteration;
+        NaN where it did not come so far. Empty for most functions.
     """
 
-    def __init__(self, message: str, status: int, name: str, function: str) -> None:
+    def __init__(
+        self, message: str, status: int, name: str, function: str, partial: Optional[Dict[str, Any]] = None
+    ) -> None:
         super().__init__(message)
+        self.partial = partial or {}
         self.status = status
         self.name = name
         self.function = function
 
     def __reduce__(self):  # type: ignore[no-untyped-def]
-        return self.__class__, (self.args[0], self.status, self.name, self.function)
+        return self.__class__, (self.args[0], self.status, self.name, self.function, self.partial)
 
 
 class ZelmParamError(ZelmError, ValueError):
@@ -42,7 +48,7 @@ _Classes: Dict[int, Type[ZelmError]] = {
 }
 
 
-def fail(function: str, status: int) -> NoReturn:
+def fail(function: str, status: int, partial: Optional[Dict[str, Any]] = None) -> NoReturn:
     """Raises what stands for a negative status of a core function."""
     from ._coreDocs import STATUSES, WORDS  # large, and wanted on failure only
 
@@ -51,7 +57,7 @@ def fail(function: str, status: int) -> NoReturn:
     own = WORDS.get(function, {}).get(name)
     if own:
         message += f" Here: {own}"
-    raise _Classes.get(status, ZelmError)(message, status, name, function)
+    raise _Classes.get(status, ZelmError)(message, status, name, function, partial)
 
 
 def refuse(function: str, words: str) -> NoReturn:

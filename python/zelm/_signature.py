@@ -23,6 +23,7 @@ class Item:
     optional: bool = False
     inOut: bool = False
     nan: bool = False
+    failing: bool = False  # written on failure too
     default: Optional[str] = None
     limit: Optional[str] = None  # name of the count of entries that are given
     expression: Optional[str] = None  # of an argument that follows from others
@@ -61,7 +62,7 @@ def split(text: str, separator: str = " ") -> List[str]:
 
 
 def _item(text: str) -> Item:
-    match = re.match(r"(\w+):(\w+)(?:\[(?!:)(.*?)\])?(?:\[:(\w+)\])?([?!~]*)(?:=(.*))?$", text)
+    match = re.match(r"(\w+):(\w+)(?:\[(?!:)(.*?)\])?(?:\[:(\w+)\])?([?!~^]*)(?:=(.*))?$", text)
     if not match:
         follows = re.match(r"(\w+)=(.+)$", text)
         if follows:
@@ -76,7 +77,8 @@ def _item(text: str) -> Item:
         dims=tuple(split(dims, ",")) if dims else (),
         optional="?" in marks,
         inOut="!" in marks,
-        nan="~" in marks,
+        nan="~" in marks or "^" in marks,
+        failing="^" in marks,
         default=default,
         limit=limit,
     )
