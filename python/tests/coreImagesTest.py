@@ -8,6 +8,9 @@ import pytest
 from zelm import core
 
 
+MORPHOLOGY = (core.zelmBinDilation, core.zelmBinErosion, core.zelmBinOpening, core.zelmBinClosing)
+
+
 @pytest.fixture
 def square():
     image = np.full((40, 60), 20, np.uint8)
@@ -44,8 +47,9 @@ def testAGivenDestinationIsWritten(square):
     result = core.zelmBinBinaryImage(square, 100, (15, 10, 5, 5), destination)
     assert result is destination
     assert (destination[10:15, 15:20] == 255).all() and (destination == 7).sum() == destination.size - 25
-    with pytest.raises(core.ZelmParamError, match="share"):
-        core.zelmBinDilation(square, 100, tDst=square)
+    for call in (core.zelmBinDilation, core.zelmBinErosion):
+        with pytest.raises(core.ZelmParamError, match="share"):
+            call(square, 100, tDst=square)
     for bad in (destination[:, ::2], destination.astype(np.int32), [[0]]):
         with pytest.raises((core.ZelmParamError, TypeError)):
             core.zelmBinBinaryImage(square, 100, tDst=bad)
@@ -53,10 +57,16 @@ def testAGivenDestinationIsWritten(square):
 
 @pytest.mark.parametrize("region", [(-1, 0, 5, 5), (0, -1, 5, 5), (0, 0, 61, 5), (0, 0, 5, 41), (58, 0, 2**31 - 1, 1)])
 def testRegionsOutsideAreRefused(square, region):
-    for call in (core.zelmBinOtsuThresholdImage, core.zelmBinBlob, core.zelmBinBinaryImage, core.zelmBinErosion):
-        arguments = (square,) if call is core.zelmBinOtsuThresholdImage else (square, 100)
+    with pytest.raises(core.ZelmParamError, match="leaves the image"):
+        core.zelmBinOtsuThresholdImage(square, region)
+    with pytest.raises(core.ZelmParamError, match="leaves the image"):
+        core.zelmBinBlob(square, 100, region)
+    for call in (core.zelmBinBinaryImage, *MORPHOLOGY):
         with pytest.raises(core.ZelmParamError, match="leaves the image"):
-            call(*arguments, tRegion=region)
+            call(square, 100, region)
+        big = np.zeros((1000, 1000), np.uint8)  # inside the source, outside the destination
+        with pytest.raises(core.ZelmParamError, match="leaves the image of 60 x 40"):
+            call(big, 100, (500, 500, 20, 20), tDst=square)
 
 
 def testBlobsAreCopied(square):

@@ -10,6 +10,12 @@ from hypothesis import strategies as st
 
 from zelm import core
 
+GRAY = np.zeros((480, 640), np.uint8)
+REMAPS = (
+    ("zelmCstmDrovnRemapImage", GRAY),
+    ("zelmCstmDrovnRemapImage_vImagePlanar8", GRAY),
+    ("zelmCstmDrovnRemapImage_vImageARGB8888", np.repeat(GRAY[:, :, None], 4, axis=2)),
+)
 quick = settings(max_examples=25, deadline=None)
 
 
@@ -207,8 +213,18 @@ def testExpandedImagesMapsAndRemapAgree(handle):
     assert left == pytest.approx(1.8, rel=0.1) and right == pytest.approx(1.8, rel=0.1)
     for wrong in (width + 1, 0):
         maps.iWidth = wrong
+        for call, source in REMAPS:
+            with pytest.raises(core.ZelmParamError, match="mapX"):
+                getattr(core, call)(maps, source)
         with pytest.raises(core.ZelmParamError, match="mapX"):
-            core.zelmCstmDrovnRemapImage(maps, image)
+            core.zelmCstmDrovnMakeHomImageMap(handle, "L", destination, expansion, maps)
+    maps = core.zelmCstmDrovnMakeHomImageMap(handle, "L", destination, expansion)
+    for call, source in REMAPS:
+        with pytest.raises(core.ZelmParamError, match="share"):
+            getattr(core, call)(maps, source, source)
+    maps.mapX = None
+    with pytest.raises(core.ZelmParamError, match="mapX has no array"):
+        core.zelmCstmDrovnRemapImage(maps, image)
 
 
 def testMagnifiedImages(handle):

@@ -74,6 +74,17 @@ def testTypesAreThoseOfThePrototype(name):
             assert item.dims[-1] == base[5], item.name
 
 
+@pytest.mark.parametrize("name", [n for n in TABLE if not parse(TABLE[n]).custom])
+def testArgumentsAndResultsAreInTheOrderOfC(name):
+    entry = parse(TABLE[name])
+    order = [argument.rsplit(" ", 1)[1] for argument in CORE[name][1:]]
+    for items in ([i for i in entry.arguments if i.expression is None], [i for i in entry.results if i.name in order]):
+        places = [order.index(item.name) for item in items]
+        assert places == sorted(places)
+    own = [item.expression for item in entry.results]
+    assert "return" not in own[1:]
+
+
 def testReturnValueOfEveryFunctionHasAPlace():
     for name, entry in ((name, parse(text)) for name, text in TABLE.items()):
         if CORE[name][0] == "double":

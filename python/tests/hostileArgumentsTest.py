@@ -205,13 +205,18 @@ def testEveryFunctionRefusesObjectsInPlaceOfItsArguments(name):
 def testMapsBeyondTheDestinationAreRefused():
     image, maps = np.zeros((9, 9), np.uint8), np.zeros((4, 5), np.float32)
     assert core.remapImage_8uC1(image, maps, maps, iX0=3, iX1=2).shape == (4, 5)
+    colour = np.zeros((9, 9, 4), np.uint8)
     for box in (dict(iX1=5), dict(iY1=4), dict(iX0=-1), dict(iY0=-1)):
         with pytest.raises(core.ZelmParamError, match="leaves the destination"):
             core.remapImage_8uC1(image, maps, maps, **box)
+        with pytest.raises(core.ZelmParamError, match="leaves the destination"):
+            core.remapImage_8uC4(colour, maps, maps, **box)
     with pytest.raises(TypeError, match="round"):
         core.remapImage_8uC1(image, maps.astype(float), maps)
     with pytest.raises(core.ZelmParamError, match="share"):
         core.remapImage_8uC1(image[:4], *[np.zeros((9, 9), np.float32)] * 2, ucDst=image)
+    with pytest.raises(core.ZelmParamError, match="share"):
+        core.remapImage_8uC4(colour[:4], *[np.zeros((9, 9), np.float32)] * 2, ucDst=colour)
 
 
 def testErrorsArePickledWithAllTheyHold():
@@ -227,3 +232,14 @@ def testResultsArePickled():
     result = core.zelmMatSVD(np.eye(2))
     again = pickle.loads(pickle.dumps(result))
     assert type(again) is type(result) and np.array_equal(again.daW, result.daW)
+
+
+def testErrorsSpeakTheWordsOfTheHeader():
+    with pytest.raises(core.ZelmError) as caught:
+        core.zelmClp2dLineTwoPoints((1, 1), (1, 1))
+    error = caught.value
+    assert (error.status, error.name, error.function) == (-100, "ZELM_ERR_DEGENERATE", "zelmClp2dLineTwoPoints")
+    assert "Degenerate geometry or data" in str(error) and "closer than 1e-14" in str(error)
+    with pytest.raises(core.ZelmError, match="Too few usable points for a fit") as caught:
+        core.zelmFitMean1dim([1.0, np.nan, 2.0], 1, 3)
+    assert "residuals that are not numbers" in str(caught.value)

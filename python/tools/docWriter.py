@@ -9,6 +9,15 @@ from _coreTable import TABLE
 from _signature import Entry, Item, parse
 
 WIDTH = 100
+# Where the words of the header speak of what Python has no part in.
+IN_PYTHON = {
+    ("zelmBinBlob", "taBlobs"): "a record a blob, in the order of their labels, about that of their first rows",
+    ("zelm2ViewCalibOpen", "tHandle"): "the object",
+    ("zelm2ViewLoadCalibData", "tHandle"): "the object",
+    ("zelmCalibRodrigues", "daOut"): "the matrix, 3 x 3, for direction 0; the vector for direction 1",
+    ("zelmMatMallocVector", "daV"): "the vector; its `array` shows the memory",
+    ("zelmMatMallocMatrix", "daM"): "the matrix; its `array` shows the memory",
+}
 DTYPES = {"f8": "float64", "f4": "float32", "i4": "int32", "u4": "uint32", "u1": "uint8"}
 
 
@@ -103,7 +112,11 @@ def defaultWords(item: Item) -> str:
     return "a record of zeros" if text.endswith("()") else text.strip("()")
 
 
-def describe(function: Function, entry: Entry) -> str:
+def _hanging(text: str) -> List[str]:
+    return textwrap.wrap(text, WIDTH, initial_indent="    ", subsequent_indent="        ", break_on_hyphens=False)
+
+
+def describe(function: Function, entry: Entry, words: Dict[str, str]) -> str:
     comment = Comment(function.doc)
     parts = [comment.prose()]
     lines = []
@@ -125,7 +138,10 @@ def describe(function: Function, entry: Entry) -> str:
         if item.limit:
             kind += ", as many entries as there are"
         lines += [f"{item.name} : {kind}"]
-        text = comment.returns if own else comment.parameters.get(item.name, "")
+        text = comment.parameters.get(item.name, "")
+        if own:
+            text = re.split(r"(?:[;,.]| or)* ZELM_ERR", comment.returns)[0]
+        text = IN_PYTHON.get((function.name, item.name), text)
         lines += wrap(text, "    ") if text else []
     if lines:
         title = "Returns\n-------\n"
@@ -133,9 +149,9 @@ def describe(function: Function, entry: Entry) -> str:
             title += f"{function.name}Result : named tuple of\n"
             lines = ["    " + line for line in lines]
         parts.append(title + "\n".join(lines))
-    if "ZELM_ERR" in comment.returns or function.returns == "int32_t":
-        text = f"With the status that the library returned: {comment.returns}" if comment.returns else ""
-        parts.append("Raises\n------\nZelmError\n" + "\n".join(wrap(text, "    ")))
+    if words:
+        lines = [line for name, text in words.items() for line in _hanging(f"{name}: {text}".rstrip(": "))]
+        parts.append("Raises\n------\nZelmError\n" + "\n".join(lines))
     notes = [*comment.notes, "In C: " + prototype(function)]
     parts.append("Notes\n-----\n" + "\n\n".join("\n".join(wrap(note)) for note in notes))
     return "\n\n".join(part for part in parts if part)
@@ -152,11 +168,16 @@ def clauses(text: str) -> Dict[str, str]:
     for index, match in enumerate(starts):
         end = starts[index + 1].start() if index + 1 < len(starts) else len(text)
         name = match.group(1)
-        words = text[match.end() : end].strip(" ;:,.")
-        words = re.sub(r"[;,]? (or|and)$", "", words).strip(" ;:,.")
-        if name.startswith("ZELM_ERR") and words:
-            found[name] = found[name] + "; " + words if name in found else words
+        words = re.split(r"\. (?=[A-Z])", text[match.end() : end])[0].strip(" ;:,.")
+        words = re.sub(r"(^|[;,]? )(or|and)$", "", words).strip(" ;:,.")
+        if name.startswith("ZELM_ERR"):
+            found[name] = "; ".join(part for part in (found.get(name), words) if part)
     return found
+
+
+def _merged(own: str, shared: str) -> str:
+    """A function's own words, behind the shared ones where they say "also"."""
+    return f"{shared}; {own}" if shared and own.startswith("also") else own or shared
 
 
 def statusWords(headers: Headers) -> Dict[str, Dict[str, str]]:
@@ -169,11 +190,11 @@ def statusWords(headers: Headers) -> Dict[str, Dict[str, str]]:
         if "all fits share" in text or "as of the other fits" in text:
             shared = Comment(headers.fileDocs["fit"]).returns
             for status, words in clauses(shared).items():
-                found.setdefault(status, words)
+                found[status] = _merged(found.get(status, ""), words)
         for other in re.findall(r"as (?:of )?(zelm\w+)", text):
             if other in functions and other not in seen:
                 for status, words in of(other, (*seen, other)).items():
-                    found.setdefault(status, words)
+                    found[status] = _merged(found.get(status, ""), words)
         return found
 
     return {name: of(name, (name,)) for name in functions}
@@ -196,11 +217,14 @@ def writeDocs(headers: Headers) -> str:
     text += "".join(_entry(name, words) for name, words in statusComments(headers).items())
     text += "}\n\n# What each function says of its statuses.\nWORDS = {\n"
     for name, words in statusWords(headers).items():
-        if words:
-            text += f'    "{name}": {{\n' + "".join(_entry(k, v, "        ") for k, v in words.items()) + "    },\n"
+        told = {status: text_ for status, text_ in words.items() if text_}
+        if told:
+            text += f'    "{name}": {{\n' + "".join(_entry(k, v, "        ") for k, v in told.items()) + "    },\n"
     text += "}\n\nDOCS = {\n"
+    words_ = statusWords(headers)
     for function in headers.functions:
-        text += f'    "{function.name}": {literal(describe(function, parse(TABLE[function.name])))},\n'
+        doc = describe(function, parse(TABLE[function.name]), words_[function.name])
+        text += f'    "{function.name}": {literal(doc)},\n'
     return text + "}\n"
 
 

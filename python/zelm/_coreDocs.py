@@ -149,7 +149,7 @@ WORDS = {
         "ZELM_ERR_MEMORY": (
             "(ZELM_ERR_CALIB_HOMOGRAPHY when memory runs out within the refinement of a homography)"
         ),
-        "ZELM_ERR_SVD_FAILED": "from the start value of a pose. Nothing is written on failure",
+        "ZELM_ERR_SVD_FAILED": "from the start value of a pose",
     },
     "zelmCgSortByArgument": {
         "ZELM_ERR_PARAM": "when iN < 2 or a pointer is NULL",
@@ -228,7 +228,7 @@ WORDS = {
     "zelmClp3dVerticalLinePointAndLine": {
         "ZELM_ERR_DEGENERATE": (
             "when the direction is shorter than 1e-14 or P is closer than 1e-14 to its foot, that is on "
-            "the line. A P that is on the line only up to rounding may give a line of arbitrary direction"
+            "the line"
         ),
     },
     "zelmClp3dDistancePointToLine": {
@@ -266,8 +266,7 @@ WORDS = {
     "zelmClp3dAngleLineAndPlane": {
         "ZELM_ERR_DEGENERATE": (
             "when the direction or the normal is shorter than 1e-14, or when direction . normal is below "
-            "1e-14 and normal . point + d is above 1e-14. Both tests are signed, so that some lines are "
-            "refused in one direction and accepted in the other: `docs/decisions.md#signed-line-plane`"
+            "1e-14 and normal . point + d is above 1e-14"
         ),
     },
     "zelmClp3dIntersectionTwoPlanes": {
@@ -297,10 +296,7 @@ WORDS = {
             "that is not positive, markers < 1, polarity other than 0 or 1, an image size < 1, a model "
             "other than 0, 1 or 2"
         ),
-        "ZELM_ERR_MEMORY": (
-            "the object cannot be had, or its calibration block would exceed 2^31 - 1 bytes. On failure "
-            "the handle stays NULL"
-        ),
+        "ZELM_ERR_MEMORY": "the object cannot be had, or its calibration block would exceed 2^31 - 1 bytes",
     },
     "zelm2ViewGetCalibDataSize": {
         "ZELM_ERR_PARAM": "NULL handle, or a loaded block whose n gives no size that an int32 can hold",
@@ -310,7 +306,6 @@ WORDS = {
     },
     "zelm2ViewLoadCalibData": {
         "ZELM_ERR_PARAM": "size < 1, a NULL pointer, a live handle",
-        "ZELM_ERR_MEMORY": "On failure the handle stays NULL",
     },
     "zelm2ViewGetCamHomMat": {
         "ZELM_ERR_PARAM": "a NULL pointer, another camera",
@@ -351,8 +346,9 @@ WORDS = {
     },
     "zelm2ViewReadPtnImg_vImagePlanar8": {
         "ZELM_ERR_PARAM": (
-            "also for two NULL buffers, a buffer without data, of another size, or with rows shorter than "
-            "its width"
+            "(nothing is read): a NULL handle or image that is needed, a loaded object, a view outside "
+            "0..n - 1, a region that is empty or leaves its image; also for two NULL buffers, a buffer "
+            "without data, of another size, or with rows shorter than its width"
         ),
         "ZELM_ERR_MEMORY": "also when a packed copy cannot be had",
         "ZELM_ERR_PATTERN_PLATE": "no blob covers a twentieth of the image, or the image is of one gray level",
@@ -371,8 +367,9 @@ WORDS = {
     },
     "zelm2ViewReadPtnImg_vImageARGB8888": {
         "ZELM_ERR_PARAM": (
-            "also for two NULL buffers, a buffer without data, of another size, or with rows shorter than "
-            "its width"
+            "(nothing is read): a NULL handle or image that is needed, a loaded object, a view outside "
+            "0..n - 1, a region that is empty or leaves its image; also for two NULL buffers, a buffer "
+            "without data, of another size, or with rows shorter than its width"
         ),
         "ZELM_ERR_MEMORY": "also when a packed copy cannot be had",
         "ZELM_ERR_PATTERN_PLATE": "no blob covers a twentieth of the image, or the image is of one gray level",
@@ -549,10 +546,6 @@ WORDS = {
             "when the line misses the region, touches it in one point, runs along its border or is not "
             "finite, and when memory fails while it is clipped"
         ),
-        "ZELM_ERR_MEMORY": (
-            "A positive result, the number of points in which the line crosses the region's border, means "
-            "that the segment between them has no pixel: success without a match, nothing is written"
-        ),
     },
     "zelmCstmDrovnSearchOnEpiLine_vImagePlanar8": {
         "ZELM_ERR_PARAM": (
@@ -563,10 +556,6 @@ WORDS = {
         "ZELM_ERR_DEGENERATE": (
             "when the line misses the region, touches it in one point, runs along its border or is not "
             "finite, and when memory fails while it is clipped"
-        ),
-        "ZELM_ERR_MEMORY": (
-            "A positive result, the number of points in which the line crosses the region's border, means "
-            "that the segment between them has no pixel: success without a match, nothing is written"
         ),
     },
     "zelmEdge1dDiffMax": {
@@ -625,7 +614,11 @@ WORDS = {
         ),
     },
     "zelmEdge1dManual": {
-        "ZELM_ERR_PARAM": "also when tParam is NULL or its selector is outside 0..4",
+        "ZELM_ERR_PARAM": (
+            "image, its pixels, a point or an output is NULL; width or height < 1; iSign outside -1..1; a "
+            "point is not finite, or the segment is 2^31 pixels long or longer; also when tParam is NULL "
+            "or its selector is outside 0..4"
+        ),
         "ZELM_ERR_DEGENERATE": "the two points are equal, or no sample of the segment lies inside the image",
         "ZELM_ERR_MEMORY": (
             "a work buffer could not be allocated, or the window of the filter leaves the profile (only "
@@ -699,7 +692,10 @@ WORDS = {
         ),
     },
     "zelmFitEllipse": {
-        "ZELM_ERR_FIT_DATA": "also when a robust fit leaves fewer than 5 points with weight",
+        "ZELM_ERR_FIT_DATA": (
+            "every point was rejected, or a robust fit met residuals that are not numbers; also when a "
+            "robust fit leaves fewer than 5 points with weight"
+        ),
         "ZELM_ERR_FIT_NOT_ELLIPSE": "the best conic is no ellipse",
         "ZELM_ERR_SINGULAR": "degenerate points",
         "ZELM_ERR_PARAM": (
@@ -712,7 +708,10 @@ WORDS = {
         ),
     },
     "zelmFitEllipseC": {
-        "ZELM_ERR_FIT_DATA": "also when a robust fit leaves fewer than 5 points with weight",
+        "ZELM_ERR_FIT_DATA": (
+            "every point was rejected, or a robust fit met residuals that are not numbers; also when a "
+            "robust fit leaves fewer than 5 points with weight"
+        ),
         "ZELM_ERR_FIT_NOT_ELLIPSE": "the best conic is no ellipse",
         "ZELM_ERR_SINGULAR": "degenerate points",
         "ZELM_ERR_PARAM": (
@@ -725,7 +724,10 @@ WORDS = {
         ),
     },
     "zelmFitConics": {
-        "ZELM_ERR_FIT_DATA": "also when a robust fit leaves fewer than 5 points with weight",
+        "ZELM_ERR_FIT_DATA": (
+            "every point was rejected, or a robust fit met residuals that are not numbers; also when a "
+            "robust fit leaves fewer than 5 points with weight"
+        ),
         "ZELM_ERR_PARAM": (
             "(nothing allocated): fewer points than the least number, NULL points or result, iRobust "
             "other than 0 and 1, a robust fit with a threshold that is not > 0"
@@ -748,7 +750,10 @@ WORDS = {
         ),
     },
     "zelmFitEllipsoid": {
-        "ZELM_ERR_FIT_DATA": "also when a robust fit leaves fewer than 9 points with weight",
+        "ZELM_ERR_FIT_DATA": (
+            "every point was rejected, or a robust fit met residuals that are not numbers; also when a "
+            "robust fit leaves fewer than 9 points with weight"
+        ),
         "ZELM_ERR_FIT_NOT_ELLIPSOID": "the best quadric is no ellipsoid",
         "ZELM_ERR_SINGULAR": "degenerate points",
         "ZELM_ERR_PARAM": (
@@ -761,7 +766,10 @@ WORDS = {
         ),
     },
     "zelmFitCone": {
-        "ZELM_ERR_FIT_DATA": "also when a robust fit leaves fewer than 9 points with weight",
+        "ZELM_ERR_FIT_DATA": (
+            "every point was rejected, or a robust fit met residuals that are not numbers; also when a "
+            "robust fit leaves fewer than 9 points with weight"
+        ),
         "ZELM_ERR_FIT_NOT_CONE": (
             "the determinant of the quadratic part is below 1e-12 in the normalised frame (cylinders, "
             "planes), or its eigenvalues are all of one sign (ellipsoids)"
@@ -799,8 +807,7 @@ WORDS = {
     },
     "zelmMatCholeskyDecomp": {
         "ZELM_ERR_NOT_POSITIVE_DEFINITE": (
-            "if a diagonal term A(k, k) - sum U(i, k)^2 is below 1e-11 or not a number. The threshold is "
-            "absolute: scale a matrix of small entries up first"
+            "if a diagonal term A(k, k) - sum U(i, k)^2 is below 1e-11 or not a number"
         ),
     },
     "zelmMatSVD": {
@@ -814,11 +821,11 @@ WORDS = {
         ),
     },
     "zelmMatSolveSVD": {
-        "ZELM_ERR_SVD_FAILED": "as zelmMatSVD",
         "ZELM_ERR_MEMORY": (
             "the outputs then either untouched or, if only the sort lacked memory, holding the unsorted "
             "decomposition"
         ),
+        "ZELM_ERR_SVD_FAILED": "as zelmMatSVD",
     },
     "zelmMatJacobiEigen": {
         "ZELM_ERR_MEMORY": "nothing written",
@@ -833,11 +840,7 @@ WORDS = {
             "an unknown mode, iN < 2, a NULL pointer, a robust mode with a threshold that is not > 0"
         ),
         "ZELM_ERR_DEGENERATE": (
-            "a robust mode rejected every point, or a minimax mode met a circle that is not finite. "
-            "Points that are not finite, or whose squares are not, end in ZELM_ERR_DEGENERATE from modes "
-            "2 to 5 and in a result that means nothing from 0 and 1. Memory: three numbers a point in "
-            "modes 2 and 3, one point a point in modes 4 and 5. Time: O(iN) a pass, O(iN log iN) a circle "
-            "of the minimax modes"
+            "a robust mode rejected every point, or a minimax mode met a circle that is not finite"
         ),
     },
     "zelmMatchPoints": {
@@ -856,25 +859,16 @@ WORDS = {
         "ZELM_ERR_DEGENERATE": "if iN is below 2",
     },
     "zelmMathCrossPoint": {
-        "ZELM_ERR_DEGENERATE": (
-            "nothing written, if b1 a2 - a1 b2 is degenerate (parallel lines). The coefficients are not "
-            "normalised first"
-        ),
+        "ZELM_ERR_DEGENERATE": "nothing written, if b1 a2 - a1 b2 is degenerate (parallel lines)",
     },
     "zelmMathGetLineFrom2Points": {
         "ZELM_ERR_DEGENERATE": "nothing written, if the distance is degenerate",
     },
     "zelmMathAutoCorrelation": {
-        "ZELM_ERR_DEGENERATE": (
-            "if iN or iM is below 1 or iM above iN. Where the work memory of iN + iM doubles cannot be "
-            "obtained"
-        ),
+        "ZELM_ERR_DEGENERATE": "if iN or iM is below 1 or iM above iN",
     },
     "zelmMathNormAutoCorrelation": {
-        "ZELM_ERR_DEGENERATE": (
-            "if iN or iM is below 1 or iM above iN. Where the work memory of iN + iM doubles cannot be "
-            "obtained"
-        ),
+        "ZELM_ERR_DEGENERATE": "if iN or iM is below 1 or iM above iN",
     },
     "zelmMathSearchOf1DWithNormCorrelation": {
         "ZELM_ERR_DEGENERATE": "if iN is below iM",
@@ -908,13 +902,12 @@ uaHistogram : array of uint32, shape (iBins,)
 Returns
 -------
 iThreshold : int
-    the threshold, >= 1, or ZELM_ERR_PARAM: iBins < 1 or a NULL histogram
+    the threshold, >= 1
 
 Raises
 ------
 ZelmError
-    With the status that the library returned: the threshold, >= 1, or ZELM_ERR_PARAM: iBins < 1 or
-    a NULL histogram
+    ZELM_ERR_PARAM: iBins < 1 or a NULL histogram
 
 Notes
 -----
@@ -933,13 +926,12 @@ tRegion : ZelmRect, default all of tImage
 Returns
 -------
 iThreshold : int
-    the threshold, 1 to 255, or ZELM_ERR_PARAM: a NULL pointer
+    the threshold, 1 to 255
 
 Raises
 ------
 ZelmError
-    With the status that the library returned: the threshold, 1 to 255, or ZELM_ERR_PARAM: a NULL
-    pointer
+    ZELM_ERR_PARAM: a NULL pointer
 
 Notes
 -----
@@ -957,13 +949,12 @@ daValues : array of float64, shape (iCount,)
 Returns
 -------
 iThreshold : int
-    the threshold, 1 to 255, or ZELM_ERR_PARAM: iCount < 1 or NULL values
+    the threshold, 1 to 255
 
 Raises
 ------
 ZelmError
-    With the status that the library returned: the threshold, 1 to 255, or ZELM_ERR_PARAM: iCount <
-    1 or NULL values
+    ZELM_ERR_PARAM: iCount < 1 or NULL values
 
 Notes
 -----
@@ -995,9 +986,8 @@ tDst : array of uint8, shape (height, width)
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK, or ZELM_ERR_PARAM with nothing written: a
-    NULL pointer, a source width or height below 1, a negative region size, or a region that ends
-    beyond the destination
+    ZELM_ERR_PARAM: with nothing written: a NULL pointer, a source width or height below 1, a
+        negative region size, or a region that ends beyond the destination
 
 Notes
 -----
@@ -1031,10 +1021,9 @@ tDst : array of uint8, shape (height, width)
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK, or with nothing written: ZELM_ERR_PARAM: a
-    NULL pointer, iIterations < 1, a source or a region that is not wider and higher than
-    iIterations, or a region that ends beyond the destination; ZELM_ERR_MEMORY (one plane of the
-    region's size)
+    ZELM_ERR_PARAM: a NULL pointer, iIterations < 1, a source or a region that is not wider and
+        higher than iIterations, or a region that ends beyond the destination
+    ZELM_ERR_MEMORY: (one plane of the region's size)
 
 Notes
 -----
@@ -1067,7 +1056,9 @@ tDst : array of uint8, shape (height, width)
 Raises
 ------
 ZelmError
-    With the status that the library returned: as zelmBinDilation()
+    ZELM_ERR_PARAM: a NULL pointer, iIterations < 1, a source or a region that is not wider and
+        higher than iIterations, or a region that ends beyond the destination
+    ZELM_ERR_MEMORY: (one plane of the region's size)
 
 Notes
 -----
@@ -1100,9 +1091,8 @@ tDst : array of uint8, shape (height, width)
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK, or with nothing written: ZELM_ERR_PARAM as
-    of zelmBinDilation() or a region not at the origin; ZELM_ERR_MEMORY (two planes of the region's
-    size)
+    ZELM_ERR_PARAM: as of zelmBinDilation() or a region not at the origin
+    ZELM_ERR_MEMORY: (two planes of the region's size)
 
 Notes
 -----
@@ -1134,7 +1124,8 @@ tDst : array of uint8, shape (height, width)
 Raises
 ------
 ZelmError
-    With the status that the library returned: as zelmBinOpening()
+    ZELM_ERR_PARAM: as of zelmBinDilation() or a region not at the origin
+    ZELM_ERR_MEMORY: (two planes of the region's size)
 
 Notes
 -----
@@ -1176,16 +1167,15 @@ iMinArea : int, default 1
 Returns
 -------
 taBlobs : array of ZelmBlob, shape (iCount,)
-    NULL on entry; receives an array of *iCount records (room for at least one) in the order of
-    their labels, about that of their first rows; released with zelmBinFree()
+    a record a blob, in the order of their labels, about that of their first rows
 
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_PARAM with nothing written: a NULL
-    pointer, a size of image or region below 1, an option out of range, or *taBlobs not NULL;
+    ZELM_ERR_PARAM: with nothing written: a NULL pointer, a size of image or region below 1, an
+        option out of range, or *taBlobs not NULL
     ZELM_ERR_MEMORY: *taBlobs is then NULL or an array that the caller still releases with
-    zelmBinFree()
+        zelmBinFree()
 
 Notes
 -----
@@ -1231,8 +1221,7 @@ zelmCalibNormalizeDataResult : named tuple of
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_PARAM when iDim is neither 2 nor 3,
-    iN < 1, or daSrc or daDst is NULL, nothing written
+    ZELM_ERR_PARAM: when iDim is neither 2 nor 3, iN < 1, or daSrc or daDst is NULL, nothing written
 
 Notes
 -----
@@ -1277,11 +1266,11 @@ daH : array of float64, shape (3, 3)
 Raises
 ------
 ZelmError
-    With the status that the library returned: a count >= 2, the refinement's steps plus one; or
-    ZELM_ERR_PARAM: iN < 4 or a NULL pointer; ZELM_ERR_MEMORY: no memory for the copies of the
-    points or the linear system; ZELM_ERR_EIGEN_NOT_CONVERGED: the eigen-solver failed on the linear
-    system; ZELM_ERR_CALIB_NOT_CONVERGED: undetermined or identical points, points that are not
-    finite, a singular step, no memory during the refinement, or 100 steps without convergence
+    ZELM_ERR_PARAM: iN < 4 or a NULL pointer
+    ZELM_ERR_MEMORY: no memory for the copies of the points or the linear system
+    ZELM_ERR_EIGEN_NOT_CONVERGED: the eigen-solver failed on the linear system
+    ZELM_ERR_CALIB_NOT_CONVERGED: undetermined or identical points, points that are not finite, a
+        singular step, no memory during the refinement, or 100 steps without convergence
 
 Notes
 -----
@@ -1312,8 +1301,7 @@ daP : array of float64, shape (3, 4)
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_PARAM for another model or a NULL
-    pointer, nothing written
+    ZELM_ERR_PARAM: for another model or a NULL pointer, nothing written
 
 Notes
 -----
@@ -1347,8 +1335,7 @@ tP : Point2d
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_PARAM for another model or a NULL
-    pointer, nothing written
+    ZELM_ERR_PARAM: for another model or a NULL pointer, nothing written
 
 Notes
 -----
@@ -1383,8 +1370,7 @@ zelmCalibDistortPointResult : named tuple of
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_PARAM for a NULL pointer, nothing
-    written
+    ZELM_ERR_PARAM: for a NULL pointer, nothing written
 
 Notes
 -----
@@ -1421,9 +1407,8 @@ zelmCalibUnDistortPointResult : named tuple of
 Raises
 ------
 ZelmError
-    With the status that the library returned: the number of steps, 1 to 20; ZELM_ERR_PARAM for a
-    NULL pointer, nothing written; ZELM_ERR_UNDISTORT when a step's equations are singular or 20
-    steps do not converge
+    ZELM_ERR_PARAM: for a NULL pointer, nothing written
+    ZELM_ERR_UNDISTORT: when a step's equations are singular or 20 steps do not converge
 
 Notes
 -----
@@ -1453,12 +1438,12 @@ daRmat : array of float64, shape (3, 3), or None, default None
 Returns
 -------
 daOut : array of float64
+    the matrix, 3 x 3, for direction 0; the vector for direction 1
 
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_PARAM for another direction or a
-    NULL pointer, nothing written
+    ZELM_ERR_PARAM: for another direction or a NULL pointer, nothing written
 
 Notes
 -----
@@ -1525,15 +1510,17 @@ zelmCalibCameraParamResult : named tuple of
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_PARAM for a bad model, count of
-    views or pointer, checked in this order; ZELM_ERR_CALIB_HOMOGRAPHY when a view has fewer than 4
-    dots or NULL arrays, or its homography fails (dots on a line, values that are not finite);
-    ZELM_ERR_CALIB_ESTIMATE when the views do not determine a camera (all parallel, or too noisy for
-    their tilts) or, for model 2, a reference dot is missing or the three coincide in the image;
-    ZELM_ERR_CALIB_NOT_CONVERGED when the refinement takes more than 200 steps or a system of its is
-    singular; ZELM_ERR_MEMORY (ZELM_ERR_CALIB_HOMOGRAPHY when memory runs out within the refinement
-    of a homography); ZELM_ERR_SVD_FAILED from the start value of a pose. Nothing is written on
-    failure.
+    ZELM_ERR_PARAM: for a bad model, count of views or pointer, checked in this order
+    ZELM_ERR_CALIB_HOMOGRAPHY: when a view has fewer than 4 dots or NULL arrays, or its homography
+        fails (dots on a line, values that are not finite)
+    ZELM_ERR_CALIB_ESTIMATE: when the views do not determine a camera (all parallel, or too noisy
+        for their tilts) or, for model 2, a reference dot is missing or the three coincide in the
+        image
+    ZELM_ERR_CALIB_NOT_CONVERGED: when the refinement takes more than 200 steps or a system of its
+        is singular
+    ZELM_ERR_MEMORY: (ZELM_ERR_CALIB_HOMOGRAPHY when memory runs out within the refinement of a
+        homography)
+    ZELM_ERR_SVD_FAILED: from the start value of a pose
 
 Notes
 -----
@@ -1561,8 +1548,7 @@ taSorted : array of float64, shape (iN, 2)
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_PARAM when iN < 2 or a pointer is
-    NULL
+    ZELM_ERR_PARAM: when iN < 2 or a pointer is NULL
 
 Notes
 -----
@@ -1585,8 +1571,7 @@ taHull : array of float64, shape (iN, 2), as many entries as there are
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_PARAM when iN < 1 or a pointer is
-    NULL
+    ZELM_ERR_PARAM: when iN < 1 or a pointer is NULL
 
 Notes
 -----
@@ -1614,8 +1599,8 @@ zelmCgSmallestEnclosingCircleResult : named tuple of
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_PARAM when iN < 1 or a pointer is
-    NULL; ZELM_ERR_MEMORY
+    ZELM_ERR_PARAM: when iN < 1 or a pointer is NULL
+    ZELM_ERR_MEMORY
 
 Notes
 -----
@@ -1647,7 +1632,7 @@ zelmCgIntersectionOfTwoSegmentsResult : named tuple of
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_PARAM when a pointer is NULL
+    ZELM_ERR_PARAM: when a pointer is NULL
 
 Notes
 -----
@@ -1672,8 +1657,7 @@ iResult : int
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_PARAM when iN < 3 or a pointer is
-    NULL
+    ZELM_ERR_PARAM: when iN < 3 or a pointer is NULL
 
 Notes
 -----
@@ -1699,8 +1683,8 @@ taPoints : array of float64, shape (2, 2), as many entries as there are
 Raises
 ------
 ZelmError
-    With the status that the library returned: the number of points 0, 1 or 2; ZELM_ERR_PARAM when
-    iN < 2, a polygon or output pointer is NULL or the line's normal is shorter than 1e-13
+    ZELM_ERR_PARAM: when iN < 2, a polygon or output pointer is NULL or the line's normal is shorter
+        than 1e-13
 
 Notes
 -----
@@ -1728,8 +1712,7 @@ taPoints : array of float64, shape (2, 2), as many entries as there are
 Raises
 ------
 ZelmError
-    With the status that the library returned: the number of points 0, 1 or 2; ZELM_ERR_PARAM when
-    iN < 2 or a pointer is NULL
+    ZELM_ERR_PARAM: when iN < 2 or a pointer is NULL
 
 Notes
 -----
@@ -1793,8 +1776,7 @@ tLine : Line2d
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_DEGENERATE when the points are
-    closer than 1e-14
+    ZELM_ERR_DEGENERATE: when the points are closer than 1e-14
 
 Notes
 -----
@@ -1818,8 +1800,7 @@ tLine : Line2d
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_DEGENERATE when the points are
-    closer than 1e-14
+    ZELM_ERR_DEGENERATE: when the points are closer than 1e-14
 
 Notes
 -----
@@ -1845,8 +1826,7 @@ tOut : Line2d
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_DEGENERATE when the line's normal
-    is shorter than 1e-14
+    ZELM_ERR_DEGENERATE: when the line's normal is shorter than 1e-14
 
 Notes
 -----
@@ -1890,8 +1870,8 @@ tPoint : Point2d
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_DEGENERATE when a normal is shorter
-    than 1e-14, the lines are parallel, or the work memory of the linear solve could not be obtained
+    ZELM_ERR_DEGENERATE: when a normal is shorter than 1e-14, the lines are parallel, or the work
+        memory of the linear solve could not be obtained
 
 Notes
 -----
@@ -1916,8 +1896,8 @@ dAngle : float
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_DEGENERATE when a normal is shorter
-    than 1e-14 or the lines are parallel (angle below 1e-14) and more than 1e-14 apart
+    ZELM_ERR_DEGENERATE: when a normal is shorter than 1e-14 or the lines are parallel (angle below
+        1e-14) and more than 1e-14 apart
 
 Notes
 -----
@@ -1943,8 +1923,7 @@ tOut : Line2d
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_DEGENERATE when a normal is shorter
-    than 1e-14
+    ZELM_ERR_DEGENERATE: when a normal is shorter than 1e-14
 
 Notes
 -----
@@ -1969,8 +1948,7 @@ dDistance : float
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_DEGENERATE when the line's normal
-    is shorter than 1e-14
+    ZELM_ERR_DEGENERATE: when the line's normal is shorter than 1e-14
 
 Notes
 -----
@@ -1995,8 +1973,7 @@ tFoot : Point2d
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_DEGENERATE when the line's normal
-    is shorter than 1e-14 or the solve fails
+    ZELM_ERR_DEGENERATE: when the line's normal is shorter than 1e-14 or the solve fails
 
 Notes
 -----
@@ -2021,8 +1998,7 @@ tOut : Line2d
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_DEGENERATE when the line's normal
-    is shorter than 1e-14
+    ZELM_ERR_DEGENERATE: when the line's normal is shorter than 1e-14
 
 Notes
 -----
@@ -2093,8 +2069,7 @@ tCircle : Circle2d
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_DEGENERATE when the points are
-    collinear or coincide, or the solve fails
+    ZELM_ERR_DEGENERATE: when the points are collinear or coincide, or the solve fails
 
 Notes
 -----
@@ -2144,8 +2119,7 @@ zelmClp2dIntersectionLineAndCircleResult : named tuple of
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_DEGENERATE when the normal or the
-    radius is below 1e-14 or the line misses the circle
+    ZELM_ERR_DEGENERATE: when the normal or the radius is below 1e-14 or the line misses the circle
 
 Notes
 -----
@@ -2177,8 +2151,7 @@ zelmClp2dTangentPointToCircleResult : named tuple of
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_DEGENERATE when the radius is below
-    1e-14, P lies inside the circle, or a solve fails
+    ZELM_ERR_DEGENERATE: when the radius is below 1e-14, P lies inside the circle, or a solve fails
 
 Notes
 -----
@@ -2207,8 +2180,7 @@ zelmClp2dClosestToCircleResult : named tuple of
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_DEGENERATE when the radius is below
-    1e-14
+    ZELM_ERR_DEGENERATE: when the radius is below 1e-14
 
 Notes
 -----
@@ -2271,8 +2243,7 @@ tLine : Line3d
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_DEGENERATE when the points are
-    closer than 1e-14
+    ZELM_ERR_DEGENERATE: when the points are closer than 1e-14
 
 Notes
 -----
@@ -2296,8 +2267,7 @@ tFoot : Point3d
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_DEGENERATE when the direction is
-    shorter than 1e-14
+    ZELM_ERR_DEGENERATE: when the direction is shorter than 1e-14
 
 Notes
 -----
@@ -2322,9 +2292,8 @@ tOut : Line3d
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_DEGENERATE when the direction is
-    shorter than 1e-14 or P is closer than 1e-14 to its foot, that is on the line. A P that is on
-    the line only up to rounding may give a line of arbitrary direction
+    ZELM_ERR_DEGENERATE: when the direction is shorter than 1e-14 or P is closer than 1e-14 to its
+        foot, that is on the line
 
 Notes
 -----
@@ -2349,8 +2318,7 @@ dDistance : float
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_DEGENERATE when the direction is
-    shorter than 1e-14
+    ZELM_ERR_DEGENERATE: when the direction is shorter than 1e-14
 
 Notes
 -----
@@ -2376,8 +2344,7 @@ dDistance : float
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_DEGENERATE when a direction is
-    shorter than 1e-14
+    ZELM_ERR_DEGENERATE: when a direction is shorter than 1e-14
 
 Notes
 -----
@@ -2404,9 +2371,8 @@ tPlane : Plane3d
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_DEGENERATE when P2 or P3 is closer
-    than 1e-14 to P1, or (P2 - P1) x (P3 - P1), twice the area of the triangle, is shorter than
-    1e-14
+    ZELM_ERR_DEGENERATE: when P2 or P3 is closer than 1e-14 to P1, or (P2 - P1) x (P3 - P1), twice
+        the area of the triangle, is shorter than 1e-14
 
 Notes
 -----
@@ -2431,8 +2397,7 @@ tPlane : Plane3d
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_DEGENERATE when the normal is
-    shorter than 1e-14
+    ZELM_ERR_DEGENERATE: when the normal is shorter than 1e-14
 
 Notes
 -----
@@ -2457,8 +2422,7 @@ tLine : Line3d
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_DEGENERATE when the normal is
-    shorter than 1e-14
+    ZELM_ERR_DEGENERATE: when the normal is shorter than 1e-14
 
 Notes
 -----
@@ -2483,8 +2447,7 @@ dDistance : float
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_DEGENERATE when the normal is
-    shorter than 1e-14
+    ZELM_ERR_DEGENERATE: when the normal is shorter than 1e-14
 
 Notes
 -----
@@ -2509,9 +2472,8 @@ tPoint : Point3d
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_DEGENERATE when the direction or
-    the normal is shorter than 1e-14, or their dot product as given is below 1e-14 in magnitude
-    (line parallel to the plane or in it)
+    ZELM_ERR_DEGENERATE: when the direction or the normal is shorter than 1e-14, or their dot
+        product as given is below 1e-14 in magnitude (line parallel to the plane or in it)
 
 Notes
 -----
@@ -2537,8 +2499,8 @@ tFoot : Point3d
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_DEGENERATE when the normal is
-    shorter than 1e-7, not 1e-14 (`docs/decisions.md#raw-normal-foot`)
+    ZELM_ERR_DEGENERATE: when the normal is shorter than 1e-7, not 1e-14
+        (`docs/decisions.md#raw-normal-foot`)
 
 Notes
 -----
@@ -2563,10 +2525,8 @@ dAngle : float
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_DEGENERATE when the direction or
-    the normal is shorter than 1e-14, or when direction . normal is below 1e-14 and normal . point +
-    d is above 1e-14. Both tests are signed, so that some lines are refused in one direction and
-    accepted in the other: `docs/decisions.md#signed-line-plane`
+    ZELM_ERR_DEGENERATE: when the direction or the normal is shorter than 1e-14, or when direction .
+        normal is below 1e-14 and normal . point + d is above 1e-14
 
 Notes
 -----
@@ -2590,8 +2550,8 @@ tLine : Line3d
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_DEGENERATE when a normal, or the
-    cross product of the normals as given (parallel planes), is shorter than 1e-14
+    ZELM_ERR_DEGENERATE: when a normal, or the cross product of the normals as given (parallel
+        planes), is shorter than 1e-14
 
 Notes
 -----
@@ -2616,8 +2576,8 @@ dAngle : float
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_DEGENERATE when a normal is shorter
-    than 1e-14, or the planes are parallel (angle below 1e-14) and more than 1e-14 apart
+    ZELM_ERR_DEGENERATE: when a normal is shorter than 1e-14, or the planes are parallel (angle
+        below 1e-14) and more than 1e-14 apart
 
 Notes
 -----
@@ -2640,7 +2600,7 @@ tRect2 : ZelmRect2
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_PARAM when a pointer is NULL
+    ZELM_ERR_PARAM: when a pointer is NULL
 
 Notes
 -----
@@ -2662,7 +2622,7 @@ tRect : ZelmRect
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_PARAM when a pointer is NULL
+    ZELM_ERR_PARAM: when a pointer is NULL
 
 Notes
 -----
@@ -2709,8 +2669,7 @@ taPoints : array of int32, shape (pixelsOfLine(tP0, tP1), 2), as many entries as
 Raises
 ------
 ZelmError
-    With the status that the library returned: the number of pixels written; ZELM_ERR_PARAM when a
-    pointer is NULL
+    ZELM_ERR_PARAM: when a pointer is NULL
 
 Notes
 -----
@@ -2732,16 +2691,15 @@ tCameras : Zelm2ViewCameraDesc
 Returns
 -------
 tHandle : Zelm2ViewCalib
-    must hold NULL; receives the object
+    the object
 
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_PARAM, with nothing allocated:
-    views below 3, a NULL pointer, a live handle, a length of the plate that is not positive,
-    markers < 1, polarity other than 0 or 1, an image size < 1, a model other than 0, 1 or 2;
-    ZELM_ERR_MEMORY: the object cannot be had, or its calibration block would exceed 2^31 - 1 bytes.
-    On failure the handle stays NULL
+    ZELM_ERR_PARAM: with nothing allocated: views below 3, a NULL pointer, a live handle, a length
+        of the plate that is not positive, markers < 1, polarity other than 0 or 1, an image size <
+        1, a model other than 0, 1 or 2
+    ZELM_ERR_MEMORY: the object cannot be had, or its calibration block would exceed 2^31 - 1 bytes
 
 Notes
 -----
@@ -2761,14 +2719,12 @@ tHandle : Zelm2ViewCalib
 Returns
 -------
 iSize : int
-    n * 240 + 812; ZELM_ERR_PARAM: NULL handle, or a loaded block whose n gives no size that an
-    int32 can hold
+    n * 240 + 812
 
 Raises
 ------
 ZelmError
-    With the status that the library returned: n * 240 + 812; ZELM_ERR_PARAM: NULL handle, or a
-    loaded block whose n gives no size that an int32 can hold
+    ZELM_ERR_PARAM: NULL handle, or a loaded block whose n gives no size that an int32 can hold
 
 Notes
 -----
@@ -2790,8 +2746,7 @@ ucBuffer : bytes
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_PARAM: a NULL pointer, or a block
-    without a size
+    ZELM_ERR_PARAM: a NULL pointer, or a block without a size
 
 Notes
 -----
@@ -2809,13 +2764,13 @@ ucBuffer : bytes
 Returns
 -------
 tHandle : Zelm2ViewCalib
-    must hold NULL; receives the object
+    the object
 
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_PARAM: size < 1, a NULL pointer, a
-    live handle; ZELM_ERR_MEMORY. On failure the handle stays NULL
+    ZELM_ERR_PARAM: size < 1, a NULL pointer, a live handle
+    ZELM_ERR_MEMORY
 
 Notes
 -----
@@ -2857,8 +2812,7 @@ daOut : array of float64, shape (2, 3, 3)
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_PARAM: a NULL pointer, another
-    camera
+    ZELM_ERR_PARAM: a NULL pointer, another camera
 
 Notes
 -----
@@ -2881,7 +2835,7 @@ daOut : array of float64, shape (2, 3, 3)
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_PARAM: a NULL pointer
+    ZELM_ERR_PARAM: a NULL pointer
 
 Notes
 -----
@@ -2905,8 +2859,7 @@ tOut : ZelmCameraIntrinsics
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_PARAM: a NULL pointer, another
-    camera than 'L' or 'R'
+    ZELM_ERR_PARAM: a NULL pointer, another camera than 'L' or 'R'
 
 Notes
 -----
@@ -2934,8 +2887,7 @@ tOut : ZelmCameraExtrinsics
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_PARAM: a NULL pointer, a view
-    outside 0..n - 1, another camera than 'L' or 'R'
+    ZELM_ERR_PARAM: a NULL pointer, a view outside 0..n - 1, another camera than 'L' or 'R'
 
 Notes
 -----
@@ -2962,8 +2914,7 @@ iCount : int
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_PARAM: a NULL pointer, a loaded
-    object, a view outside 0..n - 1, another camera
+    ZELM_ERR_PARAM: a NULL pointer, a loaded object, a view outside 0..n - 1, another camera
 
 Notes
 -----
@@ -2991,8 +2942,7 @@ taOut : array of float64, shape (dots(tHandle, iCamera, iView), 2)
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_PARAM: a NULL pointer, a loaded
-    object, a view outside 0..n - 1, another camera
+    ZELM_ERR_PARAM: a NULL pointer, a loaded object, a view outside 0..n - 1, another camera
 
 Notes
 -----
@@ -3038,15 +2988,17 @@ tRegionRight : ZelmRect, or None, default None
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK, or of the first image that fails, the left
-    one being read first: ZELM_ERR_PARAM (nothing is read): a NULL handle or image that is needed, a
-    loaded object, a view outside 0..n - 1, a region that is empty or leaves its image;
+    ZELM_ERR_PARAM: (nothing is read): a NULL handle or image that is needed, a loaded object, a
+        view outside 0..n - 1, a region that is empty or leaves its image
     ZELM_ERR_PATTERN_PLATE: no blob covers a twentieth of the image, or the image is of one gray
-    level; ZELM_ERR_PATTERN: fewer dots than minDots after labelling, after dropping outliers or on
-    the grid, or fewer than 2 with an ellipse; ZELM_ERR_PATTERN_MARKERS: no mean dot area, not the
-    required number of dots of marker size, no right angle, axes that differ by more than 100
-    pixels; ZELM_ERR_PATTERN_GRID: the frame or the homography is singular, has too few dots, or d6
-    / d4 or d7 / d5 is not a number or above a million; ZELM_ERR_MEMORY
+        level
+    ZELM_ERR_PATTERN: fewer dots than minDots after labelling, after dropping outliers or on the
+        grid, or fewer than 2 with an ellipse
+    ZELM_ERR_PATTERN_MARKERS: no mean dot area, not the required number of dots of marker size, no
+        right angle, axes that differ by more than 100 pixels
+    ZELM_ERR_PATTERN_GRID: the frame or the homography is singular, has too few dots, or d6 / d4 or
+        d7 / d5 is not a number or above a million
+    ZELM_ERR_MEMORY
 
 Notes
 -----
@@ -3079,9 +3031,18 @@ tRegionRight : ZelmRect, or None, default None
 Raises
 ------
 ZelmError
-    With the status that the library returned: as zelm2ViewReadPtnImg; ZELM_ERR_PARAM also for two
-    NULL buffers, a buffer without data, of another size, or with rows shorter than its width;
-    ZELM_ERR_MEMORY also when a packed copy cannot be had
+    ZELM_ERR_PARAM: (nothing is read): a NULL handle or image that is needed, a loaded object, a
+        view outside 0..n - 1, a region that is empty or leaves its image; also for two NULL
+        buffers, a buffer without data, of another size, or with rows shorter than its width
+    ZELM_ERR_MEMORY: also when a packed copy cannot be had
+    ZELM_ERR_PATTERN_PLATE: no blob covers a twentieth of the image, or the image is of one gray
+        level
+    ZELM_ERR_PATTERN: fewer dots than minDots after labelling, after dropping outliers or on the
+        grid, or fewer than 2 with an ellipse
+    ZELM_ERR_PATTERN_MARKERS: no mean dot area, not the required number of dots of marker size, no
+        right angle, axes that differ by more than 100 pixels
+    ZELM_ERR_PATTERN_GRID: the frame or the homography is singular, has too few dots, or d6 / d4 or
+        d7 / d5 is not a number or above a million
 
 Notes
 -----
@@ -3111,7 +3072,18 @@ tRegionRight : ZelmRect, or None, default None
 Raises
 ------
 ZelmError
-    With the status that the library returned: as zelm2ViewReadPtnImg_vImagePlanar8
+    ZELM_ERR_PARAM: (nothing is read): a NULL handle or image that is needed, a loaded object, a
+        view outside 0..n - 1, a region that is empty or leaves its image; also for two NULL
+        buffers, a buffer without data, of another size, or with rows shorter than its width
+    ZELM_ERR_MEMORY: also when a packed copy cannot be had
+    ZELM_ERR_PATTERN_PLATE: no blob covers a twentieth of the image, or the image is of one gray
+        level
+    ZELM_ERR_PATTERN: fewer dots than minDots after labelling, after dropping outliers or on the
+        grid, or fewer than 2 with an ellipse
+    ZELM_ERR_PATTERN_MARKERS: no mean dot area, not the required number of dots of marker size, no
+        right angle, axes that differ by more than 100 pixels
+    ZELM_ERR_PATTERN_GRID: the frame or the homography is singular, has too few dots, or d6 / d4 or
+        d7 / d5 is not a number or above a million
 
 Notes
 -----
@@ -3152,11 +3124,12 @@ tResult : Zelm2ViewCalibResult
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_PARAM: a NULL pointer, a loaded
-    object, left model not 2 with right model 2; ZELM_ERR_STEREO_GEOMETRY: no fundamental matrix, as
-    for two cameras in the same place or a parallel camera whose scale is below about 3e-5 pixels a
-    plate unit; ZELM_ERR_CALIB_HOMOGRAPHY: no rectifying pair; codes of zelmCalibCameraParam (left
-    camera first) and of the matrix toolkit; ZELM_ERR_MEMORY
+    ZELM_ERR_PARAM: a NULL pointer, a loaded object, left model not 2 with right model 2
+    ZELM_ERR_STEREO_GEOMETRY: no fundamental matrix, as for two cameras in the same place or a
+        parallel camera whose scale is below about 3e-5 pixels a plate unit
+    ZELM_ERR_CALIB_HOMOGRAPHY: no rectifying pair; codes of zelmCalibCameraParam (left camera first)
+        and of the matrix toolkit
+    ZELM_ERR_MEMORY
 
 Notes
 -----
@@ -3187,9 +3160,10 @@ tOut : Point3d
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_PARAM for a NULL pointer or two
-    model-2 cameras; ZELM_ERR_UNDISTORT when a pixel's distortion cannot be removed;
-    ZELM_ERR_DEGENERATE when the linear system cannot be solved; ZELM_ERR_MEMORY
+    ZELM_ERR_PARAM: for a NULL pointer or two model-2 cameras
+    ZELM_ERR_UNDISTORT: when a pixel's distortion cannot be removed
+    ZELM_ERR_DEGENERATE: when the linear system cannot be solved
+    ZELM_ERR_MEMORY
 
 Notes
 -----
@@ -3216,8 +3190,7 @@ tOut : Point2d
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_PARAM for a NULL pointer or another
-    camera
+    ZELM_ERR_PARAM: for a NULL pointer or another camera
 
 Notes
 -----
@@ -3246,8 +3219,8 @@ tOut : Zelm2ViewEpiLine
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_PARAM for a NULL pointer or another
-    camera; ZELM_ERR_UNDISTORT when the pixel's distortion cannot be removed
+    ZELM_ERR_PARAM: for a NULL pointer or another camera
+    ZELM_ERR_UNDISTORT: when the pixel's distortion cannot be removed
 
 Notes
 -----
@@ -3276,8 +3249,8 @@ tOut : Zelm2ViewEpiLine
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_PARAM for a NULL pointer or another
-    camera; ZELM_ERR_DEGENERATE when the rectifying transform cannot be formed
+    ZELM_ERR_PARAM: for a NULL pointer or another camera
+    ZELM_ERR_DEGENERATE: when the rectifying transform cannot be formed
 
 Notes
 -----
@@ -3308,8 +3281,8 @@ ucDst : array of uint8, shape (height(tHandle, iCamera), width(tHandle, iCamera)
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_PARAM for a NULL pointer or another
-    camera; ZELM_ERR_DEGENERATE when the rectifying transform cannot be formed
+    ZELM_ERR_PARAM: for a NULL pointer or another camera
+    ZELM_ERR_DEGENERATE: when the rectifying transform cannot be formed
 
 Notes
 -----
@@ -3338,8 +3311,8 @@ tDst : array of uint8, shape (height, width, 4), in the order A, R, G, B
 Raises
 ------
 ZelmError
-    With the status that the library returned: as zelm2ViewMakeHomImage; also ZELM_ERR_PARAM when a
-    buffer has no data, a row longer than 2^31 - 1 bytes, or another size than the camera's image
+    ZELM_ERR_PARAM: for a NULL pointer or another camera
+    ZELM_ERR_DEGENERATE: when the rectifying transform cannot be formed
 
 Notes
 -----
@@ -3368,9 +3341,9 @@ tOut : Point2d
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_PARAM for a NULL pointer or another
-    camera; ZELM_ERR_DEGENERATE when the rectifying transform cannot be formed; ZELM_ERR_UNDISTORT
-    when the pixel's distortion cannot be removed
+    ZELM_ERR_PARAM: for a NULL pointer or another camera
+    ZELM_ERR_DEGENERATE: when the rectifying transform cannot be formed
+    ZELM_ERR_UNDISTORT: when the pixel's distortion cannot be removed
 
 Notes
 -----
@@ -3399,8 +3372,8 @@ tOut : Point2d
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_PARAM for a NULL pointer or another
-    camera; ZELM_ERR_DEGENERATE when the rectifying transform cannot be formed
+    ZELM_ERR_PARAM: for a NULL pointer or another camera
+    ZELM_ERR_DEGENERATE: when the rectifying transform cannot be formed
 
 Notes
 -----
@@ -3428,8 +3401,7 @@ ucDst : array of uint8, shape (height(tHandle, iCamera), width(tHandle, iCamera)
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_PARAM for a NULL pointer or another
-    camera
+    ZELM_ERR_PARAM: for a NULL pointer or another camera
 
 Notes
 -----
@@ -3457,8 +3429,7 @@ tDst : array of uint8, shape (height, width, 4), in the order A, R, G, B
 Raises
 ------
 ZelmError
-    With the status that the library returned: as zelm2ViewUnDistortImage; also ZELM_ERR_PARAM when
-    a buffer has no data, a row longer than 2^31 - 1 bytes, or another size than the camera's image
+    ZELM_ERR_PARAM: for a NULL pointer or another camera
 
 Notes
 -----
@@ -3485,8 +3456,7 @@ tOut : Point2d
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_PARAM for a NULL pointer or another
-    camera
+    ZELM_ERR_PARAM: for a NULL pointer or another camera
 
 Notes
 -----
@@ -3513,8 +3483,8 @@ tOut : Point2d
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK (never the count of Newton steps);
-    ZELM_ERR_PARAM for a NULL pointer or another camera; ZELM_ERR_UNDISTORT
+    ZELM_ERR_PARAM: for a NULL pointer or another camera
+    ZELM_ERR_UNDISTORT
 
 Notes
 -----
@@ -3554,8 +3524,7 @@ zelmCstmDrovnCalcMagnificationResult : named tuple of
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_PARAM when the handle or an output
-    is NULL
+    ZELM_ERR_PARAM: when the handle or an output is NULL
 
 Notes
 -----
@@ -3594,10 +3563,10 @@ zelmCstmDrovnCalcHomImgMemSizeResult : named tuple of
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_PARAM for a NULL pointer, a bad
-    region or another camera; ZELM_ERR_DEGENERATE when the homography cannot be formed, a corner is
-    carried to infinity or the size exceeds 32 bits; ZELM_ERR_UNDISTORT when a corner's distortion
-    cannot be removed
+    ZELM_ERR_PARAM: for a NULL pointer, a bad region or another camera
+    ZELM_ERR_DEGENERATE: when the homography cannot be formed, a corner is carried to infinity or
+        the size exceeds 32 bits
+    ZELM_ERR_UNDISTORT: when a corner's distortion cannot be removed
 
 Notes
 -----
@@ -3624,8 +3593,7 @@ tOut : Point2d
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_PARAM for a NULL pointer, a
-    negative size or dVal not >= 1
+    ZELM_ERR_PARAM: for a NULL pointer, a negative size or dVal not >= 1
 
 Notes
 -----
@@ -3654,9 +3622,9 @@ tOut : Point2d
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_PARAM for a NULL pointer or another
-    camera; ZELM_ERR_DEGENERATE when the homography cannot be formed; ZELM_ERR_UNDISTORT when the
-    pixel's distortion cannot be removed
+    ZELM_ERR_PARAM: for a NULL pointer or another camera
+    ZELM_ERR_DEGENERATE: when the homography cannot be formed
+    ZELM_ERR_UNDISTORT: when the pixel's distortion cannot be removed
 
 Notes
 -----
@@ -3687,7 +3655,9 @@ tOut : Point2d
 Raises
 ------
 ZelmError
-    With the status that the library returned: as zelmCstmDrovnChangeOrg2DtoHom2D
+    ZELM_ERR_PARAM: for a NULL pointer or another camera
+    ZELM_ERR_DEGENERATE: when the homography cannot be formed
+    ZELM_ERR_UNDISTORT: when the pixel's distortion cannot be removed
 
 Notes
 -----
@@ -3718,8 +3688,8 @@ tOut : Point2d
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_PARAM for a NULL pointer, a bad
-    expansion or another camera; ZELM_ERR_DEGENERATE when the homography cannot be formed
+    ZELM_ERR_PARAM: for a NULL pointer, a bad expansion or another camera
+    ZELM_ERR_DEGENERATE: when the homography cannot be formed
 
 Notes
 -----
@@ -3752,9 +3722,8 @@ tOut : Zelm2ViewEpiLine
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK, also when the line misses; ZELM_ERR_PARAM
-    for a NULL pointer, a bad expansion or another camera; ZELM_ERR_DEGENERATE when the homography
-    cannot be formed
+    ZELM_ERR_PARAM: for a NULL pointer, a bad expansion or another camera
+    ZELM_ERR_DEGENERATE: when the homography cannot be formed
 
 Notes
 -----
@@ -3788,8 +3757,8 @@ ucDst : array of uint8, shape (tHomPrm.iHeight, tHomPrm.iWidth)
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_PARAM for a NULL record or handle,
-    a bad expansion or another camera; ZELM_ERR_DEGENERATE when the homography cannot be formed
+    ZELM_ERR_PARAM: for a NULL record or handle, a bad expansion or another camera
+    ZELM_ERR_DEGENERATE: when the homography cannot be formed
 
 Notes
 -----
@@ -3821,8 +3790,8 @@ tDst : array of uint8, shape (height, width)
 Raises
 ------
 ZelmError
-    With the status that the library returned: as zelmCstmDrovnMakeHomImageExp; then ZELM_ERR_PARAM
-    when a buffer is NULL, has no data, a row longer than 2^31 - 1 bytes or another size
+    ZELM_ERR_PARAM: for a NULL record or handle, a bad expansion or another camera
+    ZELM_ERR_DEGENERATE: when the homography cannot be formed
 
 Notes
 -----
@@ -3854,7 +3823,8 @@ tDst : array of uint8, shape (height, width, 4), in the order A, R, G, B
 Raises
 ------
 ZelmError
-    With the status that the library returned: as zelmCstmDrovnMakeHomImageExp_vImagePlanar8
+    ZELM_ERR_PARAM: for a NULL record or handle, a bad expansion or another camera
+    ZELM_ERR_DEGENERATE: when the homography cannot be formed
 
 Notes
 -----
@@ -3887,8 +3857,8 @@ tMap : ZelmCstmHomMap
 Raises
 ------
 ZelmError
-    With the status that the library returned: as zelmCstmDrovnMakeHomImageExp; then ZELM_ERR_PARAM
-    when the map or one of its planes is NULL or its size negative
+    ZELM_ERR_PARAM: for a NULL record or handle, a bad expansion or another camera
+    ZELM_ERR_DEGENERATE: when the homography cannot be formed
 
 Notes
 -----
@@ -3916,8 +3886,8 @@ ucDst : array of uint8, shape (iDstHeight, iDstWidth)
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_PARAM when a pointer is NULL, a
-    size is not positive, or the box is not empty and reaches outside the maps or the destination
+    ZELM_ERR_PARAM: when a pointer is NULL, a size is not positive, or the box is not empty and
+        reaches outside the maps or the destination
 
 Notes
 -----
@@ -3944,8 +3914,8 @@ tDst : array of uint8, shape (height, width)
 Raises
 ------
 ZelmError
-    With the status that the library returned: as zelmCstmDrovnRemapImage; also ZELM_ERR_PARAM when
-    a buffer has no data or a row or size beyond 2^31 - 1
+    ZELM_ERR_PARAM: when a pointer is NULL, a size is not positive, or the box is not empty and
+        reaches outside the maps or the destination
 
 Notes
 -----
@@ -3972,7 +3942,8 @@ tDst : array of uint8, shape (height, width, 4), in the order A, R, G, B
 Raises
 ------
 ZelmError
-    With the status that the library returned: as zelmCstmDrovnRemapImage_vImagePlanar8
+    ZELM_ERR_PARAM: when a pointer is NULL, a size is not positive, or the box is not empty and
+        reaches outside the maps or the destination
 
 Notes
 -----
@@ -4004,8 +3975,7 @@ ucDst : array of uint8, shape (tExpPrm.iHeight, tExpPrm.iWidth)
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_PARAM for a NULL pointer, a
-    negative size, dVal not >= 1 or another camera
+    ZELM_ERR_PARAM: for a NULL pointer, a negative size, dVal not >= 1 or another camera
 
 Notes
 -----
@@ -4034,8 +4004,7 @@ tDst : array of uint8, shape (height, width)
 Raises
 ------
 ZelmError
-    With the status that the library returned: as zelmCstmDrovnExpandImage; also ZELM_ERR_PARAM when
-    a buffer has no data, a row longer than 2^31 - 1 bytes or another size
+    ZELM_ERR_PARAM: for a NULL pointer, a negative size, dVal not >= 1 or another camera
 
 Notes
 -----
@@ -4065,7 +4034,7 @@ tDst : array of uint8, shape (height, width, 4), in the order A, R, G, B
 Raises
 ------
 ZelmError
-    With the status that the library returned: as zelmCstmDrovnExpandImage_vImagePlanar8
+    ZELM_ERR_PARAM: for a NULL pointer, a negative size, dVal not >= 1 or another camera
 
 Notes
 -----
@@ -4091,9 +4060,9 @@ taPoints : array of int32, shape (max(tRect.width, tRect.height, 1), 2), as many
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_PARAM for a NULL pointer, a bad
-    rectangle or a line without direction; ZELM_ERR_DEGENERATE when the line does not cross the
-    rectangle in two points (also when it runs along a side), or crosses it beyond 2^30
+    ZELM_ERR_PARAM: for a NULL pointer, a bad rectangle or a line without direction
+    ZELM_ERR_DEGENERATE: when the line does not cross the rectangle in two points (also when it runs
+        along a side), or crosses it beyond 2^30
 
 Notes
 -----
@@ -4118,9 +4087,9 @@ tRef : ZelmCstmRefImg
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_PARAM when the record or its pixels
-    are NULL; ZELM_ERR_DEGENERATE when width * height or height is below 1, or the mask leaves a
-    pattern without pixels
+    ZELM_ERR_PARAM: when the record or its pixels are NULL
+    ZELM_ERR_DEGENERATE: when width * height or height is below 1, or the mask leaves a pattern
+        without pixels
 
 Notes
 -----
@@ -4146,9 +4115,9 @@ tRef : ZelmCstmRefImg
 Raises
 ------
 ZelmError
-    With the status that the library returned: as zelmCstmDrovnCalcBasicStatisticsOfRefImg; also
-    ZELM_ERR_PARAM when a buffer has no data, a width, height or row length beyond 2^31 - 1, or the
-    mask another size than the template
+    ZELM_ERR_PARAM: when the record or its pixels are NULL
+    ZELM_ERR_DEGENERATE: when width * height or height is below 1, or the mask leaves a pattern
+        without pixels
 
 Notes
 -----
@@ -4195,14 +4164,12 @@ taMatches : array of ZelmCstmMatch, shape (tPrm.maxResults,), as many entries as
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK, also without a match; ZELM_ERR_PARAM when a
-    pointer is NULL, a size, the anchor, the region, maxResults or the mode is out of range, or
-    without a search mask a mean or sigma is negative or not a number, or the line's normal is
-    shorter than 1e-13; ZELM_ERR_DEGENERATE when the line misses the region, touches it in one
-    point, runs along its border or is not finite, and when memory fails while it is clipped;
-    ZELM_ERR_MEMORY. A positive result, the number of points in which the line crosses the region's
-    border, means that the segment between them has no pixel: success without a match, nothing is
-    written.
+    ZELM_ERR_PARAM: when a pointer is NULL, a size, the anchor, the region, maxResults or the mode
+        is out of range, or without a search mask a mean or sigma is negative or not a number, or
+        the line's normal is shorter than 1e-13
+    ZELM_ERR_DEGENERATE: when the line misses the region, touches it in one point, runs along its
+        border or is not finite, and when memory fails while it is clipped
+    ZELM_ERR_MEMORY
 
 Notes
 -----
@@ -4236,9 +4203,12 @@ taMatches : array of ZelmCstmMatch, shape (tPrm.maxResults,), as many entries as
 Raises
 ------
 ZelmError
-    With the status that the library returned: as zelmCstmDrovnSearchOnEpiLine; also ZELM_ERR_PARAM
-    when a buffer has no data, a width, height or row length beyond 2^31 - 1, or a mask another size
-    than its image
+    ZELM_ERR_PARAM: when a pointer is NULL, a size, the anchor, the region, maxResults or the mode
+        is out of range, or without a search mask a mean or sigma is negative or not a number, or
+        the line's normal is shorter than 1e-13
+    ZELM_ERR_DEGENERATE: when the line misses the region, touches it in one point, runs along its
+        border or is not finite, and when memory fails while it is clipped
+    ZELM_ERR_MEMORY
 
 Notes
 -----
@@ -4268,12 +4238,7 @@ Returns
 -------
 zelmEdge1dDiffMaxResult : named tuple of
     iFound : int
-        1: an edge was found. 0: no edge satisfies the rule, or its derivative has no clear maximum.
-        ZELM_ERR_PARAM: image, its pixels, a point or an output is NULL; width or height < 1; iSign
-        outside -1..1; a point is not finite, or the segment is 2^31 pixels long or longer.
-        ZELM_ERR_DEGENERATE: the two points are equal, or no sample of the segment lies inside the
-        image. ZELM_ERR_MEMORY: a work buffer could not be allocated, or the window of the filter leaves
-        the profile (only with a filterSize other than 5 or 7).
+        1: an edge was found. 0: no edge satisfies the rule, or its derivative has no clear maximum
     tEdgePoint : Point2d
         position on the segment's line; written only on result 1
     dStrength : float
@@ -4282,12 +4247,11 @@ zelmEdge1dDiffMaxResult : named tuple of
 Raises
 ------
 ZelmError
-    With the status that the library returned: 1: an edge was found. 0: no edge satisfies the rule,
-    or its derivative has no clear maximum. ZELM_ERR_PARAM: image, its pixels, a point or an output
-    is NULL; width or height < 1; iSign outside -1..1; a point is not finite, or the segment is 2^31
-    pixels long or longer. ZELM_ERR_DEGENERATE: the two points are equal, or no sample of the
-    segment lies inside the image. ZELM_ERR_MEMORY: a work buffer could not be allocated, or the
-    window of the filter leaves the profile (only with a filterSize other than 5 or 7).
+    ZELM_ERR_PARAM: image, its pixels, a point or an output is NULL; width or height < 1; iSign
+        outside -1..1; a point is not finite, or the segment is 2^31 pixels long or longer
+    ZELM_ERR_DEGENERATE: the two points are equal, or no sample of the segment lies inside the image
+    ZELM_ERR_MEMORY: a work buffer could not be allocated, or the window of the filter leaves the
+        profile (only with a filterSize other than 5 or 7)
 
 Notes
 -----
@@ -4327,7 +4291,11 @@ zelmEdge1dGenDiffMaxResult : named tuple of
 Raises
 ------
 ZelmError
-    With the status that the library returned: as zelmEdge1dDiffMax
+    ZELM_ERR_PARAM: image, its pixels, a point or an output is NULL; width or height < 1; iSign
+        outside -1..1; a point is not finite, or the segment is 2^31 pixels long or longer
+    ZELM_ERR_DEGENERATE: the two points are equal, or no sample of the segment lies inside the image
+    ZELM_ERR_MEMORY: a work buffer could not be allocated, or the window of the filter leaves the
+        profile (only with a filterSize other than 5 or 7)
 
 Notes
 -----
@@ -4361,7 +4329,11 @@ zelmEdge1dGenNearestResult : named tuple of
 Raises
 ------
 ZelmError
-    With the status that the library returned: as zelmEdge1dDiffMax
+    ZELM_ERR_PARAM: image, its pixels, a point or an output is NULL; width or height < 1; iSign
+        outside -1..1; a point is not finite, or the segment is 2^31 pixels long or longer
+    ZELM_ERR_DEGENERATE: the two points are equal, or no sample of the segment lies inside the image
+    ZELM_ERR_MEMORY: a work buffer could not be allocated, or the window of the filter leaves the
+        profile (only with a filterSize other than 5 or 7)
 
 Notes
 -----
@@ -4396,7 +4368,11 @@ zelmEdge1dGenGradMaxResult : named tuple of
 Raises
 ------
 ZelmError
-    With the status that the library returned: as zelmEdge1dDiffMax
+    ZELM_ERR_PARAM: image, its pixels, a point or an output is NULL; width or height < 1; iSign
+        outside -1..1; a point is not finite, or the segment is 2^31 pixels long or longer
+    ZELM_ERR_DEGENERATE: the two points are equal, or no sample of the segment lies inside the image
+    ZELM_ERR_MEMORY: a work buffer could not be allocated, or the window of the filter leaves the
+        profile (only with a filterSize other than 5 or 7)
 
 Notes
 -----
@@ -4431,7 +4407,11 @@ zelmEdge1dGenNearestCResult : named tuple of
 Raises
 ------
 ZelmError
-    With the status that the library returned: as zelmEdge1dDiffMax
+    ZELM_ERR_PARAM: image, its pixels, a point or an output is NULL; width or height < 1; iSign
+        outside -1..1; a point is not finite, or the segment is 2^31 pixels long or longer
+    ZELM_ERR_DEGENERATE: the two points are equal, or no sample of the segment lies inside the image
+    ZELM_ERR_MEMORY: a work buffer could not be allocated, or the window of the filter leaves the
+        profile (only with a filterSize other than 5 or 7)
 
 Notes
 -----
@@ -4459,7 +4439,7 @@ Returns
 -------
 zelmEdge1dManualResult : named tuple of
     iFound : int
-        as zelmEdge1dDiffMax; ZELM_ERR_PARAM also when tParam is NULL or its selector is outside 0..4
+        as zelmEdge1dDiffMax
     tEdgePoint : Point2d
         the edge
     dStrength : float
@@ -4468,8 +4448,12 @@ zelmEdge1dManualResult : named tuple of
 Raises
 ------
 ZelmError
-    With the status that the library returned: as zelmEdge1dDiffMax; ZELM_ERR_PARAM also when tParam
-    is NULL or its selector is outside 0..4
+    ZELM_ERR_PARAM: image, its pixels, a point or an output is NULL; width or height < 1; iSign
+        outside -1..1; a point is not finite, or the segment is 2^31 pixels long or longer; also
+        when tParam is NULL or its selector is outside 0..4
+    ZELM_ERR_DEGENERATE: the two points are equal, or no sample of the segment lies inside the image
+    ZELM_ERR_MEMORY: a work buffer could not be allocated, or the window of the filter leaves the
+        profile (only with a filterSize other than 5 or 7)
 
 Notes
 -----
@@ -4496,7 +4480,12 @@ dResult : float
 Raises
 ------
 ZelmError
-    With the status that the library returned: the statuses that all fits share
+    ZELM_ERR_PARAM: (nothing allocated): fewer points than the least number, NULL points or result,
+        iRobust other than 0 and 1, a robust fit with a threshold that is not > 0
+    ZELM_ERR_MEMORY
+    ZELM_ERR_FIT_DATA: every point was rejected, or a robust fit met residuals that are not numbers
+    ZELM_ERR_EIGEN_NOT_CONVERGED: (not of means and circles): points that are not finite; of lines
+        and planes also points that all coincide, or of which only coinciding ones keep a weight
 
 Notes
 -----
@@ -4523,7 +4512,12 @@ tResult : Point2d
 Raises
 ------
 ZelmError
-    With the status that the library returned: the statuses that all fits share
+    ZELM_ERR_PARAM: (nothing allocated): fewer points than the least number, NULL points or result,
+        iRobust other than 0 and 1, a robust fit with a threshold that is not > 0
+    ZELM_ERR_MEMORY
+    ZELM_ERR_FIT_DATA: every point was rejected, or a robust fit met residuals that are not numbers
+    ZELM_ERR_EIGEN_NOT_CONVERGED: (not of means and circles): points that are not finite; of lines
+        and planes also points that all coincide, or of which only coinciding ones keep a weight
 
 Notes
 -----
@@ -4550,7 +4544,12 @@ tResult : Point3d
 Raises
 ------
 ZelmError
-    With the status that the library returned: the statuses that all fits share
+    ZELM_ERR_PARAM: (nothing allocated): fewer points than the least number, NULL points or result,
+        iRobust other than 0 and 1, a robust fit with a threshold that is not > 0
+    ZELM_ERR_MEMORY
+    ZELM_ERR_FIT_DATA: every point was rejected, or a robust fit met residuals that are not numbers
+    ZELM_ERR_EIGEN_NOT_CONVERGED: (not of means and circles): points that are not finite; of lines
+        and planes also points that all coincide, or of which only coinciding ones keep a weight
 
 Notes
 -----
@@ -4580,7 +4579,12 @@ tResult : Line2d
 Raises
 ------
 ZelmError
-    With the status that the library returned: the statuses that all fits share
+    ZELM_ERR_PARAM: (nothing allocated): fewer points than the least number, NULL points or result,
+        iRobust other than 0 and 1, a robust fit with a threshold that is not > 0
+    ZELM_ERR_MEMORY
+    ZELM_ERR_FIT_DATA: every point was rejected, or a robust fit met residuals that are not numbers
+    ZELM_ERR_EIGEN_NOT_CONVERGED: (not of means and circles): points that are not finite; of lines
+        and planes also points that all coincide, or of which only coinciding ones keep a weight
 
 Notes
 -----
@@ -4608,7 +4612,12 @@ daResult : array of float64, shape (2, 3)
 Raises
 ------
 ZelmError
-    With the status that the library returned: the statuses that all fits share
+    ZELM_ERR_PARAM: (nothing allocated): fewer points than the least number, NULL points or result,
+        iRobust other than 0 and 1, a robust fit with a threshold that is not > 0
+    ZELM_ERR_MEMORY
+    ZELM_ERR_FIT_DATA: every point was rejected, or a robust fit met residuals that are not numbers
+    ZELM_ERR_EIGEN_NOT_CONVERGED: (not of means and circles): points that are not finite; of lines
+        and planes also points that all coincide, or of which only coinciding ones keep a weight
 
 Notes
 -----
@@ -4636,7 +4645,12 @@ daResult : array of float64, shape (4,)
 Raises
 ------
 ZelmError
-    With the status that the library returned: the statuses that all fits share
+    ZELM_ERR_PARAM: (nothing allocated): fewer points than the least number, NULL points or result,
+        iRobust other than 0 and 1, a robust fit with a threshold that is not > 0
+    ZELM_ERR_MEMORY
+    ZELM_ERR_FIT_DATA: every point was rejected, or a robust fit met residuals that are not numbers
+    ZELM_ERR_EIGEN_NOT_CONVERGED: (not of means and circles): points that are not finite; of lines
+        and planes also points that all coincide, or of which only coinciding ones keep a weight
 
 Notes
 -----
@@ -4673,9 +4687,15 @@ tResult : Ellipse2d
 Raises
 ------
 ZelmError
-    With the status that the library returned: the statuses that all fits share; ZELM_ERR_FIT_DATA
-    also when a robust fit leaves fewer than 5 points with weight; ZELM_ERR_FIT_NOT_ELLIPSE: the
-    best conic is no ellipse; ZELM_ERR_SINGULAR: degenerate points
+    ZELM_ERR_FIT_DATA: every point was rejected, or a robust fit met residuals that are not numbers;
+        also when a robust fit leaves fewer than 5 points with weight
+    ZELM_ERR_FIT_NOT_ELLIPSE: the best conic is no ellipse
+    ZELM_ERR_SINGULAR: degenerate points
+    ZELM_ERR_PARAM: (nothing allocated): fewer points than the least number, NULL points or result,
+        iRobust other than 0 and 1, a robust fit with a threshold that is not > 0
+    ZELM_ERR_MEMORY
+    ZELM_ERR_EIGEN_NOT_CONVERGED: (not of means and circles): points that are not finite; of lines
+        and planes also points that all coincide, or of which only coinciding ones keep a weight
 
 Notes
 -----
@@ -4705,7 +4725,15 @@ daResult : array of float64, shape (6,)
 Raises
 ------
 ZelmError
-    With the status that the library returned: as zelmFitEllipse()
+    ZELM_ERR_FIT_DATA: every point was rejected, or a robust fit met residuals that are not numbers;
+        also when a robust fit leaves fewer than 5 points with weight
+    ZELM_ERR_FIT_NOT_ELLIPSE: the best conic is no ellipse
+    ZELM_ERR_SINGULAR: degenerate points
+    ZELM_ERR_PARAM: (nothing allocated): fewer points than the least number, NULL points or result,
+        iRobust other than 0 and 1, a robust fit with a threshold that is not > 0
+    ZELM_ERR_MEMORY
+    ZELM_ERR_EIGEN_NOT_CONVERGED: (not of means and circles): points that are not finite; of lines
+        and planes also points that all coincide, or of which only coinciding ones keep a weight
 
 Notes
 -----
@@ -4734,8 +4762,13 @@ daResult : array of float64, shape (6,)
 Raises
 ------
 ZelmError
-    With the status that the library returned: the statuses that all fits share; ZELM_ERR_FIT_DATA
-    also when a robust fit leaves fewer than 5 points with weight
+    ZELM_ERR_FIT_DATA: every point was rejected, or a robust fit met residuals that are not numbers;
+        also when a robust fit leaves fewer than 5 points with weight
+    ZELM_ERR_PARAM: (nothing allocated): fewer points than the least number, NULL points or result,
+        iRobust other than 0 and 1, a robust fit with a threshold that is not > 0
+    ZELM_ERR_MEMORY
+    ZELM_ERR_EIGEN_NOT_CONVERGED: (not of means and circles): points that are not finite; of lines
+        and planes also points that all coincide, or of which only coinciding ones keep a weight
 
 Notes
 -----
@@ -4767,9 +4800,13 @@ tResult : Circle2d
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_PARAM as of the other fits, and for
-    points on one line or in one place, or that are not finite; ZELM_ERR_MEMORY; ZELM_ERR_FIT_DATA:
-    fewer than 3 independent points kept weight, or memory ran out, in the robust loop
+    ZELM_ERR_PARAM: as of the other fits, and for points on one line or in one place, or that are
+        not finite
+    ZELM_ERR_MEMORY
+    ZELM_ERR_FIT_DATA: fewer than 3 independent points kept weight, or memory ran out, in the robust
+        loop
+    ZELM_ERR_EIGEN_NOT_CONVERGED: (not of means and circles): points that are not finite; of lines
+        and planes also points that all coincide, or of which only coinciding ones keep a weight
 
 Notes
 -----
@@ -4804,9 +4841,15 @@ tResult : Ellipsoid3d
 Raises
 ------
 ZelmError
-    With the status that the library returned: the statuses that all fits share; ZELM_ERR_FIT_DATA
-    also when a robust fit leaves fewer than 9 points with weight; ZELM_ERR_FIT_NOT_ELLIPSOID: the
-    best quadric is no ellipsoid; ZELM_ERR_SINGULAR: degenerate points
+    ZELM_ERR_FIT_DATA: every point was rejected, or a robust fit met residuals that are not numbers;
+        also when a robust fit leaves fewer than 9 points with weight
+    ZELM_ERR_FIT_NOT_ELLIPSOID: the best quadric is no ellipsoid
+    ZELM_ERR_SINGULAR: degenerate points
+    ZELM_ERR_PARAM: (nothing allocated): fewer points than the least number, NULL points or result,
+        iRobust other than 0 and 1, a robust fit with a threshold that is not > 0
+    ZELM_ERR_MEMORY
+    ZELM_ERR_EIGEN_NOT_CONVERGED: (not of means and circles): points that are not finite; of lines
+        and planes also points that all coincide, or of which only coinciding ones keep a weight
 
 Notes
 -----
@@ -4840,10 +4883,15 @@ daResult : array of float64, shape (10,)
 Raises
 ------
 ZelmError
-    With the status that the library returned: the statuses that all fits share; ZELM_ERR_FIT_DATA
-    also when a robust fit leaves fewer than 9 points with weight; ZELM_ERR_FIT_NOT_CONE: the
-    determinant of the quadratic part is below 1e-12 in the normalised frame (cylinders, planes), or
-    its eigenvalues are all of one sign (ellipsoids)
+    ZELM_ERR_FIT_DATA: every point was rejected, or a robust fit met residuals that are not numbers;
+        also when a robust fit leaves fewer than 9 points with weight
+    ZELM_ERR_FIT_NOT_CONE: the determinant of the quadratic part is below 1e-12 in the normalised
+        frame (cylinders, planes), or its eigenvalues are all of one sign (ellipsoids)
+    ZELM_ERR_PARAM: (nothing allocated): fewer points than the least number, NULL points or result,
+        iRobust other than 0 and 1, a robust fit with a threshold that is not > 0
+    ZELM_ERR_MEMORY
+    ZELM_ERR_EIGEN_NOT_CONVERGED: (not of means and circles): points that are not finite; of lines
+        and planes also points that all coincide, or of which only coinciding ones keep a weight
 
 Notes
 -----
@@ -4871,9 +4919,8 @@ tDst : array of uint8, shape (height, width)
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_PARAM, nothing written, if a
-    pointer is NULL, the source is empty, data is missing in either buffer, or the widths or heights
-    differ
+    ZELM_ERR_PARAM: nothing written, if a pointer is NULL, the source is empty, data is missing in
+        either buffer, or the widths or heights differ
 
 Notes
 -----
@@ -5019,6 +5066,7 @@ iN : int
 Returns
 -------
 daV : ZelmVector
+    the vector; its `array` shows the memory
 
 Notes
 -----
@@ -5051,6 +5099,7 @@ iCols : int
 Returns
 -------
 daM : ZelmMatrix
+    the matrix; its `array` shows the memory
 
 Notes
 -----
@@ -5235,7 +5284,7 @@ daC : array of float64, shape (iM, iP)
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK, or ZELM_ERR_DEGENERATE if iN != iNB
+    ZELM_ERR_DEGENERATE: if iN != iNB
 
 Notes
 -----
@@ -5266,7 +5315,7 @@ daD : array of float64, shape (iM, iP)
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK, or ZELM_ERR_DEGENERATE if iN != iNB
+    ZELM_ERR_DEGENERATE: if iN != iNB
 
 Notes
 -----
@@ -5313,8 +5362,7 @@ daC : array of float64, shape ((iN if iFlag else iM), (iQ if iFlag else iP))
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK, or ZELM_ERR_DEGENERATE if iN != iQ (flag 0)
-    or iM != iP (otherwise)
+    ZELM_ERR_DEGENERATE: if iN != iQ (flag 0) or iM != iP (otherwise)
 
 Notes
 -----
@@ -5342,10 +5390,10 @@ daAinv : array of float64, shape (iN, iN)
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_MEMORY; ZELM_ERR_SINGULAR if a row
-    holds only zeros, a pivot is exactly zero, the product of all pivots is exactly zero
-    (deliberately also when it merely underflows, as for diag(1e-200, 1e-200)), or an entry of A is
-    not finite
+    ZELM_ERR_MEMORY
+    ZELM_ERR_SINGULAR: if a row holds only zeros, a pivot is exactly zero, the product of all pivots
+        is exactly zero (deliberately also when it merely underflows, as for diag(1e-200, 1e-200)),
+        or an entry of A is not finite
 
 Notes
 -----
@@ -5369,7 +5417,8 @@ daX : array of float64, shape (iN,)
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK, ZELM_ERR_MEMORY or ZELM_ERR_SINGULAR
+    ZELM_ERR_MEMORY
+    ZELM_ERR_SINGULAR
 
 Notes
 -----
@@ -5393,9 +5442,8 @@ daU : array of float64, shape (iN, iN)
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_NOT_POSITIVE_DEFINITE if a diagonal
-    term A(k, k) - sum U(i, k)^2 is below 1e-11 or not a number. The threshold is absolute: scale a
-    matrix of small entries up first
+    ZELM_ERR_NOT_POSITIVE_DEFINITE: if a diagonal term A(k, k) - sum U(i, k)^2 is below 1e-11 or not
+        a number
 
 Notes
 -----
@@ -5429,11 +5477,11 @@ zelmMatSVDResult : named tuple of
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK, at once if all outputs are NULL;
-    ZELM_ERR_SVD_FAILED with nothing written if iM < iN; ZELM_ERR_SVD_FAILED with partly written
-    outputs if a value needs more than 29 QR steps (`docs/decisions.md#svd-pass-30`), or if an entry
-    of A or a value is not finite; ZELM_ERR_MEMORY, the outputs then either untouched or, if only
-    the sort lacked memory, holding the unsorted decomposition
+    ZELM_ERR_SVD_FAILED: with nothing written if iM < iN; with partly written outputs if a value
+        needs more than 29 QR steps (`docs/decisions.md#svd-pass-30`), or if an entry of A or a
+        value is not finite
+    ZELM_ERR_MEMORY: the outputs then either untouched or, if only the sort lacked memory, holding
+        the unsorted decomposition
 
 Notes
 -----
@@ -5463,8 +5511,9 @@ daX : array of float64, shape (iN,)
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK, ZELM_ERR_MEMORY, or ZELM_ERR_SVD_FAILED as
-    zelmMatSVD
+    ZELM_ERR_MEMORY: the outputs then either untouched or, if only the sort lacked memory, holding
+        the unsorted decomposition
+    ZELM_ERR_SVD_FAILED: as zelmMatSVD
 
 Notes
 -----
@@ -5499,10 +5548,10 @@ zelmMatJacobiEigenResult : named tuple of
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK, at once if both outputs are NULL;
-    ZELM_ERR_MEMORY, nothing written; ZELM_ERR_EIGEN_NOT_CONVERGED after 100 sweeps (also of the
-    zero matrix), or at once if S is not finite (entries that are not finite, or above about 1e154
-    unless the matrix is diagonal): values are not written, vectors hold the rotations made so far
+    ZELM_ERR_MEMORY: nothing written
+    ZELM_ERR_EIGEN_NOT_CONVERGED: after 100 sweeps (also of the zero matrix), or at once if S is not
+        finite (entries that are not finite, or above about 1e154 unless the matrix is diagonal):
+        values are not written, vectors hold the rotations made so far
 
 Notes
 -----
@@ -5550,13 +5599,11 @@ tResult : ZelmMatchPose
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_MATCH_EXACT from a robust mode when k
-    is below 1e-13; ZELM_ERR_PARAM: an unknown mode, iN < 2, a NULL pointer, a robust mode with a
-    threshold that is not > 0; ZELM_ERR_MEMORY; ZELM_ERR_DEGENERATE: a robust mode rejected every
-    point, or a minimax mode met a circle that is not finite. Points that are not finite, or whose
-    squares are not, end in ZELM_ERR_DEGENERATE from modes 2 to 5 and in a result that means nothing
-    from 0 and 1. Memory: three numbers a point in modes 2 and 3, one point a point in modes 4 and
-    5. Time: O(iN) a pass, O(iN log iN) a circle of the minimax modes
+    ZELM_ERR_PARAM: an unknown mode, iN < 2, a NULL pointer, a robust mode with a threshold that is
+        not > 0
+    ZELM_ERR_MEMORY
+    ZELM_ERR_DEGENERATE: a robust mode rejected every point, or a minimax mode met a circle that is
+        not finite
 
 Notes
 -----
@@ -5588,8 +5635,7 @@ zelmMatchPointsResult : named tuple of
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_PARAM when iN < 2 or a pointer is
-    NULL
+    ZELM_ERR_PARAM: when iN < 2 or a pointer is NULL
 
 Notes
 -----
@@ -5621,7 +5667,7 @@ zelmMatchDeltaResult : named tuple of
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_PARAM when a pointer is NULL
+    ZELM_ERR_PARAM: when a pointer is NULL
 
 Notes
 -----
@@ -5716,8 +5762,7 @@ daV : array of float64, shape (iN,)
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK, or ZELM_ERR_DEGENERATE if the length is
-    degenerate (or iN below 1)
+    ZELM_ERR_DEGENERATE: if the length is degenerate (or iN below 1)
 
 Notes
 -----
@@ -5742,8 +5787,7 @@ dAngle : float
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK, or ZELM_ERR_DEGENERATE if a length is
-    degenerate
+    ZELM_ERR_DEGENERATE: if a length is degenerate
 
 Notes
 -----
@@ -5770,7 +5814,7 @@ zelmMathStatResult : named tuple of
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK, or ZELM_ERR_DEGENERATE if iN is below 2
+    ZELM_ERR_DEGENERATE: if iN is below 2
 
 Notes
 -----
@@ -6124,12 +6168,6 @@ Returns
 iSame : int
     1 or 0; 0 if an argument is not a number or an angle not finite
 
-Raises
-------
-ZelmError
-    With the status that the library returned: 1 or 0; 0 if an argument is not a number or an angle
-    not finite
-
 Notes
 -----
 In C: int32_t zelmMathCheckAngle(double dA, double dB, double dTolerance)
@@ -6273,8 +6311,7 @@ zelmMathCrossPointResult : named tuple of
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK, or ZELM_ERR_DEGENERATE, nothing written, if
-    b1 a2 - a1 b2 is degenerate (parallel lines). The coefficients are not normalised first
+    ZELM_ERR_DEGENERATE: nothing written, if b1 a2 - a1 b2 is degenerate (parallel lines)
 
 Notes
 -----
@@ -6309,8 +6346,7 @@ zelmMathGetLineFrom2PointsResult : named tuple of
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK, or ZELM_ERR_DEGENERATE, nothing written, if
-    the distance is degenerate
+    ZELM_ERR_DEGENERATE: nothing written, if the distance is degenerate
 
 Notes
 -----
@@ -6521,9 +6557,7 @@ daOut : array of float64, shape (iM,)
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_DEGENERATE if iN or iM is below 1
-    or iM above iN. Where the work memory of iN + iM doubles cannot be obtained: ZELM_OK with
-    nothing written (`docs/decisions.md#no-memory-status-math`)
+    ZELM_ERR_DEGENERATE: if iN or iM is below 1 or iM above iN
 
 Notes
 -----
@@ -6548,8 +6582,7 @@ daOut : array of float64, shape (iM,)
 Raises
 ------
 ZelmError
-    With the status that the library returned: as zelmMathAutoCorrelation, ZELM_OK with nothing
-    written where there is no memory
+    ZELM_ERR_DEGENERATE: if iN or iM is below 1 or iM above iN
 
 Notes
 -----
@@ -6578,7 +6611,7 @@ zelmMathSearchOf1DWithNormCorrelationResult : named tuple of
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_DEGENERATE if iN is below iM
+    ZELM_ERR_DEGENERATE: if iN is below iM
 
 Notes
 -----
@@ -6604,9 +6637,8 @@ dThreshold : float
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_DEGENERATE if iN is below 1, a
-    pointer is NULL, or the work memory cannot be obtained
-    (`docs/decisions.md#no-memory-status-math`)
+    ZELM_ERR_DEGENERATE: if iN is below 1, a pointer is NULL, or the work memory cannot be obtained
+        (`docs/decisions.md#no-memory-status-math`)
 
 Notes
 -----
@@ -6632,11 +6664,6 @@ Returns
 -------
 daRoots : array of float64, shape (2,), as many entries as there are
     2
-
-Raises
-------
-ZelmError
-    With the status that the library returned: 0, 1 or 2
 
 Notes
 -----
@@ -6667,11 +6694,6 @@ Returns
 daRoots : array of float64, shape (3,), as many entries as there are
     3, all written unless the result is 0
 
-Raises
-------
-ZelmError
-    With the status that the library returned: 0, 1 or 3
-
 Notes
 -----
 In C: int32_t zelmMathCubicRoots(const double* daCoef, double* daRoots)
@@ -6701,11 +6723,6 @@ Returns
 -------
 daRoots : array of float64, shape (4,), as many entries as there are
     4
-
-Raises
-------
-ZelmError
-    With the status that the library returned: 0 to 4
 
 Notes
 -----
@@ -6754,8 +6771,8 @@ zelmMathGetDistFromPointToEllipseResult : named tuple of
 Raises
 ------
 ZelmError
-    With the status that the library returned: ZELM_OK; ZELM_ERR_DEGENERATE when no nearest point is
-    found: the quartic has fewer than 2 roots, or none of them gives a point nearer than 1e7
+    ZELM_ERR_DEGENERATE: when no nearest point is found: the quartic has fewer than 2 roots, or none
+        of them gives a point nearer than 1e7
 
 Notes
 -----
