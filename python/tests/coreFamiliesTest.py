@@ -11,7 +11,8 @@ from hypothesis.extra import numpy as arrays
 from zelm import core
 
 ULPS = 1e-12  # relative error of a few dozen operations in doubles, with room
-numbers = st.floats(-100, 100)
+# Down to 1e-6: what the decompositions do with entries that are 1e300 times smaller than others is not asked here.
+numbers = st.floats(-100, 100).map(lambda x: round(x, 6))
 points2 = st.tuples(numbers, numbers)
 quick = settings(max_examples=25, deadline=None)
 

@@ -115,6 +115,8 @@ def testSmallHelpers(square):
     argb[:, :, 1:] = 255, 0, 100
     assert (core.zelmConvertColorToGray_vImageARGB8888toPlanar8(argb) == (77 * 255 + 29 * 100) >> 8).all()
     walked = core.zelmCstmDrovnGetPixelOnEpiLine((0, 0, 5, 5), (0, 1, -2))
+    for rectangle, line in (((0, 0, 9, 3), (0, 1, -1)), ((0, 0, 3, 9), (1, 0, -1))):
+        assert len(core.zelmCstmDrovnGetPixelOnEpiLine(rectangle, line)) == 9
     assert sorted(walked.tolist()) == [[x, 2] for x in range(5)]
 
 
