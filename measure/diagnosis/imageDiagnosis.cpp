@@ -235,6 +235,9 @@ ZelmMeasureImageCause causeOfGaps(const ImageEvidence& e, const Pattern& plate) 
     if (e.lattice.dots.empty() || e.read >= describedDots(plate) || !e.traits.markers.isFrame) {
         return ZELM_MEASURE_IMAGE_FINE;
     }
+    if (isOtherFrame(e.traits.markers, plate)) {
+        return ZELM_MEASURE_IMAGE_MARKER_DISTANCE;  // read by every second dot, or so, and they at wrong places
+    }
     PlaceTraits certain = places;
     certain.hidden = std::max(places.inner, places.highlights);
     return causeOfPlaces(certain, 1);

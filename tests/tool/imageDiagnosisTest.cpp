@@ -171,6 +171,9 @@ TEST_F(ImageDiagnosis, PlateFilesThatContradictTheImage) {
     expectDiagnosis(image, {"63 dark dots found, but no bright ones", "\"dark\""}, plateWith("polarity", "bright"));
     expectDiagnosis(image, {"63 dots found, but the x marker stands 2 pitches away", "the plate file says 3"},
                     plateWith("markerDistanceX", 30));
+    // With twice the distance the reader finds a grid, of every second column.
+    const std::string twice = plateWith("markerDistanceX", 40);
+    expectDiagnosis(image, {"63 dots found, but the x marker stands 2 pitches away", "the plate file says 4"}, twice);
     expectDiagnosis(image, {"the markers are 1.7", "times as large as the dots, the plate file says 2.4"},
                     plateWith("markerDiameter", 9.7));
     expectDiagnosis(image, {"63 dots in 9 columns and 7 rows found, fewer than 100"}, plateWith("minDots", 100));

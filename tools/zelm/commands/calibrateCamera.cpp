@@ -116,6 +116,9 @@ private:
         if (reading.status < 0) {
             return skippedView({image, {}}, {troubleOf(*picture, image, plate, region)});
         }
+        if (auto misread = misreadingOf(*picture, image, plate, region, reading.dots.size())) {
+            return skippedView({image, {}}, {std::move(*misread)});
+        }
         if (reading.dots.size() < kFewestDots) {
             return {{image, {}},
                     fmt::format("{}: only {} dots have a place on the plate's grid: is it this plate's file?",

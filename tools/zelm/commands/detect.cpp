@@ -38,6 +38,9 @@ std::vector<Dot> detect(const Picture& picture, const Plate& plate, const Detect
     if (reading.status < 0) {
         failImage(troubleOf(picture, options.image, plate, region));
     }
+    if (auto misread = misreadingOf(picture, options.image, plate, region, reading.dots.size())) {
+        failImage(std::move(*misread));
+    }
     std::vector<Dot> dots = reading.dots;
     if (const std::int64_t lost = reading.found - static_cast<std::int64_t>(dots.size()); lost > 0) {
         failData("{}: {} of {} dots have no place on the grid: do pitch and marker distances in {} fit the plate?",

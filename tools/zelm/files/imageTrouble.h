@@ -40,6 +40,11 @@ ImageTrouble troubleOf(const Picture& picture, const std::filesystem::path& imag
 std::optional<ImageTrouble> gapsOf(const Picture& picture, const std::filesystem::path& image, const Plate& plate,
                                    const std::optional<ZelmRect>& region);
 
+// Of an image that is read with so many dots, but by a grid that is not the plate's: markers that stand other pitches
+// apart than described give one to part of the dots. Looks at the image only where a third of the dots is missing.
+std::optional<ImageTrouble> misreadingOf(const Picture& picture, const std::filesystem::path& image, const Plate& plate,
+                                         const std::optional<ZelmRect>& region, std::size_t dots);
+
 // Troubles of one cause are told once: "a.png, b.png and 7 more: ...". The first of the causes that have the most
 // images stands first.
 struct TroubleGroup {

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <string>
+#include <tuple>
 #include <utility>
 
 #include "dots.h"
@@ -117,7 +118,25 @@ private:
             zelm2ViewReadPtnImg(reading.calib.get(), static_cast<std::int32_t>(reading.used.size()), images,
                                 settings.leftRegion ? &*settings.leftRegion : nullptr,
                                 settings.rightRegion ? &*settings.rightRegion : nullptr);
-        return status < 0 ? whySkipped(files, status, left, right) : SkippedView{};
+        return status < 0 ? whySkipped(files, status, left, right) : whyMisread(files, left, right);
+    }
+
+    // Nothing for images that are read right.
+    SkippedView whyMisread(const ViewFiles& files, const ViewImage& left, const ViewImage& right) const {
+        std::vector<ImageTrouble> troubles;
+        const auto slot = static_cast<std::int32_t>(reading.used.size());
+        for (const auto& [side, image, region] :
+             {std::tuple{'L', &left, &settings.leftRegion}, std::tuple{'R', &right, &settings.rightRegion}}) {
+            std::int32_t dots = 0;
+            if (image->path.empty() || zelm2ViewGetPtnNum(reading.calib.get(), side, slot, &dots) < 0 || dots == 0) {
+                continue;
+            }
+            if (auto misread = misreadingOf(*image->picture, image->path, settings.plate, *region,
+                                            static_cast<std::size_t>(dots))) {
+                troubles.push_back(std::move(*misread));
+            }
+        }
+        return troubles.empty() ? SkippedView{} : skippedView(files, std::move(troubles));
     }
 
     void load(ViewImage& image) const {

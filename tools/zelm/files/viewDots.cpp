@@ -25,6 +25,10 @@ DotMap dotsOf(const Picture& picture, const fs::path& path, const Plate& plate, 
         troubles.push_back(troubleOf(picture, path, plate, region));
         return {};
     }
+    if (auto misread = misreadingOf(picture, path, plate, region, reading.dots.size())) {
+        troubles.push_back(std::move(*misread));
+        return {};
+    }
     DotMap dots;
     for (const Dot& dot : reading.dots) {
         dots.emplace(dot.index, dot.pixel);
