@@ -111,7 +111,10 @@ public:
             return zelmCalibCameraParam(static_cast<std::int32_t>(views.size()), entries.data(), 0.0, &camera,
                                         poses.data(), &mean, model);
         });
-        return status < 0 || !std::isfinite(mean) ? kNone : mean;
+        if (status < 0 || !std::isfinite(mean)) {
+            return kNone;
+        }
+        return mean;
     }
 
 private:
