@@ -404,6 +404,7 @@ class ZelmMeasureViewFate(IntEnum):
     OTHER_SESSION = 6
     NOTHING_FITS = 7
     UNKNOWN = 8
+    SAME_IMAGES = 9
 
 
 ZELM_MEASURE_VIEW_FITS = ZelmMeasureViewFate.FITS
@@ -415,6 +416,7 @@ ZELM_MEASURE_VIEW_EXCHANGED = ZelmMeasureViewFate.EXCHANGED
 ZELM_MEASURE_VIEW_OTHER_SESSION = ZelmMeasureViewFate.OTHER_SESSION
 ZELM_MEASURE_VIEW_NOTHING_FITS = ZelmMeasureViewFate.NOTHING_FITS
 ZELM_MEASURE_VIEW_UNKNOWN = ZelmMeasureViewFate.UNKNOWN
+ZELM_MEASURE_VIEW_SAME_IMAGES = ZelmMeasureViewFate.SAME_IMAGES
 
 
 class ZelmMeasureSetCauseKind(IntEnum):
@@ -433,6 +435,7 @@ class ZelmMeasureSetCauseKind(IntEnum):
     OTHER_SESSION = 10
     NOTHING_FITS = 11
     SAME_VIEWS = 12
+    SAME_IMAGES = 13
 
 
 ZELM_MEASURE_SET_UNDETERMINED = ZelmMeasureSetCauseKind.UNDETERMINED
@@ -448,6 +451,7 @@ ZELM_MEASURE_SET_EXCHANGED_IMAGES = ZelmMeasureSetCauseKind.EXCHANGED_IMAGES
 ZELM_MEASURE_SET_OTHER_SESSION = ZelmMeasureSetCauseKind.OTHER_SESSION
 ZELM_MEASURE_SET_NOTHING_FITS = ZelmMeasureSetCauseKind.NOTHING_FITS
 ZELM_MEASURE_SET_SAME_VIEWS = ZelmMeasureSetCauseKind.SAME_VIEWS
+ZELM_MEASURE_SET_SAME_IMAGES = ZelmMeasureSetCauseKind.SAME_IMAGES
 
 
 class ZelmMeasurePlanCriterion(IntEnum):
@@ -2867,6 +2871,11 @@ class ZelmMeasureSetCause(Record):
         that it explains
     reserved : int32_t
         0
+    turn : double
+        of another session: the right camera's turn against the left one's, from that of the views
+        which fit, radians; else 0
+    shift : double
+        likewise of its centre, plate units; the views of a session tell it roughly
     """
 
     _fields_ = [
@@ -2878,6 +2887,8 @@ class ZelmMeasureSetCause(Record):
         ("quarterTurns", c_int32),
         ("views", c_int32),
         ("reserved", c_int32),
+        ("turn", c_double),
+        ("shift", c_double),
     ]
 
 
@@ -4016,7 +4027,7 @@ LAYOUT = {
     "ZelmMeasureMatches": (64, 0, 4, 8, 16, 24, 32, 40, 48, 56),
     "ZelmMeasureImageSet": (72, 0, 4, 8, 16, 24, 32, 40, 48, 56, 64),
     "ZelmMeasurePairedView": (64, 0, 4, 8, 12, 16, 20, 24, 28, 32, 36, 40, 48, 56),
-    "ZelmMeasureSetCause": (32, 0, 4, 8, 12, 16, 20, 24, 28),
+    "ZelmMeasureSetCause": (48, 0, 4, 8, 12, 16, 20, 24, 28, 32, 40),
     "ZelmMeasurePairing": (32, 0, 4, 8, 12, 16, 24),
     "ZelmMeasurePitchRatio": (32, 0, 4, 8, 16, 24),
     "ZelmMeasureCamera": (192, 0, 4, 8, 12, 16),
