@@ -53,7 +53,7 @@ def testThePackagesOwnFolderComesFirst(tmp_path):
     shutil.copytree(PACKAGE, package, ignore=shutil.ignore_patterns("__pycache__", "_libs"))
     (package / "_libs").mkdir()
     shutil.copy(_library.core()._name, package / "_libs" / "libzelmLib.so.1")
-    code = "import zelm; zelm.core.zelmMathCalcNorm([3, 4]); print(zelm.core.library()._name)"
+    code = "from zelm.core import library, zelmMathCalcNorm; zelmMathCalcNorm([3, 4]); print(library()._name)"
     environment = {**os.environ, "PYTHONPATH": str(tmp_path), "ZELM_LIBRARY_PATH": "/no/such"}
     done = run(code, environment, tmp_path)
     assert done.stdout.strip() == str(package / "_libs" / "libzelmLib.so.1"), done.stderr
