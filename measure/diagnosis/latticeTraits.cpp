@@ -255,8 +255,8 @@ double circleRatio(const DotLattice& lattice, const Pattern& plate) {
 }
 
 // Whether no one level parts dots from ground, or the light differs so much that none parts the plate from what is
-// around it: the dots' middles against the ground in the middle of four of them, where
-// nothing that covers the plate and no edge lies.
+// around it: the dots' middles against the ground in the middle of four of them, where nothing that covers the plate
+// and no edge lies.
 bool sharesLevels(const DenseImage& image, const std::vector<Spot>& spots, const DotLattice& lattice, int polarity) {
     std::set<std::pair<int, int>> taken;
     for (const LatticeDot& dot : lattice.dots) {

@@ -179,6 +179,37 @@ TEST_F(ImageDiagnosis, PlateFilesThatContradictTheImage) {
     expectDiagnosis(image, {"63 dots in 9 columns and 7 rows found, fewer than 100"}, plateWith("minDots", 100));
 }
 
+// Whatever reads images refuses a grid that only every second column has, and says what is wrong.
+TEST_F(ImageDiagnosis, NothingIsMadeOfAGridOfEverySecondDot) {
+    const std::string twice = plateWith("markerDistanceX", 40);
+    std::vector<std::string> left{"--left"};
+    std::vector<std::string> right{"--right"};
+    for (const char* number : {"0", "1", "2"}) {
+        left.push_back(smallRigFile("left_0" + std::string(number) + ".pgm"));
+        right.push_back(smallRigFile("right_0" + std::string(number) + ".pgm"));
+    }
+    const std::vector<std::string> calibrate{"calibrate", "--plate", twice, "-o", at("out")};
+    const std::vector<std::string> verify{
+        "verify", (calibratedSmallRig() / "rig.zcal").string(), "--plate", twice, "-o", at("out/lengths.csv")};
+    const auto joined = [](std::vector<std::string> call, const std::vector<std::vector<std::string>>& more) {
+        for (const std::vector<std::string>& list : more) {
+            call.insert(call.end(), list.begin(), list.end());
+        }
+        return call;
+    };
+    for (const std::vector<std::string>& call :
+         {joined(calibrate, {left, right}), joined(calibrate, {left}), joined(verify, {left, right})}) {
+        const CommandResult run = zelm(call);
+        EXPECT_EQ(run.status, 1) << call.front();
+        EXPECT_NE(run.errors.find("the x marker stands 2 pitches away from the corner marker, the plate file says 4"),
+                  std::string::npos)
+            << run.errors;
+        for (const char* made : {"rig.zcal", "camera.json", "lengths.csv"}) {
+            EXPECT_FALSE(fs::exists(folder / "out" / made)) << call.front() << " wrote " << made;
+        }
+    }
+}
+
 TEST_F(ImageDiagnosis, DotsThatAreTooSmall) {
     const Pgm whole = good();
     Pgm small = changed(whole, [&](int, int, double) { return 12.0; });

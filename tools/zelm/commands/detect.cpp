@@ -29,7 +29,12 @@ struct DetectOptions {
     std::vector<int> region;
 };
 
-std::vector<Dot> detect(const Picture& picture, const Plate& plate, const DetectOptions& options) {
+struct Detection {
+    std::vector<Dot> dots;
+    std::string gaps;  // why dots of the described field are missing, where the image tells
+};
+
+Detection detect(const Picture& picture, const Plate& plate, const DetectOptions& options) {
     const auto region = regionOf(options.region);
     if (region) {
         checkRegion(*region, picture, options.image);
@@ -38,10 +43,17 @@ std::vector<Dot> detect(const Picture& picture, const Plate& plate, const Detect
     if (reading.status < 0) {
         failImage(troubleOf(picture, options.image, plate, region));
     }
-    if (auto misread = misreadingOf(picture, options.image, plate, region, reading.dots.size())) {
-        failImage(std::move(*misread));
+    Detection found{reading.dots, {}};
+    std::vector<Dot>& dots = found.dots;
+    if (dots.size() < describedDots(plate)) {
+        if (auto gaps = gapsOf(picture, options.image, plate, region)) {
+            if (isMisreading(*gaps)) {
+                failImage(std::move(*gaps));
+            }
+            found.gaps = fmt::format("{}: {} of {} dots read: {}", options.image, dots.size(), describedDots(plate),
+                                     gaps->text);
+        }
     }
-    std::vector<Dot> dots = reading.dots;
     if (const std::int64_t lost = reading.found - static_cast<std::int64_t>(dots.size()); lost > 0) {
         failData("{}: {} of {} dots have no place on the grid: do pitch and marker distances in {} fit the plate?",
                  options.image, lost, reading.found, options.plate.file);
@@ -49,7 +61,7 @@ std::vector<Dot> detect(const Picture& picture, const Plate& plate, const Detect
     std::sort(dots.begin(), dots.end(), [](const Dot& a, const Dot& b) {
         return std::pair(a.index.y, a.index.x) < std::pair(b.index.y, b.index.x);
     });
-    return dots;
+    return found;
 }
 
 std::string csvOf(const std::vector<Dot>& dots) {
@@ -61,16 +73,6 @@ std::string csvOf(const std::vector<Dot>& dots) {
     return csv;
 }
 
-// Why dots of the described field are missing, where the image tells.
-std::string gapsText(const Picture& picture, const Plate& plate, const DetectOptions& options, std::size_t found) {
-    if (found >= describedDots(plate)) {
-        return {};
-    }
-    const auto gaps = gapsOf(picture, options.image, plate, regionOf(options.region));
-    return gaps ? fmt::format("{}: {} of {} dots read: {}", options.image, found, describedDots(plate), gaps->text)
-                : std::string();
-}
-
 void runDetect(const DetectOptions& options, const Console& console) {
     const Plate plate = plateOf(options.plate);
     const Picture picture = readPicture(options.image);
@@ -78,8 +80,7 @@ void runDetect(const DetectOptions& options, const Console& console) {
     outputs.keep(options.plate.file);
     outputs.keep(options.image);
     outputs.prepareFolder(options.folder);
-    const std::vector<Dot> dots = detect(picture, plate, options);
-    const std::string gaps = gapsText(picture, plate, options, dots.size());
+    const auto [dots, gaps] = detect(picture, plate, options);
 
     const std::string stem = fs::path(options.image).stem().string();
     const fs::path csv = fs::path(options.folder) / (stem + "_dots.csv");

@@ -82,16 +82,17 @@ std::optional<ImageTrouble> gapsOf(const Picture& picture, const fs::path& image
     return trouble;
 }
 
+bool isMisreading(const ImageTrouble& gaps) {
+    return gaps.figures.cause == ZELM_MEASURE_IMAGE_MARKER_DISTANCE;
+}
+
 std::optional<ImageTrouble> misreadingOf(const Picture& picture, const fs::path& image, const Plate& plate,
                                          const std::optional<ZelmRect>& region, std::size_t dots) {
     if (3 * dots >= 2 * describedDots(plate)) {
         return std::nullopt;
     }
-    std::optional<ImageTrouble> trouble = gapsOf(picture, image, plate, region);
-    if (trouble && trouble->figures.cause != ZELM_MEASURE_IMAGE_MARKER_DISTANCE) {
-        return std::nullopt;
-    }
-    return trouble;
+    std::optional<ImageTrouble> gaps = gapsOf(picture, image, plate, region);
+    return gaps && isMisreading(*gaps) ? gaps : std::nullopt;
 }
 
 std::vector<TroubleGroup> groupsOf(const std::vector<ImageTrouble>& troubles) {

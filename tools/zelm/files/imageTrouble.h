@@ -40,8 +40,12 @@ ImageTrouble troubleOf(const Picture& picture, const std::filesystem::path& imag
 std::optional<ImageTrouble> gapsOf(const Picture& picture, const std::filesystem::path& image, const Plate& plate,
                                    const std::optional<ZelmRect>& region);
 
-// Of an image that is read with so many dots, but by a grid that is not the plate's: markers that stand other pitches
-// apart than described give one to part of the dots. Looks at the image only where a third of the dots is missing.
+// Whether an image was read by a grid that is not the plate's: markers that stand other pitches apart than described
+// give one to part of the dots.
+bool isMisreading(const ImageTrouble& gaps);
+
+// Of an image that is read with so many dots: why it is misread. A wrong grid holds every second dot at most, so that
+// the image is looked at only where a third of the dots is missing.
 std::optional<ImageTrouble> misreadingOf(const Picture& picture, const std::filesystem::path& image, const Plate& plate,
                                          const std::optional<ZelmRect>& region, std::size_t dots);
 

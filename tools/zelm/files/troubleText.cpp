@@ -155,8 +155,7 @@ std::string troubleText(const Figures& f, const Plate& plate) {
         case ZELM_MEASURE_IMAGE_DARK:
             return fmt::format(
                 "the image is nearly black, with levels up to {} of 255: expose it longer, or light the plate; if it "
-                "was "
-                "made of 10 or 12 bits in 16, scale its levels up",
+                "was made of 10 or 12 bits in 16, scale its levels up",
                 f.brightLevel);
         case ZELM_MEASURE_IMAGE_LOW_CONTRAST:
             return contrastText(f, plate);
