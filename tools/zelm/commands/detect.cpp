@@ -50,8 +50,8 @@ Detection detect(const Picture& picture, const Plate& plate, const DetectOptions
             if (isMisreading(*gaps)) {
                 failImage(std::move(*gaps));
             }
-            found.gaps = fmt::format("{}: {} of {} dots read: {}", options.image, dots.size(), describedDots(plate),
-                                     gaps->text);
+            found.gaps =
+                fmt::format("{}: {} of {} dots read: {}", options.image, dots.size(), describedDots(plate), gaps->text);
         }
     }
     if (const std::int64_t lost = reading.found - static_cast<std::int64_t>(dots.size()); lost > 0) {
