@@ -21,6 +21,14 @@ constexpr double kStallShare = 2.0 * std::numeric_limits<double>::epsilon();  //
 // Binary exponent of the largest entry beyond which a matrix is scaled: squares stay far from either end, and what is
 // lost of small entries is less than 2^-1000 of the largest.
 constexpr int kMaxExponent = 400;
+// A rest of a column or row below this, less than 2^-500 of the largest entry after that scaling, counts as zero: its
+// reflection would be made of numbers near the end of the range, which have few digits left. One entry alone has all of
+// them.
+constexpr double kVanishing = 0x1p-960;
+
+bool vanishes(double rest, double first) {
+    return rest == 0.0 || (rest < kVanishing && rest != std::fabs(first));
+}
 
 double hypotenuse(double a, double b) {
     const double x = std::fabs(a);
@@ -108,7 +116,10 @@ struct Svd {
         for (Index k = i; k < m; ++k) {
             scale += std::fabs(U(k, i));
         }
-        if (scale == 0.0) {
+        if (vanishes(scale, U(i, i))) {
+            for (Index k = i; k < m; ++k) {
+                U(k, i) = 0.0;
+            }
             return 0.0;
         }
         double s = 0.0;
@@ -137,7 +148,8 @@ struct Svd {
         for (Index k = i + 1; k < n; ++k) {
             scale += std::fabs(U(i, k));
         }
-        if (scale == 0.0) {
+        if (vanishes(scale, i + 1 < n ? U(i, i + 1) : 0.0)) {
+            std::fill(&U(i, 0) + i + 1, &U(i, 0) + n, 0.0);
             return 0.0;
         }
         double s = 0.0;

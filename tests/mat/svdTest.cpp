@@ -571,6 +571,36 @@ TEST(MatSvd, SmallEntriesBesideTheLargestNumbersAreKept) {
     EXPECT_EQ(tiny.w.entries, (std::vector<double>{3 * least, least}));
 }
 
+// Entries near the end of the range have few digits, and would leave reflections that are none.
+TEST(MatSvd, VanishingEntriesBesideOrdinaryOnesCostNoDigits) {
+    const double least = std::numeric_limits<double>::denorm_min();
+    const std::vector<double> values{0.0,  500.0,    1.0,       least,    -least,   2000.0 * least,
+                                     -0.3, 2.2e-308, -7.1e-300, 0x1p-970, 0x1p-500, -0x1p-150};
+    Random random(59);
+    const auto oneOf = [&random](std::size_t count) {
+        return std::min(count - 1, static_cast<std::size_t>(random.uniform(0.0, static_cast<double>(count))));
+    };
+    for (int trial = 0; trial < 20000; ++trial) {
+        const std::size_t columns = 1 + oneOf(5);
+        Matrix a(columns + oneOf(3), columns);
+        for (double& entry : a.entries) {
+            entry = values[oneOf(values.size())];
+        }
+        const double largest = std::fabs(*std::max_element(
+            a.entries.begin(), a.entries.end(), [](double x, double y) { return std::fabs(x) < std::fabs(y); }));
+        if (largest < 0.1) {
+            continue;  // of small entries alone, which are scaled up
+        }
+        const Decomposition d(a);
+        ASSERT_EQ(d.status, ZELM_OK) << trial;
+        const Matrix product = d.multipliedOut();
+        for (std::size_t i = 0; i < a.entries.size(); ++i) {
+            ASSERT_NEAR(product.entries[i], a.entries[i], kPromise * largest * 5.0) << trial;
+        }
+        ASSERT_LE(columnOrthogonalityError(transposed(d.v)), kPromise) << trial;
+    }
+}
+
 // Between tied values the last superdiagonal can settle a rounding or two above what the stopping rule takes for
 // negligible, where no further step changes it. Seen in 1.5 of 10^4 matrices R - I and [r1 r2 r3] of rotations.
 TEST(MatSvd, TiedValuesThatStallARoundingAwayConverge) {
