@@ -46,9 +46,11 @@ typedef struct ZelmMeasureCheck {
 /// Checks a solved adjustment: whether halves of its views agree, and whether its residuals show what its model lacks.
 /// Each possible flaw is tested by the score of its parameters (Rao, 1948) against what the adjustment can absorb, with
 /// Fisher's F; flaws that are found are estimated along with the next ones, so that one does not pass for another. The
-/// halves are compared by the test of Chow (1960), to first order. A check alarms when chance alone would give as much
-/// in one adjustment in a hundred, all checks together (Bonferroni). It is wrong only if it moves a point of the plates
-/// by more than 1.96 standard deviations of that point triangulated from one dot; a diameter: by more than 3 %.
+/// halves are compared by the test of Chow (1960), to first order. Where the ratio of the plate's pitches is found
+/// wrong, all is adjusted anew with the ratio found, and the other flaws are looked for there; the adjustment itself
+/// stays as it was solved. A check alarms when chance alone would give as much in one adjustment in a hundred, all
+/// checks together (Bonferroni). It is wrong only if it moves a point of the plates by more than 1.96 standard
+/// deviations of that point triangulated from one dot; a diameter: by more than 3 %.
 /// No check can see a factor that all distances on the plate have in common.
 /// @param adjustment [in] solved
 /// @param checks [out] the checks, most of them by kind; the first one's field size must be set by the caller and is
@@ -56,7 +58,7 @@ typedef struct ZelmMeasureCheck {
 /// @param capacity [in] records that there is room for; those beyond are not written
 /// @param count [out] number of checks: 8, and one for each further view that moved
 /// @return ZELM_OK; ZELM_ERR_PARAM; ZELM_ERR_MEMORY; ZELM_MEASURE_ERR_DATA: not solved since the dots were last changed
-/// Cost O(dots).
+/// Cost O(dots); that of up to three adjustments more where the pitches are wrong.
 ZELM_API int32_t zelmMeasureAdjustChecks(ZelmMeasureAdjustment* adjustment, ZelmMeasureCheck* checks, int64_t capacity,
                                          int64_t* count);
 
