@@ -90,6 +90,19 @@ TEST_F(CalibrationDoubts, AFieldThatNoImageShows) {
     expectWarnings(run, 1, {at("plate.json"), "outermost dots", "fieldHeight promises", "mirrored"});
 }
 
+TEST_F(CalibrationDoubts, AFieldThatIsDescribedTooSmall) {
+    const Json plate = Json::parse(readFile(smallRig() / "plate.json"));
+    const auto less = [&plate](const char* extent, const char* pitch) {
+        return plate[extent].get<double>() - 2.0 * plate[pitch].get<double>();
+    };
+    ASSERT_EQ(plate["fieldWidth"], 80.0);
+    const Json narrower{{"fieldWidth", less("fieldWidth", "dotPitchX")}};
+    expectWarnings(calibrateWithPlate(narrower), 1,
+                   {at("plate.json"), "columns of dots beyond fieldWidth", "not used", "is it 80 or more"});
+    const Json lower{{"fieldHeight", less("fieldHeight", "dotPitchY")}};
+    expectWarnings(calibrateWithPlate(lower), 1, {"rows of dots beyond fieldHeight"});
+}
+
 TEST_F(CalibrationDoubts, DistancesThatAreAllTooLarge) {
     Json larger = Json::parse(readFile(smallRig() / "plate.json"));
     const Json truth = larger;

@@ -8,6 +8,7 @@
 #include <tuple>
 #include <utility>
 
+#include "fieldDoubts.h"
 #include "imageNames.h"
 #include "viewQuality.h"
 
@@ -133,47 +134,6 @@ std::vector<Doubt> farLines(const Calibration& c) {
              c.adjustment.has_value() && !isAdjusted(c)}};
 }
 
-// The farthest column or row that any image shows, on either side of the corner marker.
-int shownHalf(const Calibration& c, int GridIndex::*along) {
-    int lowest = 0;
-    int highest = 0;
-    for (const CameraFigures* camera : {&c.figures.left, &c.figures.right}) {
-        for (const ImageFigures& image : camera->views) {
-            for (const Dot& dot : image.dots) {
-                lowest = std::min(lowest, dot.index.*along);
-                highest = std::max(highest, dot.index.*along);
-            }
-        }
-    }
-    return std::max(-lowest, highest);
-}
-
-// A plate mistaken for another one, or seen in a mirror, lacks dots at both ends of its field in every image.
-std::vector<Doubt> missingEnds(const Calibration& c, const std::string& plateFile) {
-    if (!c.pointFile.empty()) {
-        return {};  // points have no field
-    }
-    const Zelm2ViewPatternDesc& p = c.plate.pattern;
-    const auto half = [](double extent, double pitch) {
-        return static_cast<int>(std::floor(0.5 * extent / pitch + 1e-9));
-    };
-    std::vector<Doubt> lines;
-    for (const auto& [field, described, shown] :
-         {std::tuple("fieldWidth", half(p.d0, p.d4), shownHalf(c, &GridIndex::x)),
-          std::tuple("fieldHeight", half(p.d1, p.d5), shownHalf(c, &GridIndex::y))}) {
-        if (shown < described) {
-            lines.push_back({"missing-dots",
-                             fmt::format("{}: no image shows the outermost dots, on either side, that {} promises: are "
-                                         "fieldWidth and fieldHeight those of this plate, not exchanged, and the "
-                                         "images not mirrored?",
-                                         plateFile, field),
-                             {},
-                             false});
-        }
-    }
-    return lines;
-}
-
 // Where the right camera stands, along the x axis of the left one. A pair mounted upside down stands so as well: it is
 // the names of the images that tell.
 std::vector<Doubt> exchangedCameras(const Calibration& c) {
@@ -243,7 +203,7 @@ std::vector<Doubt> calibrationDoubts(const Calibration& c, const std::string& pl
     }
     for (const auto& more :
          {disagreement(c, plateFile), leftOutViews(c), wrongChecks(c, plateFile), wrongScale(c, plateFile),
-          farDots(c, plateFile), farLines(c), missingEnds(c, plateFile), exchangedCameras(c)}) {
+          farDots(c, plateFile), farLines(c), fieldDoubts(c, plateFile), exchangedCameras(c)}) {
         doubts.insert(doubts.end(), more.begin(), more.end());
     }
     return doubts;

@@ -10,8 +10,8 @@
 namespace zelm::tool {
 
 // What speaks against a calibration, a line each: too few views that agree (fatal), why nothing was adjusted, views
-// that take no part, what the self-checks found wrong, dots far from their projections, outer dots that no image shows,
-// left and right exchanged. `plateFile` is what the plate was read from.
+// that take no part, what the self-checks found wrong, dots far from their projections, another field of dots than
+// described, left and right exchanged. `plateFile` is what the plate was read from.
 std::vector<Doubt> calibrationDoubts(const Calibration& calibration, const std::string& plateFile);
 
 }  // namespace zelm::tool
