@@ -5,8 +5,8 @@
 
 from . import _records as records
 from . import core
-from ._errors import ZelmError, ZelmMemoryError, ZelmParamError
+from ._errors import MeasurementWarning, ZelmError, ZelmMemoryError, ZelmParamError
 from ._library import LibraryError
 
 __version__ = "1.0.0"
-__all__ = ["LibraryError", "ZelmError", "ZelmMemoryError", "ZelmParamError", "core", "records"]
+__all__ = ["LibraryError", "MeasurementWarning", "ZelmError", "ZelmMemoryError", "ZelmParamError", "core", "records"]

@@ -42,6 +42,10 @@ class ZelmMemoryError(ZelmError, MemoryError):
     """The library could not get memory (ZELM_ERR_MEMORY)."""
 
 
+class MeasurementWarning(UserWarning):
+    """A result is there, and something speaks against trusting it blindly: the words tell what, and what to do."""
+
+
 _Classes: Dict[int, Type[ZelmError]] = {
     ZelmStatus.ERR_PARAM: ZelmParamError,
     ZelmStatus.ERR_MEMORY: ZelmMemoryError,
