@@ -5,8 +5,33 @@
 
 from . import _records as records
 from . import core
+from ._calibrate import calibrate, calibrate_points
+from ._commands import Simulation, compare, fit_features, import_rig, plan, simulate, simulation_example
 from ._errors import MeasurementWarning, ZelmError, ZelmMemoryError, ZelmParamError
 from ._library import LibraryError
+from ._program import ToolError
+from .camera import Camera
+from .plate import Plate
 
 __version__ = "1.0.0"
-__all__ = ["LibraryError", "MeasurementWarning", "ZelmError", "ZelmMemoryError", "ZelmParamError", "core", "records"]
+__all__ = [
+    "Camera",
+    "LibraryError",
+    "MeasurementWarning",
+    "Plate",
+    "Simulation",
+    "ToolError",
+    "ZelmError",
+    "ZelmMemoryError",
+    "ZelmParamError",
+    "calibrate",
+    "calibrate_points",
+    "compare",
+    "core",
+    "fit_features",
+    "import_rig",
+    "plan",
+    "records",
+    "simulate",
+    "simulation_example",
+]
