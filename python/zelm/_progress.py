@@ -6,6 +6,8 @@ import threading
 from types import TracebackType
 from typing import Optional, Type
 
+_ERASE = b"\x1b[K"  # of the bar, before words and at the end
+
 
 class ProgressPipe:
     """A terminal for the program's stderr. What it draws goes to sys.stderr; its lines of words do not.
@@ -60,7 +62,9 @@ def _show(drawn: bytes) -> bytes:
     """Passes on what is complete, and returns what is not."""
     *whole, rest = drawn.replace(b"\r\n", b"\n").replace(b"\n", b"\n\r").split(b"\r")
     for piece in whole:
-        if not piece.startswith(b"zelm: ") and piece.strip():
+        if piece.removeprefix(_ERASE).startswith(b"zelm: "):
+            piece = _ERASE if piece.startswith(_ERASE) else b""
+        if piece.strip():
             sys.stderr.write("\r" + piece.decode("utf-8", "replace"))
     sys.stderr.flush()
     return rest
