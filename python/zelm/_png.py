@@ -43,22 +43,24 @@ def _unfiltered(filters: np.ndarray, rows: np.ndarray) -> np.ndarray:
     """The pixels of filtered rows (PNG, second edition, section 9).
 
     A pixel follows from those to the left, above and above to the left; so pixels of one diagonal, x + y, do not depend
-    on each other and are worked out together.
+    on each other and are worked out together. They lie side by side here: row d holds the pixels of x + y = d by y.
     """
     height, width, channels = rows.shape
-    out = np.zeros((height + 1, width + 1, channels), np.int16)  # with what stands for pixels beyond the edges
+    y, x = np.indices((height, width))
+    skewed = np.zeros((height + width + 1, height + 1, channels), np.int16)
+    skewed[x + y + 2, y + 1] = rows  # two rows and a column stand for pixels beyond the edges
+    isLeft, isAbove, isMean, isPaeth = ((filters == kind).astype(np.int16)[:, None] for kind in (1, 2, 3, 4))
     for diagonal in range(height + width - 1):
-        y = np.arange(max(0, diagonal - width + 1), min(height, diagonal + 1))
-        x = diagonal - y
-        left, above, corner = out[y + 1, x], out[y, x + 1], out[y, x]
-        kind = filters[y][:, None]
-        guess = np.select(
-            [kind == 1, kind == 2, kind == 3, kind == 4],
-            [left, above, (left + above) // 2, _paeth(left, above, corner)],
-            0,
-        )
-        out[y + 1, x + 1] = (rows[y, x] + guess) & 0xFF
-    return out[1:, 1:].astype(np.uint8)
+        first, last = max(0, diagonal - width + 1), min(height, diagonal + 1)
+        here, before = slice(first, last), slice(first + 1, last + 1)  # of a row, and in `skewed`
+        left, above = skewed[diagonal + 1, before], skewed[diagonal + 1, here]
+        corner = skewed[diagonal, here]
+        guess = left * isLeft[here] + above * isAbove[here] + ((left + above) >> 1) * isMean[here]
+        guess += _paeth(left, above, corner) * isPaeth[here]
+        pixels = skewed[diagonal + 2, before]
+        pixels += guess
+        pixels &= 0xFF
+    return skewed[x + y + 2, y + 1].astype(np.uint8)
 
 
 def _paeth(left: np.ndarray, above: np.ndarray, corner: np.ndarray) -> np.ndarray:
