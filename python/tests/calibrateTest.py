@@ -91,11 +91,11 @@ def testOneCameraAlone(views, monkeypatch, tmp_path):
     summaries = [json.loads(path.read_text()) for path in (tmp_path / "camera.json", views.folder / "out/camera.json")]
     assert summaries[0] == summaries[1]
     assert (tmp_path / "camera.html").read_bytes() == (views.folder / "out/report.html").read_bytes()
-    assert np.array_equal(camera.matrix, told["camera"]["A"])
+    assert np.array_equal(camera.K, told["camera"]["A"])
     assert np.allclose(np.sqrt(np.diag(camera.covariance)), list(camera.deviations.values()), rtol=1e-12)
     assert np.array_equal(camera.covariance, camera.covariance.T)
     assert camera.poses.shape == (len(views.left), 3, 4) and camera.size == (640, 480)
-    assert abs(camera.matrix[0, 0] - 850) < 5 * camera.deviations["fx"]
+    assert abs(camera.K[0, 0] - 850) < 5 * camera.deviations["fx"]
     assert "640 x 480, perspective, focal lengths 8" in repr(camera)
 
 

@@ -3,14 +3,18 @@
 import ast
 import ctypes
 import inspect
+import re
 from pathlib import Path
 
 import makeRecords
 import pytest
 from headerReader import HeaderError, Headers, _Reader, readFolder
 
-from zelm import _library, _records, core
+from zelm import _library, _records, core, measure
+from zelm._measureChecks import ROOMS
 
+# Records of arrays with checks that are written by hand, and one with a pointer for the caller's function.
+OWN_CHECKS = ("ZelmMeasureImageSet", "ZelmMeasureFeatureResult", "ZelmMeasureMatchOptions")
 ROOT = Path(__file__).resolve().parent.parent.parent
 PACKAGE = ROOT / "python" / "zelm"
 
@@ -24,7 +28,14 @@ def testGeneratedFilesAreFresh(tmp_path, monkeypatch):
     monkeypatch.setattr("sys.argv", ["makeRecords.py", str(tmp_path)])
     makeRecords.main()
     written = sorted(path.name for path in tmp_path.iterdir())
-    assert written == ["_coreDocs.py", "_prototypes.py", "_records.py", "core.pyi"]
+    assert written == [
+        "_coreDocs.py",
+        "_measureDocs.py",
+        "_prototypes.py",
+        "_records.py",
+        "core.pyi",
+        "measure.pyi",
+    ]
     for name in written:
         assert (tmp_path / name).read_text() == (PACKAGE / name).read_text(), f"{name}: run tools/makeRecords.py"
 
@@ -63,20 +74,22 @@ def testALayoutThatDiffersIsRefused(monkeypatch):
         _library.checkLayout()
 
 
-def testStubHasEveryFunctionWithItsParameters():
-    tree = ast.parse((PACKAGE / "core.pyi").read_text())
+@pytest.mark.parametrize("module", [core, measure], ids=["core", "measure"])
+def testStubHasEveryFunctionWithItsParameters(module):
+    tree = ast.parse((PACKAGE / f"{module.__name__.rpartition('.')[2]}.pyi").read_text())
     stubs = {node.name: node for node in tree.body if isinstance(node, ast.FunctionDef)}
-    for name in core.TABLE:
+    for name in module.TABLE:
         arguments = stubs[name].args
-        real = inspect.signature(getattr(core, name)).parameters
+        real = inspect.signature(getattr(module, name)).parameters
         assert [argument.arg for argument in arguments.args] == list(real), name
         assert len(arguments.defaults) == sum(p.default is not p.empty for p in real.values()), name
 
 
-def testDocstringsHaveEveryParameterWithWords():
+@pytest.mark.parametrize("module", [core, measure], ids=["core", "measure"])
+def testDocstringsHaveEveryParameterWithWords(module):
     wordless = []
-    for name in core.TABLE:
-        function = getattr(core, name)
+    for name in module.TABLE:
+        function = getattr(module, name)
         assert function.__doc__ and "Notes" in function.__doc__, name
         for parameter in inspect.signature(function).parameters:
             lines = function.__doc__.split("\n")
@@ -84,3 +97,28 @@ def testDocstringsHaveEveryParameterWithWords():
             if not lines[at + 1].startswith("    "):
                 wordless.append((name, parameter))
     assert not wordless
+
+
+def testFailuresHaveTheWordsOfTheirHeader():
+    from zelm._measureDocs import STATUSES, WORDS
+
+    assert "do not allow" in STATUSES["ZELM_MEASURE_ERR_DATA"]
+    assert WORDS["zelmMeasureRigOpen"]["ZELM_MEASURE_ERR_DATA"] == "the block is refused"
+    assert "parallel cameras" in WORDS["zelmMeasureTriangulate"]["ZELM_MEASURE_ERR_DATA"]
+    assert "parallel camera" in WORDS["zelmMeasureCompareImage"]["ZELM_MEASURE_ERR_DATA"]
+
+
+def testRoomsAreAsTheHeadersSay(both):
+    words = {"places": 3, "grid": 2, "placeGrid": 2, "points": 3, "noise": 6}
+    told = {record.name: {field.name: field.doc for field in record.fields} for record in both[1].records}
+    for name, fields in ROOMS.items():
+        for field, each in fields.items():
+            number = re.match(r"(?:\[in\] )?(\d) a ", told[name][field])
+            assert int(number.group(1)) if number else 1, (name, field)
+            assert (int(number.group(1)) if number else words.get(field, each)) == each, (name, field)
+    arrays = {
+        record.name
+        for record in both[1].records
+        if sum(field.isPointer for field in record.fields) > 1 and record.name not in OWN_CHECKS
+    }
+    assert arrays == set(ROOMS)

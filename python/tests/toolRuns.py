@@ -3,7 +3,6 @@
 import json
 import os
 import subprocess
-import sys
 from pathlib import Path
 
 import numpy as np
@@ -11,13 +10,6 @@ import pytest
 
 import zelm
 from zelm import _program
-
-try:
-    import zelm.rig
-except ModuleNotFoundError:
-    import standInRig
-
-    sys.modules["zelm.rig"] = standInRig
 
 SAMPLE = Path(__file__).resolve().parents[2] / "samples" / "desk-rig"
 VIEWS = 4

@@ -5,7 +5,6 @@ import textwrap
 from typing import Dict, List, Tuple
 
 from headerReader import Function, Headers
-from _coreTable import TABLE
 from _signature import Entry, Item, parse
 
 WIDTH = 100
@@ -18,7 +17,16 @@ IN_PYTHON = {
     ("zelmMatMallocVector", "daV"): "the vector; its `array` shows the memory",
     ("zelmMatMallocMatrix", "daM"): "the matrix; its `array` shows the memory",
 }
-DTYPES = {"f8": "float64", "f4": "float32", "i4": "int32", "u4": "uint32", "u1": "uint8"}
+DTYPES = {
+    "f8": "float64",
+    "f4": "float32",
+    "i4": "int32",
+    "u4": "uint32",
+    "u1": "uint8",
+    "i8": "int64",
+    "u2": "uint16",
+}
+HANDLES = ("Zelm2ViewCalib", "ZelmMeasureRig", "ZelmMeasureAdjustment", "ZelmMeasurePlan")
 
 
 def wrap(text: str, indent: str = "") -> List[str]:
@@ -89,11 +97,13 @@ def typeWords(item: Item) -> str:
     words = {
         "image": "array of uint8, shape (height, width)",
         "planar": "array of uint8, shape (height, width)",
+        "gray": "array of uint8, shape (height, width)",
+        "bytes": "bytes",
         "argb": "array of uint8, shape (height, width, 4), in the order A, R, G, B",
         "camera": "'L' or 'R'",
         "views": "sequence of pairs of arrays, plane and image points, shape (n, 2) each",
         "images": "pair of arrays of uint8, shape (height, width) each, or None",
-        "object": "None",
+        "object": "sequence of bytes" if item.name == "files" else "None",
     }
     if item.type in words:
         return words[item.type]
@@ -109,6 +119,14 @@ def defaultWords(item: Item) -> str:
         return "a new black image"
     if text.startswith("newMap("):
         return "new maps"
+    if text.startswith(("rooms(", "pointRooms(", "lengthRooms(")):
+        return "a new one with all arrays"
+    if text.startswith("matchDefaults("):
+        return "those of zelmMeasureMatchDefaults()"
+    if text.startswith("noPlaces("):
+        return "none"
+    if text == "()":
+        return "none"
     return "a record of zeros" if text.endswith("()") else text.strip("()")
 
 
@@ -122,7 +140,7 @@ def describe(function: Function, entry: Entry, words: Dict[str, str]) -> str:
     lines = []
     for item in entry.given():
         extra = ", or None" if item.optional and item.type != "object" else ""
-        extra += ", written in place" if item.inOut and not item.type.startswith("Zelm2ViewCalib") else ""
+        extra += ", written in place" if item.inOut and item.type not in HANDLES else ""
         if item.default is not None:
             extra += f", default {defaultWords(item)}"
         lines += [f"{item.name} : {typeWords(item)}{extra}"]
@@ -137,10 +155,11 @@ def describe(function: Function, entry: Entry, words: Dict[str, str]) -> str:
         kind = ("float" if function.returns == "double" else "int") if own else typeWords(argument)
         if item.limit:
             kind += ", as many entries as there are"
+        kind = "str, or None" if own and function.returns == "const char*" else kind
         lines += [f"{item.name} : {kind}"]
         text = comment.parameters.get(item.name, "")
         if own:
-            text = re.split(r"(?:[;,.]| or)* ZELM_ERR", comment.returns)[0]
+            text = re.split(r"(?:[;,.]| or)* ZELM_(?:MEASURE_)?ERR", comment.returns)[0]
         text = IN_PYTHON.get((function.name, item.name), text)
         lines += wrap(text, "    ") if text else []
     if lines:
@@ -163,14 +182,14 @@ def prototype(function: Function) -> str:
 
 def clauses(text: str) -> Dict[str, str]:
     """What a @return text says of each error status."""
-    starts = [m for m in re.finditer(r"(?:^|[;.:,] |\bor |\band )(ZELM_(?:ERR_\w+|OK|MATCH_EXACT))", text)]
+    starts = [m for m in re.finditer(r"(?:^|[;.:,] |\bor |\band )(ZELM_(?:(?:MEASURE_)?ERR_\w+|OK|MATCH_EXACT))", text)]
     found: Dict[str, str] = {}
     for index, match in enumerate(starts):
         end = starts[index + 1].start() if index + 1 < len(starts) else len(text)
         name = match.group(1)
         words = re.split(r"\. (?=[A-Z])", text[match.end() : end])[0].strip(" ;:,.")
         words = re.sub(r"(^|[;,]? )(or|and)$", "", words).strip(" ;:,.")
-        if name.startswith("ZELM_ERR"):
+        if name.startswith(("ZELM_ERR", "ZELM_MEASURE_ERR")):
             found[name] = "; ".join(part for part in (found.get(name), words) if part)
     return found
 
@@ -202,7 +221,8 @@ def statusWords(headers: Headers) -> Dict[str, Dict[str, str]]:
 
 def statusComments(headers: Headers) -> Dict[str, str]:
     """The first sentence of what base.h says of each status."""
-    members = next(enum for enum in headers.enums if enum.members[0].name == "ZELM_OK").members
+    members = [m for enum in headers.enums if enum.members[0].name == "ZELM_OK" for m in enum.members]
+    members += [constant for constant in headers.constants if constant.name.startswith("ZELM_MEASURE_ERR")]
     return {member.name: re.split(r"(?<=\.) ", member.doc)[0] for member in members}
 
 
@@ -212,7 +232,7 @@ def literal(text: str) -> str:
     return f'"""\\\n{text}\n"""' if "\n" in text or len(text) > 80 else repr(text).replace("'", '"')
 
 
-def writeDocs(headers: Headers) -> str:
+def writeDocs(headers: Headers, table: Dict[str, str]) -> str:
     text = "# What each status means.\nSTATUSES = {\n"
     text += "".join(_entry(name, words) for name, words in statusComments(headers).items())
     text += "}\n\n# What each function says of its statuses.\nWORDS = {\n"
@@ -223,7 +243,7 @@ def writeDocs(headers: Headers) -> str:
     text += "}\n\nDOCS = {\n"
     words_ = statusWords(headers)
     for function in headers.functions:
-        doc = describe(function, parse(TABLE[function.name]), words_[function.name])
+        doc = describe(function, parse(table[function.name]), words_[function.name])
         text += f'    "{function.name}": {literal(doc)},\n'
     return text + "}\n"
 

@@ -17,6 +17,8 @@ sys.path.insert(1, str(Path(__file__).resolve().parent.parent / "zelm"))  # its 
 
 import docWriter  # noqa: E402
 import stubWriter  # noqa: E402
+from _coreTable import TABLE as CORE  # noqa: E402
+from _measureTable import TABLE as MEASURE  # noqa: E402
 from headerReader import Enum, Field, Headers, Record, readFolder  # noqa: E402
 
 ROOT = Path(__file__).resolve().parent.parent.parent
@@ -180,8 +182,10 @@ def main() -> None:
     both = [readFolder(ROOT / "include" / "zelm"), readFolder(ROOT / "include" / "zelmMeasure")]
     (package / "_records.py").write_text(writeRecords(both))
     (package / "_prototypes.py").write_text(writePrototypes(both))
-    (package / "_coreDocs.py").write_text(BANNER.format("Docstrings of zelm.core.") + docWriter.writeDocs(both[0]))
-    (package / "core.pyi").write_text(stubWriter.writeStub(both[0]))
+    for module, headers, table in zip(("core", "measure"), both, (CORE, MEASURE)):
+        docs = docWriter.writeDocs(headers, table)
+        (package / f"_{module}Docs.py").write_text(BANNER.format(f"Docstrings of zelm.{module}.") + docs)
+        (package / f"{module}.pyi").write_text(stubWriter.writeStub(module, headers, table))
 
 
 if __name__ == "__main__":

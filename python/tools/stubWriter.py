@@ -1,31 +1,26 @@
 """Writes core.pyi: the types of what zelm.core makes at run time."""
 
-from typing import List
+from typing import Dict, List
 
 from headerReader import Headers
-from _coreTable import TABLE
 from _signature import Item, parse
 
-ARRAYS = {"f8": "float64", "f4": "float32", "i4": "int32", "u4": "uint32", "u1": "uint8"}
+ARRAYS = {"f8": "float64", "f4": "float32", "i4": "int32", "u4": "uint32", "u1": "uint8", "i8": "int64"}
+ARRAYS["u2"] = "uint16"
+HANDLES = ("Zelm2ViewCalib", "ZelmVector", "ZelmMatrix", "ZelmMeasureRig", "ZelmMeasureAdjustment", "ZelmMeasurePlan")
 
-HEAD = '''"""Types of zelm.core.
+HEAD = '''"""Types of zelm.{module}.
 
 Written by tools/makeRecords.py from the call table and the C headers: change those, then run it.
 """
 
 import ctypes
-from typing import Any, NamedTuple, Optional, Sequence, Tuple, Union
+from typing import Any, List, NamedTuple, Optional, Sequence, Tuple, Union
 
 import numpy as np
 from numpy.typing import ArrayLike, NDArray
 
-from ._errors import ZelmError as ZelmError
-from ._errors import ZelmMemoryError as ZelmMemoryError
-from ._errors import ZelmParamError as ZelmParamError
-from ._handles import Zelm2ViewCalib as Zelm2ViewCalib
-from ._handles import ZelmMatrix as ZelmMatrix
-from ._handles import ZelmVector as ZelmVector
-from ._records import *
+{imports}from ._records import *
 
 _Numbers = Union[Sequence[float], NDArray[Any]]
 _Image = NDArray[np.uint8]
@@ -33,6 +28,25 @@ _Camera = Union[str, int]
 
 def library() -> ctypes.CDLL: ...
 '''
+IMPORTS = {
+    "core": {
+        "_errors": ("ZelmError", "ZelmMemoryError", "ZelmParamError"),
+        "_handles": ("Zelm2ViewCalib", "ZelmMatrix", "ZelmVector"),
+    },
+    "measure": {
+        "_errors": (
+            "MeasurementWarning",
+            "ZelmCancelledError",
+            "ZelmDataError",
+            "ZelmError",
+            "ZelmMemoryError",
+            "ZelmParamError",
+        ),
+        "_handles": ("Zelm2ViewCalib", "ZelmMeasureAdjustment", "ZelmMeasurePlan", "ZelmMeasureRig"),
+    },
+}
+# What functions that are written by hand return.
+LISTS = ("results", "relationResults", "views", "causes")
 
 
 def argumentType(item: Item) -> str:
@@ -43,17 +57,20 @@ def argumentType(item: Item) -> str:
         "image": "_Image",
         "planar": "_Image",
         "argb": "_Image",
+        "gray": "_Image",
         "u1": "_Image",
         "views": "Sequence[Tuple[ArrayLike, ArrayLike]]",
         "images": "Tuple[Optional[_Image], Optional[_Image]]",
         "bytes": "Union[bytes, bytearray, memoryview]",
-        "object": "None",
+        "object": "Sequence[bytes]" if item.name == "files" else "None",
     }
     if item.type in kinds:
         kind = kinds[item.type]
     elif item.type in ARRAYS:
         kind = f"NDArray[np.{ARRAYS[item.type]}]" if item.inOut else "ArrayLike"
-    elif item.inOut or item.type in ("Zelm2ViewCalib", "ZelmVector", "ZelmMatrix"):
+    elif item.dims:
+        kind = f"Union[Sequence[{item.type}], NDArray[np.void]]"
+    elif item.inOut or item.type in HANDLES:
         kind = item.type
     else:
         kind = f"Union[{item.type}, _Numbers]"
@@ -62,7 +79,7 @@ def argumentType(item: Item) -> str:
 
 def resultType(item: Item, arguments: List[Item], returns: str) -> str:
     if item.expression == "return":
-        return "float" if returns == "double" else "int"
+        return {"double": "float", "const char*": "Optional[str]"}.get(returns, "int")
     for argument in arguments:
         if argument.name == item.name:
             item = argument
@@ -72,13 +89,16 @@ def resultType(item: Item, arguments: List[Item], returns: str) -> str:
         return "_Image"
     if item.type in ARRAYS:
         return f"NDArray[np.{ARRAYS[item.type]}]"
+    if item.dims and item.name in LISTS:
+        return f"List[{item.type}]"
     return "NDArray[np.void]" if item.dims else item.type
 
 
-def writeStub(headers: Headers) -> str:
-    text = HEAD
+def writeStub(module: str, headers: Headers, table: Dict[str, str]) -> str:
+    lines = [f"from .{file} import {n} as {n}\n" for file, names in IMPORTS[module].items() for n in names]
+    text = HEAD.format(module=module, imports="".join(lines))
     for function in headers.functions:
-        entry = parse(TABLE[function.name])
+        entry = parse(table[function.name])
         results = [resultType(item, entry.arguments, function.returns) for item in entry.results]
         kind = results[0] if results else "None"
         if len(results) > 1:

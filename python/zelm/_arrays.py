@@ -20,6 +20,17 @@ class RawImage(ctypes.Structure):
     _fields_ = [("pixels", ctypes.c_void_p), ("width", ctypes.c_int32), ("height", ctypes.c_int32)]
 
 
+class RawGray(ctypes.Structure):
+    """ZelmMeasureImage with bare fields."""
+
+    _fields_ = [
+        ("pixels", ctypes.c_void_p),
+        ("width", ctypes.c_int32),
+        ("height", ctypes.c_int32),
+        ("stride", ctypes.c_int64),
+    ]
+
+
 class RawBuffer(ctypes.Structure):
     """vImage_Buffer with bare fields."""
 
@@ -47,14 +58,21 @@ def address(array: np.ndarray) -> int:
         return array.ctypes.data
 
 
-def toInt(value: Any, function: str, name: str) -> int:
+def toInt(value: Any, function: str, name: str, bits: int = 32) -> int:
     try:
         number = value.__index__()
     except (AttributeError, TypeError):
         raise TypeError(f"{function}: {name} is {_kind(value)}, an integer is wanted") from None
-    if not -INT32 - 1 <= number <= INT32:
-        refuse(function, f"{name} is {number}, beyond 32 bits")
+    if not -(1 << (bits - 1)) <= number < 1 << (bits - 1):
+        refuse(function, f"{name} is {number}, beyond {bits} bits")
     return number
+
+
+def toBytes(value: Any, function: str, name: str) -> bytes:
+    try:
+        return bytes(memoryview(value))
+    except TypeError:
+        raise TypeError(f"{function}: {name} is {_kind(value)}, bytes are wanted") from None
 
 
 def toCamera(value: Any, function: str, name: str) -> int:
@@ -187,6 +205,12 @@ def wrongType(value: Any, wanted: str, function: str, name: str) -> None:
     raise TypeError(f"{function}: {name} is {_kind(value)}, {wanted} is wanted")
 
 
+def wrongSize(record: Record, function: str, name: str) -> None:
+    """Refuses a record whose field `size` is not its own."""
+    own = ctypes.sizeof(record)
+    refuse(function, f"{name}.size is {record.size}, {type(record).__name__} has {own} bytes")  # type: ignore
+
+
 def size(number: int, function: str, name: str) -> int:
     """A dimension of a result."""
     if not 0 <= number <= INT32:
@@ -198,6 +222,12 @@ def imageOf(array: np.ndarray) -> Any:
     """ZelmImage of an array."""
     height, width = array.shape
     return RawImage(address(array), width, height)
+
+
+def grayOf(array: np.ndarray) -> Any:
+    """ZelmMeasureImage of an array."""
+    height, width = array.shape
+    return _byref(RawGray(address(array), width, height, array.strides[0] if array.size else width))
 
 
 def bufferOf(array: Optional[np.ndarray]) -> Any:

@@ -14,10 +14,11 @@ from typing import Any, Dict, List, Sequence
 import numpy as np
 
 from . import _arrays, _coreChecks, _handles, _records
-from ._errors import fail
+from ._errors import fail, refuse
 from ._record import Record, dtypeOf
-from ._signature import ARRAY_CODES, IMAGES, Entry, Item
+from ._signature import ARRAY_CODES, HANDLES, IMAGES, Entry, Item
 
+CALLING = ("ZelmMeasureMatchOptions",)  # records with a function that the library calls
 _DTYPES = {code: np.dtype(code) for code in ARRAY_CODES}
 
 
@@ -26,16 +27,17 @@ def resultClass(function: str, entry: Entry) -> Any:
     return namedtuple(function + "Result", [item.name for item in entry.results])  # type: ignore[misc]
 
 
-def namespace(module: str) -> Dict[str, Any]:
-    """What the source of every function sees."""
+def namespace(module: str, checks: Any = _coreChecks, fail: Any = fail) -> Dict[str, Any]:
+    """What the source of every function sees: among others the helpers of its table, and what raises for a status."""
     names: Dict[str, Any] = {"__name__": module}
-    for source in (_records, _coreChecks, _arrays):
+    for source in (_records, checks, _arrays):
         names.update({name: value for name, value in vars(source).items() if not name.startswith("_")})
     names.update({f"dtype_{code}": dtype for code, dtype in _DTYPES.items()})
     names.update({cls.__name__: cls for cls in vars(_handles).values() if isinstance(cls, type)})
     names.update(ndarray=np.ndarray, empty=np.empty, full=np.full, byref=ctypes.byref, fail=fail)
-    names.update(c_int32=ctypes.c_int32, c_double=ctypes.c_double, new=ctypes.Structure.__new__, nan=float("nan"))
-    names.update(arrayOfRecords=arrayOfRecords, entriesOfViews=entriesOfViews)
+    names.update(c_int32=ctypes.c_int32, c_int64=ctypes.c_int64, c_double=ctypes.c_double, c_void_p=ctypes.c_void_p)
+    names.update(new=ctypes.Structure.__new__, nan=float("nan"), string=string)
+    names.update(arrayOfRecords=arrayOfRecords, entriesOfViews=entriesOfViews, recordsOf=recordsOf)
     return names
 
 
@@ -78,21 +80,31 @@ class _Writer:
         self.lines.append("    " * self.depth + line)
 
     def write(self) -> str:
-        handle = next((i for i in self.entry.arguments if i.type == "Zelm2ViewCalib"), None)
-        if handle:
-            enter = "_enterAlone" if handle.inOut else "_enter"
-            self.put(f"if not isinstance({handle.name}, Zelm2ViewCalib):")
-            self.put(f"    wrongType({handle.name}, 'Zelm2ViewCalib', '{self.function}', '{handle.name}')")
-            self.put(f"{handle.name}.{enter}()")
+        handles = [i for i in self.entry.arguments if i.type in HANDLES]
+        for item in handles:
+            self._handle(item)
+        if len(handles) == 1 and not handles[0].optional:
+            enter = "_enterAlone" if handles[0].inOut else "_enter"
+            self.put(f"{handles[0].name}.{enter}()")
+        elif handles:
+            pairs = "".join(f"({i.name}, {i.inOut}), " for i in handles)
+            self.put(f"_held = enterAll({pairs.strip()})")
+        if handles:
             self.put("try:")
             self.depth = 2
-            self.passed[handle.name] = f"{handle.name}._pointer"
-        self._body([i for i in self.entry.arguments if i is not handle])
-        if handle:
+        self._body([i for i in self.entry.arguments if i not in handles])
+        if handles:
             self.depth = 1
             self.put("finally:")
-            self.put(f"    {handle.name}._leave()")
+            single = len(handles) == 1 and not handles[0].optional
+            self.put(f"    {handles[0].name}._leave()" if single else "    leaveAll(_held)")
         return f"def {self.function}({parameters(self.entry)}):\n" + "\n".join(self.lines) + "\n"
+
+    def _handle(self, item: Item) -> None:
+        name = item.name
+        self.put(f"if not isinstance({name}, {item.type}){f' and {name} is not None' if item.optional else ''}:")
+        self.put(f"    wrongType({name}, '{item.type}', '{self.function}', '{name}')")
+        self.passed[name] = f"None if {name} is None else {name}._pointer" if item.optional else f"{name}._pointer"
 
     def _body(self, arguments: List[Item]) -> None:
         late = [i for i in arguments if i.default is not None and not i.isConstant]
@@ -117,7 +129,10 @@ class _Writer:
         name = item.name
         where = f"'{self.function}', '{name}'"
         self.passed[name] = name
-        if item.type == "int":
+        if item.type == "int" and self.types[name] == "int64_t":
+            self.put(f"{name} = toInt({name}, {where}, 64)")
+            self.bound.append(name)
+        elif item.type == "int":
             self.put(f"if {name}.__class__ is not int or not -2147483648 <= {name} <= 2147483647:")
             self.put(f"    {name} = toInt({name}, {where})")
             self.bound.append(name)
@@ -131,13 +146,27 @@ class _Writer:
             self._dims(item, f"(len({name}),)")
         elif item.type in ARRAY_CODES:
             self._array(item, where)
+        elif item.type == "bytes":
+            self.put(f"{name} = toBytes({name}, {where})")
+        elif item.type == "gray":
+            self.put(f"{name} = toPixels({name}, {where}, True)")
+            self._dims(item, f"{name}.shape")
+            self.put(f"_{name} = grayOf({name})")
+            self.passed[name] = f"_{name}"
         elif item.type in IMAGES:
             self._image(item, where)
+        elif item.dims:
+            self.put(f"{name} = recordsOf({item.type}, {name}, {where})")
+            self._dims(item, f"{name}.shape")
+            self.passed[name] = f"pointer({name})"
         else:
             self._record(item, where)
 
     def _array(self, item: Item, where: str) -> None:
         name, dtype = item.name, f"dtype_{item.type}"
+        if item.optional:
+            self.put(f"if {name} is not None:")
+            self.depth += 1
         if item.inOut:
             self.put(f"inOut({name}, {dtype}, {where})")
         elif item.type == "u1":
@@ -147,6 +176,9 @@ class _Writer:
             self.put(f"    {name} = toArray({name}, {dtype}, {where})")
         self._dims(item, f"{name}.shape")
         self.passed[name] = f"pointer({name})"
+        if item.optional:
+            self.depth -= 1
+            self.passed[name] = f"None if {name} is None else pointer({name})"
 
     def _dims(self, item: Item, shape: str) -> None:
         """Takes unknown dimensions from the shape and demands the others."""
@@ -207,28 +239,41 @@ class _Writer:
             self.put(f"    wrongType({name}, '{item.type}, which is written,', {where})")
         else:
             self.put(f"    {name} = toRecord({item.type}, {name}, {where})")
+        if getattr(_records, item.type)._sized_:
+            guard = f"{name} is not None and " if item.optional else ""
+            self.put(f"if {guard}{name}.size != {ctypes.sizeof(getattr(_records, item.type))}:")
+            self.put(f"    wrongSize({name}, {where})")
         self.passed[name] = f"byref({name})" if not item.optional else f"None if {name} is None else byref({name})"
 
     def _results(self) -> None:
         for item in self.entry.results:
             if item.limit and item.limit != "return":
-                self.put(f"{item.limit} = c_int32()")
+                self.put(f"{item.limit} = {self._integer(item.limit)}()")
                 self.passed[item.limit] = f"byref({item.limit})"
             if not item.type or item.expression:
                 continue
             name = item.name
             self.passed[name] = f"byref({name})"
-            if item.type == "int":
-                self.put(f"{name} = c_int32()")
+            if item.type in HANDLES:
+                self.put(f"{name} = c_void_p()")
+            elif item.type == "int":
+                self.put(f"{name} = {self._integer(name)}()")
             elif item.type == "float":
                 self.put(f"{name} = c_double({'nan' if item.nan else ''})")
             elif item.dims:
                 self._resultArray(item)
             else:
-                self.put(f"{name} = new({item.type})")
+                self.put(f"{name} = {item.type}()" if self._isSized(item) else f"{name} = new({item.type})")
                 if item.nan and not getattr(_records, item.type)._ranges_:
                     self.put(f"for _field in {item.type}._names_:")
                     self.put(f"    setattr({name}, _field, nan)")
+
+    def _integer(self, name: str) -> str:
+        return "c_int64" if self.types[name] == "int64_t*" else "c_int32"
+
+    @staticmethod
+    def _isSized(item: Item) -> bool:
+        return getattr(_records, item.type)._sized_
 
     def _resultArray(self, item: Item) -> None:
         name = item.name
@@ -255,10 +300,12 @@ class _Writer:
             self.put(f"_call({arguments})")
         else:
             self.put(f"_status = _call({arguments})")
-            if self.returns == "int32_t":
+            if self._opens():
+                self._wrapHandle()
+            elif self.returns == "int32_t":
                 self.put("if _status < 0:")
                 partial = [f"'{i.name}': {self._value(i, own)}" for i in self.entry.results if i.failing]
-                rest = f", {{{', '.join(partial)}}}" if partial else ""
+                rest = f", {{{', '.join(partial)}}}" if partial else self._teller()
                 self.put(f"    fail('{self.function}', _status{rest})")
         values = [self._value(item, own) for item in self.entry.results]
         if len(values) > 1:
@@ -266,9 +313,28 @@ class _Writer:
         elif values:
             self.put(f"return {values[0]}")
 
+    def _opens(self) -> bool:
+        return any(item.type in HANDLES for item in self.entry.results)
+
+    def _wrapHandle(self) -> None:
+        """The object of a handle that was opened; a refused one has the words and is closed."""
+        name = next(item.name for item in self.entry.results if item.type in HANDLES)
+        self.put(f"{name} = {self._resultType(name)}._opened('{self.function}', _status, {name}{self._teller()})")
+
+    def _resultType(self, name: str) -> str:
+        return next(item.type for item in self.entry.results if item.name == name)
+
+    def _teller(self) -> str:
+        """What knows more of a failure: the first handle that keeps words, and options that call back."""
+        tellers = [i.name for i in self.entry.arguments if i.type in HANDLES[1:]]
+        options = [i.name for i in self.entry.arguments if i.type in CALLING]
+        if not tellers:
+            return ""
+        return f", {tellers[0]}" + (f", {options[0]}" if options else "")
+
     def _value(self, item: Item, own: List[str]) -> str:
         if item.name in own:
-            return "_status"
+            return "string(_status)" if self.returns == "const char*" else "_status"
         if item.type in ("int", "float"):
             return f"{item.name}.value"
         if item.limit:
@@ -279,7 +345,27 @@ class _Writer:
 
 def arrayOfRecords(cls: Any, count: int) -> np.ndarray:
     """A numpy array with a record's fields."""
-    return np.zeros(count, dtypeOf(cls))
+    made = np.zeros(count, dtypeOf(cls))
+    if cls._sized_:
+        made["size"] = ctypes.sizeof(cls)
+    return made
+
+
+def recordsOf(cls: Any, value: Any, function: str, name: str) -> np.ndarray:
+    """Records in a row: of an array of that kind, or one by one."""
+    if isinstance(value, np.ndarray) and value.dtype == dtypeOf(cls):
+        made = np.require(value, None, ["C", "A"])
+    else:
+        items = [_arrays.toRecord(cls, item, function, f"{name}[{at}]") for at, item in enumerate(value)]
+        made = np.frombuffer(b"".join(bytes(item) for item in items), dtypeOf(cls))
+    if cls._sized_ and (made["size"] != ctypes.sizeof(cls)).any():
+        refuse(function, f"{name} has a record whose size is not {ctypes.sizeof(cls)}, that of {cls.__name__}")
+    return made
+
+
+def string(text: Any) -> Any:
+    """Words of the library; None where it has none."""
+    return None if text is None else text.decode("utf-8", "replace")
 
 
 class Views:

@@ -3,11 +3,12 @@
 import ctypes
 import threading
 import weakref
-from typing import Any, Callable, List, Optional, Tuple
+from typing import Any, Callable, Dict, List, Optional, Tuple
 
 import numpy as np
 
 from . import _library
+from ._errors import failMeasuring
 from ._records import Zelm2ViewCameraDesc
 
 
@@ -81,6 +82,29 @@ class Handle:
         raise TypeError(f"a {type(self).__name__} cannot be copied or pickled")
 
 
+def enterAll(*handles: Tuple[Optional[Handle], bool]) -> List[Handle]:
+    """Begins a call that uses several objects, each alone where that is told, in an order that cannot lock up."""
+    wanted: Dict[int, Tuple[Handle, bool]] = {}
+    for handle, alone in handles:
+        if handle is not None:
+            wanted[id(handle)] = (handle, alone or wanted.get(id(handle), (handle, False))[1])
+    held: List[Handle] = []
+    try:
+        for _, (handle, alone) in sorted(wanted.items()):
+            handle._enterAlone() if alone else handle._enter()
+            held.append(handle)
+    except BaseException:
+        leaveAll(held)
+        raise
+    return held
+
+
+def leaveAll(held: List[Handle]) -> None:
+    """Ends a call that `enterAll` began."""
+    for handle in held:
+        handle._leave()
+
+
 def _closePair(address: int) -> None:
     handle = ctypes.c_void_p(address)
     _library.core().zelm2ViewCalibClose(ctypes.byref(handle))
@@ -147,3 +171,74 @@ class ZelmMatrix(_Block):
     def __init__(self, address: int, rows: int, columns: int) -> None:
         data: Optional[int] = ctypes.c_void_p.from_address(address).value
         super().__init__(address, data or 0, (rows, columns), lambda p: _library.core().zelmMatFreeMatrix(p))
+
+
+class _Measuring(Handle):
+    """A handle of the measuring library, which keeps the words of its last failure."""
+
+    _family = ""  # what the names of its C functions begin with
+
+    def __init__(self, address: int) -> None:
+        close = getattr(_library.measure(), self._family + "Close")
+
+        def free(value: int) -> None:
+            close(ctypes.byref(ctypes.c_void_p(value)))
+
+        super().__init__(address, free)
+
+    @classmethod
+    def _opened(cls, function: str, status: int, address: ctypes.c_void_p, teller: Any = None) -> Any:
+        """The object of a handle that was just opened. A refused one tells why, and is closed."""
+        made = cls(address.value) if address.value else None
+        if status >= 0 and made is not None:
+            return made
+        words = (made._words() if made is not None else "") or (teller._words() if teller is not None else "")
+        if made is not None:
+            made.close()
+        return failMeasuring(function, status, words)
+
+    def _words(self) -> str:
+        told = getattr(_library.measure(), self._family + "Error")(self._pointer)
+        return told.decode("utf-8", "replace") if told else ""
+
+
+class ZelmMeasureRig(_Measuring):
+    """A calibrated pair of cameras, of `zelmMeasureRigOpen` and others."""
+
+    _family = "zelmMeasureRig"
+
+
+class ZelmMeasureAdjustment(_Measuring):
+    """An adjustment of a calibration, of `zelmMeasureAdjustOpen` or `zelmMeasureAdjustOpenPoints`."""
+
+    _family = "zelmMeasureAdjust"
+
+
+class ZelmMeasurePlan(_Measuring):
+    """A plan of a calibration, of `zelmMeasurePlanOpen` or `zelmMeasurePlanOfRig`."""
+
+    _family = "zelmMeasurePlan"
+
+
+class CalibOfRig(Zelm2ViewCalib):
+    """The calibration object that belongs to a rig: calls may read it while the rig is open."""
+
+    def __init__(self, rig: ZelmMeasureRig, address: int, views: int, cameras: Zelm2ViewCameraDesc) -> None:
+        super().__init__(address, views, cameras)
+        self._finalizer.detach()  # the rig frees it
+        self._rig = rig
+
+    def _enter(self) -> None:
+        self._rig._enter()
+        try:
+            super()._enter()
+        except BaseException:
+            self._rig._leave()
+            raise
+
+    def _enterAlone(self) -> None:
+        raise ValueError("this Zelm2ViewCalib belongs to a rig and cannot be changed")
+
+    def _leave(self) -> None:
+        super()._leave()
+        self._rig._leave()

@@ -1,6 +1,7 @@
 """What all records share: checked fields, arrays as numpy views, pointers that keep their arrays."""
 
 import ctypes
+import weakref
 from typing import Any, ClassVar, Dict, Iterator, Tuple, Type, TypeVar
 
 import numpy as np
@@ -29,6 +30,7 @@ class Record(ctypes.Structure):
     _ranges_: ClassVar[Dict[str, Tuple[int, int]]] = {}
     _pointers_: ClassVar[Dict[str, str]] = {}  # dtype that each pointer's array has
     _arrays_: ClassVar[Dict[str, Any]] = {}  # numpy dtype of each array field
+    _callbacks_: ClassVar[Dict[str, Any]] = {}  # type of each field that the library calls
     _flat_: ClassVar[bool] = False  # True: nothing but numbers
     _sized_: ClassVar[bool] = False
     __hash__ = None  # type: ignore[assignment]
@@ -55,6 +57,10 @@ class Record(ctypes.Structure):
             value = _index(value, f"{cls.__name__}.{name}")
             if not limits[0] <= value <= limits[1]:
                 raise ValueError(f"{cls.__name__}.{name} is {value}, outside {limits[0]}..{limits[1]}")
+        elif name in cls._callbacks_ and value is None:
+            value = cls._callbacks_[name]()
+        elif name in cls._callbacks_ and not isinstance(value, ctypes._CFuncPtr):  # type: ignore
+            value = _telling(self, cls._callbacks_[name], value, f"{cls.__name__}.{name}")
         elif name not in cls._names_ and name[:1] != "_":
             raise AttributeError(f"{cls.__name__} has no field {name}; it has {', '.join(cls._names_)}")
         try:
@@ -101,7 +107,7 @@ def _short(value: Any) -> str:
 
 def record(cls: RecordType) -> RecordType:
     """Completes a generated class: ranges of its integers, properties for its arrays and pointers."""
-    names, ranges, arrays, flat = [], {}, {}, True
+    names, ranges, arrays, callbacks, flat = [], {}, {}, {}, True
     for name, kind in list[Any](cls._fields_):
         plain = name.lstrip("_")
         names.append(plain)
@@ -109,13 +115,34 @@ def record(cls: RecordType) -> RecordType:
             ranges[plain] = _IntegerRanges[kind]
         elif plain in cls._pointers_:
             setattr(cls, plain, _pointerProperty(plain, cls._pointers_[plain]))
+        elif issubclass(kind, ctypes._CFuncPtr):  # type: ignore[attr-defined]
+            callbacks[plain] = kind
         elif name != plain:
             arrays[plain] = np.dtype(_ArrayTypes[kind._type_])
             setattr(cls, plain, _arrayProperty(name, arrays[plain]))
         flat = flat and kind in (ctypes.c_double, ctypes.c_int32)
     cls._names_, cls._ranges_, cls._arrays_, cls._flat_ = tuple(names), ranges, arrays, flat
+    cls._callbacks_ = callbacks
     cls._sized_ = names[0] == "size"
     return cls
+
+
+def _telling(owner: Record, kind: Any, function: Any, where: str) -> Any:
+    """A C function that tells a Python one of progress. What it raises ends the work, and is raised by the call."""
+    if not callable(function):
+        raise TypeError(f"{where}: a function is wanted, not {type(function).__name__}")
+    keeper = weakref.ref(owner)
+
+    def tell(_: Any, stage: bytes, done: int, total: int) -> int:
+        try:
+            return 1 if function((stage or b"").decode("utf-8", "replace"), done, total) else 0
+        except BaseException as error:
+            kept = keeper()
+            if kept is not None:
+                kept._raised = error
+            return 1
+
+    return kind(tell)
 
 
 def _arrayProperty(raw: str, dtype: np.dtype) -> property:
@@ -141,6 +168,10 @@ def _pointerProperty(name: str, code: str) -> property:
         return self.__dict__.get(kept)
 
     def write(self: Record, value: Any) -> None:
+        if isinstance(value, Record) and not code:
+            self.__dict__[kept] = value
+            setattr(self, raw, ctypes.addressof(value))
+            return
         if value is not None:
             if not isinstance(value, np.ndarray) or (code and value.dtype != np.dtype(code)):
                 raise TypeError(f"{type(self).__name__}.{name}: a numpy array of {np.dtype(code or 'u1')} is wanted")

@@ -4,9 +4,10 @@ import re
 from dataclasses import dataclass, field
 from typing import List, Optional, Tuple
 
-ARRAY_CODES = ("f8", "f4", "i4", "u4", "u1")
+ARRAY_CODES = ("f8", "f4", "i4", "u4", "u1", "i8", "u2")
 IMAGES = ("image", "planar", "argb")
 SCALARS = ("int", "float", "camera")
+HANDLES = ("Zelm2ViewCalib", "ZelmMeasureRig", "ZelmMeasureAdjustment", "ZelmMeasurePlan")
 
 
 class TableError(Exception):
@@ -105,7 +106,7 @@ def declaredNames(entry: Entry) -> List[str]:
     for item in entry.results:
         if item.type and item.name not in names:
             names.append(item.name)
-        if item.limit and item.limit != "return":
+        if item.limit and item.limit not in ("return", *names):
             names.append(item.limit)
     for item in entry.arguments + entry.results:
         for dim in item.dims:

@@ -25,8 +25,8 @@ class Camera:
         return cls(summary, (folder / "report.html").read_text(encoding="utf-8"))
 
     @property
-    def matrix(self) -> np.ndarray:
-        """A, 3 x 3: undistorted pixel = A (x, y, 1)."""
+    def K(self) -> np.ndarray:
+        """3 x 3: undistorted pixel = K (x, y, 1)."""
         return np.array(self.summary["camera"]["A"], dtype=float)
 
     @property

@@ -4,7 +4,7 @@ Written by tools/makeRecords.py from the call table and the C headers: change th
 """
 
 import ctypes
-from typing import Any, NamedTuple, Optional, Sequence, Tuple, Union
+from typing import Any, List, NamedTuple, Optional, Sequence, Tuple, Union
 
 import numpy as np
 from numpy.typing import ArrayLike, NDArray
