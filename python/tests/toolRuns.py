@@ -104,4 +104,4 @@ def noFolderLeft(tmp_path, monkeypatch):
 def filesOf(rig):
     """Name and bytes of the calibration's files."""
     with rig._folder() as folder:
-        return {path.name: path.read_bytes() for path in Path(folder).iterdir()}
+        return {path.name: path.read_bytes() for path in Path(folder).iterdir() if path.stem == "rig"}
