@@ -14,7 +14,7 @@ from ._result import Result, resultOf
 from ._rows import Rows, rowsOf
 from ._tables import Table, csvFile, options, readCsv
 from ._work import ImageLike, ImageSet, Work, asPath
-from .plate import PlateLike, plateFile
+from .plate import Plate, PlateLike, plateFile
 
 _PAIR_COLUMNS = ("xL", "yL", "xR", "yR")
 _VERDICTS = ("tolerance", "drift")  # causes of a failing verify whose figures are there
@@ -303,6 +303,42 @@ class RigCommands:
     def plan(self, volume: Any, plate: PlateLike, **others: Any) -> Result:
         """Which pictures to take beside those of this calibration: see `zelm.plan`."""
         return plan(volume, plate, rig=self, **others)
+
+    def plot_residuals(self, ax: Any = None) -> Any:
+        """Reprojection errors of each view: see `zelm.plots`, which needs matplotlib."""
+        return _plots().plot_residuals(self._figures(), ax)
+
+    def plot_coverage(self, plate: Optional[Plate] = None, ax: Any = None) -> Any:
+        """Where the dots of all views lie in both images; `plate` where the calibration does not tell it."""
+        cameras = {"left": getattr(self, "left"), "right": getattr(self, "right")}
+        return _plots().plot_coverage(cameras, self._plate() if plate is None else plate, ax)
+
+    def plot_rig(self, plate: Optional[Plate] = None, ax: Any = None) -> Any:
+        """Both cameras and the plates of all views in 3-D."""
+        if plate is None and "plate" in (getattr(self, "summary", None) or {}):
+            plate = self._plate()
+        return _plots().plot_rig(self, plate, ax)
+
+    def plot_uncertainty(self, depth: Optional[float] = None, noise: Optional[float] = None, ax: Any = None) -> Any:
+        """Standard deviation of the depth of points in a plane before the left camera, over its image."""
+        return _plots().plot_uncertainty(self, depth, noise, ax)
+
+    def _figures(self) -> Dict[str, Any]:
+        summary: Optional[Dict[str, Any]] = getattr(self, "summary", None)
+        if not summary or "views" not in summary:
+            raise ValueError("nothing is known of the views of this rig: rig.json is not beside its rig.zcal")
+        return summary
+
+    def _plate(self) -> Plate:
+        if "plate" not in self._figures():
+            raise ValueError("the calibration does not tell its plate: give plate=")
+        return Plate._of(dict(self._figures()["plate"]), "plate.json")
+
+
+def _plots() -> Any:
+    from . import plots
+
+    return plots
 
 
 def _pairsFile(work: Work, pairs: Table) -> str:

@@ -2,11 +2,12 @@
 
 import json
 from pathlib import Path
-from typing import Any, Dict
+from typing import Any, Dict, Optional
 
 import numpy as np
 
 from ._outputs import PathLike, writeTogether, writeWhole
+from .plate import Plate
 
 
 class Camera:
@@ -46,6 +47,11 @@ class Camera:
         return np.array([np.column_stack([pose["R"], pose["t"]]) for pose in poses], dtype=float)
 
     @property
+    def model(self) -> str:
+        """perspective, tilted or parallel."""
+        return str(self.summary["camera"]["modelName"])
+
+    @property
     def deviations(self) -> Dict[str, float]:
         """Standard deviations by the names of the parameters: fx, skew, fy, cx, cy, k1, k2."""
         return dict(self.summary["deviations"])
@@ -72,6 +78,19 @@ class Camera:
     def report(self, path: PathLike) -> Path:
         """Writes the report, a page for people."""
         return writeWhole(path, self._report.encode())
+
+    def plot_residuals(self, ax: Any = None) -> Any:
+        """Reprojection errors of each view: see `zelm.plots`, which needs matplotlib."""
+        from . import plots
+
+        return plots.plot_residuals(self.summary, ax)
+
+    def plot_coverage(self, plate: Optional[Plate] = None, ax: Any = None) -> Any:
+        """Where the dots of all views lie in the image."""
+        from . import plots
+
+        plate = plate or Plate._of(dict(self.summary["plate"]), "plate.json")
+        return plots.plot_coverage({"camera": self}, plate, ax)
 
     def __repr__(self) -> str:
         camera = self.summary["camera"]
