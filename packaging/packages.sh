@@ -23,4 +23,4 @@ python_packages=(python3 python3-numpy python3-pytest python3-hypothesis python3
 # The wheel of the Python package, and the licences of what it brings.
 wheel_packages=(patchelf binutils git python3 python3-numpy python3-setuptools python3-wheel python3-venv)
 fresh_packages=(debootstrap git)
-deb_packages=(debhelper dpkg-dev lintian git)
+deb_packages=(debhelper dh-python dpkg-dev lintian git)
