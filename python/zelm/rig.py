@@ -19,13 +19,14 @@ from ._records import (
     ZelmMeasurePoints,
     ZelmMeasureRelativePose,
 )
+from ._rigCommands import RigCommands
 from ._rigHandles import RigHandles
 from ._triangulation import Triangulation, usualMaxError
 from .cloud import Cloud
 from .rigCamera import RigCamera
 
 
-class Rig:
+class Rig(RigCommands):
     """A calibrated pair of cameras.
 
     ``Rig.load("out/rig.zcal")`` reads one. Points of space are in the frame of the plate of view 0, in the unit of the
