@@ -9,10 +9,13 @@ import zarr
 from .pairList import PairRecord
 from .pairWriter import patiently, writeFile
 
+Arrays = Dict[str, Tuple[np.ndarray, List[str]]]  # with the names of their axes
+
 if TYPE_CHECKING:
     from .pairWork import Settings
 
-_SUFFIXES = {2: ("_x", "_y"), 3: ("_X", "_Y", "_Z")}
+_ENDINGS = {"axis": ("_x", "_y"), "space": ("_X", "_Y", "_Z"), "camera": ("_left", "_right")}
+_FIRST = ("ids", "statuses", "grid", "left", "right", "positions")  # columns, the others follow by name
 
 
 def exportPair(record: PairRecord, settings: "Settings", anew: bool) -> None:
@@ -21,8 +24,7 @@ def exportPair(record: PairRecord, settings: "Settings", anew: bool) -> None:
         path = os.path.join(folder, record.station, record.pair + suffix)
         if folder and (anew or not os.path.exists(path)):
             group = zarr.open_group(os.path.join(settings.store, record.station, record.pair), mode="r")
-            arrays = {name: array[...] for name, array in sorted(group.arrays())}
-            data = make(arrays)
+            data = make({name: (array[...], array.attrs["_ARRAY_DIMENSIONS"]) for name, array in group.arrays()})
             patiently(lambda: _write(path, data), settings.patience, path)
 
 
@@ -31,21 +33,23 @@ def _write(path: str, data: bytes) -> None:
     writeFile(path, data)
 
 
-def columnsOf(arrays: Dict[str, np.ndarray]) -> List[Tuple[str, np.ndarray]]:
+def columnsOf(arrays: Arrays) -> List[Tuple[str, np.ndarray]]:
     """The arrays that have an entry for each point, as named columns."""
-    lengths = [len(values) for values in arrays.values() if values.ndim]
-    count = len(arrays["statuses"]) if "statuses" in arrays else max(lengths, default=0)
+    axes = [dimensions[0] for _, dimensions in arrays.values() if dimensions]
+    point = "point" if "point" in axes else next(iter(axes), "")
+    order = sorted(arrays, key=lambda name: (_FIRST.index(name) if name in _FIRST else len(_FIRST), name))
     columns: List[Tuple[str, np.ndarray]] = []
-    for name, values in arrays.items():
-        if values.ndim == 1 and len(values) == count:
+    for name in order:
+        values, dimensions = arrays[name]
+        if dimensions == [point]:
             columns.append((name, values))
-        elif values.ndim == 2 and len(values) == count:
-            endings = _SUFFIXES.get(values.shape[1], tuple(f"_{i}" for i in range(values.shape[1])))
-            columns += [(name + ending, values[:, i]) for i, ending in enumerate(endings)]
+        elif len(dimensions) == 2 and dimensions[0] == point:
+            numbers = tuple(f"_{i}" for i in range(values.shape[1]))
+            columns += [(name + end, values[:, i]) for i, end in enumerate(_ENDINGS.get(dimensions[1], numbers))]
     return columns
 
 
-def csvOf(arrays: Dict[str, np.ndarray]) -> bytes:
+def csvOf(arrays: Arrays) -> bytes:
     """A line a point; a number that is not known is left empty."""
     columns = columnsOf(arrays)
     lines = [",".join(name for name, _ in columns)]
@@ -61,11 +65,11 @@ def _cell(value: Any) -> str:
     return '"' + text.replace('"', '""') + '"' if any(c in text for c in ',"\n') else text
 
 
-def plyOf(arrays: Dict[str, np.ndarray]) -> bytes:
+def plyOf(arrays: Arrays) -> bytes:
     """A binary point cloud of the points whose status is 0."""
-    positions = arrays.get("positions", np.zeros((0, 3)))
-    good = (arrays["statuses"] == 0) if "statuses" in arrays else np.ones(len(positions), dtype=bool)
-    points = positions[good[: len(positions)]]
+    points = arrays["positions"][0] if "positions" in arrays else np.zeros((0, 3))
+    if "statuses" in arrays:
+        points = points[arrays["statuses"][0] == 0]
     header = ["ply", "format binary_little_endian 1.0", f"element vertex {len(points)}"]
     header += [f"property double {axis}" for axis in "xyz"] + ["end_header", ""]
     return "\n".join(header).encode() + np.ascontiguousarray(points, dtype="<f8").tobytes()

@@ -16,6 +16,7 @@ from .pairWriter import PairArray
 
 _REACH_WINDOWS, _REACH_STEPS = 2.0, 2.5  # as `zelm match`: how far points may tell of each other's surface
 _MIN_DRIFT_PAIRS = 30  # below which zelmMeasureDrift() refuses
+_MIN_PLATE_DOTS = 4  # that place the plate
 _UNKNOWN_CALIBRATION_ERROR = 0.003  # pixels; what `zelm verify` takes for a calibration without covariance
 _FRAME = "in the frame of the plate of view 0"
 
@@ -90,6 +91,11 @@ def verify(inputs: PairInputs) -> PairResult:
     grid, leftDots, rightDots = _commonDots(*found)
     refined = measure.zelmMeasureRefinePlate(rig, plate.pattern, left, right, grid, leftDots, rightDots)
     kept = refined.statuses == 0
+    if kept.sum() < _MIN_PLATE_DOTS:
+        raise BatchError(
+            f"{inputs.record.left}: of {len(kept)} dots that both images show their pixels confirm {kept.sum()}, and "
+            f"{_MIN_PLATE_DOTS} are needed: are the images sharp and of this rig and plate?"
+        )
     grid = np.ascontiguousarray(grid[kept])
     points, fit = measure.zelmMeasurePlatePoints(rig, plate.pattern, grid, refined.left[kept], refined.right[kept])
     good = points.statuses == 0

@@ -42,6 +42,8 @@ class PairStore:
         self._takeLock()
         shutil.rmtree(os.path.join(self.path, TEMPORARY), ignore_errors=True)  # what a stopped job has left
         os.makedirs(os.path.join(self.path, TEMPORARY), exist_ok=True)
+        if attributes and not any(_foldersOf(self.path)):
+            attributes = None  # nothing in it that another job would spoil
         known = self._agreed(attributes, job, calibrations) if attributes else {}
         calibrations = {**known, **calibrations}
         if not attributes or known != calibrations:
