@@ -57,7 +57,9 @@ class Record(ctypes.Structure):
             value = _index(value, f"{cls.__name__}.{name}")
             if not limits[0] <= value <= limits[1]:
                 raise ValueError(f"{cls.__name__}.{name} is {value}, outside {limits[0]}..{limits[1]}")
-        elif name in cls._callbacks_ and value is not None and not isinstance(value, ctypes._CFuncPtr):  # type: ignore
+        elif name in cls._callbacks_ and value is None:
+            value = cls._callbacks_[name]()
+        elif name in cls._callbacks_ and not isinstance(value, ctypes._CFuncPtr):  # type: ignore
             value = _telling(self, cls._callbacks_[name], value, f"{cls.__name__}.{name}")
         elif name not in cls._names_ and name[:1] != "_":
             raise AttributeError(f"{cls.__name__} has no field {name}; it has {', '.join(cls._names_)}")
