@@ -8,6 +8,7 @@ import numpy as np
 import pytest
 import zarr
 from fleetSample import contentOfStore, writeDisc, writePairs
+from syntheticPair import block, pair
 
 from zelm.batch import BatchError, BatchUsageError, pairWriter, pairsOfManifest, pairsOfPatterns, pairsOfStore, runBatch
 
@@ -19,12 +20,12 @@ def test_theStoreIsAZarrHierarchyOfStationsAndPairs(tmp_path):
     assert (summary.made, summary.kept, summary.exitCode) == (3, 0, 0)
     group = zarr.open_group(str(tmp_path / "out"), mode="r")
     assert sorted(group["rig"].group_keys()) == ["p000", "p001", "p002"]
-    pair = group["rig/p002"]
-    assert pair["left"].shape == (64, 2)
-    assert pair["left"].attrs["unit"] == "pixel"
-    assert pair.attrs["figures"]["left"]["x"] == pytest.approx(22, abs=0.02)  # the disc of pair 2
-    assert set(pair.attrs["provenance"]["sha256"]) == {"left", "right"}
-    assert pair.attrs["provenance"]["library"] == "1.0.0"
+    found = group["rig/p002"]
+    assert found["left"].shape == (64, 2)
+    assert found["left"].attrs["unit"] == "pixel"
+    assert found.attrs["figures"]["left"]["x"] == pytest.approx(22, abs=0.02)  # the disc of pair 2
+    assert set(found.attrs["provenance"]["sha256"]) == {"left", "right"}
+    assert found.attrs["provenance"]["library"] == "1.0.0"
 
 
 def test_whatIsThereIsKeptAndWhatChangedIsMadeAnew(tmp_path):
@@ -51,7 +52,7 @@ def test_aDamagedResultIsMadeAnew(tmp_path):
 def test_otherOptionsAndCalibrationsAreRefused(tmp_path):
     pairs = writePairs(tmp_path / "in", 2)
     rig = tmp_path / "a.zcal"
-    rig.write_bytes(b"one")
+    rig.write_bytes(block(*pair()))
     out = str(tmp_path / "out")
     runBatch(WORK, pairs, out, str(rig), options={"window": 21}, processes=0)
     before = contentOfStore(tmp_path / "out")
@@ -59,7 +60,7 @@ def test_otherOptionsAndCalibrationsAreRefused(tmp_path):
         runBatch(WORK, pairs, out, str(rig), options={"window": 31}, processes=0)
     with pytest.raises(BatchError, match="kind fleetWork:blobs, not fleetWork:tiny"):
         runBatch("fleetWork:tiny", pairs, out, str(rig), options={"window": 21}, processes=0)
-    rig.write_bytes(b"two")
+    rig.write_bytes(block(*pair(k1=-0.2)))
     with pytest.raises(BatchError, match="another calibration of rig"):
         runBatch(WORK, pairs, out, str(rig), options={"window": 21}, processes=0)
     assert contentOfStore(tmp_path / "out") == before
@@ -92,7 +93,7 @@ def test_brokenImagesAreToldAndTheOthersDone(tmp_path):
     summary = runBatch(WORK, pairs, str(tmp_path / "out"), processes=0)
     assert (summary.made, summary.exitCode) == (3, 1)
     told = {failure.pair: failure.reason for failure in summary.failures}
-    assert "l_p001.pgm: not a complete PGM image" in told["p001"]
+    assert "l_p001.pgm: not a complete PNM image" in told["p001"]
     assert "r_p003.pgm: cannot be read: No such file" in told["p003"]
     assert not (tmp_path / "out" / "rig" / "p001").exists()
 
@@ -210,8 +211,8 @@ def test_foldersPairByName(tmp_path):
 def test_oneCalibrationDoesNotServeTwoStations(tmp_path):
     pairs = writePairs(tmp_path / "in", 2)
     pairs = [pairs[0], pairs[1]._replace(station="other")]
-    (tmp_path / "rig.zcal").write_bytes(b"rig")
-    (tmp_path / "other.zcal").write_bytes(b"other")
+    (tmp_path / "rig.zcal").write_bytes(block(*pair()))
+    (tmp_path / "other.zcal").write_bytes(block(*pair(k1=-0.2)))
     with pytest.raises(BatchUsageError, match="one calibration for 2 stations"):
         runBatch(WORK, pairs, str(tmp_path / "out"), str(tmp_path / "rig.zcal"), processes=0)
     assert runBatch(WORK, pairs, str(tmp_path / "out"), str(tmp_path / "{station}.zcal"), processes=0).made == 2
@@ -228,6 +229,14 @@ def test_exportsStandBesideTheStore(tmp_path):
     assert lines[0] == "left_x,left_y,right_x,right_y"
     values = np.array([line.split(",") for line in lines[1:]], dtype=int)
     assert np.array_equal(values[:, :2], zarr.open_group(out, mode="r")["rig/p001/left"][:])
+
+
+def test_aCalibrationThatIsNoneIsRefusedAtOnce(tmp_path):
+    (tmp_path / "rig.zcal").write_bytes(b"short")
+    for name in ("rig.zcal", "none.zcal"):
+        with pytest.raises(BatchError, match=name):
+            runBatch(WORK, writePairs(tmp_path / "in", 2), str(tmp_path / "out"), str(tmp_path / name), processes=0)
+    assert not (tmp_path / "out").exists()
 
 
 def test_workThatIsNotThereIsRefused(tmp_path):

@@ -2,8 +2,11 @@
 
 import os
 import time
+import warnings
 from typing import Any, Callable, Dict, Iterator, List, Mapping, Optional, Sequence, Tuple
 
+from .._errors import MeasurementWarning, ZelmError
+from ..rig import Rig
 from .batchFault import BatchError, BatchUsageError
 from .batchPlate import digestOfPlate
 from .batchSummary import BatchSummary
@@ -15,6 +18,7 @@ from .pairStore import PairStore
 from .pairWork import STOPPED, Report, Settings, digestOfCalibration, workOf
 
 Progress = Callable[[Report], None]
+Notice = Callable[[str], None]
 
 
 def runBatch(
@@ -31,7 +35,7 @@ def runBatch(
     ply: str = "",
     patience: float = 60.0,
     progress: Optional[Progress] = None,
-    notice: Callable[[str], None] = print,
+    notice: Notice = print,
 ) -> BatchSummary:
     """Does a kind of work on every pair and keeps the results in a Zarr store; goes on with a store that is there.
 
@@ -57,7 +61,9 @@ def runBatch(
         The job cannot begin: no pairs, no calibration, another job's store. What goes wrong with single pairs is in
         the summary.
     """
-    settings, calibrations, job = _prepared(kind, pairs, store, rig, plate, dict(options or {}), csv, ply, patience)
+    settings, calibrations, job = _prepared(
+        kind, pairs, store, rig, plate, dict(options or {}), csv, ply, patience, notice
+    )
     summary = BatchSummary(kind, store, len(pairs))
     began = time.monotonic()
     with PairStore(store, job, calibrations):
@@ -94,13 +100,13 @@ def _reports(
 
 def _prepared(
     kind: str, pairs: Sequence[PairRecord], store: str, rig: str, plate: str, options: Dict[str, Any], csv: str,
-    ply: str, patience: float
+    ply: str, patience: float, notice: Notice
 ) -> Tuple[Settings, Dict[str, str], Dict[str, Any]]:
     if not pairs:
         raise BatchError("no pairs: nothing is to be done")
     workOf(kind)
     description = (os.path.abspath(plate), digestOfPlate(plate)) if plate else ("", "")
-    files = calibrationsOf(rig, sorted({record.station for record in pairs}))
+    files = calibrationsOf(rig, sorted({record.station for record in pairs}), notice)
     digests = {station: digest for station, (_, digest) in files.items()}
     job = jobRecord(kind, options, description[1])
     settings = Settings(
@@ -111,7 +117,7 @@ def _prepared(
     return settings, digests, job
 
 
-def calibrationsOf(rig: str, stations: List[str]) -> Dict[str, Tuple[str, str]]:
+def calibrationsOf(rig: str, stations: List[str], notice: Notice = print) -> Dict[str, Tuple[str, str]]:
     """Path and digest of each station's calibration."""
     if not rig:
         return {}
@@ -121,4 +127,20 @@ def calibrationsOf(rig: str, stations: List[str]) -> Dict[str, Tuple[str, str]]:
             "each has its own, put {station} into the name"
         )
     paths = {station: os.path.abspath(rig.replace("{station}", station)) for station in stations}
+    for path in sorted(set(paths.values())):
+        _checkCalibration(path, notice)
     return {station: (path, digestOfCalibration(path)) for station, path in paths.items()}
+
+
+def _checkCalibration(path: str, notice: Notice) -> None:
+    """Refuses what is none before all pairs would fail by it; warns of one that was refused when it was made."""
+    with warnings.catch_warnings(record=True) as told:
+        warnings.simplefilter("always", MeasurementWarning)
+        try:
+            if not os.path.isfile(path):
+                raise BatchError(f"{path}: there is no such calibration")
+            Rig.load(path)
+        except (OSError, ZelmError) as error:
+            raise BatchError(str(error)) from None
+    for warning in told:
+        notice(f"warning: {warning.message}")

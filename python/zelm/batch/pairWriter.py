@@ -123,12 +123,18 @@ def _writeTree(folder: str, files: Mapping[str, bytes]) -> None:
         with open(path, "wb") as file:
             file.write(data)
         paths.append(path)
-    list(_flushers().map(flush, paths + folders))
+    paths += folders
+    list(_flushers().map(_flushAll, [paths[first::_FLUSHERS] for first in range(_FLUSHERS)]))
 
 
 @lru_cache(maxsize=1)
 def _flushers() -> ThreadPoolExecutor:
     return ThreadPoolExecutor(_FLUSHERS, thread_name_prefix="zelm-flush")
+
+
+def _flushAll(paths: List[str]) -> None:
+    for path in paths:
+        flush(path)
 
 
 def flush(path: str) -> None:
