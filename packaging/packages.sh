@@ -21,5 +21,7 @@ peers_packages=(python3 python3-numpy python3-scipy python3-yaml python3-opencv 
 # The Python package, with the system's Python; from zarr on what zelm.batch works with.
 python_packages=(python3 python3-numpy python3-pytest python3-hypothesis python3-zarr python3-pil python3-tqdm
   python3-distributed python3-matplotlib)
+# C# and Octave: 400 MB on a bare system.
+languages_packages=(mono-mcs mono-runtime libmono-system-core4.0-cil octave octave-dev)
 fresh_packages=(debootstrap git)
 deb_packages=(debhelper dpkg-dev lintian git)
