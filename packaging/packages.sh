@@ -18,9 +18,12 @@ bench_packages=(libbenchmark-dev libmrcal-dev libopencv-imgproc-dev libopencv-ca
 # The programs that files are exchanged with: 500 MB and more on a bare system.
 peers_packages=(python3 python3-numpy python3-scipy python3-yaml python3-opencv python3-mrcal python3-image-geometry
   python3-camera-calibration-parsers pcl-tools)
-# The Python package, with the system's Python.
-python_packages=(python3 python3-numpy python3-pytest python3-hypothesis python3-matplotlib)
+# The Python package, with the system's Python; from zarr on what zelm.batch works with.
+python_packages=(python3 python3-numpy python3-pytest python3-hypothesis python3-matplotlib python3-zarr python3-pil
+  python3-tqdm python3-distributed)
 # The wheel of the Python package, and the licences of what it brings.
 wheel_packages=(patchelf binutils git python3 python3-numpy python3-setuptools python3-wheel python3-venv)
+# C# and Octave: 400 MB on a bare system.
+languages_packages=(mono-mcs mono-runtime libmono-system-core4.0-cil octave octave-dev)
 fresh_packages=(debootstrap git)
 deb_packages=(debhelper dh-python dpkg-dev lintian git)

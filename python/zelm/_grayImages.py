@@ -1,5 +1,6 @@
 """Gray images from arrays and files, with the gray levels that the program `zelm` reads from the same files."""
 
+import io
 import os
 from pathlib import Path
 from typing import Any, Tuple, Union
@@ -52,17 +53,21 @@ def _kind(value: Any) -> str:
 
 
 def _ofFile(path: Path) -> np.ndarray:
-    content = path.read_bytes()
+    return grayOfBytes(path, path.read_bytes())
+
+
+def grayOfBytes(path: Path, content: bytes) -> np.ndarray:
+    """The image in the content of a file; the path is for words."""
     if not content:
         raise ValueError(f"{path}: is empty: export or copy it again")
     if content[:2] in (b"P2", b"P3", b"P5", b"P6"):
         return _gray(_pnm(path, content))
     if not any(content.startswith(start) for start in _FORMATS):
         raise ValueError(f"{path}: not an image that can be read: PNG, TIFF, JPEG, BMP and PGM are")
-    return _gray(_byPillow(path))
+    return _gray(_byPillow(path, content))
 
 
-def _byPillow(path: Path) -> np.ndarray:
+def _byPillow(path: Path, content: bytes) -> np.ndarray:
     try:
         from PIL import Image
     except ImportError:
@@ -71,7 +76,7 @@ def _byPillow(path: Path) -> np.ndarray:
             "install pillow), or give an array"
         ) from None
     try:
-        with Image.open(path) as image:
+        with Image.open(io.BytesIO(content)) as image:
             _refuseRounding(path, image)
             image.load()
             return _levels(path, image)
