@@ -25,29 +25,11 @@ ptrdiff_t marginOf(ptrdiff_t rounds) {
     return rounds / kWordPixels + 1;
 }
 
-// Each bit of `to` is one of `from` or of those `step` bits before and after it; step is no multiple of kWordPixels.
-void uniteBits(const uint64_t* __restrict from, ptrdiff_t words, ptrdiff_t step, uint64_t* __restrict to) {
-    const ptrdiff_t far = step / kWordPixels;
-    const auto bits = static_cast<unsigned>(step % kWordPixels);
-    const unsigned rest = kWordPixels - bits;
-    for (ptrdiff_t i = 0; i < words; ++i) {
-        const uint64_t before = from[i - far] << bits | from[i - far - 1] >> rest;
-        const uint64_t after = from[i + far] >> bits | from[i + far + 1] << rest;
-        to[i] = from[i] | before | after;
-    }
-}
-
-void uniteWords(const uint64_t* above, const uint64_t* at, const uint64_t* below, ptrdiff_t words,
-                uint64_t* __restrict to) {
-    for (ptrdiff_t i = 0; i < words; ++i) {
-        to[i] = above[i] | at[i] | below[i];
-    }
-}
-
 }  // namespace
 
-BitPlane::BitPlane(ptrdiff_t planeWidth, ptrdiff_t planeHeight, ptrdiff_t dilationRounds)
-    : width(planeWidth),
+BitPlane::BitPlane(const BitKernels& kernels, ptrdiff_t planeWidth, ptrdiff_t planeHeight, ptrdiff_t dilationRounds)
+    : tier(kernels),
+      width(planeWidth),
       height(planeHeight),
       rounds(dilationRounds),
       stride(wordsOf(planeWidth + dilationRounds)),
@@ -70,7 +52,7 @@ BitPlane::BitPlane(ptrdiff_t planeWidth, ptrdiff_t planeHeight, ptrdiff_t dilati
 
 void BitPlane::dilateRows() {
     growWindow(rounds, [&](ptrdiff_t step) {
-        uniteBits(current, height * stride, step, other);
+        tier.uniteBits(current, height * stride, step, other);
         std::swap(current, other);
     });
 }
@@ -81,8 +63,8 @@ void BitPlane::dilateColumns() {
         const ptrdiff_t first = std::min(step, height);
         const ptrdiff_t last = std::max(height - step, first);
         const auto uniteRow = [&](ptrdiff_t r, ptrdiff_t rows) {
-            uniteWords(row(std::max(r - step, ptrdiff_t{0})), row(r), row(std::min(r + step, height - 1)),
-                       rows * stride, other + r * stride);
+            tier.uniteWords(row(std::max(r - step, ptrdiff_t{0})), row(r), row(std::min(r + step, height - 1)),
+                            rows * stride, other + r * stride);
         };
         for (ptrdiff_t r = 0; r < first; ++r) {
             uniteRow(r, 1);

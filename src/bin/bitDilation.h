@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "bitKernels.h"
 #include "workBuffer.h"
 
 namespace zelm {
@@ -18,7 +19,7 @@ namespace zelm {
 // row reaches into the next.
 class BitPlane {
 public:
-    BitPlane(ptrdiff_t planeWidth, ptrdiff_t planeHeight, ptrdiff_t dilationRounds);
+    BitPlane(const BitKernels& kernels, ptrdiff_t planeWidth, ptrdiff_t planeHeight, ptrdiff_t dilationRounds);
 
     [[nodiscard]] bool ok() const { return memory.ok(); }
     // The words of a row that its pixels take are the caller's; what is behind them is 0.
@@ -32,6 +33,7 @@ private:
     void dilateRows();
     void dilateColumns();
 
+    const BitKernels& tier;
     ptrdiff_t width;
     ptrdiff_t height;
     ptrdiff_t rounds;

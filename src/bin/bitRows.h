@@ -5,10 +5,12 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "bitWords.h"
+#include "bitKernels.h"
 #include "foregroundTest.h"
 
 namespace zelm {
+
+constexpr ptrdiff_t kWordPixels = 64;
 
 inline ptrdiff_t wordsOf(ptrdiff_t width) {
     return (width + kWordPixels - 1) / kWordPixels;
@@ -20,10 +22,10 @@ inline uint64_t lastWordMask(ptrdiff_t width) {
 }
 
 // The foreground of a row, wordsOf(width) words.
-void packRow(const uint8_t* row, ptrdiff_t width, ForegroundTest isForeground, uint64_t* words);
+void packRow(const BitKernels& tier, const uint8_t* row, ptrdiff_t width, ForegroundTest isForeground, uint64_t* words);
 
 // Writes 255 for each pixel whose bit is set, else 0.
-void unpackRow(const uint64_t* words, ptrdiff_t width, uint8_t* row);
+void unpackRow(const BitKernels& tier, const uint64_t* words, ptrdiff_t width, uint8_t* row);
 
 }  // namespace zelm
 

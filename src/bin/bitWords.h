@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <cstring>
 
+#include "bitRows.h"
 #include "byteVector.h"
 
 #if defined(__SSE2__)
@@ -17,7 +18,6 @@
 
 namespace zelm {
 
-constexpr ptrdiff_t kWordPixels = 64;
 constexpr ptrdiff_t kBytePixels = 8;
 
 // The pixels of each byte of bits.

@@ -9,6 +9,7 @@
 #include <cstdint>
 
 #include "bitDilation.h"
+#include "bitKernels.h"
 #include "bitRows.h"
 #include "foregroundTest.h"
 #include "regionCheck.h"
@@ -32,20 +33,21 @@ uint8_t* rowOf(const ZelmImage& image, const ZelmRect& region, ptrdiff_t r) {
 }
 
 // The plane holds the foreground for a dilation, the background for an erosion.
-void pack(const ZelmImage& src, const ZelmRect& region, int32_t threshold, Step first, BitPlane& plane) {
+void pack(const BitKernels& tier, const ZelmImage& src, const ZelmRect& region, int32_t threshold, Step first,
+          BitPlane& plane) {
     const int32_t t = std::clamp(threshold, 0, kTopLevel);
     const ForegroundTest test = ForegroundTest::of(t, first == Step::dilate ? 1 : 0);
     for (ptrdiff_t r = 0; r < region.height; ++r) {
-        packRow(rowOf(src, region, r), region.width, test, plane.row(r));
+        packRow(tier, rowOf(src, region, r), region.width, test, plane.row(r));
     }
 }
 
-void unpack(BitPlane& plane, const ZelmRect& region, Step last, const ZelmImage& dst) {
+void unpack(const BitKernels& tier, BitPlane& plane, const ZelmRect& region, Step last, const ZelmImage& dst) {
     if (last == Step::erode) {
         plane.invert();
     }
     for (ptrdiff_t r = 0; r < region.height; ++r) {
-        unpackRow(plane.row(r), region.width, rowOf(dst, region, r));
+        unpackRow(tier, plane.row(r), region.width, rowOf(dst, region, r));
     }
 }
 
@@ -54,13 +56,14 @@ int32_t repeat(const ZelmImage* src, const ZelmRect* region, int32_t threshold, 
     if (!argumentsHold(src, region, iterations, dst)) {
         return ZELM_ERR_PARAM;
     }
-    BitPlane plane(region->width, region->height, iterations);
+    const BitKernels& tier = bitTierOfProcessor();
+    BitPlane plane(tier, region->width, region->height, iterations);
     if (!plane.ok()) {
         return ZELM_ERR_MEMORY;
     }
-    pack(*src, *region, threshold, step, plane);
+    pack(tier, *src, *region, threshold, step, plane);
     plane.dilate();
-    unpack(plane, *region, step, *dst);
+    unpack(tier, plane, *region, step, *dst);
     return ZELM_OK;
 }
 
@@ -75,15 +78,16 @@ int32_t repeatBoth(const ZelmImage* src, const ZelmRect* region, int32_t thresho
     if (!argumentsHold(src, region, iterations, dst) || !startsAtOrigin(*region)) {
         return ZELM_ERR_PARAM;
     }
-    BitPlane plane(region->width, region->height, iterations);
+    const BitKernels& tier = bitTierOfProcessor();
+    BitPlane plane(tier, region->width, region->height, iterations);
     if (!plane.ok()) {
         return ZELM_ERR_MEMORY;
     }
-    pack(*src, *region, threshold, first, plane);
+    pack(tier, *src, *region, threshold, first, plane);
     plane.dilate();
     plane.invert();
     plane.dilate();
-    unpack(plane, *region, first == Step::dilate ? Step::erode : Step::dilate, *dst);
+    unpack(tier, plane, *region, first == Step::dilate ? Step::erode : Step::dilate, *dst);
     return ZELM_OK;
 }
 
