@@ -58,3 +58,12 @@ function(zelm_add_tier layer name)
   set_source_files_properties(${TIER_SOURCES} PROPERTIES COMPILE_OPTIONS "${TIER_FLAGS}")
   target_compile_definitions(zelm_${layer} PRIVATE ZELM_${name}_TIER)
 endfunction()
+
+# The vector tiers are built with flags of their own, in files that share no inline code with the rest.
+# AVX2: 64-bit x86 only. SSE4.1: x86 only.
+if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64)$" AND CMAKE_SIZEOF_VOID_P EQUAL 8)
+  set(ZELM_AVX2_FLAGS -mavx2 -mfma -mbmi -mbmi2 -mlzcnt -mmovbe)
+endif()
+if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(i[3-6]86|x86|x86_64|AMD64)$")
+  set(ZELM_SSE41_FLAGS -msse4.1)
+endif()

@@ -5,12 +5,12 @@
 #include <cstdint>
 #include <span>
 
+#include "grayHistogram.h"
 #include "zelm/bin.h"
 
 namespace zelm {
 namespace {
 
-constexpr int kGrayLevels = 256;
 constexpr double kTopLevel = 255.0;
 
 // N: pixels, mu: mean level, w and s: count and first moment of the levels up to k. Counts are unsigned 32-bit and
@@ -47,36 +47,6 @@ int32_t otsuThreshold(std::span<const uint32_t> h) {
     return static_cast<int32_t>(bestK) + 1;
 }
 
-// Four tables side by side: neighbouring pixels are mostly equal, and one table would wait for its own last store.
-void addRow(const uint8_t* row, ptrdiff_t width, uint32_t (&tables)[4][kGrayLevels]) {
-    ptrdiff_t x = 0;
-    for (; x + 4 <= width; x += 4) {
-        ++tables[0][row[x]];
-        ++tables[1][row[x + 1]];
-        ++tables[2][row[x + 2]];
-        ++tables[3][row[x + 3]];
-    }
-    for (; x < width; ++x) {
-        ++tables[0][row[x]];
-    }
-}
-
-int32_t otsuThresholdOfRegion(const ZelmImage& image, const ZelmRect& region) {
-    uint32_t tables[4][kGrayLevels] = {};
-    const ptrdiff_t stride = image.width;
-    for (ptrdiff_t r = 0; r < region.height; ++r) {
-        if (region.width < 1) {
-            break;
-        }
-        addRow(image.pixels + (region.y + r) * stride + region.x, region.width, tables);
-    }
-    uint32_t histogram[kGrayLevels];
-    for (size_t k = 0; k < kGrayLevels; ++k) {
-        histogram[k] = tables[0][k] + tables[1][k] + tables[2][k] + tables[3][k];
-    }
-    return otsuThreshold(histogram);
-}
-
 // Clamped before the cast, so that huge values never overflow it.
 size_t levelOf(double value) {
     const double rounded = value + 0.5;
@@ -100,7 +70,9 @@ int32_t zelmBinOtsuThresholdImage(const ZelmImage* tImage, const ZelmRect* tRegi
     if (tImage == nullptr || tRegion == nullptr) {
         return ZELM_ERR_PARAM;
     }
-    return zelm::otsuThresholdOfRegion(*tImage, *tRegion);
+    uint32_t histogram[zelm::kGrayLevels];
+    zelm::grayHistogram(*tImage, *tRegion, histogram);
+    return zelm::otsuThreshold(histogram);
 }
 
 int32_t zelmBinOtsuThresholdGray(int32_t iCount, const double* daValues) {

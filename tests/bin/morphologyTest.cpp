@@ -5,10 +5,16 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "guardedBuffer.h"
+#include "processors.h"
 #include "random.h"
 #include "testImage.h"
 #include "zelm/bin.h"
 
+using zelmtest::ForcedProcessor;
+using zelmtest::Guard;
+using zelmtest::GuardedBuffer;
+using zelmtest::Processor;
 using zelmtest::Random;
 using zelmtest::TestImage;
 
@@ -299,6 +305,62 @@ TEST(Morphology, DilationAndErosionMatchAModelPixelByPixel) {
             expectRegion(out, region, model(cut(image, region), t, iterations, dilate),
                          dilate ? "dilation" : "erosion");
         }
+    }
+}
+
+// Wide regions and many rounds: windows beyond a word of 64 pixels, beyond the region and of every remainder.
+TEST(Morphology, ManyRoundsMatchAModelPixelByPixel) {
+    Random random(618);
+    for (int trial = 0; trial < 120; ++trial) {
+        const bool vectors = trial % 2 == 0 && zelmtest::machineHasAvx2Tier();
+        const ForcedProcessor forced(vectors ? Processor{} : zelmtest::plainProcessor());
+        const int32_t width = random.integer(2, 300);
+        const int32_t height = random.integer(2, 150);
+        TestImage image = zelmtest::noiseImage(random, width, height, random.uniform() < 0.5 ? 0.0003 : 0.9997);
+        const ZelmRect region = randomRegion(random, image, 2);
+        const int32_t iterations = random.integer(1, std::min(region.width, region.height) - 1);
+        for (const bool dilate : {false, true}) {
+            TestImage out(width, height, kUntouched);
+            ASSERT_EQ(run(dilate ? zelmBinDilation : zelmBinErosion, image, region, 128, iterations, out), ZELM_OK);
+            expectRegion(out, region, model(cut(image, region), 128, iterations, dilate),
+                         dilate ? "dilation" : "erosion");
+        }
+    }
+}
+
+// No pixel beside the region is touched, on pages where that would end the program.
+TEST(Morphology, StaysWithinItsImages) {
+    Random random(619);
+    for (const int32_t width : {2, 15, 16, 17, 63, 64, 65, 127, 128, 129, 200}) {
+        for (const Guard guard : {Guard::atStart, Guard::atEnd}) {
+            constexpr int32_t kHeight = 5;
+            const auto count = static_cast<std::size_t>(width * kHeight);
+            GuardedBuffer<uint8_t> from(count, guard);
+            GuardedBuffer<uint8_t> to(count, guard);
+            TestImage image = zelmtest::grayNoise(random, width, kHeight);
+            std::copy(image.pixels.begin(), image.pixels.end(), from.begin());
+            const ZelmImage src = {from.data(), width, kHeight};
+            ZelmImage dst = {to.data(), width, kHeight};
+            const ZelmRect region = image.all();
+            TestImage out(width, kHeight);
+            for (const Operation operation : {zelmBinDilation, zelmBinErosion, zelmBinOpening, zelmBinClosing}) {
+                ASSERT_EQ(operation(&src, &region, 128, 1, &dst), ZELM_OK);
+                ASSERT_EQ(run(operation, image, region, 128, 1, out), ZELM_OK);
+                ASSERT_TRUE(std::equal(to.begin(), to.end(), out.pixels.begin())) << width;
+            }
+            ASSERT_EQ(zelmBinBinaryImage(&src, &region, 128, &dst), ZELM_OK);
+            ASSERT_EQ(binarise(image, region, 128, out), ZELM_OK);
+            ASSERT_TRUE(std::equal(to.begin(), to.end(), out.pixels.begin())) << width;
+        }
+    }
+}
+
+// Too large for the target is said before memory is asked for or a pixel is read.
+TEST(Morphology, AHugeRegionIsRefused) {
+    TestImage image(8, 8, 200);
+    TestImage out(8, 8, kUntouched);
+    for (const Operation operation : {zelmBinDilation, zelmBinErosion, zelmBinOpening, zelmBinClosing}) {
+        EXPECT_EQ(run(operation, image, {0, 0, INT32_MAX, INT32_MAX}, 128, 1, out), ZELM_ERR_PARAM);
     }
 }
 

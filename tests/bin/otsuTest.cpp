@@ -7,10 +7,14 @@
 #include <limits>
 #include <vector>
 
+#include "grayHistogram.h"
+#include "guardedBuffer.h"
 #include "random.h"
 #include "testImage.h"
 #include "zelm/bin.h"
 
+using zelmtest::Guard;
+using zelmtest::GuardedBuffer;
 using zelmtest::Random;
 using zelmtest::TestImage;
 
@@ -121,6 +125,45 @@ TEST(OtsuThreshold, RegionHistogramMatchesAPlainCount) {
         }
         const ZelmImage record = image.record();
         EXPECT_EQ(zelmBinOtsuThresholdImage(&record, &region), thresholdOf(h)) << trial;
+    }
+}
+
+// Large regions are counted in pairs of pixels: noise, even ground and both, at widths that leave single pixels.
+TEST(GrayHistogram, CountsEveryPixelOfLargeRegions) {
+    Random random(603);
+    for (int trial = 0; trial < 12; ++trial) {
+        TestImage image = zelmtest::grayNoise(random, 700 + trial, 500);
+        image.fillRect({100, 50, trial % 3 * 250, 300}, static_cast<uint8_t>(random.integer(0, 255)));
+        const ZelmRect region = {trial % 5, 3, image.width - 5 - trial % 2, 490};
+        std::vector<uint32_t> expected(256, 0);
+        for (int32_t y = region.y; y < region.y + region.height; ++y) {
+            for (int32_t x = region.x; x < region.x + region.width; ++x) {
+                ++expected[image.at(x, y)];
+            }
+        }
+        uint32_t h[256];
+        zelm::grayHistogram(image.record(), region, h);
+        ASSERT_TRUE(std::equal(expected.begin(), expected.end(), h)) << trial;
+        const ZelmImage record = image.record();
+        EXPECT_EQ(zelmBinOtsuThresholdImage(&record, &region), thresholdOf(expected)) << trial;
+    }
+}
+
+TEST(GrayHistogram, StaysWithinTheImage) {
+    Random random(604);
+    for (const int32_t width : {1, 3, 8, 520, 521, 527}) {
+        for (const Guard guard : {Guard::atStart, Guard::atEnd}) {
+            constexpr int32_t kHeight = 512;
+            GuardedBuffer<uint8_t> pixels(static_cast<std::size_t>(width * kHeight), guard);
+            std::vector<uint32_t> expected(256, 0);
+            for (uint8_t& pixel : pixels) {
+                pixel = static_cast<uint8_t>(random.integer(0, 255));
+                ++expected[pixel];
+            }
+            uint32_t h[256];
+            zelm::grayHistogram({pixels.data(), width, kHeight}, {0, 0, width, kHeight}, h);
+            ASSERT_TRUE(std::equal(expected.begin(), expected.end(), h)) << width;
+        }
     }
 }
 
