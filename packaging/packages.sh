@@ -19,6 +19,6 @@ bench_packages=(libbenchmark-dev libmrcal-dev libopencv-imgproc-dev libopencv-ca
 peers_packages=(python3 python3-numpy python3-scipy python3-yaml python3-opencv python3-mrcal python3-image-geometry
   python3-camera-calibration-parsers pcl-tools)
 # The Python package, with the system's Python.
-python_packages=(python3 python3-numpy python3-pytest python3-hypothesis)
+python_packages=(python3 python3-numpy python3-pil python3-pytest python3-hypothesis)
 fresh_packages=(debootstrap git)
 deb_packages=(debhelper dpkg-dev lintian git)
