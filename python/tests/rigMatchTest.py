@@ -25,7 +25,7 @@ def images():
 
 @pytest.fixture(scope="module")
 def sparse(rig, images):
-    return rig.match(*images, 16)
+    return rig.match(*images, 24)
 
 
 def program(folder, *words):
@@ -37,12 +37,12 @@ def program(folder, *words):
 
 
 def testGridIsThatOfTheProgramBitForBit(sparse, tmp_path):
-    files = program(tmp_path, "--grid", "16")
+    files = program(tmp_path, "--grid", "24")
     sparse.to_csv(tmp_path / "own.csv")
     sparse.to_ply(tmp_path / "own.ply")
     assert (tmp_path / "own.csv").read_bytes() == files["csv"].read_bytes()
     assert (tmp_path / "own.ply").read_bytes() == files["ply"].read_bytes()
-    program(tmp_path, "--grid", "16", "--ply-text")
+    program(tmp_path, "--grid", "24", "--ply-text")
     sparse.to_ply(tmp_path / "own.ply", text=True)
     assert (tmp_path / "own.ply").read_bytes() == files["ply"].read_bytes()
 
@@ -62,7 +62,7 @@ def testListsAndSettingsAreThoseOfTheProgram(rig, images, tmp_path):
 
 
 def testPointsAgreeWithTriangulation(rig, sparse):
-    assert len(sparse) > 500 and set(sparse.status) > {"ok", "no_texture"}
+    assert len(sparse) > 300 and set(sparse.status) > {"ok", "no_texture"}
     assert len(sparse) == sparse.counts["ok"] == (sparse.status == "ok").sum()
     with warnings.catch_warnings():
         warnings.simplefilter("ignore")
@@ -91,8 +91,9 @@ def testRegionLooksForItsPixelsAlone(rig, images):
     cloud = rig.match(*images, 6, region=PART)
     inside = (cloud.pixels >= [x, y]) & (cloud.pixels < [x + width, y + height])
     assert inside.all() and len(cloud.pixels) == 20 * 16 and ((cloud.pixels - 3) % 6 == 0).all()
-    dense = rig.match(*images, dense=True, region=PART, depth=(350, 450))
-    assert len(dense) > 0.5 * width * height and set(dense.status) <= {"ok", "no_match", "ambiguous", "inconsistent"}
+    part = (x, y, 60, 40)
+    dense = rig.match(*images, dense=True, region=part, depth=(350, 450))
+    assert len(dense) > 0.5 * 60 * 40 and set(dense.status) <= {"ok", "no_match", "ambiguous", "inconsistent"}
 
 
 def testArraysOfAnyFormAreTheSameImage(rig, images, sparse):
@@ -101,7 +102,7 @@ def testArraysOfAnyFormAreTheSameImage(rig, images, sparse):
     wide[:, 100:1380] = right
     frozen = np.repeat(left[:, :, None], 3, axis=2).astype(np.uint16) * 257
     frozen.flags.writeable = False
-    cloud = rig.match(frozen, wide[:, 100:1380], 16)
+    cloud = rig.match(frozen, wide[:, 100:1380], 24)
     np.testing.assert_array_equal(cloud.xyz, sparse.xyz)
 
 
