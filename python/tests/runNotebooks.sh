@@ -8,7 +8,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/../.."
 export ZELM_LIBRARY_PATH=${ZELM_LIBRARY_PATH:-$PWD/build/gcc:$PWD/build/gcc/measure}
-export PYTHONPATH=$PWD/python PYTHONDONTWRITEBYTECODE=1 MPLBACKEND=Agg
+export PYTHONPATH=$PWD/python PYTHONDONTWRITEBYTECODE=1 PYDEVD_DISABLE_FILE_VALIDATION=1
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 export TMPDIR=$work IPYTHONDIR=$work/ipython JUPYTER_RUNTIME_DIR=$work/runtime
