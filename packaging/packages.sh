@@ -25,5 +25,7 @@ python_packages=(python3 python3-numpy python3-pytest python3-hypothesis python3
 wheel_packages=(patchelf binutils git python3 python3-numpy python3-setuptools python3-wheel python3-venv)
 # C# and Octave: 400 MB on a bare system.
 languages_packages=(mono-mcs mono-runtime libmono-system-core4.0-cil octave octave-dev)
+# The notebooks of the Python package run.
+notebooks_packages=(python3-nbconvert python3-ipykernel python3-opencv)
 fresh_packages=(debootstrap git)
 deb_packages=(debhelper dh-python dpkg-dev lintian git)
