@@ -294,7 +294,7 @@ class Rig:
                 refuse("lengths", f"{len(left)} points are no pairs of ends: say with ends= between which to measure")
             ends = np.arange(len(left)).reshape(-1, 2)
         if noise is None and self._covariance is None:
-            refuse("lengths", "without the covariance of the calibration nothing tells that of pixels: give noise=")
+            refuse("lengths", "without a covariance nothing tells the noise of pixels: give noise=")
         told = ZelmMeasurePixelNoise(sigma=0.0 if noise is None else _noiseIn("lengths", noise))
         with self._handles.borrow() as handle:
             record = measure.zelmMeasureLengths(handle, left, right, ends, told)
@@ -320,7 +320,9 @@ class Rig:
             a, b, c of the line a x + b y + c = 0 of undistorted pixels of the other image, a^2 + b^2 = 1. NaN where the
             lens distortion cannot be undone.
         """
-        return _pixels.epipolarLines(self, self.camera(side).side, xy)
+        xy = _pixels.rowsOf(xy, 2, "epipolar_lines", "xy")
+        with self._handles.borrow() as handle:
+            return measure.zelmMeasureEpipolarLines(handle, self.camera(side).side, xy)
 
     def match(
         self,
