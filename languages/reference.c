@@ -17,7 +17,7 @@
 enum { kPairs = 6, kMaxBlock = 1 << 20 };
 
 /* Raw pixels of the left and the right image: the point of docs/formats.md, true pairs about it, one that misses, one
- * beyond where the lens folds the image, one outside of the image. */
+ * far outside of the image, one just outside. */
 static const double kLeft[2 * kPairs] = {695.624980240, 458.337870150, 640,  480,  100.5, 900.25,
                                          500,           500,           9000, 9000, -40,   300};
 static const double kRight[2 * kPairs] = {256.080854675, 478.356225250, 200, 500, 50, 930, 600, 100, 640, 480, 10, 310};
@@ -78,13 +78,7 @@ static void putCamera(ZelmMeasureRig* rig, char side) {
 static void putUndistorted(ZelmMeasureRig* rig, char side, const double* raw) {
     double out[2 * kPairs];
     char name[32];
-    for (int i = 0; i < kPairs; ++i) {
-        const Point2d in = {raw[2 * i], raw[2 * i + 1]};
-        Point2d undistorted;
-        const int isGood = zelm2ViewUnDistortPoint(zelmMeasureRigCalib(rig), side, &in, &undistorted) >= 0;
-        out[2 * i] = isGood ? undistorted.x : strtod("nan", NULL);
-        out[2 * i + 1] = isGood ? undistorted.y : strtod("nan", NULL);
-    }
+    require(zelmMeasureUndistort(rig, side, kPairs, raw, out), "undistort");
     snprintf(name, sizeof(name), "undistorted.%c", side);
     put(name, out, 2 * kPairs);
 }

@@ -138,12 +138,10 @@ namespace Zelm
     internal static class Native
     {
         private const string Library = "libzelmMeasure.so.1";
-        private const string Core = "libzelmLib.so.1";
 
         [DllImport(Library)] internal static extern int zelmMeasureRigOpen(byte[] block, long size, ref IntPtr rig);
         [DllImport(Library)] internal static extern void zelmMeasureRigClose(ref IntPtr rig);
         [DllImport(Library)] internal static extern IntPtr zelmMeasureRigError(IntPtr rig);
-        [DllImport(Library)] internal static extern IntPtr zelmMeasureRigCalib(IntPtr rig);
         [DllImport(Library)] internal static extern int zelmMeasureRigViews(IntPtr rig, out int views);
         [DllImport(Library)] internal static extern int zelmMeasureRigCamera(IntPtr rig, int side, ref Camera camera);
         [DllImport(Library)]
@@ -154,9 +152,9 @@ namespace Zelm
         [DllImport(Library)]
         internal static extern int zelmMeasureTriangulate(IntPtr rig, long count, double[] left, double[] right,
                                                           ref PointArrays points);
-        [DllImport(Core)]
-        internal static extern int zelm2ViewUnDistortPoint(IntPtr calib, int side, double[] raw,
-                                                           [Out] double[] undistorted);
+        [DllImport(Library)]
+        internal static extern int zelmMeasureUndistort(IntPtr rig, int side, long count, double[] raw,
+                                                        [Out] double[] undistorted);
 
         static Native()
         {
@@ -325,27 +323,10 @@ namespace Zelm
         public double[,] Undistort(char side, double[,] raw)
         {
             double[] pixels = Pixels(raw);
-            var one = new double[2];
-            var result = new double[2];
-            lock (guard)
-            {
-                IntPtr calib = Native.zelmMeasureRigCalib(Open());
-                for (int i = 0; i < pixels.Length; i += 2)
-                {
-                    Array.Copy(pixels, i, one, 0, 2);
-                    int status = Native.zelm2ViewUnDistortPoint(calib, side, one, result);
-                    if (status == ErrorParameter)
-                    {
-                        throw new ZelmException($"a camera is 'L' or 'R', not '{side}'", status);
-                    }
-                    pixels[i] = status < 0 ? double.NaN : result[0];
-                    pixels[i + 1] = status < 0 ? double.NaN : result[1];
-                }
-            }
-            return Rows(pixels, 2);
+            var undistorted = new double[pixels.Length];
+            Call(() => Native.zelmMeasureUndistort(handle, side, pixels.Length / 2, pixels, undistorted));
+            return Rows(undistorted, 2);
         }
-
-        private const int ErrorParameter = -2;  // ZELM_ERR_PARAM
 
         private IntPtr Open()
         {

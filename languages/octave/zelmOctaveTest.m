@@ -34,6 +34,11 @@ function zelmOctaveTest (rigName, referenceName)
   assert (points(1, :), [20 -15 8], 1e-7);  % the example of docs/formats.md, whose pixels have nine decimals
   assert (size (zelmTriangulate (rig, zeros (0, 2), zeros (0, 2))), [0 3]);
 
+  % Without its k2 the lens of the left camera folds the image at 1.1 focal lengths from the principal point.
+  folded = rig;
+  folded.block(460 + 16 * 8 + (1:8)) = 0;
+  assert (zelmUndistort (folded, 'L', [2600 480; 640 480]), [NaN NaN; 640 480]);
+
   fails (@() zelmLoad ('none.zcal'), 'none.zcal: cannot be read');
   fails (@() zelmLoad (referenceName), referenceName);
   fails (@() zelmTriangulate (rig, zeros (2, 2), zeros (3, 2)), '2 left pixels, 3 right ones');

@@ -55,7 +55,7 @@ def test_aPairThatKillsItsWorkersIsToldAndTheOthersDone(tmp_path):
     summary = runBatch("fleetWork:deadly", pairs, str(tmp_path / "out"), processes=2, options={"folder": str(tmp_path)})
     assert (summary.made, summary.exitCode) == (7, 1)
     (failure,) = summary.failures
-    assert failure.pair == "killer" and "killed by signal 9, 3 times" in failure.reason
+    assert failure.pair == "killer" and "killed by signal 9, each time" in failure.reason
 
 
 def batchProcess(tmp_path, pairs, kind: str, store: str, *extra: str) -> subprocess.Popen:
@@ -139,12 +139,12 @@ def test_aSchedulerThatIsRestartedLosesNothing(tmp_path, cluster):
     pairs = writePairs(tmp_path / "in", 8)
     cluster.start(2)
     job = batchProcess(tmp_path, pairs, "fleetWork:slow", str(tmp_path / "out"), "--scheduler", cluster.address)
-    waitFor(lambda: len(list(tmp_path.glob("at-p00[3-7]"))) == 2, "two workers in the middle")
+    waitFor(lambda: any(tmp_path.glob("at-p00[3-7]")), "worker in the middle")
     cluster.stop()
     for place in tmp_path.glob("at-*"):
         place.unlink()
     cluster.start(2)
-    waitFor(lambda: len(list(tmp_path.glob("at-p00[3-7]"))) == 2, "two workers in the middle again")
+    waitFor(lambda: any(tmp_path.glob("at-p00[3-7]")), "worker in the middle again")
     (tmp_path / "go").touch()
     out, err = job.communicate(timeout=PATIENCE)
     assert "the scheduler was lost" in err

@@ -14,6 +14,7 @@ from pathlib import Path
 from typing import List
 
 import numpy as np
+from distributed import LocalCluster
 
 from zelm.batch import PairArray, PairInputs, PairRecord, PairResult, runBatch
 
@@ -69,17 +70,20 @@ def writeCrops(folder: Path, count: int) -> List[PairRecord]:
     return records
 
 
-def seconds(folder: Path, kind: str, records: List[PairRecord], processes: int, options: dict) -> float:
+def seconds(
+    folder: Path, kind: str, records: List[PairRecord], processes: int, options: dict, scheduler: str = ""
+) -> float:
     """Wall time of a batch without the start of its workers, which the first reports tell."""
     shutil.rmtree(folder / "store", ignore_errors=True)
     times: List[float] = []
     began = time.perf_counter()
     summary = runBatch(kind, records, str(folder / "store"), str(folder / "rig.zcal"), options=options,
-                       processes=processes, progress=lambda _: times.append(time.perf_counter()))
+                       processes=processes, scheduler=scheduler, progress=lambda _: times.append(time.perf_counter()))
     if summary.exitCode:
         sys.exit(f"{kind}: {summary.failures[:1]} {summary.stopped}")
     skipped = min(2 * processes + 2, len(times) // 2)
-    print(f"  {kind}, {processes} workers: first result after {times[0] - began:.2f} s, "
+    workers = f"{processes} workers{' of a scheduler' if scheduler else ''}"
+    print(f"  {kind}, {workers}: first result after {times[0] - began:.2f} s, "
           f"then {(len(times) - skipped) / (times[-1] - times[skipped - 1]):.1f} pairs a second")
     return (times[-1] - times[skipped - 1]) / (len(times) - skipped)
 
@@ -107,6 +111,9 @@ def main() -> None:
         one = seconds(folder, "measureFleet:tiny", records, 1, {})
         two = seconds(folder, "measureFleet:tiny", records, 2, {})
         print(f"  {1e3 * one:.2f} ms with one worker, {1e3 * two:.2f} ms with two")
+        with LocalCluster(n_workers=2, threads_per_worker=1, host="127.0.0.1", dashboard_address=None) as cluster:
+            three = seconds(folder, "measureFleet:tiny", records, 2, {}, cluster.scheduler_address)
+        print(f"  {1e3 * three:.2f} ms with two of a scheduler")
         print("workers side by side, a match of crops")
         few = records[: max(20, given.pairs // 10)]
         one, two = (seconds(folder, "match", few, processes, {"grid": 12}) for processes in (1, 2))

@@ -3,18 +3,21 @@
 import ctypes
 import multiprocessing
 import signal
+import threading
 from collections import deque
+from concurrent.futures import ThreadPoolExecutor
 from multiprocessing.connection import Connection, wait
-from typing import Any, Deque, Dict, Iterable, Iterator, List, Optional, Tuple
+from typing import Any, Deque, Dict, Iterable, Iterator, List, Tuple
 
 from .batchFault import BatchError
 from .pairList import PairRecord
 from .pairWork import FAILED, Report, Settings, perform
 
-MAX_DEATHS = 3  # of workers over one pair, before it is told and left
+MAX_DEATHS = 2  # of workers that had one pair and no other, before it is told and left
 MAX_FALSE_STARTS = 3  # of workers that end before they begin, one after the other, before the job is given up
 _PR_SET_PDEATHSIG = 1  # of <sys/prctl.h>
-_AHEAD = 2  # pairs that a worker has been given: the next one waits in the pipe
+_THREADS = 2  # of a worker: one pair is worked on while the disk takes another's result
+_AHEAD = _THREADS + 1  # pairs that a worker has been given: the next one waits in the pipe
 
 
 def reportsHere(records: Iterable[PairRecord], settings: Settings) -> Iterator[Report]:
@@ -26,8 +29,8 @@ def reportsHere(records: Iterable[PairRecord], settings: Settings) -> Iterator[R
 def reportsOfProcesses(records: Iterable[PairRecord], settings: Settings, processes: int) -> Iterator[Report]:
     """What becomes of the pairs, in the order in which they are done.
 
-    A pair whose worker dies is tried again, with no other pair beside it in that worker, in at most MAX_DEATHS
-    workers. When the caller ends the iteration, the processes end.
+    The pairs of a worker that dies are tried again, one at a time, each in at most MAX_DEATHS workers. When
+    the caller ends the iteration, the processes end.
     """
     crew = _Crew(iter(records), settings)
     try:
@@ -56,25 +59,34 @@ class _Worker:
         except OSError:
             pass  # it has died, which is noticed by its end of the pipe
 
-    def take(self) -> Optional[Report]:
-        """The next report; None when the worker has died."""
-        try:
-            if not self.begun:
-                self.begun = self.pipe.recv()
-            report: Report = self.pipe.recv()
-        except (EOFError, OSError):
-            return None
-        self.given.popleft()
-        return report
+    def take(self) -> List[Report]:
+        """What the worker says next, of which there is something: a report, or nothing but that it has begun.
+
+        Raises EOFError or OSError when the worker has died.
+        """
+        message = self.pipe.recv()
+        if not self.begun:
+            self.begun = True
+            return []
+        self.given.remove(message.record)
+        return [message]
 
 
 def _serve(pipe: Connection, settings: Settings) -> None:
     """What a worker's process does, until its pipe is closed."""
     _dieWithParent()
+    sending = threading.Lock()
+
+    def work(record: PairRecord) -> None:
+        report = perform(record, settings)
+        with sending:
+            pipe.send(report)
+
     try:
         pipe.send(True)
-        while True:
-            pipe.send(perform(pipe.recv(), settings))
+        with ThreadPoolExecutor(_THREADS) as pool:
+            while True:
+                pool.submit(work, pipe.recv())
     except (EOFError, OSError, KeyboardInterrupt):
         pass
 
@@ -125,14 +137,15 @@ class _Crew:
         busy = {worker.pipe: worker for worker in self.workers if worker.given}
         for pipe in wait(list(busy)):
             worker = busy[pipe]  # type: ignore[index]
-            report = worker.take()
-            if report is not None:
-                yield report
-            else:
-                yield from self._bury(worker)
+            try:
+                reports = worker.take()
+            except (EOFError, OSError):
+                reports = self._bury(worker)
+            yield from reports
 
-    def _bury(self, worker: _Worker) -> Iterator[Report]:
-        """A new worker for a dead one; its pairs are tried again, alone."""
+    def _bury(self, worker: _Worker) -> List[Report]:
+        """A new worker for a dead one; its pairs are tried again, alone, or given up."""
+        givenUp = []
         worker.pipe.close()
         worker.process.join()
         self.falseStarts = 0 if worker.begun else self.falseStarts + 1
@@ -142,17 +155,17 @@ class _Crew:
                 'batch below `if __name__ == "__main__":`'
             )
         self.workers[self.workers.index(worker)] = _Worker(self.settings)
-        for place, record in enumerate(worker.given):
+        for record in worker.given:
             key = (record.station, record.pair)
-            isCause = worker.begun and place == 0  # the others were waiting
-            self.deaths[key] = self.deaths.get(key, 0) + isCause
+            self.deaths[key] = self.deaths.get(key, 0) + (worker.begun and worker.alone)
             if self.deaths[key] < MAX_DEATHS:
                 self.suspects.append(record)
             else:
-                yield Report(record, FAILED, f"{record.label()}: {_deathOf(worker.process)}")
+                givenUp.append(Report(record, FAILED, f"{record.label()}: {_deathOf(worker.process)}"))
+        return givenUp
 
 
 def _deathOf(process: Any) -> str:
     code = process.exitcode
     how = f"killed by signal {-code}" if code is not None and code < 0 else f"ended with code {code}"
-    return f"its worker was {how}, {MAX_DEATHS} times: too little memory, or an image that crashes what reads it"
+    return f"its worker was {how}, each time: too little memory, or an image that crashes what reads it"

@@ -2,6 +2,7 @@
 
 import importlib
 import os
+import threading
 from functools import lru_cache
 from typing import Any, Callable, Dict, NamedTuple, Optional, Tuple
 
@@ -16,6 +17,7 @@ from .pairStore import readAttributes
 from .pairWriter import PairArray, filesOf, writePair
 
 MADE, KEPT, FAILED, STOPPED = "made", "kept", "failed", "stopped"
+_working = threading.Lock()  # of two threads of a worker one works while the other one writes
 KINDS = ("match", "triangulate", "verify", "detect")
 
 
@@ -111,7 +113,8 @@ def _perform(record: PairRecord, settings: Settings) -> Report:
     if old is not None and old.get("provenance") == provenance and isWhole(place, old):
         exportPair(record, settings, anew=False)
         return Report(record, KEPT)
-    result = workOf(settings.kind)(inputs)
+    with _working:
+        result = workOf(settings.kind)(inputs)
     attributes = {"provenance": provenance, "figures": result.figures, "arrays": sorted(result.arrays)}
     files = filesOf(result.arrays, attributes)
     waited = writePair(settings.store, record.station, record.pair, files, settings.patience)
