@@ -8,13 +8,6 @@ namespace {
 
 constexpr int32_t kGrowth = 1000;  // labels per step
 
-// The terms of a run are signed 32-bit and wrap around (docs/decisions.md#moments-wrap), so second moments are right
-// only while x^2 * n, y^2 * n and n^3 / 3 stay below 2^31. Unsigned arithmetic gives that result without undefined
-// overflow; the conversion back is modular.
-int32_t wrapped(uint32_t value) {
-    return static_cast<int32_t>(value);
-}
-
 }  // namespace
 
 bool BlobLabels::grow() {
@@ -36,27 +29,6 @@ bool BlobLabels::grow() {
 
 void BlobLabels::clear(BlobLabel* label) const {
     *label = {label->equivalent, 0, 0.0, 0.0, 0.0, 0.0, 0.0, region.width, region.height, 0, 0};
-}
-
-void BlobLabels::addRun(int32_t label, int32_t x0, int32_t n, int32_t r) {
-    const auto X = static_cast<uint32_t>(region.x) + static_cast<uint32_t>(x0);
-    const auto Y = static_cast<uint32_t>(region.y) + static_cast<uint32_t>(r);
-    const auto N = static_cast<uint32_t>(n);
-    const int32_t pairs = wrapped(N * (N - 1));  // twice the sum of 0..n-1
-    const int32_t squares = wrapped((2 * N - 1) * (N - 1) * N) / 6;
-    const uint32_t columns = X * N + static_cast<uint32_t>(pairs / 2);
-
-    BlobLabel& into = labels[label];
-    into.area = wrapped(static_cast<uint32_t>(into.area) + N);
-    into.sumX += wrapped(columns);
-    into.sumY += wrapped(Y * N);
-    into.sumXX += wrapped(X * (X * N + static_cast<uint32_t>(pairs)) + static_cast<uint32_t>(squares));
-    into.sumYY += wrapped(Y * Y * N);
-    into.sumXY += wrapped(Y * columns);
-    into.minX = std::min(into.minX, x0);
-    into.maxX = std::max(into.maxX, x0 + n - 1);
-    into.minY = std::min(into.minY, r);
-    into.maxY = std::max(into.maxY, r);
 }
 
 void BlobLabels::merge(int32_t from, int32_t to) {

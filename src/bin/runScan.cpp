@@ -1,41 +1,65 @@
 #include "runScan.h"
 
+#include <algorithm>
+#include <bit>
+
+#include "bitKernels.h"
+#include "bitRows.h"
+
 namespace zelm {
 namespace {
 
-constexpr int32_t kChunk = 32;  // pixels tested at once; a size that compilers turn into vector instructions
+constexpr ptrdiff_t kWordsAtOnce = 16;
 
-// Whether every pixel of a chunk is on the same side of the test as `wanted`.
-bool chunkIs(const uint8_t* pixels, ForegroundTest isForeground, bool wanted) {
-    int odd = 0;
-    for (int32_t i = 0; i < kChunk; ++i) {
-        odd |= static_cast<int>(isForeground(pixels[i]) != wanted);
-    }
-    return odd == 0;
-}
+// Collects the ends of runs, which follow one another as first and last columns.
+class RunEnds {
+public:
+    explicit RunEnds(Run* target) : runs(target) {}
 
-// First column from x on that is foreground (or, with wanted false, background), or `to`.
-int32_t find(const uint8_t* row, int32_t x, int32_t to, ForegroundTest isForeground, bool wanted) {
-    while (to - x >= kChunk && chunkIs(row + x, isForeground, !wanted)) {
-        x += kChunk;
+    // `edges` has a bit for each column from x on at which foreground begins or background does.
+    void add(uint64_t edges, int32_t x) {
+        for (; edges != 0; edges &= edges - 1) {
+            const int32_t at = x + std::countr_zero(edges);
+            if (open) {
+                runs[count++].x1 = at - 1;
+            } else {
+                runs[count] = {at, at, 0};
+            }
+            open = !open;
+        }
     }
-    while (x < to && isForeground(row[x]) != wanted) {
-        ++x;
+    // Ends a run that reaches `to`, and returns the number of runs.
+    size_t end(int32_t to) {
+        if (open) {
+            runs[count++].x1 = to - 1;
+        }
+        return count;
     }
-    return x;
-}
+    // As a bit before the first of a word.
+    [[nodiscard]] uint64_t before() const { return open ? 1 : 0; }
+
+private:
+    Run* runs;
+    size_t count = 0;
+    bool open = false;
+};
 
 }  // namespace
 
 size_t scanRuns(const uint8_t* row, int32_t from, int32_t to, ForegroundTest isForeground, Run* runs) {
-    size_t count = 0;
-    int32_t x = find(row, from, to, isForeground, true);
-    while (x < to) {
-        const int32_t end = find(row, x, to, isForeground, false);
-        runs[count++] = {x, end - 1, 0};
-        x = find(row, end, to, isForeground, true);
+    const BitKernels& tier = bitTierOfProcessor();
+    RunEnds ends(runs);
+    for (ptrdiff_t x = from; x < to; x += kWordsAtOnce * kWordPixels) {
+        const ptrdiff_t width = std::min(kWordsAtOnce * kWordPixels, to - x);
+        uint64_t words[kWordsAtOnce];
+        packRow(tier, row + x, width, isForeground, words);
+        for (ptrdiff_t i = 0; i < wordsOf(width); ++i) {
+            const uint64_t edges = words[i] ^ (words[i] << 1 | ends.before());
+            const bool isLast = (i + 1) * kWordPixels >= width;
+            ends.add(isLast ? edges & lastWordMask(width) : edges, static_cast<int32_t>(x + i * kWordPixels));
+        }
     }
-    return count;
+    return ends.end(to);
 }
 
 }  // namespace zelm

@@ -26,7 +26,7 @@ struct MonomialScatter {
 template <class Terms>
 std::int32_t sumScatter(std::int32_t n, const double* weights, const double* points, double* S) {
     constexpr std::size_t N = Terms::kTerms;
-    std::fill_n(S, N * N, 0.0);
+    double sums[N][N] = {};  // in registers where there are enough
     std::int32_t used = 0;
     for (std::size_t i = 0; i < static_cast<std::size_t>(std::max(n, 0)); ++i) {
         const double w = weights[i];
@@ -39,13 +39,13 @@ std::int32_t sumScatter(std::int32_t n, const double* weights, const double* poi
         for (std::size_t r = 0; r < N; ++r) {
             const double wz = w * z[r];
             for (std::size_t c = r; c < N; ++c) {
-                S[r * N + c] += wz * z[c];
+                sums[r][c] += wz * z[c];
             }
         }
     }
-    for (std::size_t r = 1; r < N; ++r) {
-        for (std::size_t c = 0; c < r; ++c) {
-            S[r * N + c] = S[c * N + r];
+    for (std::size_t r = 0; r < N; ++r) {
+        for (std::size_t c = r; c < N; ++c) {
+            S[r * N + c] = S[c * N + r] = sums[r][c];
         }
     }
     return used;

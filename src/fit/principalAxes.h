@@ -2,6 +2,7 @@
 #ifndef ZELM_PRINCIPAL_AXES_H
 #define ZELM_PRINCIPAL_AXES_H
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
@@ -35,14 +36,17 @@ struct PrincipalAxes {
 template <size_t dim>
 std::int32_t principalAxes(std::int32_t n, const double* weights, const double* points, PrincipalAxes<dim>* result) {
     weightedCentroid<dim>(n, weights, points, result->centroid);
+    double centroid[dim];
+    std::copy_n(result->centroid, dim, centroid);
     double S[dim * dim] = {};
     for (size_t i = 0; i < static_cast<size_t>(n); ++i) {
         double d[dim];
         for (size_t c = 0; c < dim; ++c) {
-            d[c] = points[i * dim + c] - result->centroid[c];
+            d[c] = points[i * dim + c] - centroid[c];
         }
+        // The eigen-solver reads no more than the upper triangle.
         for (size_t r = 0; r < dim; ++r) {
-            for (size_t c = 0; c < dim; ++c) {
+            for (size_t c = r; c < dim; ++c) {
                 S[r * dim + c] += weights[i] * d[r] * d[c];
             }
         }

@@ -6,13 +6,14 @@
 #include "normalizeFitData.h"
 #include "robustStatistics.h"
 #include "robustWeights.h"
-#include "workBuffer.h"
+#include "smallBuffer.h"
 #include "zelm/fit.h"
 
 namespace zelm {
 namespace {
 
 constexpr std::int32_t kMaxDim = 3;
+constexpr std::size_t kMaxPointsInPlace = 128;
 constexpr std::int32_t kMaxReweightedSolves = 20;
 
 struct Model {
@@ -23,7 +24,7 @@ struct Model {
 
 // `weights` are all 1 on entry. Settled ones are not used for another solve: docs/decisions.md#settled-weights.
 std::int32_t reweight(const Model& model, std::int32_t n, const double* points, double threshold, double* weights) {
-    WorkBuffer<double> residuals(static_cast<size_t>(n));
+    SmallBuffer<double, kMaxPointsInPlace> residuals(static_cast<size_t>(n));
     if (!residuals.ok()) {
         return ZELM_ERR_MEMORY;
     }
@@ -55,8 +56,8 @@ std::int32_t innerFitRobust(std::int32_t dim, std::int32_t minPoints, std::int32
         return ZELM_ERR_PARAM;
     }
     const auto count = static_cast<size_t>(n);
-    WorkBuffer<double> normalised(count, static_cast<size_t>(dim));
-    WorkBuffer<double> weights(count);
+    SmallBuffer<double, kMaxDim * kMaxPointsInPlace> normalised(count, static_cast<size_t>(dim));
+    SmallBuffer<double, kMaxPointsInPlace> weights(count);
     if (!normalised.ok() || !weights.ok()) {
         return ZELM_ERR_MEMORY;
     }

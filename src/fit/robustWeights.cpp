@@ -5,12 +5,13 @@
 #include <span>
 
 #include "robustStatistics.h"
-#include "workBuffer.h"
+#include "smallBuffer.h"
 #include "zelm/fit.h"
 
 namespace zelm {
 namespace {
 
+constexpr std::size_t kMaxPointsInPlace = 128;
 constexpr double kNoResidual = 1e-12;      // cut-off below which all residuals count as zero, normalised units
 constexpr double kNoWeight = 1e-12;        // sum of weights below which every point counts as rejected
 constexpr double kSettledFraction = 0.02;  // of the sum of weights, that may still change
@@ -41,7 +42,7 @@ std::int32_t innerCalcRobustWeights(std::int32_t kind, std::int32_t n, const dou
         return ZELM_ERR_FIT_DATA;
     }
     const auto count = static_cast<size_t>(n);
-    WorkBuffer<double> magnitudes(count);
+    SmallBuffer<double, kMaxPointsInPlace> magnitudes(count);
     if (!magnitudes.ok()) {
         return ZELM_ERR_MEMORY;
     }

@@ -6,13 +6,16 @@
 #include <cstddef>
 #include <utility>
 
-#include "workBuffer.h"
+#include "matKernels.h"
+#include "smallBuffer.h"
 #include "zelm/mat.h"
 
 namespace zelm {
 namespace {
 
 using Index = std::ptrdiff_t;
+
+constexpr std::size_t kMaxOrderInPlace = 10;
 
 // Writes 1 / (largest magnitude) of each row; false when a row holds nothing but zeros, or an entry is not finite.
 bool rowScales(Index n, const double* work, double* scale) {
@@ -47,19 +50,18 @@ Index pivotPosition(Index n, Index k, const double* work, const std::int32_t* pe
     return best;
 }
 
-void eliminateBelow(Index n, Index k, double* work, const std::int32_t* perm) {
+void eliminateBelow(const MatKernels& tier, Index n, Index k, double* work, const std::int32_t* perm) {
     const double* const pivotRow = work + perm[k] * n;
     for (Index p = k + 1; p < n; ++p) {
         double* const row = work + perm[p] * n;
         const double f = row[k] / pivotRow[k];
         row[k] = f;
-        for (Index j = k + 1; j < n; ++j) {
-            row[j] = row[j] - pivotRow[j] * f;
-        }
+        tier.subtractRow(n - k - 1, f, pivotRow + k + 1, row + k + 1);
     }
 }
 
 std::int32_t eliminate(Index n, double* work, std::int32_t* perm, const double* scale) {
+    const MatKernels& tier = matTierOfProcessor();
     double det = 1.0;
     for (Index k = 0; k < n; ++k) {
         const Index q = pivotPosition(n, k, work, perm, scale);
@@ -72,7 +74,7 @@ std::int32_t eliminate(Index n, double* work, std::int32_t* perm, const double* 
             return ZELM_ERR_SINGULAR;
         }
         det = det * pivot;
-        eliminateBelow(n, k, work, perm);
+        eliminateBelow(tier, n, k, work, perm);
     }
     // A product of pivots that underflows counts as singular: docs/decisions.md#pivot-underflow.
     return det == 0.0 ? ZELM_ERR_SINGULAR : ZELM_OK;
@@ -80,13 +82,13 @@ std::int32_t eliminate(Index n, double* work, std::int32_t* perm, const double* 
 
 // A private copy of a matrix, factored.
 struct Factored {
-    WorkBuffer<double> work;
-    WorkBuffer<std::int32_t> perm;
+    SmallBuffer<double, kMaxOrderInPlace * kMaxOrderInPlace> work;
+    SmallBuffer<std::int32_t, kMaxOrderInPlace> perm;
+
+    explicit Factored(std::int32_t n)
+        : work(static_cast<std::size_t>(n), static_cast<std::size_t>(n)), perm(static_cast<std::size_t>(n)) {}
 
     std::int32_t factor(std::int32_t n, const double* a) {
-        const auto count = static_cast<std::size_t>(n);
-        work = WorkBuffer<double>(count, count);
-        perm = WorkBuffer<std::int32_t>(count);
         if (!work.ok() || !perm.ok()) {
             return ZELM_ERR_MEMORY;
         }
@@ -98,23 +100,13 @@ struct Factored {
     }
 };
 
-// Row i of the unknowns of all right-hand sides: X(i, .) -= sum over j in [from, to) of factors[j] * X(j, .).
-// Each column is summed in increasing j, as if it were solved alone.
-void subtractRows(Index n, Index i, Index from, Index to, const double* factors, double* x) {
-    for (Index j = from; j < to; ++j) {
-        for (Index c = 0; c < n; ++c) {
-            x[i * n + c] -= factors[j] * x[j * n + c];
-        }
-    }
-}
-
 }  // namespace
 
 std::int32_t innerLUDecomp(std::int32_t n, double* work, std::int32_t* perm) {
     if (n < 1) {
         return ZELM_OK;
     }
-    WorkBuffer<double> scale(static_cast<std::size_t>(n));
+    SmallBuffer<double, kMaxOrderInPlace> scale(static_cast<std::size_t>(n));
     if (!scale.ok()) {
         return ZELM_ERR_MEMORY;
     }
@@ -133,7 +125,7 @@ int32_t zelmMatSolveLU(int32_t iN, const double* daA, const double* daB, double*
     if (iN < 1) {
         return ZELM_OK;
     }
-    zelm::Factored lu;
+    zelm::Factored lu(iN);
     if (const int32_t status = lu.factor(iN, daA); status < 0) {
         return status;
     }
@@ -161,19 +153,21 @@ int32_t zelmMatInvert(int32_t iN, const double* daA, double* daAinv) {
     if (iN < 1) {
         return ZELM_OK;
     }
-    zelm::Factored lu;
+    zelm::Factored lu(iN);
     if (const int32_t status = lu.factor(iN, daA); status < 0) {
         return status;
     }
+    // Every column of the inverse is subtracted from in increasing order, as if it were solved alone.
+    const zelm::MatKernels& tier = zelm::matTierOfProcessor();
     const std::ptrdiff_t n = iN;
     for (std::ptrdiff_t i = 0; i < n; ++i) {
         std::fill_n(daAinv + i * n, n, 0.0);
         daAinv[i * n + lu.perm[static_cast<std::size_t>(i)]] = 1.0;
-        zelm::subtractRows(n, i, 0, i, lu.pivotRow(i, n), daAinv);
+        tier.subtractRows(n, i, lu.pivotRow(i, n), daAinv, daAinv + i * n);
     }
     for (std::ptrdiff_t i = n - 1; i >= 0; --i) {
         const double* const row = lu.pivotRow(i, n);
-        zelm::subtractRows(n, i, i + 1, n, row, daAinv);
+        tier.subtractRows(n, n - i - 1, row + i + 1, daAinv + (i + 1) * n, daAinv + i * n);
         for (std::ptrdiff_t c = 0; c < n; ++c) {
             daAinv[i * n + c] = daAinv[i * n + c] / row[i];
         }

@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "heapSort.h"
-#include "workBuffer.h"
+#include "smallBuffer.h"
 #include "zelm/mat.h"
 
 namespace zelm {
@@ -16,6 +16,7 @@ namespace {
 
 using Index = std::ptrdiff_t;
 
+constexpr std::size_t kMaxOrderInPlace = 10;
 constexpr int kMaxPasses = 30;                                                // QR passes for one singular value
 constexpr double kStallShare = 2.0 * std::numeric_limits<double>::epsilon();  // of the norm
 // Binary exponent of the largest entry beyond which a matrix is scaled: squares stay far from either end, and what is
@@ -424,7 +425,7 @@ void innerSortSVD(Index m, Index n, double* u, double* w, double* v, double* scr
 }  // namespace zelm
 
 int32_t zelmMatSVD(int32_t iM, int32_t iN, const double* daA, double* daU, double* daW, double* daV) {
-    using zelm::WorkBuffer;
+    using zelm::SmallBuffer;
     if (daU == nullptr && daW == nullptr && daV == nullptr) {
         return ZELM_OK;
     }
@@ -436,13 +437,11 @@ int32_t zelmMatSVD(int32_t iM, int32_t iN, const double* daA, double* daU, doubl
     }
     const auto m = static_cast<std::size_t>(iM);
     const auto n = static_cast<std::size_t>(iN);
-    WorkBuffer<double> work(daW == nullptr ? 3 : 2, n);  // superdiagonal, scratch and singular values
-    WorkBuffer<double> ownU;
-    if (daU == nullptr) {
-        ownU = WorkBuffer<double>(m, n);
-    }
+    // superdiagonal, scratch and singular values
+    SmallBuffer<double, 3 * zelm::kMaxOrderInPlace> work(daW == nullptr ? 3 : 2, n);
+    SmallBuffer<double, zelm::kMaxOrderInPlace * zelm::kMaxOrderInPlace> ownU(daU == nullptr ? m : 0, n);
     double* const u = daU != nullptr ? daU : ownU.data();
-    if (!work.ok() || u == nullptr) {
+    if (!work.ok() || !ownU.ok()) {
         return ZELM_ERR_MEMORY;
     }
     double* const w = daW != nullptr ? daW : work.data() + 2 * n;
@@ -454,7 +453,7 @@ int32_t zelmMatSVD(int32_t iM, int32_t iN, const double* daA, double* daU, doubl
         zelm::innerHeapSortDescending(iN, w, nullptr);
         return ZELM_OK;
     }
-    WorkBuffer<std::int32_t> index(n);
+    SmallBuffer<std::int32_t, zelm::kMaxOrderInPlace> index(n);
     if (!index.ok()) {
         return ZELM_ERR_MEMORY;
     }

@@ -13,7 +13,7 @@ using zelmtest::Random;
 namespace {
 
 constexpr double kUntouched = -7.0;
-constexpr int32_t kPoints = 20;
+constexpr int32_t kPoints = 200;  // up to 128 take no memory
 
 std::vector<Point2d> planePoints() {
     Random random(541);
@@ -33,8 +33,8 @@ std::vector<Point3d> spacePoints() {
 std::vector<Point3d> quadricPoints(bool cone) {
     Random random(543);
     const zelmtest::Frame3 frame = zelmtest::randomFrame(random);
-    return cone ? zelmtest::conePoints({{1, 2, 3}, frame, 1.2}, 40, true, 0.01, random)
-                : zelmtest::ellipsoidPoints({{1, 2, 3, 9, 7, 5, 0, 0, 0}, frame}, 40, 0.1, random);
+    return cone ? zelmtest::conePoints({{1, 2, 3}, frame, 1.2}, kPoints, true, 0.01, random)
+                : zelmtest::ellipsoidPoints({{1, 2, 3, 9, 7, 5, 0, 0, 0}, frame}, kPoints, 0.1, random);
 }
 
 // call: from a result of up to ten doubles to a status.
@@ -55,8 +55,11 @@ void fitCase(FaultProbe& probe, Call call) {
 }  // namespace
 
 ZELM_FAULT_CASE(zelmFitMean1dim) {
-    const double values[6] = {1.0, 2.0, 2.5, 3.0, 3.5, 20.0};
-    fitCase(probe, [&](double* r) { return zelmFitMean1dim(6, values, 1, 3.0, r); });
+    double values[kPoints];
+    Random random(544);
+    std::generate(values, values + kPoints, [&] { return random.normal(); });
+    values[7] = 20.0;
+    fitCase(probe, [&](double* r) { return zelmFitMean1dim(kPoints, values, 1, 3.0, r); });
 }
 
 ZELM_FAULT_CASE(zelmFitMean2dim) {
@@ -105,13 +108,14 @@ ZELM_FAULT_CASE(zelmFitConics) {
 
 ZELM_FAULT_CASE(zelmFitEllipsoid) {
     const auto points = quadricPoints(false);
-    fitCase(probe,
-            [&](double* r) { return zelmFitEllipsoid(40, points.data(), 1, 3.0, reinterpret_cast<Ellipsoid3d*>(r)); });
+    fitCase(probe, [&](double* r) {
+        return zelmFitEllipsoid(kPoints, points.data(), 1, 3.0, reinterpret_cast<Ellipsoid3d*>(r));
+    });
 }
 
 ZELM_FAULT_CASE(zelmFitCone) {
     const auto points = quadricPoints(true);
-    fitCase(probe, [&](double* r) { return zelmFitCone(40, points.data(), 1, 3.0, r); });
+    fitCase(probe, [&](double* r) { return zelmFitCone(kPoints, points.data(), 1, 3.0, r); });
 }
 
 // Deliberate: inside its robust loop the circle reports a failed allocation as ZELM_ERR_FIT_DATA. Nine blocks come

@@ -5,7 +5,9 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <iterator>
 #include <limits>
+#include <numeric>
 #include <vector>
 
 #include "faultAlloc.h"
@@ -274,14 +276,17 @@ void recordResidual(int32_t n, const double*, const double* parameters, double* 
 
 class Driver : public ::testing::Test {
 protected:
-    void SetUp() override { calls = Calls(); }
+    void SetUp() override {
+        calls = Calls();
+        std::iota(std::begin(points), std::end(points), 1.0);
+    }
 
     int32_t run(int32_t n, int32_t minPoints, int32_t robust, double threshold) {
         return innerFitRobust(1, minPoints, n, points, robust, &result, &centre, &scale, recordSolve, recordResidual,
                               threshold);
     }
 
-    const double points[8] = {1, 2, 3, 4, 5, 6, 7, 8};
+    double points[200];
     double result = -7.0;
     double centre = -7.0;
     double scale = -7.0;
@@ -387,9 +392,16 @@ TEST_F(Driver, EveryAllocationMayFail) {
     for (long k = 1; k <= 4; ++k) {  // copy, weights, residuals, and a step's magnitudes
         calls = Calls();
         zelmtest::armAllocFault(k);
-        EXPECT_EQ(run(8, 2, 1, 2.0), ZELM_ERR_MEMORY) << k;
+        EXPECT_EQ(run(200, 2, 1, 2.0), ZELM_ERR_MEMORY) << k;
         zelmtest::disarmAllocFault();
     }
+}
+
+TEST_F(Driver, FewPointsTakeNoMemory) {
+    zelmtest::armAllocFault(1);
+    EXPECT_EQ(run(128, 2, 1, 2.0), ZELM_OK);
+    zelmtest::disarmAllocFault();
+    EXPECT_EQ(zelmtest::allocCounters().requests, 0);
 }
 
 }  // namespace
