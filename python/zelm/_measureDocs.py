@@ -475,10 +475,12 @@ Checks a solved adjustment: whether halves of its views agree, and whether its r
 its model lacks. Each possible flaw is tested by the score of its parameters (Rao, 1948) against
 what the adjustment can absorb, with Fisher's F; flaws that are found are estimated along with the
 next ones, so that one does not pass for another. The halves are compared by the test of Chow
-(1960), to first order. A check alarms when chance alone would give as much in one adjustment in a
-hundred, all checks together (Bonferroni). It is wrong only if it moves a point of the plates by
-more than 1.96 standard deviations of that point triangulated from one dot; a diameter: by more than
-3 %. No check can see a factor that all distances on the plate have in common.
+(1960), to first order. Where the ratio of the plate's pitches is found wrong, all is adjusted anew
+with the ratio found, and the other flaws are looked for there; the adjustment itself stays as it
+was solved. A check alarms when chance alone would give as much in one adjustment in a hundred, all
+checks together (Bonferroni). It is wrong only if it moves a point of the plates by more than 1.96
+standard deviations of that point triangulated from one dot; a diameter: by more than 3 %. No check
+can see a factor that all distances on the plate have in common.
 
 Parameters
 ----------
@@ -500,7 +502,7 @@ ZelmError
 
 Notes
 -----
-Cost O(dots).
+Cost O(dots); that of up to three adjustments more where the pitches are wrong.
 
 In C: int32_t zelmMeasureAdjustChecks(ZelmMeasureAdjustment* adjustment, ZelmMeasureCheck* checks,
 int64_t capacity, int64_t* count)
