@@ -100,6 +100,8 @@ def testAProgramThatDiesIsNoResult(monkeypatch, tmp_path, noFolderLeft):
 def testAnInterruptStopsTheProgramAndLeavesNothing(monkeypatch, tmp_path, noFolderLeft):
     pretend(tmp_path, monkeypatch, f"echo $$ > {tmp_path}/pid; exec sleep 60")
     start = time.time()
+    # A shell that starts the tests in the background has them ignore interrupts.
+    before = signal.signal(signal.SIGINT, signal.default_int_handler)
 
     def interrupt():
         while not (tmp_path / "pid").exists() and time.time() < start + 10:
@@ -112,6 +114,7 @@ def testAnInterruptStopsTheProgramAndLeavesNothing(monkeypatch, tmp_path, noFold
     with pytest.raises(KeyboardInterrupt):
         zelm.compare("a", "b")
     thread.join()
+    signal.signal(signal.SIGINT, before)
     assert time.time() < start + 20
     with pytest.raises(ProcessLookupError):
         os.kill(int((tmp_path / "pid").read_text()), 0)
