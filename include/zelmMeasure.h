@@ -31,6 +31,7 @@
 #include "zelmMeasure/measureMatch.h"
 #include "zelmMeasure/measurePairing.h"
 #include "zelmMeasure/measurePitch.h"
+#include "zelmMeasure/measurePixels.h"
 #include "zelmMeasure/measurePlan.h"
 #include "zelmMeasure/measurePlate.h"
 #include "zelmMeasure/measurePointTargets.h"

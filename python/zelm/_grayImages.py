@@ -18,6 +18,21 @@ def grayImage(image: ImageLike, name: str) -> np.ndarray:
 
     Levels of 16 bits are rounded to bytes, colours (R, G, B, and alpha, which is ignored) are weighed as the core does.
     """
+    return _gray(_levelsOf(image, name))
+
+
+def colourImage(image: ImageLike, name: str) -> np.ndarray:
+    """An array of uint8: (height, width, 3) of R, G, B where a pixel has a colour, (height, width) otherwise."""
+    levels = _levelsOf(image, name)
+    if levels.ndim == 2:
+        return _gray(levels)
+    colours = levels[..., :3] if levels.dtype == np.uint8 else _nearestBytes(levels[..., :3])
+    isGray = np.array_equal(colours[..., 0], colours[..., 1]) and np.array_equal(colours[..., 0], colours[..., 2])
+    return np.ascontiguousarray(colours[..., 0]) if isGray else colours
+
+
+def _levelsOf(image: ImageLike, name: str) -> np.ndarray:
+    """Levels of 8 or 16 bits, gray or colours, as they are given."""
     if isinstance(image, (str, os.PathLike)):
         return _ofFile(Path(image))
     if isinstance(image, np.ma.MaskedArray) or not isinstance(image, np.ndarray):
@@ -28,7 +43,7 @@ def grayImage(image: ImageLike, name: str) -> np.ndarray:
         raise ValueError(
             f"{name}: an image has the shape (height, width), or (height, width, 3) of R, G, B, not {image.shape}"
         )
-    return _gray(image)
+    return image
 
 
 def _gray(levels: np.ndarray) -> np.ndarray:
@@ -56,10 +71,10 @@ def _ofFile(path: Path) -> np.ndarray:
     if not content:
         raise ValueError(f"{path}: is empty: export or copy it again")
     if content[:2] in (b"P2", b"P3", b"P5", b"P6"):
-        return _gray(_pnm(path, content))
+        return _pnm(path, content)
     if not any(content.startswith(start) for start in _FORMATS):
         raise ValueError(f"{path}: not an image that can be read: PNG, TIFF, JPEG, BMP and PGM are")
-    return _gray(_byPillow(path))
+    return _byPillow(path)
 
 
 def _byPillow(path: Path) -> np.ndarray:

@@ -50,8 +50,6 @@ def match(
         options.progress = _interruptible(progress)
         if dense and region is None:
             record = measure.zelmMeasureMatchDense(handle, *images, options)
-        elif dense:
-            record = _part(measure.zelmMeasureMatchDense(handle, *images, options), images[0].shape, pixels)
         else:
             record = measure.zelmMeasureMatch(handle, *images, pixels, options)
         ids = np.arange(1, len(pixels) + 1)
@@ -139,12 +137,6 @@ def _checkOverlap(handle: Any, options: ZelmMeasureMatchOptions, pixels: np.ndar
 def _interruptible(progress: Optional[Told]) -> Told:
     """Also without a function to tell: the interpreter sees Ctrl-C when it is told of progress."""
     return progress if progress is not None else lambda stage, done, total: 0
-
-
-def _part(record: Any, shape: Tuple[int, ...], pixels: np.ndarray) -> Any:
-    """Of a dense result the pixels of a region."""
-    at = (pixels[:, 1] * shape[1] + pixels[:, 0]).astype(np.intp)
-    return _taken(record, at)
 
 
 def _hopeful(record: Any, pixels: np.ndarray, ids: np.ndarray) -> Tuple[Any, np.ndarray, np.ndarray]:

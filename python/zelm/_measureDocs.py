@@ -1268,6 +1268,131 @@ golden section (Kiefer, 1953) over the estimation with all its unknowns.
 In C: int32_t zelmMeasurePitchRatio(const Zelm2ViewCalib* calib, int32_t side,
 ZelmMeasurePitchRatio* ratio)
 """,
+    "zelmMeasureProject": """\
+The raw pixels that show points of space, as of zelm2ViewChange3Dto2D(). They may lie outside the
+image.
+
+Parameters
+----------
+rig : ZelmMeasureRig
+    the rig
+side : 'L' or 'R'
+    'L' or 'R'
+points : array of float64, shape (count, 3)
+    3 each: in the frame of the plate of view 0, plate units
+
+Returns
+-------
+pixels : array of float64, shape (count, 2)
+    2 each: raw; NaN of points that are not in front of a perspective camera, or beyond the fold of
+    the lens
+
+Raises
+------
+ZelmError
+    ZELM_ERR_PARAM
+    ZELM_ERR_MEMORY
+
+Notes
+-----
+Cost O(count).
+
+In C: int32_t zelmMeasureProject(ZelmMeasureRig* rig, int32_t side, int64_t count, const double*
+points, double* pixels)
+""",
+    "zelmMeasureUndistort": """\
+Raw pixels without the distortion of the lens, as of zelm2ViewUnDistortPoint().
+
+Parameters
+----------
+rig : ZelmMeasureRig
+    the rig
+side : 'L' or 'R'
+    'L' or 'R'
+raw : array of float64, shape (count, 2)
+    raw pixels, 2 each
+
+Returns
+-------
+undistorted : array of float64, shape (count, 2)
+    2 each; may be `raw`. NaN of pixels too far outside for the distortion to be removed
+
+Raises
+------
+ZelmError
+    ZELM_ERR_PARAM
+    ZELM_ERR_MEMORY
+
+Notes
+-----
+Cost O(count).
+
+In C: int32_t zelmMeasureUndistort(ZelmMeasureRig* rig, int32_t side, int64_t count, const double*
+raw, double* undistorted)
+""",
+    "zelmMeasureDistort": """\
+Undistorted pixels with the distortion of the lens, as of zelm2ViewDistortPoint().
+
+Parameters
+----------
+rig : ZelmMeasureRig
+    the rig
+side : 'L' or 'R'
+    'L' or 'R'
+undistorted : array of float64, shape (count, 2)
+    2 each
+
+Returns
+-------
+raw : array of float64, shape (count, 2)
+    2 each; may be `undistorted`. NaN of pixels beyond the fold of the lens, which no raw pixel
+    shows
+
+Raises
+------
+ZelmError
+    ZELM_ERR_PARAM
+    ZELM_ERR_MEMORY
+
+Notes
+-----
+Cost O(count).
+
+In C: int32_t zelmMeasureDistort(ZelmMeasureRig* rig, int32_t side, int64_t count, const double*
+undistorted, double* raw)
+""",
+    "zelmMeasureEpipolarLines": """\
+The lines of the other camera's undistorted image on which the counterparts of raw pixels lie, as of
+zelm2ViewCalcEpiLine().
+
+Parameters
+----------
+rig : ZelmMeasureRig
+    the rig
+side : 'L' or 'R'
+    'L' or 'R': the camera of the pixels; the lines are the other one's
+raw : array of float64, shape (count, 2)
+    raw pixels, 2 each
+
+Returns
+-------
+lines : array of float64, shape (count, 3)
+    3 each: a, b, c of a x + b y + c = 0 with a^2 + b^2 = 1; NaN of pixels too far outside for the
+    distortion to be removed, and of the epipole itself
+
+Raises
+------
+ZelmError
+    ZELM_ERR_PARAM
+    ZELM_ERR_MEMORY
+
+Notes
+-----
+Cost O(count).
+
+In C: int32_t zelmMeasureEpipolarLines(ZelmMeasureRig* rig, int32_t side, int64_t count, const
+double* raw, double* lines)
+""",
     "zelmMeasureRigOpen": """\
 Opens a rig from a calibration block, the bytes that zelm2ViewSaveCalibData() gives, once they prove
 sound: the size fits the number of views, models and image sizes can be meant, all numbers are

@@ -82,6 +82,11 @@ TABLE = {
         -> views:ZelmMeasurePairedView[n] causes:ZelmMeasureSetCause[n] pairing:ZelmMeasurePairing""",
     # measurePitch.h
     "zelmMeasurePitchRatio": "calib:Zelm2ViewCalib side:camera -> ratio:ZelmMeasurePitchRatio",
+    # measurePixels.h
+    "zelmMeasureProject": "rig:ZelmMeasureRig! side:camera points:f8[count,3] -> pixels:f8[count,2]",
+    "zelmMeasureUndistort": "rig:ZelmMeasureRig! side:camera raw:f8[count,2] -> undistorted:f8[count,2]",
+    "zelmMeasureDistort": "rig:ZelmMeasureRig! side:camera undistorted:f8[count,2] -> raw:f8[count,2]",
+    "zelmMeasureEpipolarLines": "rig:ZelmMeasureRig! side:camera raw:f8[count,2] -> lines:f8[count,3]",
     # measureRig.h
     "zelmMeasureRigOpen": "block:bytes size=len(block) -> rig:ZelmMeasureRig",
     "zelmMeasureRigOfCalib": "calib:Zelm2ViewCalib -> rig:ZelmMeasureRig",

@@ -254,6 +254,30 @@ def zelmMeasurePitchRatio(
     side: _Camera,
 ) -> ZelmMeasurePitchRatio: ...
 
+def zelmMeasureProject(
+    rig: ZelmMeasureRig,
+    side: _Camera,
+    points: ArrayLike,
+) -> NDArray[np.float64]: ...
+
+def zelmMeasureUndistort(
+    rig: ZelmMeasureRig,
+    side: _Camera,
+    raw: ArrayLike,
+) -> NDArray[np.float64]: ...
+
+def zelmMeasureDistort(
+    rig: ZelmMeasureRig,
+    side: _Camera,
+    undistorted: ArrayLike,
+) -> NDArray[np.float64]: ...
+
+def zelmMeasureEpipolarLines(
+    rig: ZelmMeasureRig,
+    side: _Camera,
+    raw: ArrayLike,
+) -> NDArray[np.float64]: ...
+
 def zelmMeasureRigOpen(
     block: Union[bytes, bytearray, memoryview],
 ) -> ZelmMeasureRig: ...

@@ -9,7 +9,7 @@ from typing import Any, Callable, Dict, Iterator, Optional, Sequence, Tuple
 
 import numpy as np
 
-from . import _arrays, _matching, _pixels, _rigFiles, measure
+from . import _arrays, _matching, _pixels, _rectified, _rigFiles, measure
 from ._errors import MeasurementWarning, ZelmDataError, refuse
 from ._grayImages import ImageLike
 from ._outputs import PathLike
@@ -19,6 +19,7 @@ from ._records import (
     ZelmMeasurePoints,
     ZelmMeasureRelativePose,
 )
+from ._rectified import AlignedRows, Rectified
 from ._rigCommands import RigCommands
 from ._rigHandles import RigHandles
 from ._triangulation import Triangulation, usualMaxError
@@ -295,7 +296,7 @@ class Rig(RigCommands):
                 refuse("lengths", f"{len(left)} points are no pairs of ends: say with ends= between which to measure")
             ends = np.arange(len(left)).reshape(-1, 2)
         if noise is None and self._covariance is None:
-            refuse("lengths", "without the covariance of the calibration nothing tells that of pixels: give noise=")
+            refuse("lengths", "without a covariance nothing tells the noise of pixels: give noise=")
         told = ZelmMeasurePixelNoise(sigma=0.0 if noise is None else _noiseIn("lengths", noise))
         with self._handles.borrow() as handle:
             record = measure.zelmMeasureLengths(handle, left, right, ends, told)
@@ -321,7 +322,9 @@ class Rig(RigCommands):
             a, b, c of the line a x + b y + c = 0 of undistorted pixels of the other image, a^2 + b^2 = 1. NaN where the
             lens distortion cannot be undone.
         """
-        return _pixels.epipolarLines(self, self.camera(side).side, xy)
+        xy = _pixels.rowsOf(xy, 2, "epipolar_lines", "xy")
+        with self._handles.borrow() as handle:
+            return measure.zelmMeasureEpipolarLines(handle, self.camera(side).side, xy)
 
     def match(
         self,
@@ -347,7 +350,8 @@ class Rig(RigCommands):
         points : array of shape (n, 2), optional
             Look for these raw pixels of the left image instead.
         dense : bool
-            Look for every pixel with texture.
+            Look for every pixel with texture: of the whole image on the surfaces of a grid, as ``zelm match --dense``,
+            of a region each for itself.
         region : (x, y, width, height), optional
             The part of the left image whose pixels are looked for.
         depth : (float, float), optional
@@ -371,6 +375,52 @@ class Rig(RigCommands):
             Nothing was found, or so little that it may be chance.
         """
         return _matching.match(self, left, right, step, points, dense, region, depth, progress, settings)
+
+    def rectify(
+        self, left: ImageLike, right: ImageLike, *, reference: Optional[Sequence[float]] = None, depth: float = 0.0
+    ) -> Rectified:
+        """Undistorts each image and turns it into the view of the other camera, as ``zelm rectify`` does.
+
+        Parameters
+        ----------
+        left, right : array or path
+            The raw images.
+        reference : (x, y) or (xL, yL, xR, yR), optional
+            The undistorted pixels that are to lie on the image centres. Default: of the point that both cameras look
+            at.
+        depth : float
+            With a parallel camera: the height of the plane on which the images agree.
+        """
+        return _rectified.rectify(self, left, right, reference, depth)
+
+    def align_rows(
+        self,
+        left: Optional[ImageLike] = None,
+        right: Optional[ImageLike] = None,
+        *,
+        size: Optional[Tuple[int, int]] = None,
+        focal: Optional[float] = None,
+        depths: Optional[Tuple[float, float]] = None,
+        zero_at_infinity: bool = False,
+    ) -> AlignedRows:
+        """Turns both cameras until a point's images lie in the same row; images and maps as of ``zelm rectify --rows``.
+
+        Parameters
+        ----------
+        left, right : array or path, optional
+            The raw images that are resampled.
+        size : (width, height), optional
+            Of the aligned images. Default: the larger of the cameras'.
+        focal : float, optional
+            Pixels. Default: such that what the images show stays in them.
+        depths : (nearest, farthest), optional
+            Those that disparities are told of. Default: from half the distance of the nearest plate of the calibration
+            to twice that of the farthest.
+        zero_at_infinity : bool
+            Disparity 0 is at infinity. Otherwise it is about where both cameras look.
+        """
+        options = _rectified.rowOptions(size, focal, depths, zero_at_infinity)
+        return _rectified.alignRows(self, (left, right), options)
 
     def __reduce__(self) -> Any:
         return _restored, (type(self), self._block, self._covariance, self._summaryBytes, self.summary, self._name)

@@ -4,7 +4,8 @@ from typing import TYPE_CHECKING, Any, List, Tuple
 
 import numpy as np
 
-from . import _pixels
+from . import measure
+from ._pixels import rowsOf
 from ._records import ZelmCameraExtrinsics, ZelmCameraIntrinsics, ZelmMeasureCamera
 
 if TYPE_CHECKING:
@@ -78,17 +79,23 @@ class RigCamera:
     def project(self, points: Any) -> np.ndarray:
         """Raw pixels, shape (n, 2), of points in the frame of the plate of view 0, shape (n, 3).
 
-        A point that the camera cannot image, in its plane or behind it, gives NaN.
+        They may lie outside the image. Points behind the camera, and where its lens folds the image, give NaN.
         """
-        return _pixels.project(self._rig, self.side, points)
+        points = rowsOf(points, 3, "project", "points")
+        with self._rig._handles.borrow() as handle:
+            return measure.zelmMeasureProject(handle, self.side, points)
 
     def undistort(self, pixels: Any) -> np.ndarray:
         """Undistorted pixels of raw ones, shape (n, 2). NaN where the lens distortion cannot be undone."""
-        return _pixels.undistort(self._rig, self.side, pixels)
+        pixels = rowsOf(pixels, 2, "undistort", "pixels")
+        with self._rig._handles.borrow() as handle:
+            return measure.zelmMeasureUndistort(handle, self.side, pixels)
 
     def distort(self, pixels: Any) -> np.ndarray:
-        """Raw pixels of undistorted ones, shape (n, 2)."""
-        return _pixels.distort(self._rig, self.side, pixels)
+        """Raw pixels of undistorted ones, shape (n, 2). NaN where no raw pixel shows them."""
+        pixels = rowsOf(pixels, 2, "distort", "pixels")
+        with self._rig._handles.borrow() as handle:
+            return measure.zelmMeasureDistort(handle, self.side, pixels)
 
     def __repr__(self) -> str:
         K, (k1, k2) = self.K, self.distortion

@@ -45,6 +45,25 @@ TEST_F(MeasureContract, PointsOfSpace) {
     expectParam("depths", ZELM_CASE(zelmMeasureTrueDepths)(rig, map, 1.0, 1, p, nullptr, i));
 }
 
+TEST_F(MeasureContract, PixelsOfOneCamera) {
+    ZelmMeasureRig* const rig = sound.rig.get();
+    using Function = std::int32_t (*)(ZelmMeasureRig*, std::int32_t, std::int64_t, const double*, double*);
+    const Function functions[] = {ZELM_CASE(zelmMeasureProject), ZELM_CASE(zelmMeasureUndistort),
+                                  ZELM_CASE(zelmMeasureDistort), ZELM_CASE(zelmMeasureEpipolarLines)};
+    const double* const p = sound.pixels;
+    double* const d = out.numbers;
+    for (const Function function : functions) {
+        expectParam("rig", function(nullptr, 'L', 1, p, d));
+        for (const std::int32_t side : {0, static_cast<int>('l'), 256 + 'L'}) {
+            expectParam("side", function(rig, side, 1, p, d));
+        }
+        expectParam("count", function(rig, 'L', -1, p, d));
+        expectParam("in", function(rig, 'R', 1, nullptr, d));
+        expectParam("out", function(rig, 'R', 1, p, nullptr));
+        EXPECT_EQ(function(rig, 'L', 0, nullptr, nullptr), ZELM_OK);
+    }
+}
+
 TEST_F(MeasureContract, NoiseThatCannotBeMeant) {
     ZelmMeasureRig* const rig = sound.rig.get();
     const ZelmMeasureCovariance covariance = unitCovariance();

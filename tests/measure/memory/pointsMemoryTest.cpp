@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "dottedPair.h"
@@ -41,6 +42,23 @@ TEST(MeasureMemory, Triangulation) {
     });
     EXPECT_GE(failures.own, 1);
     EXPECT_GE(failures.core, 2);
+}
+
+TEST(MeasureMemory, PixelsOfOneCamera) {
+    const RigTruth truth = trueRig();
+    const OpenedRig rig(truth.block());
+    const double numbers[] = {100.0, 200.0, 50.0};
+    using Function = std::int32_t (*)(ZelmMeasureRig*, std::int32_t, std::int64_t, const double*, double*);
+    const std::pair<const char*, Function> functions[] = {{"project", ZELM_CASE(zelmMeasureProject)},
+                                                          {"undistort", ZELM_CASE(zelmMeasureUndistort)},
+                                                          {"distort", ZELM_CASE(zelmMeasureDistort)},
+                                                          {"epipolar lines", ZELM_CASE(zelmMeasureEpipolarLines)}};
+    for (const auto& [name, function] : functions) {
+        SCOPED_TRACE(name);
+        const FaultCounts failures = expectEveryFailureIsTold(
+            [&](FaultOutputs& out) { return function(rig.get(), 'R', 1, numbers, out.numbers); }, ZELM_OK, true);
+        EXPECT_GE(failures.own, 1);
+    }
 }
 
 TEST(MeasureMemory, PlatesInSpaceAndLengths) {
