@@ -10,6 +10,12 @@ namespace {
 
 constexpr double kNone = std::numeric_limits<double>::quiet_NaN();
 
+// A pixel of a call that may have failed, or whose numbers went beyond those that there are.
+Point2d told(std::int32_t status, const Point2d& pixel) {
+    const bool isKnown = status >= 0 && std::isfinite(pixel.x) && std::isfinite(pixel.y);
+    return isKnown ? pixel : Point2d{kNone, kNone};
+}
+
 }  // namespace
 
 CameraPixels::CameraPixels(const Rig& rig, char cameraSide)
@@ -29,21 +35,25 @@ Point2d CameraPixels::project(const Point3d& point) const {
         return {kNone, kNone};
     }
     Point2d pixel{};
-    return zelm2ViewChange3Dto2D(calib, side, &point, &pixel) >= 0 ? pixel : Point2d{kNone, kNone};
+    const std::int32_t status = zelm2ViewChange3Dto2D(calib, side, &point, &pixel);
+    return told(status, pixel);
 }
 
 Point2d CameraPixels::undistort(const Point2d& raw) const {
     Point2d undistorted{};
-    const bool isKnown = zelm2ViewUnDistortPoint(calib, side, &raw, &undistorted) >= 0;
-    return isKnown ? undistorted : Point2d{kNone, kNone};
+    const std::int32_t status = zelm2ViewUnDistortPoint(calib, side, &raw, &undistorted);
+    return told(status, undistorted);
 }
 
 Point2d CameraPixels::distort(const Point2d& undistorted) const {
     const auto [fx, skew, fy, cx, cy] = matrix;
     const double y = (undistorted.y - cy) / fy;
+    if (!isWithinFold((undistorted.x - cx - skew * y) / fx, y)) {
+        return {kNone, kNone};
+    }
     Point2d raw{};
-    const bool isSeen = isWithinFold((undistorted.x - cx - skew * y) / fx, y);
-    return isSeen && zelm2ViewDistortPoint(calib, side, &undistorted, &raw) >= 0 ? raw : Point2d{kNone, kNone};
+    const std::int32_t status = zelm2ViewDistortPoint(calib, side, &undistorted, &raw);
+    return told(status, raw);
 }
 
 std::array<double, 3> CameraPixels::epipolarLine(const Point2d& raw) const {

@@ -19,11 +19,12 @@ std::int32_t withPixels(ZelmMeasureRig* handle, std::int32_t side, std::int64_t 
         const CameraPixels camera(rig, sideOf(side));
         require(count >= 0 && ((given != nullptr && written != nullptr) || count == 0),
                 "the numbers are NULL, or their count is negative");
-        std::vector<std::array<double, out>> results(static_cast<std::size_t>(count));
-        for (std::size_t i = 0; i < results.size(); ++i) {
+        const auto number = static_cast<std::size_t>(count);
+        std::vector<std::array<double, out>> results(number);
+        for (std::size_t i = 0; i < number; ++i) {
             results[i] = each(camera, given + in * i);
         }
-        for (std::size_t i = 0; i < results.size(); ++i) {
+        for (std::size_t i = 0; i < number; ++i) {
             std::copy(results[i].begin(), results[i].end(), written + out * i);
         }
     });

@@ -4,9 +4,10 @@
     measureSpeed.py RIG [COUNT]    of a calibration, rig.zcal
 
 Each row stands beside the C function alone, without checks and allocations, and beside OpenCV's like where that is
-installed. The three take turns, so that a busy machine slows them alike; shares are medians of the turns.
+installed, on one thread. Times are the processor's. The three take turns; shares are medians of the turns.
 """
 
+import ctypes
 import sys
 import time
 from typing import Any, Callable, Dict, List, Optional, Tuple
@@ -41,12 +42,12 @@ def rowsOf(rig: zelm.Rig, count: int) -> List[Tuple[str, Call, Call, Optional[Ca
         return lambda: function(address, ord("L"), count, array.ctypes.data, out.ctypes.data)
 
     def triangulateC() -> None:
-        library.zelmMeasureTriangulate(address, count, left.ctypes.data, right.ctypes.data, pointer(record))
+        library.zelmMeasureTriangulate(address, count, left.ctypes.data, right.ctypes.data, ctypes.byref(record))
 
     def covarianceC() -> None:
         triangulateC()
         library.zelmMeasurePointCovariance(
-            address, count, left.ctypes.data, right.ctypes.data, pointer(noise), pointer(covariances)
+            address, count, left.ctypes.data, right.ctypes.data, ctypes.byref(noise), ctypes.byref(covariances)
         )
 
     cv = openCv(rig, points, left, right)
@@ -66,17 +67,12 @@ def rowsOf(rig: zelm.Rig, count: int) -> List[Tuple[str, Call, Call, Optional[Ca
     ]
 
 
-def pointer(record: Any) -> Any:
-    import ctypes
-
-    return ctypes.byref(record)
-
-
 def openCv(rig: zelm.Rig, points: np.ndarray, left: np.ndarray, right: np.ndarray) -> List[Optional[Call]]:
     try:
         import cv2
     except ImportError:
         return [None] * 4
+    cv2.setNumThreads(1)
     cameras = (rig.left, rig.right)
     lenses = [np.array([*camera.distortion, 0, 0]) for camera in cameras]
     K, R, t, lens = rig.left.K, rig.left.R, rig.left.t, lenses[0]
@@ -105,9 +101,9 @@ def openCv(rig: zelm.Rig, points: np.ndarray, left: np.ndarray, right: np.ndarra
 def seconds(call: Optional[Call]) -> float:
     if call is None:
         return float("nan")
-    start = time.perf_counter()
+    start = time.process_time()
     call()
-    return time.perf_counter() - start
+    return time.process_time() - start
 
 
 def main() -> None:

@@ -16,6 +16,7 @@ from ._work import Work, asPath
 from .plate import Plate, PlateLike, plateFile
 
 _KINDS = ("point", "line", "plane", "circle", "sphere", "cylinder")
+_SIDES = ("left", "right")
 Description = Union[PathLike, Dict[str, Any]]
 
 
@@ -84,8 +85,8 @@ def plan(
     Result
         `u95`, `pictures` (each with words, pose and tilts), ...
     """
-    given = {"--tolerance": tolerance, "--views": views, "--most": most, "--length": length, "--noise": noise}
-    given.update({"--point-noise": point_noise, "--max-tilt": max_tilt, "--criterion": criterion})
+    given: Dict[str, Any] = {"--tolerance": tolerance, "--views": views, "--most": most, "--length": length}
+    given.update({"--noise": noise, "--point-noise": point_noise, "--max-tilt": max_tilt, "--criterion": criterion})
     given.update({"--square-pixels": square_pixels, "--no-skew": no_skew})
     with rigPath(rig) as (path, private), Work(private, progress) as work:
         words = [_described(work, description, "station.json"), "--plate", plateFile(work, plate)]
@@ -128,9 +129,9 @@ def simulate(
             return resultOf(done)
         if format not in ("png", "pgm"):
             raise ValueError(f"format {format}: images in memory take png or pgm, or give a folder")
-        sides = [[_read(path) for path in sorted(out.glob(f"{side}_*"), key=_number)] for side in ("left", "right")]
+        left, right = ([_read(path) for path in sorted(out.glob(f"{side}_*"), key=_number)] for side in _SIDES)
         truth = json.loads((out / "truth.json").read_text(encoding="utf-8"))
-        return Simulation(*sides, Plate.load(out / "plate.json"), truth)
+        return Simulation(left, right, Plate.load(out / "plate.json"), truth)
 
 
 def simulation_example() -> Dict[str, Any]:

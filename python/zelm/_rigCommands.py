@@ -49,6 +49,7 @@ class RigCommands:
     """Commands of the program on this calibration. Results are those of the same command in a shell, bit for bit."""
 
     _page: Optional[str] = None
+    imported: Optional[Result] = None  # what `zelm.import_rig` told of a rig of another program's files
 
     def _folder(self) -> ContextManager[Union[str, Path]]:
         """A folder with rig.zcal, and rig.zcov and rig.json where they are known."""
@@ -195,8 +196,8 @@ class RigCommands:
         It looks for `points` of the left image, (n, 2) or with fields x, y and id, for a `grid` of so many pixels, or
         for every pixel with texture (`dense`).
         """
-        given = {"--ply": ply, "--ply-text": ply_text, "--picture": picture, "--page": page, "--grid": grid}
-        given.update({"--dense": dense, "--window": window, "--depth": depth, "--precision": precision})
+        given: Dict[str, Any] = {"--ply": ply, "--ply-text": ply_text, "--picture": picture, "--page": page}
+        given.update({"--grid": grid, "--dense": dense, "--window": window, "--depth": depth, "--precision": precision})
         given.update({"--noise": noise, "--min-score": min_score, "--return-tolerance": return_tolerance})
         with self._work(progress) as (work, rig):
             words = [rig, work.image(left, "left"), work.image(right, "right"), "-o", asPath(path)]

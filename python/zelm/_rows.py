@@ -68,7 +68,8 @@ def rowsOf(done: Dict[str, Any], folder: Path) -> Rows:
         setattr(rows, name, np.array(done[name], dtype=float))
     rows.left, rows.right = readPng(folder / done["left"]), readPng(folder / done["right"])
     rows.left_map, rows.right_map = np.load(folder / "left_map.npy"), np.load(folder / "right_map.npy")
-    rows.left_seen, rows.right_seen = tuple(done["leftSeen"]), tuple(done["rightSeen"])
+    for name in ("left", "right"):
+        setattr(rows, f"{name}_seen", tuple(done[f"{name}Seen"]))
     rows.min_disparity, rows.num_disparities = done["minDisparity"], done["numDisparities"]
     rows.units = done["units"]
     return rows

@@ -170,7 +170,8 @@ class Plate:
         i, j = np.meshgrid(np.arange(-columns, columns + 1), np.arange(-rows, rows + 1))
         grid = np.column_stack([i.ravel(), j.ravel()]).astype(float)
         places = np.column_stack([grid, grid * [self.dotPitchX, self.dotPitchY], np.zeros(len(grid))])
-        measured = {tuple(row[:2]): row for row in (self.positions if self.positions is not None else ())}
+        known = self.positions
+        measured = {} if known is None else {tuple(row[:2]): row for row in known}
         return np.array([measured.get(tuple(row[:2]), row) for row in places])
 
     def fields(self) -> Dict[str, Any]:

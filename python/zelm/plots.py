@@ -177,8 +177,8 @@ def _projected(camera: Any, pose: np.ndarray, points: np.ndarray) -> np.ndarray:
 
 
 def _coveredShare(pixels: np.ndarray, width: int, height: int, fields: Tuple[int, int] = (8, 6)) -> float:
-    counts = np.histogram2d(*pixels.T, bins=fields, range=[[-0.5, width - 0.5], [-0.5, height - 0.5]])[0]
-    return float((counts > 0).mean())
+    at = np.floor((pixels + 0.5) * fields / [width, height]).astype(int)
+    return len({tuple(field) for field in at}) / (fields[0] * fields[1])
 
 
 def _asImage(ax: Any, width: float, height: float) -> None:
