@@ -19,6 +19,10 @@ bench_packages=(libbenchmark-dev libmrcal-dev libopencv-imgproc-dev libopencv-ca
 peers_packages=(python3 python3-numpy python3-scipy python3-yaml python3-opencv python3-mrcal python3-image-geometry
   python3-camera-calibration-parsers pcl-tools)
 # The Python package, with the system's Python.
-python_packages=(python3 python3-numpy python3-pil python3-pytest python3-hypothesis)
+python_packages=(python3 python3-numpy python3-pil python3-pytest python3-hypothesis python3-matplotlib)
+# The wheel of the Python package, and the licences of what it brings.
+wheel_packages=(patchelf binutils git python3 python3-numpy python3-setuptools python3-wheel python3-venv)
+# The notebooks of the Python package run.
+notebooks_packages=(python3-nbconvert python3-ipykernel python3-opencv)
 fresh_packages=(debootstrap git)
-deb_packages=(debhelper dpkg-dev lintian git)
+deb_packages=(debhelper dh-python dpkg-dev lintian git)

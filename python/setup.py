@@ -2,7 +2,7 @@
 
 from pathlib import Path
 
-from setuptools import setup
+from setuptools import Distribution, setup
 from wheel.bdist_wheel import bdist_wheel
 
 HAS_LIBRARIES = any((Path(__file__).parent / "zelm" / "_libs").glob("*.so.*"))
@@ -18,4 +18,11 @@ class Wheel(bdist_wheel):
         return ("py3", "none", platform) if HAS_LIBRARIES else (python, abi, platform)
 
 
-setup(cmdclass={"bdist_wheel": Wheel})
+class Platform(Distribution):
+    """Goes where packages of one platform go, when it has libraries."""
+
+    def has_ext_modules(self):
+        return HAS_LIBRARIES
+
+
+setup(cmdclass={"bdist_wheel": Wheel}, distclass=Platform)

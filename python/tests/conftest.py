@@ -10,3 +10,5 @@ sys.path[:0] = [str(FOLDER), str(FOLDER / "tools"), str(FOLDER / "tests")]
 if not os.environ.get("ZELM_LIBRARY_PATH"):
     build = ROOT / "build" / "gcc"
     os.environ["ZELM_LIBRARY_PATH"] = os.pathsep.join([str(build), str(build / "measure")])
+
+from toolRuns import byHand, noFolderLeft, rig, views  # noqa: E402, F401

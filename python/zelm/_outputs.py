@@ -1,7 +1,7 @@
 """Files that appear whole or not at all."""
 
 import os
-import tempfile
+import secrets
 from pathlib import Path
 from typing import Dict, Union
 
@@ -21,11 +21,12 @@ def writeTogether(contents: Dict[PathLike, bytes]) -> "list[Path]":
             target = Path(path)
             if not target.parent.is_dir():
                 raise FileNotFoundError(f"{target}: there is no folder {target.parent} to write it to")
-            handle, name = tempfile.mkstemp(prefix=f".{target.name}.", dir=target.parent)
-            written[Path(name)] = target
+            temporary = target.parent / f".{target.name}.{secrets.token_hex(6)}"
+            # Not by tempfile: that makes files which nobody else may read, as no output is meant to be.
+            handle = os.open(temporary, os.O_WRONLY | os.O_CREAT | os.O_EXCL, 0o666)
+            written[temporary] = target
             with os.fdopen(handle, "wb") as file:
                 file.write(content)
-            os.chmod(name, 0o666 & ~_umask())
         for temporary, target in written.items():
             if target.is_dir():
                 raise IsADirectoryError(f"{target}: a folder has this name")
@@ -40,9 +41,3 @@ def writeTogether(contents: Dict[PathLike, bytes]) -> "list[Path]":
 def copyWhole(source: PathLike, target: PathLike) -> Path:
     """Copies a file likewise."""
     return writeWhole(target, Path(source).read_bytes())
-
-
-def _umask() -> int:
-    mask = os.umask(0)
-    os.umask(mask)
-    return mask

@@ -106,6 +106,12 @@ class Cloud:
         depths[row, column] = self.depth
         return depths
 
+    def plot(self, image: Optional[np.ndarray] = None, ax: Any = None) -> Any:
+        """Depths over the left image: see `zelm.plots`, which needs matplotlib."""
+        from .plots import plot_cloud
+
+        return plot_cloud(self, image, ax)
+
     def to_ply(self, path: PathLike, text: bool = False) -> Path:
         """Writes the points as a PLY cloud with gray levels and standard deviations of depths; `text`: not binary."""
         header = [

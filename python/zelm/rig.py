@@ -15,13 +15,14 @@ from ._grayImages import ImageLike
 from ._outputs import PathLike
 from ._records import ZelmMeasureRelativePose
 from ._rectified import AlignedRows, Rectified
+from ._rigCommands import RigCommands
 from ._rigHandles import RigHandles
 from ._triangulation import Triangulation
 from .cloud import Cloud
 from .rigCamera import RigCamera
 
 
-class Rig:
+class Rig(RigCommands):
     """A calibrated pair of cameras.
 
     ``Rig.load("out/rig.zcal")`` reads one. Points of space are in the frame of the plate of view 0, in the unit of the
