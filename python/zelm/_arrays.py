@@ -117,7 +117,7 @@ def toRecord(cls: Type[Record], value: Any, function: str, name: str) -> Record:
         refuse(function, f"{name} has {len(numbers)} numbers, {cls.__name__} has {len(cls._names_)}")
     for at, number in enumerate(numbers):
         if number.__class__ is not float or cls._ranges_:
-            convert = toInt if cls._names_[at] in cls._ranges_ else toFloat
+            convert: Any = toInt if cls._names_[at] in cls._ranges_ else toFloat
             numbers[at] = convert(number, function, f"{name}.{cls._names_[at]}")
     made = cls.__new__(cls)
     _initialise(made, *numbers)

@@ -3,7 +3,7 @@
 import io
 import os
 from pathlib import Path
-from typing import Any, Tuple, Union
+from typing import Any, List, Tuple, Union
 
 import numpy as np
 
@@ -126,7 +126,8 @@ def _levels(path: Path, image: Any) -> np.ndarray:
 
 def _pnm(path: Path, content: bytes) -> np.ndarray:
     kind = content[1] - ord("0")
-    numbers, at = [], 2
+    numbers: List[int] = []
+    at = 2
     while len(numbers) < 3:
         number, at = _number(path, content, at)
         numbers.append(number)

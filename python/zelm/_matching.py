@@ -36,27 +36,27 @@ def match(
     progress: Optional[Told],
     settings: "dict[str, Any]",
 ) -> Cloud:
-    images = [_imageOf(rig, image, side) for image, side in ((left, "L"), (right, "R"))]
+    leftGray, rightGray = _imageOf(rig, left, "L"), _imageOf(rig, right, "R")
     if dense and points is not None:
         raise ValueError("match: dense looks for every pixel, points for a list: give one of them")
     step = 1 if dense else _arrays.toInt(step, "match", "step")
     if not 1 <= step <= 10000:
         refuse("match", f"step is {step}, a number of pixels from 1 to 10000 is wanted")
-    pixels = _grid(images[0].shape, step, region) if points is None else _pixels.rowsOf(points, 2, "match", "points")
+    pixels = _grid(leftGray.shape, step, region) if points is None else _pixels.rowsOf(points, 2, "match", "points")
     with rig._handles.borrow() as handle:
-        options = _optionsOf(handle, images, None if points is not None else step, depth, settings)
+        options = _optionsOf(handle, (leftGray, rightGray), None if points is not None else step, depth, settings)
         _checkWindow(rig, options.window)
         _checkOverlap(handle, options, pixels)
         options.progress = _interruptible(progress)
         if dense and region is None:
-            record = measure.zelmMeasureMatchDense(handle, *images, options)
+            record = measure.zelmMeasureMatchDense(handle, leftGray, rightGray, options)
         else:
-            record = measure.zelmMeasureMatch(handle, *images, pixels, options)
+            record = measure.zelmMeasureMatch(handle, leftGray, rightGray, pixels, options)
         ids = np.arange(1, len(pixels) + 1)
         if dense:
             record, pixels, ids = _hopeful(record, pixels, ids)
         calibration = _byCalibration(rig, handle, pixels, record)
-    cloud = Cloud(rig, images[0], pixels, ids, record, options, calibration)
+    cloud = Cloud(rig, leftGray, pixels, ids, record, options, calibration)
     _warnOfFew(cloud)
     return cloud
 

@@ -9,12 +9,12 @@ from typing import Any, Callable, List, Optional, Sequence, Tuple, Type
 import numpy as np
 
 from . import _arrays, _library
-from ._build import recordsOf
 from ._errors import failMeasuring, refuse
 from ._handles import CalibOfRig, Handle, Zelm2ViewCalib, ZelmMeasureAdjustment, ZelmMeasurePlan, ZelmMeasureRig
 from ._handles import enterAll, leaveAll
 from ._measureChecks import holds, rooms, sizeOf, trimmed
 from ._record import Record
+from ._recordArrays import recordsOf
 from ._records import (
     Zelm2ViewCameraDesc,
     Zelm2ViewPatternDesc,

@@ -9,20 +9,15 @@ from typing import Any, Callable, Dict, Iterator, Optional, Sequence, Tuple
 
 import numpy as np
 
-from . import _arrays, _matching, _pixels, _rectified, _rigFiles, measure
-from ._errors import MeasurementWarning, ZelmDataError, refuse
+from . import _matching, _pixels, _rectified, _rigFiles, _spacePoints, measure
+from ._errors import MeasurementWarning, ZelmDataError
 from ._grayImages import ImageLike
 from ._outputs import PathLike
-from ._records import (
-    ZelmMeasurePixelNoise,
-    ZelmMeasurePointCovariances,
-    ZelmMeasurePoints,
-    ZelmMeasureRelativePose,
-)
+from ._records import ZelmMeasureRelativePose
 from ._rectified import AlignedRows, Rectified
 from ._rigCommands import RigCommands
 from ._rigHandles import RigHandles
-from ._triangulation import Triangulation, usualMaxError
+from ._triangulation import Triangulation
 from .cloud import Cloud
 from .rigCamera import RigCamera
 
@@ -238,36 +233,10 @@ class Rig(RigCommands):
         MeasurementWarning
             Pairs gave no point, how many and why; pairs miss each other by more than noise explains.
         """
-        left = _pixels.rowsOf(left_xy, 2, "triangulate", "left_xy")
-        right = _pixels.rowsOf(right_xy, 2, "triangulate", "right_xy")
-        _arrays.checkShape(right, left.shape, "triangulate", "right_xy")
-        noise = self._noiseOf(noise)
-        limit = usualMaxError(noise) if max_error is None else _arrays.toFloat(max_error, "triangulate", "max_error")
-        if not 0.0 < limit < np.inf:
-            refuse("triangulate", f"max_error is {limit}, a number of pixels above 0 is wanted")
-        with self._handles.borrow() as handle:
-            record = measure.zelmMeasureTriangulate(handle, left, right, _pointRooms(len(left), limit))
-            parts = self._partsOf(handle, left, right, noise) if covariance else (None, None)
-        made = Triangulation._of(record, parts, limit)
-        for words in made.warnings(noise):
+        made = _spacePoints.triangulate(self, left_xy, right_xy, max_error, noise, covariance)
+        for words in made.warnings(noise if noise is not None else self._noise):
             warnings.warn(words, MeasurementWarning, stacklevel=2)
         return made
-
-    def _noiseOf(self, noise: Optional[float]) -> Optional[float]:
-        """Standard deviation of a pixel: given, or that of the calibration's dots; None where nothing tells it."""
-        if noise is None:
-            return self._noise
-        if self._covariance is None:
-            refuse("triangulate", "noise makes no covariance of points without that of the calibration (rig.zcov)")
-        return _noiseIn("triangulate", noise)
-
-    def _partsOf(self, handle: Any, left: np.ndarray, right: np.ndarray, noise: Optional[float]) -> Tuple[Any, Any]:
-        if self._covariance is None:
-            return None, None
-        rooms = ZelmMeasurePointCovariances(image=_nan(len(left), 6), calibration=_nan(len(left), 6))
-        told = ZelmMeasurePixelNoise(sigma=0.0 if noise == self._noise else noise)
-        measure.zelmMeasurePointCovariance(handle, left, right, told, rooms)
-        return rooms.image, rooms.calibration
 
     def lengths(self, left_xy: Any, right_xy: Any, ends: Any = None, *, noise: Optional[float] = None) -> np.ndarray:
         """Distances between points, with their uncertainty.
@@ -289,18 +258,7 @@ class Rig(RigCommands):
             `calibration_sigma` and `status`: "ok", "no_point", or "short", which has the length alone. What the
             covariance of the calibration tells is NaN without it.
         """
-        left = _pixels.rowsOf(left_xy, 2, "lengths", "left_xy")
-        right = _pixels.rowsOf(right_xy, 2, "lengths", "right_xy")
-        if ends is None:
-            if len(left) % 2:
-                refuse("lengths", f"{len(left)} points are no pairs of ends: say with ends= between which to measure")
-            ends = np.arange(len(left)).reshape(-1, 2)
-        if noise is None and self._covariance is None:
-            refuse("lengths", "without a covariance nothing tells the noise of pixels: give noise=")
-        told = ZelmMeasurePixelNoise(sigma=0.0 if noise is None else _noiseIn("lengths", noise))
-        with self._handles.borrow() as handle:
-            record = measure.zelmMeasureLengths(handle, left, right, ends, told)
-        return _tableOfLengths(record)
+        return _spacePoints.lengths(self, left_xy, right_xy, ends, noise)
 
     def project(self, points: Any) -> Tuple[np.ndarray, np.ndarray]:
         """Raw pixels of both cameras, shape (n, 2) each, of points of shape (n, 3); NaN where there is no image."""
@@ -433,7 +391,7 @@ class Rig(RigCommands):
         return f"<Rig {Path(self._name).name}: {sizes} px, {self.views} views{pair}{known}{verdict}>"
 
     def _degrees(self) -> str:
-        return f"convergence {np.degrees(self.convergence):.4g}"
+        return f"convergence {np.degrees(self.convergence or 0.0):.4g}"
 
 
 def _restored(cls: Any, block: bytes, covariance: Any, content: Any, summary: Any, name: str) -> Rig:
@@ -447,37 +405,3 @@ def _relativeOf(handle: Any) -> Optional[ZelmMeasureRelativePose]:
         return measure.zelmMeasureRigRelativePose(handle)
     except ZelmDataError:
         return None
-
-
-def _noiseIn(function: str, noise: Any) -> float:
-    noise = _arrays.toFloat(noise, function, "noise")
-    if not 0.0 < noise < np.inf:
-        refuse(function, f"noise is {noise}, a number of pixels above 0 is wanted")
-    return noise
-
-
-def _nan(*shape: int) -> np.ndarray:
-    return np.full(shape, np.nan)
-
-
-def _pointRooms(count: int, limit: float) -> ZelmMeasurePoints:
-    made = ZelmMeasurePoints(maxError=limit, outside=1)
-    made.statuses = np.empty(count, np.int32)
-    made.positions, made.errors, made.angles = _nan(count, 3), _nan(count, 2), _nan(count)
-    return made
-
-
-def _tableOfLengths(record: Any) -> np.ndarray:
-    numbers = {
-        "length": record.lengths,
-        "u95": record.expanded,
-        "sigma": record.deviations,
-        "noise_sigma": record.image,
-        "calibration_sigma": record.calibration,
-    }
-    words = np.array(["ok", "no_point", "short"])
-    table = np.empty(len(record.statuses), [("status", words.dtype), *((name, "f8") for name in numbers)])
-    table["status"] = words[record.statuses]
-    for name, values in numbers.items():
-        table[name] = np.nan if values is None else values
-    return table

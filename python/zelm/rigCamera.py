@@ -65,10 +65,10 @@ class RigCamera:
     @property
     def centre(self) -> np.ndarray:
         """The centre of projection, in the frame of the plate of view 0. A parallel camera has none: NaN."""
-        return np.full(3, np.nan) if self.isParallel else -self.R.T @ self.t
+        return np.full(3, np.nan) if self.is_parallel else -self.R.T @ self.t
 
     @property
-    def isParallel(self) -> bool:
+    def is_parallel(self) -> bool:
         return self.model == "parallel"
 
     @property
