@@ -1,5 +1,6 @@
 """A batch in several processes and under a scheduler: the same bytes, whoever is killed."""
 
+import asyncio
 import json
 import os
 import signal
@@ -13,7 +14,7 @@ import pytest
 from conftest import FOLDER
 from fleetSample import contentOfStore, writePairs
 
-from zelm.batch import runBatch
+from zelm.batch import PairRecord, daskWorkers, runBatch
 
 pytest.importorskip("distributed")
 BLOBS = "fleetWork:blobs"
@@ -151,6 +152,27 @@ def test_aSchedulerThatIsRestartedLosesNothing(tmp_path, cluster):
     assert job.returncode == 0, err
     assert json.loads(out)["made"] + json.loads(out)["kept"] == 8
     assert contentOfStore(tmp_path / "out") == expected(tmp_path, pairs, "fleetWork:slow", folder=str(tmp_path))
+
+
+class LostFuture:
+    """A pair that is done, whose scheduler goes while the report is fetched."""
+
+    status = "finished"
+
+    def __init__(self, error: BaseException) -> None:
+        self.error = error
+
+    def result(self):
+        raise self.error
+
+
+@pytest.mark.parametrize("error", [OSError("closed"), TimeoutError(), asyncio.CancelledError()])
+def test_aSchedulerThatGoesWhileAReportIsFetchedIsLost(error):
+    session = object.__new__(daskWorkers._Session)
+    future = LostFuture(error)
+    session.given = {future: PairRecord("rig", "p")}
+    with pytest.raises(daskWorkers._Lost):
+        session._reportOf(future)
 
 
 def test_aSchedulerThatIsNotThereIsTold(tmp_path, monkeypatch):

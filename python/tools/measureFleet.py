@@ -6,6 +6,7 @@ ZELM_LIBRARY_PATH=build/gcc:build/gcc/measure PYTHONPATH=python:python/tools:pyt
 
 import argparse
 import os
+import resource
 import shutil
 import sys
 import tempfile
@@ -88,6 +89,17 @@ def seconds(
     return (times[-1] - times[skipped - 1]) / (len(times) - skipped)
 
 
+def processorTime(folder: Path, records: List[PairRecord]) -> float:
+    """Of the worker for a pair, seconds: what many pairs take more than a few."""
+    used = []
+    for count in (len(records) // 10, len(records)):
+        before = resource.getrusage(resource.RUSAGE_CHILDREN)
+        seconds(folder, "measureFleet:tiny", records[:count], 1, {})
+        after = resource.getrusage(resource.RUSAGE_CHILDREN)
+        used.append(after.ru_utime + after.ru_stime - before.ru_utime - before.ru_stime)
+    return (used[1] - used[0]) / (len(records) - len(records) // 10)
+
+
 def measureMemory(folder: Path, records: List[PairRecord]) -> None:
     for old in folder.glob("*.memory"):
         old.unlink()
@@ -110,6 +122,7 @@ def main() -> None:
         print("cost of a pair beside its work")
         one = seconds(folder, "measureFleet:tiny", records, 1, {})
         two = seconds(folder, "measureFleet:tiny", records, 2, {})
+        print(f"  {1e3 * processorTime(folder, records):.2f} ms of processor time")
         print(f"  {1e3 * one:.2f} ms with one worker, {1e3 * two:.2f} ms with two")
         with LocalCluster(n_workers=2, threads_per_worker=1, host="127.0.0.1", dashboard_address=None) as cluster:
             three = seconds(folder, "measureFleet:tiny", records, 2, {}, cluster.scheduler_address)

@@ -1,5 +1,7 @@
 """Work on the pairs by a scheduler of Dask, on any number of machines that share the folders."""
 
+import asyncio
+import concurrent.futures
 import logging
 import queue
 import time
@@ -15,6 +17,9 @@ _POLL = 1.0  # seconds between looks at a scheduler that answers, but has no new
 _TRY_AGAIN = 1.0  # seconds between attempts to reach a scheduler
 _CONNECT = 5  # seconds for one attempt
 _START = 30.0  # seconds to wait for the scheduler when the job begins
+
+_LOGGERS = ("distributed", *(f"distributed.{part}" for part in ("client", "core", "utils")), "tornado", "asyncio")
+_CANCELLED = (asyncio.CancelledError, concurrent.futures.CancelledError)
 
 Notice = Callable[[str], None]
 
@@ -53,7 +58,8 @@ def _clientOf(address: str, patience: float) -> Any:
         import distributed
     except ImportError:
         raise BatchError("--scheduler needs Dask (python3-distributed): install it, or leave the option out") from None
-    logging.getLogger("distributed").setLevel(logging.CRITICAL)  # what matters is told by the reports
+    for name in _LOGGERS:  # what matters of a lost connection is told by the reports
+        logging.getLogger(name).setLevel(logging.CRITICAL + 1)
     end = time.monotonic() + patience
     while True:
         try:
@@ -108,12 +114,15 @@ class _Session:
         record = self.given[future]
         if future.status in ("cancelled", "lost"):
             raise _Lost(future.status)
-        if future.status == "error":
-            error = future.exception()
-            words = str(error).splitlines()[0] if str(error) else ""
-            return Report(record, FAILED, f"{record.label()}: {type(error).__name__}: {words}")
-        report: Report = future.result()
-        return report
+        try:
+            error = future.exception() if future.status == "error" else None
+            if error is None:
+                report: Report = future.result()
+                return report
+        except (OSError, TimeoutError, *_CANCELLED) as broken:  # the scheduler went while it was asked
+            raise _Lost(type(broken).__name__) from None
+        words = str(error).splitlines()[0] if str(error) else ""
+        return Report(record, FAILED, f"{record.label()}: {type(error).__name__}: {words}")
 
     def _feed(self) -> None:
         room = max(_MIN_GIVEN, _AHEAD * self._threads()) - len(self.given)

@@ -23,13 +23,15 @@ def driftPicture(rows: List[Dict[str, Any]], name: str) -> bytes:
         import matplotlib
 
         matplotlib.use("Agg")
-        from matplotlib import pyplot
+        from matplotlib import dates, pyplot, ticker
     except ImportError:
         raise BatchError("--plot needs Matplotlib (python3-matplotlib): install it, or leave the option out") from None
     kind = os.path.splitext(name)[1].lstrip(".").lower()
     if kind not in ("png", "svg", "pdf"):
         raise BatchError(f"{name}: a picture's name ends with .png, .svg or .pdf")
     panels = [panel for panel in _PANELS if any(row[panel[0]] is not None for row in rows)]
+    if not panels:
+        raise BatchError(f"{name}: these results have no figures that drift shows in: detect has none")
     figure, axes = pyplot.subplots(
         len(panels), 1, sharex=True, squeeze=False, figsize=(_INCHES[0], 0.8 + _INCHES[1] * len(panels)),
         layout="constrained",
@@ -45,6 +47,9 @@ def driftPicture(rows: List[Dict[str, Any]], name: str) -> bytes:
     axes[0, 0].legend(fontsize="small", title="station")
     if _hasBars(panels):
         axes[-1, 0].set_xlabel("day; bars are two standard deviations")
+    if all(row["day"] for row in rows):
+        axes[-1, 0].xaxis.set_major_locator(ticker.MaxNLocator(integer=True))  # whole days
+        axes[-1, 0].xaxis.set_major_formatter(dates.DateFormatter("%Y-%m-%d"))
     axes[-1, 0].tick_params(axis="x", rotation=30)
     out = io.BytesIO()
     figure.savefig(out, format=kind, dpi=120)
