@@ -14,7 +14,7 @@ format_packages=(clang-format)
 i386_packages=(gcc-multilib g++-multilib)
 # OpenCV, which the benchmarks compare with: 160 MB in some 290 packages on a bare system, as calib3d brings the headers
 # of half of that library; about a minute.
-bench_packages=(libbenchmark-dev libmrcal-dev libopencv-imgproc-dev libopencv-calib3d-dev)
+bench_packages=(libbenchmark-dev libmrcal-dev libopencv-imgproc-dev libopencv-calib3d-dev libeigen3-dev)
 # The programs that files are exchanged with: 500 MB and more on a bare system.
 peers_packages=(python3 python3-numpy python3-scipy python3-yaml python3-opencv python3-mrcal python3-image-geometry
   python3-camera-calibration-parsers pcl-tools)

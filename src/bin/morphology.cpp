@@ -67,6 +67,7 @@ int32_t repeat(const ZelmImage* src, const ZelmRect* region, int32_t threshold, 
     return ZELM_OK;
 }
 
+// docs/decisions.md#opening-origin
 bool startsAtOrigin(const ZelmRect& region) {
     return region.x == 0 && region.y == 0;
 }

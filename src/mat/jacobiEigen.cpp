@@ -89,7 +89,8 @@ struct Rotations {
         const double apq = at(p, q);
         const double theta = (at(q, q) - at(p, p)) / (2.0 * apq);
         const double root = std::sqrt(theta * theta + 1.0);
-        const double t = theta >= 0.0 ? 1.0 / (theta + root) : 1.0 / (theta - root);
+        // Of the sign of theta, zeros of either sign counting as positive; no branch, which would be hard to predict.
+        const double t = std::copysign(1.0, theta + 0.0) / (std::fabs(theta) + root);
         const double c = 1.0 / std::sqrt(t * t + 1.0);
         const double s = t * c;
         const double app = at(p, p) - t * apq;

@@ -31,18 +31,19 @@ bool vanishes(double rest, double first) {
     return rest == 0.0 || (rest < kVanishing && rest != std::fabs(first));
 }
 
+// Of numbers that are hard to predict: no branch but for the zero.
 double hypotenuse(double a, double b) {
     const double x = std::fabs(a);
     const double y = std::fabs(b);
-    if (x > y) {
-        return x * std::sqrt(1.0 + (y / x) * (y / x));
-    }
-    return y == 0.0 ? 0.0 : y * std::sqrt(1.0 + (x / y) * (x / y));
+    const double larger = x > y ? x : y;
+    const double smaller = x > y ? y : x;
+    const double share = smaller / larger;
+    return larger == 0.0 ? 0.0 : larger * std::sqrt(1.0 + share * share);
 }
 
 // Zeros of either sign count as positive.
 double withSignOf(double magnitude, double f) {
-    return f < 0.0 ? -magnitude : magnitude;
+    return std::copysign(magnitude, f + 0.0);
 }
 
 // The rotation that turns (f, h) into (length, 0); keeps the present one when both are zero. Rotations of columns
@@ -78,10 +79,22 @@ struct Rotation {
     }
 };
 
-// A = U diag(w) V, in the making. e is the superdiagonal, e[0] = 0. V holds right singular vectors as rows.
-struct Svd {
+// The size of a matrix, where the compiler is to know it, and any other.
+template <Index kRows, Index kCols>
+struct FixedSize {
+    static constexpr Index m = kRows;
+    static constexpr Index n = kCols;
+};
+struct AnySize {
     Index m;
     Index n;
+};
+
+// A = U diag(w) V, in the making. e is the superdiagonal, e[0] = 0. V holds right singular vectors as rows.
+template <class Size>
+struct Svd : Size {
+    using Size::m;
+    using Size::n;
     double* u;
     double* w;
     double* v;      // n x n or null
@@ -356,6 +369,19 @@ struct Svd {
     }
 };
 
+// False when a singular value needs more than kMaxPasses passes.
+template <class Size>
+bool decompose(Svd<Size> svd) {
+    svd.bidiagonalise();
+    if (svd.v != nullptr) {
+        svd.accumulateRight();
+    }
+    if (svd.wantLeft) {
+        svd.accumulateLeft();
+    }
+    return svd.diagonalise();
+}
+
 // The power of two by which a matrix with this largest entry is multiplied before its decomposition.
 int scalingExponent(double largest) {
     if (largest == 0.0) {
@@ -394,15 +420,9 @@ bool innerSVD(Index m, Index n, double* u, bool wantLeft, double* w, double* v, 
     }
     const int exponent = scalingExponent(largest);
     multiplyByPowerOfTwo(exponent, m * n, u);
-    Svd svd{m, n, u, w, v, work, work + n, wantLeft};
-    svd.bidiagonalise();
-    if (v != nullptr) {
-        svd.accumulateRight();
-    }
-    if (wantLeft) {
-        svd.accumulateLeft();
-    }
-    if (!svd.diagonalise()) {
+    const bool found = m == 3 && n == 3 ? decompose(Svd<FixedSize<3, 3>>{{}, u, w, v, work, work + n, wantLeft})
+                                        : decompose(Svd<AnySize>{{m, n}, u, w, v, work, work + n, wantLeft});
+    if (!found) {
         return false;
     }
     multiplyByPowerOfTwo(-exponent, n, w);
