@@ -25,6 +25,12 @@ CameraPixels::CameraPixels(const Rig& rig, char cameraSide)
     fold = foldOf(p);
 }
 
+bool CameraPixels::isImaged(const Point2d& undistorted) const {
+    const auto [fx, skew, fy, cx, cy] = matrix;
+    const double y = (undistorted.y - cy) / fy;
+    return isWithinFold((undistorted.x - cx - skew * y) / fx, y);
+}
+
 Point2d CameraPixels::project(const Point3d& point) const {
     const ZelmCameraExtrinsics& pose = camera.pose();
     const Vector3 v = times(
@@ -42,13 +48,12 @@ Point2d CameraPixels::project(const Point3d& point) const {
 Point2d CameraPixels::undistort(const Point2d& raw) const {
     Point2d undistorted{};
     const std::int32_t status = zelm2ViewUnDistortPoint(calib, side, &raw, &undistorted);
-    return told(status, undistorted);
+    // Of a pixel that the lens shows nothing at, the iteration may end on the other branch of the polynomial.
+    return isImaged(undistorted) ? told(status, undistorted) : Point2d{kNone, kNone};
 }
 
 Point2d CameraPixels::distort(const Point2d& undistorted) const {
-    const auto [fx, skew, fy, cx, cy] = matrix;
-    const double y = (undistorted.y - cy) / fy;
-    if (!isWithinFold((undistorted.x - cx - skew * y) / fx, y)) {
+    if (!isImaged(undistorted)) {
         return {kNone, kNone};
     }
     Point2d raw{};
@@ -57,6 +62,9 @@ Point2d CameraPixels::distort(const Point2d& undistorted) const {
 }
 
 std::array<double, 3> CameraPixels::epipolarLine(const Point2d& raw) const {
+    if (!std::isfinite(undistort(raw).x)) {
+        return {kNone, kNone, kNone};
+    }
     Zelm2ViewEpiLine line{kNone, kNone, kNone, 0.0, 0.0, 0.0, 0.0};
     // The line is there before its ends in the image, which take memory: that they fail does not matter.
     static_cast<void>(zelm2ViewCalcEpiLine(calib, side == 'L' ? 'R' : 'L', &raw, &line));

@@ -23,6 +23,9 @@ private:
     // Whether normalised coordinates of this camera lie where its lens is one-to-one.
     bool isWithinFold(double x, double y) const { return x * x + y * y < fold; }
 
+    // Whether the lens shows what lies at an undistorted pixel.
+    bool isImaged(const Point2d& undistorted) const;
+
     const Zelm2ViewCalib* calib;
     const RigCamera& camera;
     char side;

@@ -155,5 +155,33 @@ TEST(PixelsBeyond, PlacesBeyondTheFoldOfTheLensHaveNoPixel) {
     }
 }
 
+// The farthest raw pixels show the fold itself, at two thirds of its radius.
+TEST(PixelsBeyond, RawPixelsThatShowNothingHaveNoUndistortedOne) {
+    RigTruth truth = trueRig();
+    truth.left.k1 = -0.1;
+    truth.left.k2 = 0.0;
+    const OpenedRig rig(truth.block());
+    const double farthest = std::sqrt(1.0 / 0.3) * 2.0 / 3.0;
+    for (const double factor : {0.2, 0.99, 1.01, 1.3, 2.0, 5.0, 30.0}) {
+        for (const double turn : {0.0, 0.7, 2.4, 4.0}) {
+            const double radius = factor * farthest;
+            const double raw[] = {truth.left.cx + radius * std::cos(turn) * truth.left.fx,
+                                  truth.left.cy + radius * std::sin(turn) * truth.left.fy};
+            double flat[2];
+            double line[3];
+            ASSERT_EQ(zelmMeasureUndistort(rig.get(), 'L', 1, raw, flat), ZELM_OK);
+            ASSERT_EQ(zelmMeasureEpipolarLines(rig.get(), 'L', 1, raw, line), ZELM_OK);
+            EXPECT_EQ(std::isnan(flat[0]) && std::isnan(flat[1]), factor > 1.0) << factor;
+            EXPECT_EQ(std::isnan(line[0]), factor > 1.0) << factor;
+            if (factor < 1.0) {
+                double back[2];
+                ASSERT_EQ(zelmMeasureDistort(rig.get(), 'L', 1, flat, back), ZELM_OK);
+                EXPECT_NEAR(back[0], raw[0], 1e-6);
+                EXPECT_NEAR(back[1], raw[1], 1e-6);
+            }
+        }
+    }
+}
+
 }  // namespace
 }  // namespace zelmtest
