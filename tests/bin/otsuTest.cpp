@@ -128,7 +128,7 @@ TEST(OtsuThreshold, RegionHistogramMatchesAPlainCount) {
     }
 }
 
-// Large regions are counted in pairs of pixels: noise, even ground and both, at widths that leave single pixels.
+// Noise, even ground and both, at widths that leave single pixels.
 TEST(GrayHistogram, CountsEveryPixelOfLargeRegions) {
     Random random(603);
     for (int trial = 0; trial < 12; ++trial) {

@@ -150,7 +150,6 @@ TEST(MeasureMemory, DotsAndTraitsOfPlates) {
                  record.pixels = out.numbers;
                  return ZELM_CASE(zelmMeasurePlateDots)(&image, &pattern, nullptr, &record, out.longs, out.longs + 1);
              },
-         .canDoWithout = true,  // the threshold of a large image, which then takes longer
          .everyOf = 40,
          .growth = 0.2});
     EXPECT_GE(dots.own, 35);
@@ -159,7 +158,6 @@ TEST(MeasureMemory, DotsAndTraitsOfPlates) {
     opposite.polarity = 1;
     const FaultCounts traits = expectEveryFailureIsTold(
         {.call = [&](FaultOutputs& out) { return ZELM_CASE(zelmMeasurePlateTraits)(&image, &opposite, &out.traits); },
-         .canDoWithout = true,
          .everyOf = 40,
          .growth = 0.2});
     EXPECT_GE(traits.own, 3);
