@@ -20,7 +20,7 @@ void growWindow(ptrdiff_t rounds, Unite unite) {
     }
 }
 
-// Words of zeros before and behind a plane, in which its steps look for bits.
+// Words before and behind a plane in which its steps look for bits.
 ptrdiff_t marginOf(ptrdiff_t rounds) {
     return rounds / kWordPixels + 1;
 }
@@ -33,15 +33,15 @@ BitPlane::BitPlane(const BitKernels& kernels, ptrdiff_t planeWidth, ptrdiff_t pl
       height(planeHeight),
       rounds(dilationRounds),
       stride(wordsOf(planeWidth + dilationRounds)),
-      memory(2 * static_cast<size_t>(planeHeight) + 4 * static_cast<size_t>(marginOf(dilationRounds)),
+      memory(2 * static_cast<size_t>(planeHeight) + 6 * static_cast<size_t>(marginOf(dilationRounds)),
              static_cast<size_t>(stride)) {
     if (ok()) {
         const ptrdiff_t half = static_cast<ptrdiff_t>(memory.size()) / 2;
         const ptrdiff_t margin = marginOf(rounds);
-        current = memory.data() + margin;
+        current = memory.data() + 2 * margin;
         other = current + half;
         for (uint64_t* const plane : {current, other}) {
-            std::fill_n(plane - margin, margin, uint64_t{0});
+            std::fill_n(plane - 2 * margin, 2 * margin, uint64_t{0});
             std::fill_n(plane + height * stride, margin, uint64_t{0});
         }
         for (ptrdiff_t r = 0; r < height; ++r) {
@@ -50,11 +50,17 @@ BitPlane::BitPlane(const BitKernels& kernels, ptrdiff_t planeWidth, ptrdiff_t pl
     }
 }
 
+// What a step sets before a row the next one may see from within it. It lies in the zeros behind the row before, and
+// before the first row in those of the margin, which are therefore dilated too, and cleared again for the next time.
 void BitPlane::dilateRows() {
+    const ptrdiff_t margin = marginOf(rounds);
     growWindow(rounds, [&](ptrdiff_t step) {
-        tier.uniteBits(current, height * stride, step, other);
+        tier.uniteBits(current - margin, height * stride + margin, step, other - margin);
         std::swap(current, other);
     });
+    for (uint64_t* const plane : {current, other}) {
+        std::fill_n(plane - margin, margin, uint64_t{0});
+    }
 }
 
 // A row beyond the plane would have seen no more of it than the plane's first or last row, which stands in for it.

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdlib>
 
 #include "guardedBuffer.h"
 #include "processors.h"
@@ -304,6 +305,28 @@ TEST(Morphology, DilationAndErosionMatchAModelPixelByPixel) {
             ASSERT_EQ(run(dilate ? zelmBinDilation : zelmBinErosion, image, region, t, iterations, out), ZELM_OK);
             expectRegion(out, region, model(cut(image, region), t, iterations, dilate),
                          dilate ? "dilation" : "erosion");
+        }
+    }
+}
+
+// One pixel becomes the square about it, wherever it lies: at corners and borders too.
+TEST(Morphology, OnePixelBecomesASquare) {
+    for (const int32_t width : {9, 14, 63, 64, 65, 70}) {
+        constexpr int32_t kHeight = 12;
+        for (const int32_t rounds : {1, 2, 3, 4, 5, 7, 8}) {
+            for (int32_t at = 0; at < width * kHeight; ++at) {
+                TestImage image(width, kHeight);
+                image.pixels[static_cast<std::size_t>(at)] = 200;
+                TestImage out(width, kHeight, kUntouched);
+                ASSERT_EQ(run(zelmBinDilation, image, image.all(), 100, rounds, out), ZELM_OK);
+                for (int32_t y = 0; y < kHeight; ++y) {
+                    for (int32_t x = 0; x < width; ++x) {
+                        const bool isNear = std::abs(x - at % width) <= rounds && std::abs(y - at / width) <= rounds;
+                        ASSERT_EQ(out.at(x, y), isNear ? 255 : 0)
+                            << "pixel " << at << " of rows of " << width << ", " << rounds << " rounds";
+                    }
+                }
+            }
         }
     }
 }
