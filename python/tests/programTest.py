@@ -140,6 +140,16 @@ def testPrivateFoldersAreNotNamed(monkeypatch, tmp_path):
     assert str(caught.value) == "left_0003.pgm: bad"
 
 
+def hasTerminals():
+    try:
+        for end in os.openpty():
+            os.close(end)
+    except OSError:
+        return False
+    return True
+
+
+@pytest.mark.skipif(not hasTerminals(), reason="the system gives no pseudo-terminals")
 def testProgressGoesToStderr(monkeypatch, tmp_path, capsys):
     drawn = r"""printf '\rreading [##..] 2/4' >&2; printf '\r\033[K' >&2; echo 'zelm: warning: hush' >&2"""
     pretend(tmp_path, monkeypatch, drawn + """; [ -t 2 ]; echo "{\\"status\\": \\"done\\", \\"tty\\": $?}" """)
@@ -148,6 +158,16 @@ def testProgressGoesToStderr(monkeypatch, tmp_path, capsys):
     shown = capsys.readouterr().err
     assert "reading [##..] 2/4" in shown and "hush" not in shown
     assert zelm.plan({}, plate) == {"tty": 1}
+    assert capsys.readouterr().err == ""
+
+
+def testWithoutATerminalNoProgressIsDrawn(monkeypatch, tmp_path, capsys):
+    def refuse():
+        raise OSError("no pseudo-terminals")
+
+    monkeypatch.setattr(os, "openpty", refuse)
+    pretend(tmp_path, monkeypatch, """echo '{"status": "done", "units": "mm"}'""")
+    assert zelm.plan({}, {"d": 1}, progress=True) == {"units": "mm"}
     assert capsys.readouterr().err == ""
 
 

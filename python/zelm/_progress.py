@@ -1,5 +1,6 @@
 """The program's progress bar, which it draws on terminals alone, shown wherever Python's stderr goes."""
 
+import contextlib
 import os
 import sys
 import threading
@@ -12,7 +13,7 @@ _ERASE = b"\x1b[K"  # of the bar, before words and at the end
 class ProgressPipe:
     """A terminal for the program's stderr. What it draws goes to sys.stderr; its lines of words do not.
 
-    The words come back by other ways, as warnings and exceptions.
+    The words come back by other ways, as warnings and exceptions. Where the system gives no terminal, nothing is drawn.
     """
 
     def __init__(self, wanted: bool) -> None:
@@ -20,7 +21,8 @@ class ProgressPipe:
         self._ownEnd: Optional[int] = None
         self._reader: Optional[threading.Thread] = None
         if wanted:
-            self._ownEnd, self.childEnd = os.openpty()
+            with contextlib.suppress(OSError):
+                self._ownEnd, self.childEnd = os.openpty()
 
     def __enter__(self) -> "ProgressPipe":
         return self
