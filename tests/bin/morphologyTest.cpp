@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 
 #include "guardedBuffer.h"
 #include "processors.h"
@@ -313,19 +312,20 @@ TEST(Morphology, DilationAndErosionMatchAModelPixelByPixel) {
 TEST(Morphology, OnePixelBecomesASquare) {
     for (const int32_t width : {9, 14, 63, 64, 65, 70}) {
         constexpr int32_t kHeight = 12;
-        for (const int32_t rounds : {1, 2, 3, 4, 5, 7, 8}) {
+        for (const int32_t rounds : {1, 2, 3, 4, 5, 8}) {
             for (int32_t at = 0; at < width * kHeight; ++at) {
                 TestImage image(width, kHeight);
                 image.pixels[static_cast<std::size_t>(at)] = 200;
                 TestImage out(width, kHeight, kUntouched);
                 ASSERT_EQ(run(zelmBinDilation, image, image.all(), 100, rounds, out), ZELM_OK);
-                for (int32_t y = 0; y < kHeight; ++y) {
-                    for (int32_t x = 0; x < width; ++x) {
-                        const bool isNear = std::abs(x - at % width) <= rounds && std::abs(y - at / width) <= rounds;
-                        ASSERT_EQ(out.at(x, y), isNear ? 255 : 0)
-                            << "pixel " << at << " of rows of " << width << ", " << rounds << " rounds";
-                    }
-                }
+                const int32_t left = std::max(at % width - rounds, 0);
+                const int32_t top = std::max(at / width - rounds, 0);
+                TestImage expected(width, kHeight);
+                expected.fillRect({left, top, std::min(at % width + rounds + 1, width) - left,
+                                   std::min(at / width + rounds + 1, kHeight) - top},
+                                  255);
+                ASSERT_TRUE(out.pixels == expected.pixels)
+                    << "pixel " << at << " of rows of " << width << ", " << rounds << " rounds";
             }
         }
     }
