@@ -110,7 +110,7 @@ def _prepared(
     digests = {station: digest for station, (_, digest) in files.items()}
     job = jobRecord(kind, options, description[1])
     settings = Settings(
-        kind=kind, options=options, store=os.path.abspath(store), job=digestOf(canonical(job)), library=libraries(),
+        kind=kind, options=options, store=os.path.abspath(store), job=digestOf(canonical(job)), loaded=libraries(),
         calibrations=files, plate=description, csv=os.path.abspath(csv) if csv else "",
         ply=os.path.abspath(ply) if ply else "", patience=patience,
     )

@@ -28,7 +28,7 @@ class Settings(NamedTuple):
     options: Dict[str, Any]
     store: str
     job: str  # digest of the store's job record
-    library: Dict[str, str]
+    loaded: Dict[str, str]  # version and digests of the libraries that make the results
     calibrations: Dict[str, Tuple[str, str]]  # path and digest by station
     plate: Tuple[str, str] = ("", "")  # path and digest of the plate's description
     csv: str = ""  # folders of exports
@@ -104,7 +104,7 @@ def perform(record: PairRecord, settings: Settings) -> Report:
 
 
 def _perform(record: PairRecord, settings: Settings) -> Report:
-    if libraries() != settings.library:
+    if libraries() != settings.loaded:
         return Report(record, STOPPED, "a worker has other libraries than the job: install the same on all machines")
     inputs = PairInputs(record, settings)
     provenance = provenanceOf(inputs)
@@ -135,7 +135,7 @@ def provenanceOf(inputs: PairInputs) -> Dict[str, Any]:
         "kind": settings.kind,
         "options": settings.options,
         "job": settings.job,
-        "library": settings.library["version"],
+        "library": settings.loaded["version"],
         "station": record.station,
         "pair": record.pair,
         "day": record.day,
