@@ -53,8 +53,9 @@ TEST(MeasureMemory, PixelsOfOneCamera) {
                                                           {"undistort", ZELM_CASE(zelmMeasureUndistort)},
                                                           {"distort", ZELM_CASE(zelmMeasureDistort)},
                                                           {"epipolar lines", ZELM_CASE(zelmMeasureEpipolarLines)}};
-    for (const auto& [name, function] : functions) {
-        SCOPED_TRACE(name);
+    for (const auto& named : functions) {
+        SCOPED_TRACE(named.first);
+        const Function function = named.second;
         const FaultCounts failures = expectEveryFailureIsTold(
             [&](FaultOutputs& out) { return function(rig.get(), 'R', 1, numbers, out.numbers); }, ZELM_OK, true);
         EXPECT_GE(failures.own, 1);
