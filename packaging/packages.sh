@@ -3,8 +3,8 @@ build_packages=(cmake ninja-build gcc g++ pkg-config)
 measure_packages=(libtbb-dev libceres-dev libyaml-cpp-dev libzip-dev zlib1g-dev)
 tool_packages=(libcli11-dev nlohmann-json3-dev libfmt-dev libgraphicsmagick1-dev libcairo2-dev libpng-dev libmd-dev
   libjs-three)
-# The last three of the tests' render and read the plates that `zelm plate` draws.
-test_packages=(libgtest-dev binutils groff-base mandoc poppler-utils librsvg2-bin python3-ezdxf)
+# The last three of the tests' render and read the plates that `zelm plate` draws; gm makes images worse in examples.
+test_packages=(libgtest-dev binutils groff-base mandoc graphicsmagick poppler-utils librsvg2-bin python3-ezdxf)
 clang_packages=(clang libclang-rt-14-dev)
 # The tool's pages in a browser: chromium is 250 MB.
 pages_packages=(chromium python3)
