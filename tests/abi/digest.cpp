@@ -1,12 +1,17 @@
 // Prints a digest of the bits of many results, so that builds by different compilers and at different optimisation
 // levels can be compared. With --families: one digest a family, to see where builds part.
+// With --plain: of the plain kernels. With --threads: whether threads that run at the same time compute what one alone
+// computes.
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "corrAlongPoints.h"
 #include "correlation.h"
+#include "cpuFeatures.h"
 #include "random.h"
 #include "zelmLib.h"
 
@@ -699,22 +704,68 @@ constexpr Family kFamilies[] = {
     {"images", digestImages}, {"calib", digestCalib}, {"windows", digestWindowScores}, {"expanded", digestExpanded},
     {"search", digestSearch}, {"geom", digestGeom},   {"stereo", digestStereo}};
 
+std::uint64_t digestOf(const Family& family) {
+    Digest digest;
+    family.run(digest);
+    return digest.value();
+}
+
+std::uint64_t digestOfAll() {
+    Digest all;
+    for (const Family& family : kFamilies) {
+        const std::uint64_t value = digestOf(family);
+        all.add(&value, sizeof value);
+    }
+    return all.value();
+}
+
+void printFamilies() {
+    for (const Family& family : kFamilies) {
+        std::printf("%-8s %016llx\n", family.name, static_cast<unsigned long long>(digestOf(family)));
+    }
+}
+
+// Every family at once in so many threads, each with objects of its own: all must get what one alone gets. The threads
+// come first, so that they also meet in what is found out on the first call.
+bool agreesInThreads(int count) {
+    std::vector<std::uint64_t> values(static_cast<std::size_t>(count));
+    std::vector<std::thread> threads;
+    threads.reserve(values.size());
+    for (std::uint64_t& value : values) {
+        threads.emplace_back([&value] { value = digestOfAll(); });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    const std::uint64_t alone = digestOfAll();
+    return std::all_of(values.begin(), values.end(), [alone](std::uint64_t value) { return value == alone; });
+}
+
+// From now on the processor seems to have no vector instructions.
+void usePlainKernels() {
+    zelm::cpuFeaturesFill([](std::uint32_t, std::uint32_t, std::uint32_t out[4]) -> std::uint32_t {
+        std::memset(out, 0, 4 * sizeof out[0]);
+        return 0;
+    });
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-    const bool byFamily = argc > 1 && std::string(argv[1]) == "--families";
-    Digest all;
-    for (const Family& family : kFamilies) {
-        Digest digest;
-        family.run(digest);
-        const std::uint64_t value = digest.value();
-        all.add(&value, sizeof value);
-        if (byFamily) {
-            std::printf("%-8s %016llx\n", family.name, static_cast<unsigned long long>(value));
+    const std::string option = argc > 1 ? argv[1] : "";
+    if (option == "--families") {
+        printFamilies();
+    } else if (option == "--threads") {
+        constexpr int kThreads = 4;
+        if (!agreesInThreads(kThreads)) {
+            std::printf("threads at the same time compute other bits than one alone\n");
+            return 1;
         }
-    }
-    if (!byFamily) {
-        std::printf("%016llx\n", static_cast<unsigned long long>(all.value()));
+    } else {
+        if (option == "--plain") {
+            usePlainKernels();
+        }
+        std::printf("%016llx\n", static_cast<unsigned long long>(digestOfAll()));
     }
     return 0;
 }

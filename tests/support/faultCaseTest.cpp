@@ -1,6 +1,12 @@
 // Runs every registered fault case with its k-th allocation failing, for every k, and checks that every function of the
 // public headers has a case.
+#include <cstdlib>
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
+
 #include <algorithm>
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <regex>
@@ -73,6 +79,42 @@ TEST(FaultCases, EveryExportedFunctionHasExactlyOneCase) {
 TEST(FaultCases, EachFailingAllocationIsReportedAndNothingLeaks) {
     for (const auto& faultCase : faultCases()) {
         runCase(faultCase);
+    }
+}
+
+// Cheap functions are called ten thousand times, those that calibrate or search some dozens of times at least.
+constexpr int kMostCalls = 10000;
+constexpr int kLeastCalls = 30;
+
+// What the process has taken from the heap, where the C library tells.
+std::size_t heapInUse() {
+#ifdef __GLIBC__
+    return mallinfo2().uordblks;
+#else
+    return 0;
+#endif
+}
+
+int callsWithin(const FaultCase& faultCase, std::chrono::milliseconds time) {
+    const auto end = std::chrono::steady_clock::now() + time;
+    int calls = 0;
+    while (calls < kLeastCalls || (calls < kMostCalls && std::chrono::steady_clock::now() < end)) {
+        FaultProbe probe(0);
+        faultCase.body(probe);
+        calls += 1;
+    }
+    return calls;
+}
+
+TEST(FaultCases, ManyCallsTakeNoMemoryForGood) {
+    for (const auto& faultCase : faultCases()) {
+        SCOPED_TRACE(faultCase.function);
+        callsWithin(faultCase, std::chrono::milliseconds(0));
+        const long blocks = allocCounters().live;
+        const std::size_t bytes = heapInUse();
+        const int calls = callsWithin(faultCase, std::chrono::milliseconds(200));
+        EXPECT_EQ(allocCounters().live, blocks) << calls << " calls";
+        EXPECT_EQ(heapInUse(), bytes) << calls << " calls";
     }
 }
 

@@ -52,6 +52,7 @@ TEST(ToolUsage, WrongUsageGivesTwo) {
     expectOneLine(zelm({"Info", "a.zcal"}), 2, {"Info: no such", "did you mean info?"});
     expectOneLine(zelm({"--helo"}), 2, {"--helo: not an option", "--help"});
     expectOneLine(zelm({"--json", "info", "a.zcal"}), 2, {"--json: not an option", "after its name"});
+    expectOneLine(zelm({"calibrate", "--plate", "--left", "x.png"}), 2, {"--plate: has no value", "--left follows"});
     expectOneLine(zelm({"detect"}), 2, {"required", "--help"});
     expectOneLine(zelm({"info", "a.zcal", "--unknown"}), 2, {"--unknown"});
     expectOneLine(calibrate("a.png", "b.png", "out", {"--left-model", "3"}), 2, {"--left-model"});

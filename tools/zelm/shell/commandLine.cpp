@@ -56,6 +56,21 @@ void checkFirstWord(const CLI::App& app, int argc, const char* const* argv) {
     }
 }
 
+// Throws Failure when an option that takes a value is followed by an option: the parser would take that for the value.
+void checkValues(const CLI::App& app, const std::vector<const char*>& words) {
+    const auto named = [&words](const CLI::App* sub) { return words.size() > 1 && sub->get_name() == words[1]; };
+    for (const CLI::App* const sub : app.get_subcommands(named)) {
+        for (std::size_t i = 2; i + 1 < words.size(); ++i) {
+            const std::string next = words[i + 1];
+            const CLI::Option* const option = sub->get_option_no_throw(words[i]);
+            if (option != nullptr && option->get_items_expected_min() > 0 && next.starts_with('-') &&
+                sub->get_option_no_throw(next) != nullptr) {
+                failUsage("{}: has no value: {} follows (--help lists the options)", words[i], next);
+            }
+        }
+    }
+}
+
 // "help" asks what --help does, and "help SUBCOMMAND" what SUBCOMMAND --help does.
 std::vector<const char*> withoutHelpWord(int argc, const char* const* argv) {
     std::vector<const char*> words(argv, argv + argc);
@@ -197,6 +212,7 @@ void CommandLine::run(int argc, const char* const* argv) {
     const std::vector<const char*> words = withoutHelpWord(argc, argv);
     const auto count = static_cast<int>(words.size());
     checkFirstWord(*parser, count, words.data());
+    checkValues(*parser, words);
     try {
         parser->parse(count, words.data());
     } catch (const CLI::ParseError& error) {
